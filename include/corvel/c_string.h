@@ -1,0 +1,312 @@
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <iosfwd>
+#include <string_view>
+#include <type_traits>
+
+#include <tessit/export.h>
+
+/// An owned string of bytes: every name, URI, value and text of the library.
+///
+/// By convention it holds UTF-8, but nothing here looks inside: lengths and
+/// positions count bytes, comparisons are byte for byte with bytes taken as
+/// unsigned. NUL bytes are legal content, and `data()` is NUL-terminated all the
+/// same. Up to 23 bytes live inside the object (24 bytes in all); longer texts
+/// have a heap block, which assignment reuses.
+///
+/// Operations that store bytes throw `std::bad_alloc`, or `std::length_error`
+/// past 64 GiB, and then leave the string as it was. Arguments may point into
+/// the string itself. One thread at a time.
+class TESSIT_API QeCString {
+public:
+    /// Which ends of a text to strip; a set of two bits.
+    enum stripType { stripNone = 0, stripLeading = 1, stripTrailing = 2, stripBoth = 3 };
+
+    /// "Not found", and "up to the end" where a length is asked for.
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+
+    /// The longest text that needs no heap block, in bytes.
+    static constexpr std::size_t InlineCapacity = 23;
+
+    constexpr QeCString() noexcept : raw{} { setInlineLength(0); }
+
+    /// A copy of a NUL-terminated text; a null pointer counts as empty. Texts of
+    /// up to 23 bytes make a constant expression.
+    constexpr QeCString(const char* text) : raw{} {
+        setInlineLength(0);
+        if (text == nullptr) return;
+        if (std::is_constant_evaluated()) {
+            std::size_t length = 0;
+            while (text[length] != '\0')
+                ++length;
+            for (std::size_t i = 0; i < length; ++i)
+                raw[i] = text[i];  // past 23 bytes: not a constant
+            setInlineLength(length);
+        } else {
+            assign(text, std::char_traits<char>::length(text));
+        }
+    }
+
+    /// A copy of `length` bytes at `bytes`, which may be null when `length` is 0.
+    QeCString(const char* bytes, std::size_t length) : QeCString() { assign(bytes, length); }
+
+    /// A copy of the viewed bytes.
+    explicit QeCString(std::string_view text) : QeCString(text.data(), text.size()) {}
+
+    QeCString(const QeCString& other) {
+        if (other.isInline()) {
+            std::memcpy(raw, other.raw, sizeof raw);
+        } else {
+            setInlineLength(0);
+            assignSlowly(other.heapData(), other.heapLength());
+        }
+    }
+
+    QeCString(QeCString&& other) noexcept {
+        std::memcpy(raw, other.raw, sizeof raw);
+        other.forgetBlock();
+    }
+
+    QeCString& operator=(const QeCString& other) {
+        if (isInline() && other.isInline()) {
+            std::memmove(raw, other.raw, sizeof raw);
+        } else {
+            assign(other.data(), other.length());
+        }
+        return *this;
+    }
+
+    QeCString& operator=(QeCString&& other) noexcept {
+        if (this != &other) {
+            releaseBlock();
+            std::memcpy(raw, other.raw, sizeof raw);
+            other.forgetBlock();
+        }
+        return *this;
+    }
+
+    QeCString& operator=(const char* text) {
+        assign(text, text == nullptr ? 0 : std::strlen(text));
+        return *this;
+    }
+
+    ~QeCString() { releaseBlock(); }
+
+    /// The number of bytes, without the terminator.
+    std::size_t length() const noexcept {
+        return isInline() ? InlineCapacity - static_cast<unsigned char>(raw[TagIndex]) : heapLength();
+    }
+
+    bool empty() const noexcept { return length() == 0; }
+
+    /// The bytes, followed by a NUL. Valid until the string is changed, moved or destroyed.
+    const char* data() const noexcept { return isInline() ? raw : heapData(); }
+
+    const char* begin() const noexcept { return data(); }
+    const char* end() const noexcept { return data() + length(); }
+
+    /// A view of the bytes, as long-lived as `data()`.
+    operator std::string_view() const noexcept { return {data(), length()}; }
+
+    /// The byte at `index`; throws `QeBoundsError` unless `index < length()`.
+    char operator[](std::size_t index) const {
+        if (index >= length()) raiseIndex(index);
+        return data()[index];
+    }
+
+    /// The byte at `index`, to be changed; throws `QeBoundsError` unless `index < length()`.
+    char& operator[](std::size_t index) {
+        if (index >= length()) raiseIndex(index);
+        return mutableData()[index];
+    }
+
+    /// Replaces the text. Keeps a heap block that is large enough. O(length).
+    void assign(const char* bytes, std::size_t length) {
+        if (length <= InlineCapacity && isInline()) {
+            copyShort(raw, bytes, length);
+            raw[length] = '\0';
+            setInlineLength(length);
+        } else {
+            assignSlowly(bytes, length);
+        }
+    }
+
+    void assign(std::string_view text) { assign(text.data(), text.size()); }
+
+    /// Empties the text and keeps its storage.
+    void clear() noexcept { truncate(0); }
+
+    /// Shortens the text to `length` bytes; does nothing when it is not longer.
+    void truncate(std::size_t length) noexcept;
+
+    /// Makes the text `length` bytes long and returns them, to be written over:
+    /// what is not kept of the old text is unspecified until then. Everything that
+    /// `data()` says holds for the pointer.
+    char* resizeForOverwrite(std::size_t length);
+
+    /// Makes room for `length` bytes in all, so that growing up to them allocates nothing.
+    void reserve(std::size_t length);
+
+    /// Appends bytes. Amortised O(bytes).
+    void append(const char* bytes, std::size_t length);
+    void append(std::string_view text) { append(text.data(), text.size()); }
+    void append(char byte) { append(&byte, 1); }
+
+    QeCString& operator+=(std::string_view text) {
+        append(text);
+        return *this;
+    }
+
+    QeCString& operator+=(char byte) {
+        append(byte);
+        return *this;
+    }
+
+    friend QeCString operator+(const QeCString& left, std::string_view right) { return concatenate(left, right); }
+    friend QeCString operator+(const QeCString& left, const QeCString& right) { return concatenate(left, right); }
+    friend QeCString operator+(const QeCString& left, const char* right) { return concatenate(left, right); }
+    friend QeCString operator+(const char* left, const QeCString& right) { return concatenate(left, right); }
+
+    /// The position of the first `byte` at or after `from`, or `npos`. O(length).
+    std::size_t find(char byte, std::size_t from = 0) const noexcept;
+
+    /// The position of the first `text` at or after `from`, or `npos`.
+    std::size_t find(std::string_view text, std::size_t from = 0) const noexcept;
+
+    /// The position of the first byte at or after `from` that is one of `set`, or `npos`.
+    std::size_t findFirstOf(std::string_view set, std::size_t from = 0) const noexcept;
+
+    /// A view of up to `length` bytes from `position`; empty past the end. As long-lived as `data()`.
+    std::string_view substring(std::size_t position, std::size_t length = npos) const noexcept;
+
+    /// Turns a to z into A to Z, whatever the locale; other bytes stay.
+    void toUpper() noexcept;
+
+    /// Replaces the text by all that is left in `in`, byte for byte, and sets the
+    /// stream's end-of-file state. A stream that cannot be read gives an empty
+    /// text. What the stream's buffer throws passes through and leaves the text
+    /// as it was.
+    void readFile(std::istream& in);
+
+    /// A negative number, 0 or a positive number: bytes as unsigned, a proper prefix first.
+    int compare(std::string_view other) const noexcept { return std::string_view(*this).compare(other); }
+
+    friend bool operator==(const QeCString& left, const QeCString& right) noexcept {
+        return left.equals(right.data(), right.length());
+    }
+    friend bool operator==(const QeCString& left, std::string_view right) noexcept {
+        return left.equals(right.data(), right.size());
+    }
+    friend bool operator==(const QeCString& left, const char* right) noexcept {
+        return std::string_view(left) == std::string_view(right);
+    }
+    friend std::strong_ordering operator<=>(const QeCString& left, const QeCString& right) noexcept {
+        return left.compare(right) <=> 0;
+    }
+
+    friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
+
+private:
+    // The last byte tells the two layouts apart. Up to 23: the text is in place
+    // and this is the room left, so that a full string's tag is its terminator.
+    // HeapTag: the first bytes are a Block.
+    static constexpr std::size_t TagIndex = InlineCapacity;
+    static constexpr char HeapTag = static_cast<char>(0x80);
+
+    struct Block {
+        char* data;
+        std::size_t length;
+        std::uint32_t units;  // of UnitSize bytes, the terminator's byte included
+    };
+    static constexpr std::size_t UnitSize = 16;
+    static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
+
+    bool isInline() const noexcept { return static_cast<signed char>(raw[TagIndex]) >= 0; }
+
+    constexpr void setInlineLength(std::size_t length) noexcept {
+        raw[TagIndex] = static_cast<char>(InlineCapacity - length);
+    }
+
+    // The block's fields are read and written by memcpy, which compiles to plain
+    // moves: the bytes are a char array, so that constants need no code to run.
+    char* heapData() const noexcept {
+        char* data;
+        std::memcpy(&data, raw + offsetof(Block, data), sizeof data);
+        return data;
+    }
+    std::size_t heapLength() const noexcept {
+        std::size_t length;
+        std::memcpy(&length, raw + offsetof(Block, length), sizeof length);
+        return length;
+    }
+    void setHeapLength(std::size_t length) noexcept {
+        std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
+    }
+
+    char* mutableData() noexcept { return isInline() ? raw : heapData(); }
+
+    void forgetBlock() noexcept {
+        raw[0] = '\0';
+        setInlineLength(0);
+    }
+
+    void releaseBlock() noexcept {
+        if (!isInline()) freeBlock();
+    }
+
+    bool equals(const char* bytes, std::size_t count) const noexcept {
+        return length() == count && (count == 0 || std::memcmp(data(), bytes, count) == 0);
+    }
+
+    // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
+    // branch loads everything before it stores, so the ranges may overlap.
+    static void copyShort(char* to, const char* from, std::size_t length) noexcept {
+        if (length >= 16) {
+            moveEnds<16>(to, from, length);
+        } else if (length >= 8) {
+            moveEnds<8>(to, from, length);
+        } else if (length >= 4) {
+            moveEnds<4>(to, from, length);
+        } else if (length > 0) {
+            char first = from[0], middle = from[length / 2], last = from[length - 1];
+            to[0] = first;
+            to[length / 2] = middle;
+            to[length - 1] = last;
+        }
+    }
+
+    // The first and the last Size bytes, which together cover everything from Size to 2 * Size bytes.
+    template <std::size_t Size>
+    static void moveEnds(char* to, const char* from, std::size_t length) noexcept {
+        struct Chunk {
+            char bytes[Size];
+        } head, tail;
+        std::memcpy(&head, from, Size);
+        std::memcpy(&tail, from + length - Size, Size);
+        std::memcpy(to, &head, Size);
+        std::memcpy(to + length - Size, &tail, Size);
+    }
+
+    static QeCString concatenate(std::string_view left, std::string_view right);
+
+    void assignSlowly(const char* bytes, std::size_t length);
+    void freeBlock() noexcept;
+    std::size_t capacity() const noexcept;
+    void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
+    void setLength(std::size_t length) noexcept;
+    [[noreturn]] void raiseIndex(std::size_t index) const;
+
+    alignas(std::size_t) char raw[InlineCapacity + 1];
+};
+
+static_assert(sizeof(QeCString) == 24);
+
+template <>
+struct std::hash<QeCString> {
+    std::size_t operator()(const QeCString& text) const noexcept { return std::hash<std::string_view>()(text); }
+};

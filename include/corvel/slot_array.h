@@ -1,0 +1,79 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+/// A growable array that keeps its elements' storage when it is emptied.
+///
+/// Elements behind the last one in use stay constructed as spare slots, so that
+/// what is filled and cleared over and over (the attributes of each tag, the
+/// bindings of each scope) stops allocating: a new element takes a spare slot
+/// and assigns to the strings in it. Copies take over the elements in use only.
+template <typename T>
+class QeSlotArray {
+public:
+    QeSlotArray() = default;
+    QeSlotArray(const QeSlotArray& other) : slots(other.begin(), other.end()), used(other.used) {}
+    QeSlotArray(QeSlotArray&& other) noexcept : slots(std::move(other.slots)), used(std::exchange(other.used, 0)) {}
+    ~QeSlotArray() = default;
+
+    QeSlotArray& operator=(QeSlotArray other) noexcept {
+        swap(other);
+        return *this;
+    }
+
+    T* begin() noexcept { return slots.data(); }
+    T* end() noexcept { return slots.data() + used; }
+    const T* begin() const noexcept { return slots.data(); }
+    const T* end() const noexcept { return slots.data() + used; }
+    T& operator[](std::size_t index) noexcept { return slots[index]; }
+    const T& operator[](std::size_t index) const noexcept { return slots[index]; }
+    T& back() noexcept { return slots[used - 1]; }
+    const T& back() const noexcept { return slots[used - 1]; }
+
+    std::size_t size() const noexcept { return used; }
+    bool empty() const noexcept { return used == 0; }
+
+    /// Makes sure that the next `count` calls of `append` in all allocate no slot.
+    void reserveSlots(std::size_t count) {
+        if (count > slots.size()) slots.resize(std::max(count, slots.size() + slots.size() / 2));
+    }
+
+    /// Appends an element, in whatever state its slot was left. Amortised O(1); strong guarantee.
+    T& append() {
+        if (used == slots.size()) reserveSlots(std::max<std::size_t>(4, used + 1));
+        return slots[used++];
+    }
+
+    /// Drops the last element and keeps its slot.
+    void dropLast() noexcept { --used; }
+
+    /// Drops all elements and keeps their slots.
+    void clear() noexcept { used = 0; }
+
+    /// Moves the last element to `position`, and those from there on up by one.
+    void moveLastTo(T* position) noexcept {
+        T last = std::move(back());
+        std::move_backward(position, end() - 1, end());
+        *position = std::move(last);
+    }
+
+    /// Removes the element at `position`; those behind it move down by one.
+    void remove(T* position) noexcept {
+        T removed = std::move(*position);
+        std::move(position + 1, end(), position);
+        back() = std::move(removed);
+        dropLast();
+    }
+
+    void swap(QeSlotArray& other) noexcept {
+        slots.swap(other.slots);
+        std::swap(used, other.used);
+    }
+
+private:
+    std::vector<T> slots;
+    std::size_t used = 0;
+};

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <stdexcept>
+
+#include <corvel/exmsg.h>
+
+/// The root of the library's own exceptions.
+///
+/// Each class below is one reaction that a caller can have. It can be caught as
+/// `QeXmlError`, as `Qexmsg`, or as the standard exception that is its second
+/// base; `why()` and `what()` return the same text, which lives as long as the
+/// exception. Copying an exception copies strings and may throw `std::bad_alloc`.
+class TESSIT_API QeXmlError : public Qexmsg {
+public:
+    explicit QeXmlError(const QeCString& msg) : Qexmsg(msg.data()) {}
+    explicit QeXmlError(const QeMessage& msg) : Qexmsg(msg) {}
+    QeXmlError(const QeXmlError&) = default;
+    QeXmlError& operator=(const QeXmlError&) = default;
+    ~QeXmlError() override;
+};
+
+/// An argument that the called operation cannot take.
+class TESSIT_API QeXmlBadArgError : public QeXmlError, public std::invalid_argument {
+public:
+    explicit QeXmlBadArgError(const QeCString& msg) : QeXmlError(msg), std::invalid_argument(msg.data()) {}
+    explicit QeXmlBadArgError(const QeMessage& msg) : QeXmlError(msg), std::invalid_argument(msg.getText()) {}
+    QeXmlBadArgError(const QeXmlBadArgError&) = default;
+    QeXmlBadArgError& operator=(const QeXmlBadArgError&) = default;
+    ~QeXmlBadArgError() override;
+};
+
+/// An index or position outside a collection.
+class TESSIT_API QeXmlBoundsError : public QeXmlError, public std::out_of_range {
+public:
+    explicit QeXmlBoundsError(const QeCString& msg) : QeXmlError(msg), std::out_of_range(msg.data()) {}
+    explicit QeXmlBoundsError(const QeMessage& msg) : QeXmlError(msg), std::out_of_range(msg.getText()) {}
+    QeXmlBoundsError(const QeXmlBoundsError&) = default;
+    QeXmlBoundsError& operator=(const QeXmlBoundsError&) = default;
+    ~QeXmlBoundsError() override;
+};
+
+/// Input outside what an operation is defined for.
+class TESSIT_API QeXmlDomainError : public QeXmlError, public std::domain_error {
+public:
+    explicit QeXmlDomainError(const QeCString& msg) : QeXmlError(msg), std::domain_error(msg.data()) {}
+    explicit QeXmlDomainError(const QeMessage& msg) : QeXmlError(msg), std::domain_error(msg.getText()) {}
+    QeXmlDomainError(const QeXmlDomainError&) = default;
+    QeXmlDomainError& operator=(const QeXmlDomainError&) = default;
+    ~QeXmlDomainError() override;
+};
+
+/// A state that should not arise.
+class TESSIT_API QeXmlInternalError : public QeXmlError, public std::logic_error {
+public:
+    explicit QeXmlInternalError(const QeCString& msg) : QeXmlError(msg), std::logic_error(msg.data()) {}
+    explicit QeXmlInternalError(const QeMessage& msg) : QeXmlError(msg), std::logic_error(msg.getText()) {}
+    QeXmlInternalError(const QeXmlInternalError&) = default;
+    QeXmlInternalError& operator=(const QeXmlInternalError&) = default;
+    ~QeXmlInternalError() override;
+};
+
+/// A length or count past its limit.
+class TESSIT_API QeXmlLengthError : public QeXmlError, public std::length_error {
+public:
+    explicit QeXmlLengthError(const QeCString& msg) : QeXmlError(msg), std::length_error(msg.data()) {}
+    explicit QeXmlLengthError(const QeMessage& msg) : QeXmlError(msg), std::length_error(msg.getText()) {}
+    QeXmlLengthError(const QeXmlLengthError&) = default;
+    QeXmlLengthError& operator=(const QeXmlLengthError&) = default;
+    ~QeXmlLengthError() override;
+};
+
+/// A result that its type cannot hold.
+class TESSIT_API QeXmlRangeError : public QeXmlError, public std::range_error {
+public:
+    explicit QeXmlRangeError(const QeCString& msg) : QeXmlError(msg), std::range_error(msg.data()) {}
+    explicit QeXmlRangeError(const QeMessage& msg) : QeXmlError(msg), std::range_error(msg.getText()) {}
+    QeXmlRangeError(const QeXmlRangeError&) = default;
+    QeXmlRangeError& operator=(const QeXmlRangeError&) = default;
+    ~QeXmlRangeError() override;
+};
+
+/// A value that its schema type refuses; the validator collects these.
+class TESSIT_API QeXmlSchemaError : public QeXmlError, public std::logic_error {
+public:
+    explicit QeXmlSchemaError(const QeCString& msg) : QeXmlError(msg), std::logic_error(msg.data()) {}
+    explicit QeXmlSchemaError(const QeMessage& msg) : QeXmlError(msg), std::logic_error(msg.getText()) {}
+    QeXmlSchemaError(const QeXmlSchemaError&) = default;
+    QeXmlSchemaError& operator=(const QeXmlSchemaError&) = default;
+    ~QeXmlSchemaError() override;
+};
+
+/// A document that cannot be read, and where.
+///
+/// Line and column count from 1, the column in bytes of the document as UTF-8.
+/// They stand beside the text, never in it.
+class TESSIT_API QeXmlParseError : public QeXmlDomainError {
+public:
+    QeXmlParseError(const QeCString& msg, const QeCString& file, unsigned line, unsigned column)
+        : QeXmlDomainError(msg), sourceFile(file), lineNumber(line), columnNumber(column) {}
+    QeXmlParseError(const QeMessage& msg, const QeCString& file, unsigned line, unsigned column)
+        : QeXmlDomainError(msg), sourceFile(file), lineNumber(line), columnNumber(column) {}
+    QeXmlParseError(const QeXmlParseError&) = default;
+    QeXmlParseError& operator=(const QeXmlParseError&) = default;
+    ~QeXmlParseError() override;
+
+    /// The name of the document's source. The reader does not know it and leaves it empty.
+    QeCString getSourceFile() const { return sourceFile; }
+    void setSourceFile(const QeCString& name) { sourceFile = name; }
+
+    unsigned getLineNumber() const noexcept { return lineNumber; }
+    void setLineNumber(unsigned line) noexcept { lineNumber = line; }
+
+    unsigned getColumnNumber() const noexcept { return columnNumber; }
+    void setColumnNumber(unsigned column) noexcept { columnNumber = column; }
+
+private:
+    QeCString sourceFile;
+    unsigned lineNumber;
+    unsigned columnNumber;
+};
+
+/// Throws a copy of the argument, of exactly the parameter's class: the overload
+/// is chosen by the static type.
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlBadArgError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlBoundsError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlDomainError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlInternalError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlLengthError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlParseError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlRangeError& error);
+[[noreturn]] TESSIT_API void QeThrow(const QeXmlSchemaError& error);

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <tessit/model/xml_name.h>
+
+/// A name and a value. The value is UTF-8 text without escapes.
+///
+/// References from the accessors live as long as the object.
+class TESSIT_API QeXmlAttribute {
+public:
+    QeXmlAttribute() = default;
+    QeXmlAttribute(const QeXmlName& attributeName, const QeCString& text) : name(attributeName), value(text) {}
+
+    /// Mind the order: local name, value, namespace.
+    QeXmlAttribute(const QeCString& localName, const QeCString& text, const QeXmlNamespace& ns)
+        : name(localName, ns), value(text) {}
+
+    const QeXmlName& getName() const noexcept { return name; }
+    QeXmlName& getName() noexcept { return name; }
+    void setName(const QeXmlName& newName) { name = newName; }
+
+    const QeCString& getValue() const noexcept { return value; }
+    void setValue(const QeCString& newValue) { value = newValue; }
+
+    /// The order of the names; values are not compared.
+    int compareTo(const QeXmlAttribute& other) const noexcept { return name.compareTo(other.name); }
+
+private:
+    friend class QeXmlReader;  // fills its nodes in place
+
+    QeXmlName name;
+    QeCString value;
+};

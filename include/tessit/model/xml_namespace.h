@@ -1,0 +1,59 @@
+#pragma once
+
+#include <corvel/c_string.h>
+
+/// A namespace binding: a prefix and the namespace name (URI) it stands for.
+///
+/// Its identity is the URI: comparisons never look at the prefix. An empty
+/// prefix is a default namespace, an empty URI no namespace. All comparisons are
+/// exact, byte for byte. References from the accessors live as long as the object.
+class TESSIT_API QeXmlNamespace {
+public:
+    QeXmlNamespace() = default;
+    QeXmlNamespace(const QeCString& nsPrefix, const QeCString& nsURI) : prefix(nsPrefix), uri(nsURI) {}
+
+    const QeCString& getPrefix() const noexcept { return prefix; }
+    void setPrefix(const QeCString& value) { prefix = value; }
+
+    const QeCString& getURI() const noexcept { return uri; }
+    void setURI(const QeCString& value) { uri = value; }
+
+    /// -1, 0 or 1 by the URIs alone: bytes as unsigned, a proper prefix first. O(length).
+    int compareTo(const QeXmlNamespace& other) const noexcept;
+
+    /// `"PREFIX"-->"URI"`, the quotes included; for messages.
+    QeCString infoString() const;
+
+    /// The namespace of declarations: prefix "xmlns" and, unlike in other
+    /// libraries, the empty URI, so by identity the same as no namespace.
+    static const QeXmlNamespace& getXmlns();
+
+    /// The XML Schema instance namespace, prefix "xsi". The reference can be
+    /// written through; what is written is seen by all later callers, and must not
+    /// be written while another thread reads it.
+    static QeXmlNamespace& getXsi();
+
+    /// The XML Schema namespace, prefix "xsd"; to be changed as `getXsi()` is.
+    static QeXmlNamespace& getXsd();
+
+    /// Empty prefix, empty URI.
+    static const QeXmlNamespace& getEmptyNamespace();
+
+    /// Whether the URI of `ns` is that of `getXmlns()`, that is, empty.
+    static bool matchXmlns(const QeXmlNamespace& ns);
+
+    /// Whether the URI of `ns` is the one that `getXsi()` holds now, or that of
+    /// the instance namespace in the 1999 working draft.
+    static bool matchXsi(const QeXmlNamespace& ns);
+
+    /// Whether the URI of `ns` is the one that `getXsd()` holds now, or that of
+    /// XML Schema in the 1999 working draft.
+    static bool matchXsd(const QeXmlNamespace& ns);
+
+private:
+    friend class QeXmlReader;          // fills its nodes in place
+    friend class QeXmlNamespaceStack;  // fills its slots in place
+
+    QeCString prefix;
+    QeCString uri;
+};

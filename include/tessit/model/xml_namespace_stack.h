@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include <corvel/slot_array.h>
+#include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_namespace.h>
+
+/// The namespace bindings in force at one point of a document.
+///
+/// One scope per open element; lookups see the innermost scope first, and within
+/// a scope the binding that was added first. Prefixes and URIs are UTF-8 and
+/// compared byte for byte. An empty result means either that nothing is bound or
+/// that the empty string is. A copy shares nothing with its original. One thread
+/// at a time.
+///
+/// References from the lookups stay valid until the scope that holds the binding
+/// is popped or gains a binding.
+class TESSIT_API QeXmlNamespaceStack {
+public:
+    /// A stack without a scope.
+    QeXmlNamespaceStack() noexcept;
+    QeXmlNamespaceStack(const QeXmlNamespaceStack& other);
+    QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept;
+    QeXmlNamespaceStack& operator=(QeXmlNamespaceStack other) noexcept;
+    ~QeXmlNamespaceStack();
+
+    /// Opens an empty scope. O(1), allocates nothing.
+    void pushScope() noexcept { ++depth; }
+
+    /// Drops the innermost scope with its bindings; without one, does nothing.
+    /// O(1) for a scope that declares nothing, else O(its bindings), times the
+    /// logarithm of the bindings in force when there are many.
+    void popScope() noexcept {
+        if (innermostDeclares()) dropBindings();
+        if (depth > 0) --depth;
+    }
+
+    /// Appends a copy of `ns` to the innermost scope, behind any equal prefix
+    /// already there. Without a scope, opens one. Amortised O(1), with many
+    /// bindings in force O(log of them). Strong guarantee.
+    void addNamespace(const QeXmlNamespace& ns);
+
+    /// The URI bound to `prefix`, or the empty string. Visits scopes that declare
+    /// something only, and with many bindings in force an index: O(log of them).
+    const QeCString& getURIForPrefix(const QeCString& prefix) const noexcept;
+
+    /// The prefix of the first binding found for `uri`, or the empty string. No
+    /// check is made whether an inner scope binds that prefix to another URI. Costs
+    /// as much as `getURIForPrefix`.
+    const QeCString& getPrefixForURI(const QeCString& uri) const noexcept;
+
+    /// The bindings of the innermost scope, in the order of adding; an empty range
+    /// without a scope. Valid until the scope is popped or gains a binding.
+    const QeXmlNamespace* namespacesBegin() const noexcept {
+        return innermostDeclares() ? declaring.back().bindings.begin() : nullptr;
+    }
+    const QeXmlNamespace* namespacesEnd() const noexcept {
+        return innermostDeclares() ? declaring.back().bindings.end() : nullptr;
+    }
+
+private:
+    friend class QeXmlReader;  // resolves names without building strings for the lookup
+
+    // Most elements declare nothing, so such a scope is only a count: opening one
+    // allocates nothing, and a lookup at depth 10^6 visits none of them.
+    struct DeclaringScope {
+        std::size_t depth = 0;
+        std::uint64_t state = 0;
+        QeSlotArray<QeXmlNamespace> bindings;  // in the order of adding
+    };
+    struct Index;
+
+    bool innermostDeclares() const noexcept { return !declaring.empty() && declaring.back().depth == depth; }
+
+    // A number for the bindings in force: as long as it is the same, every lookup
+    // gives the same binding, at the same address. Popping a scope brings back the
+    // number from before it.
+    std::uint64_t state() const noexcept { return declaring.empty() ? 0 : declaring.back().state; }
+
+    // Where a lookup begins: with the innermost scope, or with the one around it.
+    enum class From : unsigned char { Innermost, AroundInnermost };
+
+    const QeXmlNamespace* findPrefix(std::string_view prefix, From from = From::Innermost) const noexcept;
+    const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
+
+    template <typename Matches>
+    const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
+
+    // `addNamespace` for views that point outside the stack.
+    void addBinding(std::string_view prefix, std::string_view uri);
+
+    // Pops a scope and leaves its bindings as the only scope of `closed`.
+    void popScopeInto(QeXmlNamespaceStack& closed);
+    void takeScope(DeclaringScope& scope) noexcept;
+    void clear() noexcept {
+        if (depth != 0) dropAll();
+    }
+
+    void dropAll() noexcept;
+    void dropBindings() noexcept;
+    void forgetInnermost() noexcept;
+    void addToIndex(const QeXmlNamespace& binding, std::size_t scope);
+    void buildIndex();
+
+    std::size_t depth = 0;
+    QeSlotArray<DeclaringScope> declaring;  // outermost first
+    std::size_t bindingCount = 0;           // in all scopes
+    std::uint64_t lastState = 0;
+    std::unique_ptr<Index> index;  // only while many bindings are in force
+};

@@ -1,0 +1,15 @@
+#pragma once
+
+/// Everything that the library offers.
+
+#include <corvel/c_string.h>
+#include <corvel/exmsg.h>
+#include <tessit/errors/catalog.h>
+#include <tessit/errors/xml_error.h>
+#include <tessit/model/xml_attribute.h>
+#include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_name.h>
+#include <tessit/model/xml_namespace.h>
+#include <tessit/model/xml_namespace_stack.h>
+#include <tessit/model/xml_prolog.h>
+#include <tessit/utils/xml_utils.h>

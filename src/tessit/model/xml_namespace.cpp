@@ -1,0 +1,56 @@
+#include <tessit/model/xml_namespace.h>
+
+namespace {
+
+constexpr char XsiUri[] = "http://www.w3.org/2001/XMLSchema-instance";
+constexpr char XsdUri[] = "http://www.w3.org/2001/XMLSchema";
+constexpr std::string_view XsiUri1999 = "http://www.w3.org/1999/XMLSchema-instance";
+constexpr std::string_view XsdUri1999 = "http://www.w3.org/1999/XMLSchema";
+
+}  // namespace
+
+int QeXmlNamespace::compareTo(const QeXmlNamespace& other) const noexcept {
+    const int order = uri.compare(other.uri);
+    return order < 0 ? -1 : order > 0 ? 1 : 0;
+}
+
+QeCString QeXmlNamespace::infoString() const {
+    QeCString info("\"");
+    info += prefix;
+    info += "\"-->\"";
+    info += uri;
+    info += '"';
+    return info;
+}
+
+const QeXmlNamespace& QeXmlNamespace::getXmlns() {
+    static const QeXmlNamespace xmlns("xmlns", "");
+    return xmlns;
+}
+
+QeXmlNamespace& QeXmlNamespace::getXsi() {
+    static QeXmlNamespace xsi("xsi", XsiUri);
+    return xsi;
+}
+
+QeXmlNamespace& QeXmlNamespace::getXsd() {
+    static QeXmlNamespace xsd("xsd", XsdUri);
+    return xsd;
+}
+
+const QeXmlNamespace& QeXmlNamespace::getEmptyNamespace() {
+    static const QeXmlNamespace empty;
+    return empty;
+}
+
+bool QeXmlNamespace::matchXmlns(const QeXmlNamespace& ns) {
+    return ns.uri == getXmlns().uri;
+}
+
+bool QeXmlNamespace::matchXsi(const QeXmlNamespace& ns) {
+    return ns.uri == getXsi().uri || ns.uri == XsiUri1999;
+}
+
+bool QeXmlNamespace::matchXsd(const QeXmlNamespace& ns) {
+    return ns.uri == getXsd().uri || ns.uri == XsdUri1999;
+}

@@ -1,0 +1,25 @@
+#include <tessit/model/xml_prolog.h>
+#include <tessit/utils/xml_utils.h>
+
+namespace {
+
+void appendPseudoAttribute(QeCString& text, const char* name, const QeCString& value) {
+    text += QeXmlUtils::Blank;
+    text += name;
+    text += "=\"";
+    text += value;
+    text += '"';
+}
+
+}  // namespace
+
+QeXmlProlog::~QeXmlProlog() = default;
+
+QeCString QeXmlProlog::asString() const {
+    QeCString text("<?xml");
+    appendPseudoAttribute(text, "version", version);
+    if (characterEncodingSet) appendPseudoAttribute(text, "encoding", characterEncoding);
+    if (standaloneSet) appendPseudoAttribute(text, "standalone", standalone ? "yes" : "no");
+    text += "?>";
+    return text;
+}
