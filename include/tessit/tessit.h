@@ -12,4 +12,7 @@
 #include <tessit/model/xml_namespace.h>
 #include <tessit/model/xml_namespace_stack.h>
 #include <tessit/model/xml_prolog.h>
+#include <tessit/reader/xml_reader.h>
+#include <tessit/sax/xml_content_handler.h>
+#include <tessit/sax/xml_sax_parser.h>
 #include <tessit/utils/xml_utils.h>

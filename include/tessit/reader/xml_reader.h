@@ -1,0 +1,334 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <corvel/c_string.h>
+#include <tessit/errors/xml_error.h>
+#include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_name.h>
+#include <tessit/model/xml_namespace_stack.h>
+
+/// A pull reader: hands out a document one node at a time, and lets the caller
+/// demand the elements it expects.
+///
+/// A constructor takes in the whole input, finds out its encoding, converts it to
+/// UTF-8 where needed, and reads the prolog; the reader then stands on the root
+/// element. Everything it hands out is UTF-8.
+///
+/// What cannot be read, or is not what the caller demanded, throws
+/// `QeXmlParseError` with line and column (from 1; the column in bytes) of where
+/// the reader stood; after a conversion they count from the conversion point. The
+/// reader can then be looked at and destroyed, but not resumed: nothing is rolled
+/// back. Any operation that stores text can throw `std::bad_alloc`.
+///
+/// References returned are to the reader's own members and show the last node:
+/// their content changes with the next call that scans. Copy what you keep.
+///
+/// Reading a whole document of n bytes costs O(n) time in all, plus sorting the
+/// attributes of each tag, whatever the bytes; memory beyond the input is the
+/// largest node and a few bytes per open element that declares namespaces. One
+/// thread at a time; no two readers share anything.
+class TESSIT_API QeXmlReader {
+public:
+    enum NodeType {
+        ElementStart = 0,  ///< a start tag
+        ElementEnd = 1,    ///< an end tag
+        EmptyElement = 2,  ///< a tag closed by "/>", start and end at once
+        Content = 3,       ///< text up to the next tag; CDATA sections and text around comments included
+        NoNode = 4         ///< nothing was read yet
+    };
+
+    /// The empty name: asks `readElement` for any element.
+    static const QeXmlName NullName;
+
+    /// Reads the stream to its end, into memory of the reader's own. A stream that
+    /// cannot be read counts as empty.
+    explicit QeXmlReader(std::istream& in);
+
+    /// Reads a copy of the text.
+    explicit QeXmlReader(const QeCString& document);
+
+    /// Reads `length` bytes in place: nothing is copied, written, or read outside
+    /// them. They must stay alive and unchanged as long as the reader, unless the
+    /// document had to be converted to UTF-8.
+    QeXmlReader(unsigned char* bytes, unsigned int length);
+
+    /// The same for bytes of any number that are constant.
+    explicit QeXmlReader(std::span<const unsigned char> document);
+
+    QeXmlReader(const QeXmlReader&) = delete;
+    QeXmlReader& operator=(const QeXmlReader&) = delete;
+    ~QeXmlReader();
+
+    // --- Demanding what comes next.
+    //
+    // Text, comments and processing instructions in front of the tag are passed
+    // over; the text is left in `getLastContent()`. The node that turns out wrong
+    // has been consumed when the error is thrown.
+    //
+    // An expected name matches when local name and URI are those of the tag;
+    // prefixes do not count. A `QeXmlName` whose URI is empty stands for the URI
+    // that its prefix has inside the tag, the tag's own declarations included. A
+    // name given as a string means what it would mean written in front of the tag
+    // that it is held against: before a start tag without that tag's own
+    // declarations (unless its prefix is bound by them alone), before an end tag
+    // with those of the element that closes.
+
+    /// Takes the next tag, which must open an element; else "Couldn't find start tag".
+    void readElementStart();
+
+    /// Takes the next tag, which must open the element of that name; else "Expected
+    /// NAME, found NAME". Returns its attributes, as `getLastAttributes()`.
+    const QeXmlAttributeSet& readElementStart(const QeXmlName& name);
+    const QeXmlAttributeSet& readElementStart(const QeCString& qname);
+
+    /// Takes the next tag, which must close an element; else "Couldn't find end
+    /// tag". Right after an empty-element tag, that tag is its own end.
+    void readElementEnd();
+
+    /// The same, and the name must be that one: `QeXmlName` equality for a name.
+    void readElementEnd(const QeXmlName& name);
+    void readElementEnd(const QeCString& qname);
+
+    /// Takes the text up to the next tag and returns it, as `getLastContent()`;
+    /// empty when a tag comes at once. When the next tag was looked at already, the
+    /// text in front of it is returned and the tag counts as taken.
+    const QeCString& readElementValue();
+
+    /// Whether the next tag opens an element of that name. Scans up to that tag at
+    /// most once: the tag stays pending, and the next reading call takes it. Right
+    /// after an empty-element tag nothing is scanned, and the answer is about it.
+    bool isElementNext(const QeXmlName& name);
+    bool isElementNext(const QeCString& qname);
+
+    /// Takes a whole element and returns its markup as it stands in the document
+    /// (as UTF-8), with what was passed over in front of it. `NullName` takes any
+    /// element. The inner markup is then in `getLastContent()`, the attributes of
+    /// the start tag in `getLastAttributes()`.
+    ///
+    /// When the next tag is no start tag it stays pending, and the result is empty.
+    /// A start tag that was pending is written anew: attributes in the set's order,
+    /// values as stored, a space behind the name and behind each value.
+    /// O(bytes of the element).
+    QeCString readElement(const QeXmlName& name);
+    QeCString readElement(const QeCString& qname);
+
+    // --- Node by node.
+
+    /// Scans the next node, whatever it is; `getLastNodeType()` tells. Tags are not
+    /// checked to pair up. At the end of the input throws "Premature EOF": test
+    /// `eof()` first.
+    void readNextNode();
+
+    /// Whether the document is exhausted. Outside the root element skips whitespace first.
+    bool eof();
+
+    NodeType getLastNodeType() const noexcept { return lastNodeType; }
+
+    /// The name of the last tag.
+    const QeXmlName& getLastName() const noexcept { return lastName; }
+
+    /// The last text.
+    const QeCString& getLastContent() const noexcept { return lastContent; }
+
+    /// The attributes of the last tag that opened an element, declarations among
+    /// them, sorted by local name, then by prefix as written.
+    const QeXmlAttributeSet& getLastAttributes() const noexcept { return lastAttributes; }
+
+    // --- Namespaces.
+
+    /// Binds a prefix for the element that is open, until it ends; before the first
+    /// start tag, for the whole document. Names read from then on can resolve
+    /// through it, unless the scope binds the prefix already. Strong guarantee.
+    void addNamespace(const QeXmlNamespace& ns) { namespaceStack.addNamespace(ns); }
+
+    /// The URI that the prefix is bound to here, or the empty string. Valid until
+    /// the next call that scans or binds. O(log of the bindings in force).
+    const QeCString& getURIForPrefix(const QeCString& prefix) const noexcept {
+        return namespaceStack.getURIForPrefix(prefix);
+    }
+
+    /// The prefix of the first binding found for the URI, or the empty string (also
+    /// the answer for a default namespace). As valid and as costly as `getURIForPrefix`.
+    const QeCString& getPrefixForURI(const QeCString& uri) const noexcept {
+        return namespaceStack.getPrefixForURI(uri);
+    }
+
+    // --- The XML declaration.
+
+    /// The version; empty when there is no declaration.
+    const QeCString& getVersion() const noexcept { return version; }
+
+    /// The encoding that was declared, or else detected: "UTF-8" without a mark or
+    /// declaration, empty when the first bytes are those of no encoding.
+    const QeCString& getEncoding() const noexcept { return encoding; }
+
+    /// "yes" or "no"; empty when not declared.
+    const QeCString& getStandalone() const noexcept { return standalone; }
+
+    bool hasEncoding() const noexcept { return encodingDeclared; }
+    bool hasStandalone() const noexcept { return standaloneDeclared; }
+
+    // --- Options.
+
+    /// Whether references in attribute values are replaced by what they stand for
+    /// (the default) or left as written. Applies to tags scanned from then on.
+    bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
+    void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
+
+    /// Throws `QeXmlParseError` with this text and the reader's present position;
+    /// for callers who find the document wrong themselves. O(bytes read so far).
+    [[noreturn]] void err(const QeCString& message) const;
+
+private:
+    // A name as written. `localStart` is 0 without a colon, else the position behind the first.
+    struct RawName {
+        const char* data;
+        std::size_t length;
+        std::size_t localStart;
+
+        std::string_view whole() const noexcept { return {data, length}; }
+        std::string_view local() const noexcept { return {data + localStart, length - localStart}; }
+        std::string_view prefix() const noexcept { return {data, localStart == 0 ? 0 : localStart - 1}; }
+    };
+
+    // An attribute as scanned. A value with references was expanded into
+    // `valueScratch` and stands there from `scratchStart`; `value.data()` is null
+    // until the whole tag was read, since the scratch may still move.
+    struct RawAttribute {
+        RawName name;
+        std::string_view value;
+        std::size_t scratchStart;
+    };
+
+    // What a name in the last-node members was written from: a name that is
+    // there already is not written again. Empty raw bytes: not known.
+    struct WrittenName {
+        std::string_view raw;
+        const QeXmlNamespace* binding = nullptr;
+        std::uint64_t state = 0;
+    };
+
+    // A prefix of up to seven bytes with its length, and the binding it has in one state of the namespace stack.
+    struct CachedPrefix {
+        std::uint64_t key = ~std::uint64_t{0};
+        std::uint64_t state = 0;
+        const QeXmlNamespace* binding = nullptr;
+    };
+
+    struct ExpectedName;
+    class RawCopy;
+
+    // input.cpp
+    void takeInput(std::string_view document);
+    void readAndProcessBOM();
+    void declareEncoding(const QeCString& name);
+    void transcodeDocument(const QeCString& name);
+    void replaceDocument(QeCString&& converted);
+    QeCString transcode8859_1() const;
+    QeCString transcodeUTF16BE() const;
+    QeCString transcodeUTF16LE() const;
+    QeCString transcodeOther(const QeCString& name) const;
+    [[noreturn]] void raiseTranscoding(const char* reason) const;
+    [[noreturn]] void raise(const char* message) const;
+    [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
+    [[noreturn]] void raiseEnd();
+    char rd();
+    std::string_view rd(std::size_t count);
+
+    // prolog.cpp
+    void readDocument();
+    void readProlog();
+    void readPIOrXmlDecl();
+    void readXmlDecl();
+    void readEncodingDecl();
+    void readStandaloneDecl();
+    std::string_view readPseudoValue();
+    void skipInstruction();
+    void readDocTypeDecl();
+    void readComment();
+    void readCDATA();
+
+    // scanner.cpp
+    void readTag();
+    void readStartTag();
+    void readEndTag();
+    void closeStartTag(const RawName& name);
+    void closeEmptyTag(const RawName& name);
+    void readAttribute();
+    std::string_view readValue(char quote, std::size_t& scratchStart);
+    void readContent();
+    void readContentPieces();
+    bool readMarkupInContent();
+    RawName readName();
+    RawName readNameSlowly(const char* from, std::size_t localStart);
+    const char* passCharacter(const char* at, std::uint32_t& codePoint);
+    void readS() noexcept;
+    void readReference(QeCString& out);
+    void readNumericReference(std::string_view body, QeCString& out);
+    static void toUTF8(std::uint32_t codePoint, QeCString& out);
+
+    // names.cpp
+    void addAttribute(const RawAttribute& attribute);
+    void fixupAttributes();
+    void sortAttributes();
+    void writeAttributes();
+    void writeElementName(const RawName& name);
+    void writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding);
+    const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
+    void closeScope();
+    void forgetWrittenNames() noexcept;
+
+    // pull.cpp
+    void takeNextNode();
+    void lookAhead();
+    bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
+    std::string_view uriInsideTag(std::string_view prefix) const noexcept;
+    bool matchesStart(const ExpectedName& expected) const noexcept;
+    bool matchesEnd(const ExpectedName& expected) const noexcept;
+    const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
+    void demandEnd(const ExpectedName& expected);
+    bool startsNext(const ExpectedName& expected);
+    QeCString readRawElement(const ExpectedName* expected);
+    std::size_t skipToMatchingEnd(const RawCopy& copy);
+    QeCString rebuildTag() const;
+    [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
+
+    const char* cursor = nullptr;       // the next byte to be read
+    const char* bufferStart = nullptr;  // lines and columns count from here
+    const char* bufferEnd = nullptr;    // one past the last byte
+    QeCString ownedDocument;            // what the buffer is, unless it is the caller's
+    std::ptrdiff_t depth = 0;           // start tags less end tags
+    QeXmlNamespaceStack namespaceStack;
+    QeCString encoding;
+    QeCString version;
+    QeCString standalone;
+    bool encodingDeclared = false;
+    bool standaloneDeclared = false;
+    QeXmlName lastName;
+    QeCString lastContent;
+    QeXmlAttributeSet lastAttributes;
+    NodeType lastNodeType = NoNode;
+    bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
+    bool expandAttributeReference = true;
+
+    std::size_t conversionAllowance = 0;  // bytes that conversions may still produce
+
+    // The bindings of the element that the last tag closed: names in front of that
+    // tag still resolve with them, the caller's lookups no longer.
+    QeXmlNamespaceStack closedScope;
+
+    // Working storage of a tag, kept between tags so that it is allocated once.
+    std::vector<RawAttribute> rawAttributes;
+    QeCString valueScratch;
+
+    WrittenName lastNameWritten;
+    std::vector<WrittenName> attributesWritten;  // by slot of lastAttributes
+    CachedPrefix prefixCache[16];
+    RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
+};

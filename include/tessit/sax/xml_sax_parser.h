@@ -1,0 +1,35 @@
+#pragma once
+
+#include <corvel/c_string.h>
+#include <tessit/sax/xml_content_handler.h>
+
+/// Reads a whole document and reports it, as a series of events, to a content handler.
+///
+/// A parser may parse any number of documents, one after another; it keeps nothing
+/// between calls. Copies share the handler. One thread at a time.
+class TESSIT_API QeXmlSAXParser {
+public:
+    QeXmlSAXParser() = default;
+
+    /// The receiver of events; not owned, and null for none. May be changed by the
+    /// handler itself: it is looked at before each event.
+    void setContentHandler(QeXmlContentHandler* handler) noexcept { contentHandler = handler; }
+    QeXmlContentHandler* getContentHandler() const noexcept { return contentHandler; }
+
+    /// Whether references in attribute values are replaced by what they stand for (the default) or left as written.
+    void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
+    bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
+
+    /// Parses `text`, in place and in any encoding that the reader knows; it must
+    /// not change meanwhile. The second argument is not used.
+    ///
+    /// Throws `QeXmlParseError` for what the reader refuses, and for an end tag that
+    /// is not that of the innermost open element ("Unmatched start tag for NAME");
+    /// events that went out stay out. A document that ends while elements are open
+    /// is no error: their ends are not reported. O(bytes).
+    void parse(const QeCString& text, const QeCString& unused);
+
+private:
+    QeXmlContentHandler* contentHandler = nullptr;
+    bool expandAttributeReference = true;
+};

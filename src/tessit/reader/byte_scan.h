@@ -1,0 +1,69 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#if !defined(TESSIT_SCALAR) && defined(__SSE2__)
+#define TESSIT_SCAN_SSE2
+#include <emmintrin.h>
+#elif !defined(TESSIT_SCALAR) && defined(__aarch64__)
+#define TESSIT_SCAN_NEON
+#include <arm_neon.h>
+#endif
+
+/// Scans for the next byte that needs thought. Sixteen bytes at a time where the
+/// machine's baseline has the instructions; no byte at or past `end` is read.
+namespace tessit {
+
+#if defined(TESSIT_SCAN_SSE2)
+
+// One bit per byte that matched, the lowest for the first byte.
+inline unsigned matchBlock(const char* at, char a, char b, char c) {
+    __m128i block;
+    std::memcpy(&block, at, sizeof block);
+    const __m128i matches =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8(a)), _mm_cmpeq_epi8(block, _mm_set1_epi8(b))),
+                     _mm_cmpeq_epi8(block, _mm_set1_epi8(c)));
+    return static_cast<unsigned>(_mm_movemask_epi8(matches));
+}
+
+inline std::size_t firstMatch(unsigned matches) {
+    return static_cast<std::size_t>(std::countr_zero(matches));
+}
+
+#elif defined(TESSIT_SCAN_NEON)
+
+// Four bits per byte that matched, the lowest for the first byte.
+inline std::uint64_t matchBlock(const char* at, char a, char b, char c) {
+    const uint8x16_t block = vld1q_u8(reinterpret_cast<const std::uint8_t*>(at));
+    const uint8x16_t matches = vorrq_u8(vorrq_u8(vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(a))),
+                                                 vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(b)))),
+                                        vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(c))));
+    return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(vreinterpretq_u16_u8(matches), 4)), 0);
+}
+
+inline std::size_t firstMatch(std::uint64_t matches) {
+    return static_cast<std::size_t>(std::countr_zero(matches)) / 4;
+}
+
+#endif
+
+/// The first byte from `at` on that is `a`, `b` or `c`, or `end`.
+inline const char* findAny(const char* at, const char* end, char a, char b, char c) {
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+    for (; end - at >= 16; at += 16)
+        if (const auto matches = matchBlock(at, a, b, c)) return at + firstMatch(matches);
+#endif
+    while (at != end && *at != a && *at != b && *at != c)
+        ++at;
+    return at;
+}
+
+/// The first `byte` from `at` on, or `end`.
+inline const char* findByte(const char* at, const char* end, char byte) {
+    const void* found = at == end ? nullptr : std::memchr(at, byte, static_cast<std::size_t>(end - at));
+    return found == nullptr ? end : static_cast<const char*>(found);
+}
+
+}  // namespace tessit

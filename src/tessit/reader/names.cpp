@@ -1,0 +1,150 @@
+// Namespace resolution: from names as written to names with their URIs, and from
+// the attributes as scanned to the set that is handed out.
+
+#include <algorithm>
+
+#include <tessit/reader/xml_reader.h>
+
+namespace {
+
+constexpr std::string_view Xmlns = "xmlns";
+
+// What names without a namespace are resolved to: its prefix and URI are empty.
+constinit const QeXmlNamespace NoNamespace;
+
+}  // namespace
+
+// Declarations take effect at once, for the names of the whole tag, and stay among the attributes.
+void QeXmlReader::addAttribute(const RawAttribute& attribute) {
+    rawAttributes.push_back(attribute);
+    const RawName& name = attribute.name;
+    const bool declaresDefault = name.whole() == Xmlns;
+    if (!declaresDefault && name.prefix() != Xmlns) return;
+    const std::string_view uri = attribute.value.data() != nullptr
+                                     ? attribute.value
+                                     : valueScratch.substring(attribute.scratchStart, attribute.value.size());
+    namespaceStack.addBinding(declaresDefault ? std::string_view() : name.local(), uri);
+}
+
+// Called once the whole tag was read: turns the attributes as scanned into the
+// set. They are put in order before they are written, so that each string is
+// written once, into its final place.
+void QeXmlReader::fixupAttributes() {
+    for (RawAttribute& attribute : rawAttributes) {
+        if (attribute.value.data() != nullptr) continue;
+        attribute.value = valueScratch.substring(attribute.scratchStart, attribute.value.size());
+    }
+    if (rawAttributes.size() > 1) sortAttributes();
+    writeAttributes();
+}
+
+namespace {
+
+// The order of the set, and what makes two attributes the same: the local name,
+// then the prefix as written, whatever it is bound to. A default declaration
+// stands by its value there.
+template <typename Attribute>
+int compareAsWritten(const Attribute& left, const Attribute& right) {
+    const auto secondKey = [](const Attribute& attribute) {
+        return attribute.name.whole() == Xmlns ? attribute.value : attribute.name.prefix();
+    };
+    const int order = left.name.local().compare(right.name.local());
+    return order != 0 ? order : secondKey(left).compare(secondKey(right));
+}
+
+}  // namespace
+
+// Puts the attributes in order, each name once: of equal ones, the first one's
+// name and the last one's value count.
+void QeXmlReader::sortAttributes() {
+    const auto ascending = [](const RawAttribute& left, const RawAttribute& right) {
+        return compareAsWritten(left, right) < 0;
+    };
+    const auto unsorted = [&](const RawAttribute& left, const RawAttribute& right) { return !ascending(left, right); };
+    if (std::adjacent_find(rawAttributes.begin(), rawAttributes.end(), unsorted) == rawAttributes.end()) return;
+
+    std::sort(rawAttributes.begin(), rawAttributes.end(), [](const RawAttribute& left, const RawAttribute& right) {
+        const int order = compareAsWritten(left, right);
+        return order != 0 ? order < 0 : left.name.data < right.name.data;  // equal ones as in the document
+    });
+    auto out = rawAttributes.begin();
+    for (auto first = out; first != rawAttributes.end(); ++out) {
+        const auto next = std::find_if(first + 1, rawAttributes.end(),
+                                       [&](const RawAttribute& other) { return compareAsWritten(*first, other) != 0; });
+        const std::string_view value = (next - 1)->value;
+        *out = *first;
+        out->value = value;
+        first = next;
+    }
+    rawAttributes.erase(out, rawAttributes.end());
+}
+
+// Fills the set in place, over what the last tag left in its slots.
+void QeXmlReader::writeAttributes() {
+    QeSlotArray<QeXmlAttribute>& slots = lastAttributes.attributes;
+    const std::size_t count = rawAttributes.size();
+    slots.clear();
+    slots.reserveSlots(count);
+    if (attributesWritten.size() < count) attributesWritten.resize(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const RawAttribute& attribute = rawAttributes[i];
+        const std::string_view prefix = attribute.name.prefix();
+        QeXmlAttribute& slot = slots.append();
+        writeName(slot.name, attributesWritten[i], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
+        slot.value.assign(attribute.value);
+    }
+    // Sorted by prefix, which need not be the order by URI.
+    lastAttributes.order = count > 1 ? QeXmlAttributeSet::Order::Unknown : QeXmlAttributeSet::Order::Sorted;
+}
+
+void QeXmlReader::writeElementName(const RawName& name) {
+    const std::string_view prefix = name.prefix();
+    const QeXmlNamespace* binding = bindingFor(prefix);
+    if (binding == nullptr && prefix.empty()) binding = &NoNamespace;
+    writeName(lastName, lastNameWritten, name, binding);
+}
+
+// Makes `name` the name as written, in the namespace of `binding`; without one, in
+// no namespace, though with its prefix. Does not write what is there already:
+// `written` says what that is.
+void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding) {
+    const std::uint64_t state = namespaceStack.state();
+    const bool sameBinding = binding == written.binding;
+    const bool sameNamespace = sameBinding && binding != nullptr && (written.state == state || binding == &NoNamespace);
+    if ((sameNamespace || (sameBinding && binding == nullptr)) && written.raw == raw.whole()) return;
+
+    written = {};  // until all is there: an assignment can throw
+    name.localName.assign(raw.local());
+    if (binding == nullptr) {
+        name.ns.prefix.assign(raw.prefix());
+        name.ns.uri.clear();
+    } else if (!sameNamespace) {
+        name.ns = *binding;
+    }
+    written = {raw.whole(), binding, state};
+}
+
+// The binding of a prefix, or null. Short prefixes go through a small cache, which
+// is right as long as the bindings in force are the same.
+const QeXmlNamespace* QeXmlReader::bindingFor(std::string_view prefix) noexcept {
+    constexpr std::size_t LongestCached = 7;
+    const std::uint64_t state = namespaceStack.state();
+    if (state == 0) return nullptr;  // nothing is bound at all
+    if (prefix.size() > LongestCached) return namespaceStack.findPrefix(prefix);
+    std::uint64_t key = prefix.size();
+    for (const char byte : prefix)
+        key = key << 8 | static_cast<unsigned char>(byte);
+    CachedPrefix& cached = prefixCache[(key * 0x9E3779B97F4A7C15u) >> 60];
+    if (cached.key != key || cached.state != state) cached = {key, state, namespaceStack.findPrefix(prefix)};
+    return cached.binding;
+}
+
+void QeXmlReader::closeScope() {
+    if (closedScope.depth == 0 && !namespaceStack.innermostDeclares()) return namespaceStack.popScope();
+    namespaceStack.popScopeInto(closedScope);
+}
+
+void QeXmlReader::forgetWrittenNames() noexcept {
+    lastNameWritten = {};
+    attributesWritten.clear();
+}

@@ -1,0 +1,223 @@
+// The pull interface: drives the scanner and holds the node that it finds against
+// what the caller expects.
+
+#include <tessit/reader/char_class.h>
+#include <tessit/reader/raw_copy.h>
+#include <tessit/reader/xml_reader.h>
+
+// A name that the caller expects, in either form. A string is resolved only when
+// the tag is known: what its prefix means depends on where the tag stands.
+struct QeXmlReader::ExpectedName {
+    explicit ExpectedName(const QeXmlName& name)
+        : prefix(name.getNamespace().getPrefix()),
+          local(name.getLocalName()),
+          uri(name.getNamespace().getURI()),
+          isString(false) {}
+
+    explicit ExpectedName(const QeCString& qname) : isString(true) {
+        const std::string_view text(qname);
+        const std::size_t colon = text.find(':');
+        if (colon != std::string_view::npos) prefix = text.substr(0, colon);
+        local = colon == std::string_view::npos ? text : text.substr(colon + 1);
+    }
+
+    QeCString asString() const {
+        QeCString text(prefix);
+        if (!prefix.empty()) text += ':';
+        text += local;
+        return text;
+    }
+
+    std::string_view prefix;
+    std::string_view local;
+    std::string_view uri;  // of a name only
+    bool isString;
+};
+
+namespace {
+
+std::string_view uriOf(const QeXmlNamespace* binding) {
+    return binding == nullptr ? std::string_view() : std::string_view(binding->getURI());
+}
+
+}  // namespace
+
+void QeXmlReader::takeNextNode() {
+    if (nodePending) {
+        nodePending = false;
+        return;
+    }
+    readContent();
+    readNextNode();
+}
+
+// An empty-element tag whose end was not taken yet is what comes next itself.
+void QeXmlReader::lookAhead() {
+    if (nodePending || lastNodeType == EmptyElement) return;
+    readContent();
+    readNextNode();
+    nodePending = true;
+}
+
+// What a prefix is bound to inside the last tag, the tag's own declarations included.
+std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
+    if (const QeXmlNamespace* own = closedScope.findPrefix(prefix)) return own->getURI();
+    return uriOf(namespaceStack.findPrefix(prefix));
+}
+
+bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
+    if (lastName.getLocalName() != expected.local) return false;
+    const std::string_view found = lastName.getNamespace().getURI();
+    std::string_view uri = expected.uri;
+    if (expected.isString) {
+        using From = QeXmlNamespaceStack::From;
+        const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
+        uri = uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+    }
+    return found == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+}
+
+bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
+    if (lastName.getLocalName() != expected.local) return false;
+    const std::string_view uri = expected.isString ? uriInsideTag(expected.prefix) : expected.uri;
+    return lastName.getNamespace().getURI() == uri;
+}
+
+void QeXmlReader::raiseMismatch(const ExpectedName& expected) const {
+    QeCString message("Expected ");
+    message += expected.asString();
+    message += ", found ";
+    message += lastName.asString();
+    err(message);
+}
+
+void QeXmlReader::readElementStart() {
+    takeNextNode();
+    if (!opensElement()) raise("Couldn't find start tag");
+}
+
+const QeXmlAttributeSet& QeXmlReader::demandStart(const ExpectedName& expected) {
+    readElementStart();
+    if (!matchesStart(expected)) raiseMismatch(expected);
+    return lastAttributes;
+}
+
+const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeXmlName& name) {
+    return demandStart(ExpectedName(name));
+}
+
+const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeCString& qname) {
+    return demandStart(ExpectedName(qname));
+}
+
+void QeXmlReader::readElementEnd() {
+    if (lastNodeType == EmptyElement) {
+        lastNodeType = ElementEnd;
+        nodePending = false;
+        return;
+    }
+    takeNextNode();
+    if (lastNodeType != ElementEnd) raise("Couldn't find end tag");
+}
+
+void QeXmlReader::demandEnd(const ExpectedName& expected) {
+    readElementEnd();
+    if (!matchesEnd(expected)) raiseMismatch(expected);
+}
+
+void QeXmlReader::readElementEnd(const QeXmlName& name) {
+    demandEnd(ExpectedName(name));
+}
+
+void QeXmlReader::readElementEnd(const QeCString& qname) {
+    demandEnd(ExpectedName(qname));
+}
+
+const QeCString& QeXmlReader::readElementValue() {
+    readContent();
+    return lastContent;
+}
+
+bool QeXmlReader::startsNext(const ExpectedName& expected) {
+    lookAhead();
+    return opensElement() && matchesStart(expected);
+}
+
+bool QeXmlReader::isElementNext(const QeXmlName& name) {
+    return startsNext(ExpectedName(name));
+}
+
+bool QeXmlReader::isElementNext(const QeCString& qname) {
+    return startsNext(ExpectedName(qname));
+}
+
+bool QeXmlReader::eof() {
+    if (depth == 0) readS();
+    return cursor == bufferEnd;
+}
+
+QeCString QeXmlReader::readElement(const QeXmlName& name) {
+    const ExpectedName expected(name);
+    return readRawElement(name == NullName ? nullptr : &expected);
+}
+
+QeCString QeXmlReader::readElement(const QeCString& qname) {
+    const ExpectedName expected(qname);
+    return readRawElement(&expected);
+}
+
+QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
+    RawCopy copy(*this);
+    const bool wasPending = nodePending;
+    if (!wasPending) takeNextNode();
+    if (!opensElement()) {
+        nodePending = true;
+        lastContent.clear();
+        return QeCString();
+    }
+    QeCString front;
+    if (wasPending) front = rebuildTag();  // it stands before the copy's begin
+    nodePending = false;
+    if (expected != nullptr && !matchesStart(*expected)) raiseMismatch(*expected);
+    if (lastNodeType == EmptyElement) {
+        lastContent.clear();
+        return copy.textAfter(std::move(front));
+    }
+    const std::size_t frontLength = front.length();
+    const std::size_t contentStart = copy.length();
+    const std::size_t contentEnd = skipToMatchingEnd(copy);
+    QeCString markup = copy.textAfter(std::move(front));
+    lastContent.assign(markup.substring(frontLength + contentStart, contentEnd - contentStart));
+    return markup;
+}
+
+// Reads up to the end tag of the element that the last tag opened, and leaves that
+// tag's attributes in place. Returns where the scan of the end tag began.
+std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
+    const QeXmlName startName = lastName;
+    QeXmlAttributeSet attributes = lastAttributes;
+    std::size_t contentEnd = copy.length();
+    for (std::size_t level = 1;; contentEnd = copy.length()) {
+        readNextNode();
+        if (lastNodeType == ElementStart && lastName == startName) ++level;
+        if (lastNodeType == ElementEnd && lastName == startName && --level == 0) break;
+    }
+    lastAttributes = std::move(attributes);
+    attributesWritten.clear();
+    return contentEnd;
+}
+
+// The start tag that was scanned ahead, written anew.
+QeCString QeXmlReader::rebuildTag() const {
+    QeCString tag("<");
+    tag += lastName.asString();
+    tag += ' ';
+    for (const QeXmlAttribute& attribute : lastAttributes) {
+        tag += attribute.getName().asString();
+        tag += "=\"";
+        tag += attribute.getValue();
+        tag += "\" ";
+    }
+    tag += lastNodeType == EmptyElement ? "/>" : ">";
+    return tag;
+}

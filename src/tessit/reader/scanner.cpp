@@ -1,0 +1,352 @@
+// The markup scanner: one function per construct, each entered and left as its
+// comment says. Hot loops run over plain bytes to the first that needs thought.
+
+#include <tessit/reader/byte_scan.h>
+#include <tessit/reader/char_class.h>
+#include <tessit/reader/transcode.h>
+#include <tessit/reader/xml_reader.h>
+
+using tessit::findAny;
+using tessit::findByte;
+using tessit::nameByte;
+
+void QeXmlReader::readNextNode() {
+    if (nodePending) {
+        nodePending = false;
+        return;
+    }
+    for (;;) {
+        if (rd() != '<') {
+            --cursor;
+            return readContent();
+        }
+        switch (rd()) {
+            case '?':
+                readPIOrXmlDecl();
+                break;
+            case '!':
+                if (cursor == bufferEnd) raiseEnd();
+                if (*cursor == '[') {
+                    cursor -= 2;
+                    return readContent();  // a CDATA section is text
+                }
+                if (*cursor != '-') raiseWith("Invalid character sequence <!", {cursor, 1});
+                ++cursor;
+                readComment();
+                break;
+            default:
+                --cursor;
+                return readTag();
+        }
+    }
+}
+
+// Entered just after the '<'.
+void QeXmlReader::readTag() {
+    if (*cursor != '/') return readStartTag();
+    ++cursor;
+    readEndTag();
+}
+
+// Entered just after "</". The name is resolved while the element's scope is still open.
+void QeXmlReader::readEndTag() {
+    --depth;
+    lastNodeType = ElementEnd;
+    writeElementName(readName());
+    readS();
+    closeScope();
+    if (const char byte = rd(); byte != '>') raiseWith("Unexpected character ", {&byte, 1});
+}
+
+// Entered just after the '<'. The scope is opened before the attributes are read,
+// so that the tag's declarations go into it; names are resolved once all were seen.
+void QeXmlReader::readStartTag() {
+    const RawName name = readName();
+    namespaceStack.pushScope();
+    closedScope.clear();
+    rawAttributes.clear();
+    valueScratch.clear();
+    for (;;) {
+        readS();
+        if (cursor == bufferEnd) raiseEnd();
+        switch (*cursor) {
+            case '>':
+                ++cursor;
+                return closeStartTag(name);
+            case '/':
+                ++cursor;
+                return closeEmptyTag(name);
+            default:
+                readAttribute();
+        }
+    }
+}
+
+void QeXmlReader::closeStartTag(const RawName& name) {
+    ++depth;
+    lastNodeType = ElementStart;
+    fixupAttributes();
+    writeElementName(name);
+}
+
+// Entered just after the '/'.
+void QeXmlReader::closeEmptyTag(const RawName& name) {
+    lastNodeType = EmptyElement;
+    if (rd() != '>') raise("Invalid '/' found in tag");
+    fixupAttributes();
+    writeElementName(name);
+    closeScope();
+}
+
+void QeXmlReader::readAttribute() {
+    RawAttribute attribute{readName(), {}, 0};
+    readS();
+    if (rd() != '=') raise("Invalid character in attribute definition");
+    readS();
+    const char quote = rd();
+    if (quote != '"' && quote != '\'') raise("invalid character in attribute definition");
+    attribute.value = readValue(quote, attribute.scratchStart);
+    addAttribute(attribute);
+}
+
+// Passes the value and its closing quote. A value without references is a view of
+// the document. One with references is expanded at the end of `valueScratch`, and
+// the result is a view without data, of the right length.
+std::string_view QeXmlReader::readValue(char quote, std::size_t& scratchStart) {
+    const char reference = expandAttributeReference ? '&' : quote;
+    const char* run = cursor;
+    scratchStart = valueScratch.length();
+    for (bool expanded = false;; expanded = true) {
+        cursor = findAny(run, bufferEnd, quote, '<', reference);
+        const auto runLength = static_cast<std::size_t>(cursor - run);
+        const char stop = rd();
+        if (stop == '<') raise("Syntax error: unterminated attribute value");
+        if (stop == quote && !expanded) return {run, runLength};
+        valueScratch.append(run, runLength);
+        if (stop == quote) return {nullptr, valueScratch.length() - scratchStart};
+        readReference(valueScratch);
+        run = cursor;
+    }
+}
+
+// Leaves the cursor on the '<' of the next tag. Most texts are one run up to there.
+void QeXmlReader::readContent() {
+    if (nodePending) {
+        nodePending = false;
+        return;
+    }
+    lastNodeType = Content;
+    const char* const stop = findAny(cursor, bufferEnd, '<', '&', '\r');
+    lastContent.assign(cursor, static_cast<std::size_t>(stop - cursor));
+    cursor = stop;
+    const bool endsAtTag = bufferEnd - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
+    if (!endsAtTag) readContentPieces();
+}
+
+// Goes on with a text, from what is not plain in it.
+void QeXmlReader::readContentPieces() {
+    for (;;) {
+        switch (rd()) {
+            case '\r':  // any line end arrives as one line feed
+                if (cursor == bufferEnd || *cursor != '\n') lastContent.append('\n');
+                break;
+            case '&':
+                readReference(lastContent);
+                break;
+            case '<':
+                if (!readMarkupInContent()) return;
+                break;
+            default:
+                break;  // none: the scan stops at these three only
+        }
+        const char* const run = cursor;
+        cursor = findAny(run, bufferEnd, '<', '&', '\r');
+        lastContent.append(run, static_cast<std::size_t>(cursor - run));
+    }
+}
+
+// Entered just after a '<' in text. Passes a comment or an instruction, takes in a
+// CDATA section, and steps back from a tag, where the text ends: then false.
+bool QeXmlReader::readMarkupInContent() {
+    const char byte = rd();
+    if (byte == '?') {
+        readPIOrXmlDecl();
+        return true;
+    }
+    if (byte != '!') {
+        cursor -= 2;
+        return false;
+    }
+    switch (const char kind = rd()) {
+        case '-':
+            readComment();
+            return true;
+        case '[':
+            readCDATA();
+            return true;
+        default:
+            raiseWith("Invalid character sequence <!", {&kind, 1});
+    }
+}
+
+// Passes a name. The first character is examined by its class; of the others,
+// everything past ASCII belongs to the name.
+QeXmlReader::RawName QeXmlReader::readName() {
+    if (cursor == bufferEnd) raiseEnd();
+    const char* const start = cursor;
+    if (nameByte(*start) != tessit::StartsName) return readNameSlowly(start, 0);
+    const char* at = start + 1;
+    while (at != bufferEnd && nameByte(*at) - 1u < tessit::StartsName)
+        ++at;
+    std::size_t localStart = 0;
+    if (at != bufferEnd && nameByte(*at) == tessit::SplitsName) {
+        localStart = static_cast<std::size_t>(at + 1 - start);
+        do
+            ++at;
+        while (at != bufferEnd && nameByte(*at) - 1u < tessit::SplitsName);
+    }
+    if (at == bufferEnd) raiseEnd();
+    if (nameByte(*at) == tessit::MultiByteName) return readNameSlowly(at, localStart);
+    cursor = at;
+    return {start, static_cast<std::size_t>(at - start), localStart};
+}
+
+// Goes on with a name at `from`, where a character stands that is not plain; the
+// cursor is still on the name's first.
+QeXmlReader::RawName QeXmlReader::readNameSlowly(const char* from, std::size_t localStart) {
+    const char* const start = cursor;
+    const char* at = from;
+    if (at == start) {
+        std::uint32_t first = 0;
+        cursor = passCharacter(at, first);
+        if (tessit::charClass(first) != tessit::NameStart) {
+            const auto length = static_cast<std::size_t>(cursor - at);
+            raiseWith("Illegal starting character for name: ", {at, first == 0 ? 0 : length});
+        }
+        at = cursor;
+        if (first == ':') localStart = 1;
+    }
+    for (;;) {
+        if (at == bufferEnd) raiseEnd();
+        const tessit::NameByte kind = nameByte(*at);
+        if (kind == tessit::EndsName) break;
+        if (kind == tessit::MultiByteName) {
+            std::uint32_t character;
+            at = passCharacter(at, character);
+            continue;
+        }
+        ++at;
+        if (kind == tessit::SplitsName && localStart == 0) localStart = static_cast<std::size_t>(at - start);
+    }
+    cursor = at;
+    return {start, static_cast<std::size_t>(at - start), localStart};
+}
+
+namespace {
+
+// How many bytes a character takes by its first; 4 for bytes that cannot begin one.
+std::ptrdiff_t characterLength(unsigned char lead) {
+    return lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3 : 4;
+}
+
+// Decodes a character of that length; a value past Unicode where the bytes are not UTF-8.
+std::uint32_t decodeCharacter(const char* at, std::ptrdiff_t length) {
+    constexpr std::uint32_t Malformed = 0x110000;
+    constexpr std::uint32_t Least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto lead = static_cast<unsigned char>(*at);
+    if (length == 1) return lead;
+    if (lead < 0xC2 || lead > 0xF4) return Malformed;
+    std::uint32_t value = lead & (0x7Fu >> length);
+    for (std::ptrdiff_t i = 1; i < length; ++i) {
+        const auto byte = static_cast<unsigned char>(at[i]);
+        if ((byte & 0xC0) != 0x80) return Malformed;
+        value = value << 6 | (byte & 0x3F);
+    }
+    const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
+    return value < Least[length] || isSurrogate ? Malformed : value;
+}
+
+}  // namespace
+
+// Decodes the character at `at` and returns where it ends. Errors are raised with the cursor on its first byte.
+const char* QeXmlReader::passCharacter(const char* at, std::uint32_t& codePoint) {
+    const std::ptrdiff_t length = characterLength(static_cast<unsigned char>(*at));
+    if (bufferEnd - at < length) {
+        cursor = at;
+        raise("Premature EOF inside character");
+    }
+    codePoint = decodeCharacter(at, length);
+    if (codePoint > 0x10FFFF) {
+        cursor = at;
+        raise("Malformed UTF-8 in name");
+    }
+    return at + length;
+}
+
+void QeXmlReader::readS() noexcept {
+    while (cursor != bufferEnd && tessit::isSpace(*cursor))
+        ++cursor;
+}
+
+namespace {
+
+struct Entity {
+    std::string_view name;  // with the closing semicolon
+    char character;
+};
+
+constexpr Entity Entities[] = {{"lt;", '<'}, {"gt;", '>'}, {"amp;", '&'}, {"apos;", '\''}, {"quot;", '"'}};
+
+}  // namespace
+
+// Entered just after the '&'; appends what the reference stands for. An unknown
+// entity is no error: its reference is appended as written.
+void QeXmlReader::readReference(QeCString& out) {
+    const std::string_view ahead(cursor, static_cast<std::size_t>(bufferEnd - cursor));
+    for (const Entity& entity : Entities) {
+        if (!ahead.starts_with(entity.name)) continue;
+        cursor += entity.name.size();
+        return out.append(entity.character);
+    }
+    const char* const semicolon = findByte(cursor, bufferEnd, ';');
+    if (semicolon == bufferEnd) raiseEnd();
+    const std::string_view body(cursor, static_cast<std::size_t>(semicolon - cursor));
+    cursor = semicolon + 1;
+    if (body.empty()) raise("Empty reference");
+    if (body[0] == '#') return readNumericReference(body.substr(1), out);
+    out.append(body.data() - 1, body.size() + 2);
+}
+
+namespace {
+
+// The value of a digit in the given base, or -1.
+int digitValue(char digit, unsigned base) {
+    if (digit >= '0' && digit <= '9') return digit - '0';
+    if (base == 16 && digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
+    if (base == 16 && digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
+    return -1;
+}
+
+}  // namespace
+
+// `body` is what stands between "&#" and ";". The value is not checked: it wraps
+// at 32 bits, and no digits after the 'x' make 0.
+void QeXmlReader::readNumericReference(std::string_view body, QeCString& out) {
+    if (body.empty()) raise("Empty character reference");
+    const bool hexadecimal = body[0] == 'x';
+    const unsigned base = hexadecimal ? 16 : 10;
+    std::uint32_t value = 0;
+    for (const char digit : body.substr(hexadecimal ? 1 : 0)) {
+        const int digitIn = digitValue(digit, base);
+        if (digitIn < 0 && hexadecimal) raise("invalid character in hexadecimal character reference.");
+        if (digitIn < 0) raise("invalid character in decimal character reference.");
+        value = value * base + static_cast<unsigned>(digitIn);
+    }
+    toUTF8(value, out);
+}
+
+void QeXmlReader::toUTF8(std::uint32_t codePoint, QeCString& out) {
+    char bytes[4];
+    const char* const end = tessit::putUtf8(bytes, codePoint);
+    out.append(bytes, static_cast<std::size_t>(end - bytes));
+}

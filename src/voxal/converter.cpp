@@ -1,0 +1,76 @@
+#include <algorithm>
+#include <unicode/ucnv.h>
+#include <voxal/converter.h>
+
+namespace {
+
+// What encoding names are made of, ICU's options (",version=1") included. No
+// slash and no NUL: a name comes from the document and must not become a path.
+bool isEncodingName(std::string_view name) {
+    constexpr std::string_view Signs = "-_.:+,=()";
+    return !name.empty() && std::all_of(name.begin(), name.end(), [&](char byte) {
+        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
+               Signs.find(byte) != std::string_view::npos;
+    });
+}
+
+// ICU's own name of an encoding; empty when it knows none.
+std::string_view canonicalName(const QeCString& name) {
+    if (!isEncodingName(name)) return {};
+    UErrorCode status = U_ZERO_ERROR;
+    const char* canonical = ucnv_getAlias(name.data(), 0, &status);
+    return U_FAILURE(status) || canonical == nullptr ? std::string_view() : std::string_view(canonical);
+}
+
+bool bothIn(std::string_view family, std::string_view left, std::string_view right) {
+    return left.starts_with(family) && right.starts_with(family);
+}
+
+}  // namespace
+
+void QeUToUnicodeConverter::Close::operator()(UConverter* converter) const noexcept {
+    ucnv_close(converter);
+}
+
+QeUToUnicodeConverter::Handle QeUToUnicodeConverter::open(const char* name) {
+    UErrorCode status = U_ZERO_ERROR;
+    Handle converter(ucnv_open(name, &status));
+    if (U_FAILURE(status))
+        throw QeUConversionError(QeCString("no converter is known for it (") + u_errorName(status) + ")");
+    return converter;
+}
+
+QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
+    if (!isEncodingName(name)) throw QeUConversionError("it is not the name of an encoding");
+    source = open(name.data());
+}
+
+QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes) const {
+    const Handle target = open("UTF-8");
+    QeCString result;
+    result.reserve(bytes.size());
+    UChar pivot[1024];
+    UChar* pivotRead = pivot;
+    UChar* pivotWrite = pivot;
+    char chunk[4096];
+    const char* at = bytes.data();
+    const char* const end = at + bytes.size();
+    for (bool first = true;; first = false) {
+        UErrorCode status = U_ZERO_ERROR;
+        char* written = chunk;
+        ucnv_convertEx(target.get(), source.get(), &written, chunk + sizeof chunk, &at, end, pivot, &pivotRead,
+                       &pivotWrite, pivot + std::size(pivot), first, true, &status);
+        result.append(chunk, static_cast<std::size_t>(written - chunk));
+        if (status == U_BUFFER_OVERFLOW_ERROR) continue;
+        if (U_FAILURE(status)) throw QeUConversionError(u_errorName(status));
+        return result;
+    }
+}
+
+bool QeUToUnicodeConverter::sameEncoding(const QeCString& left, const QeCString& right) {
+    const std::string_view canonicalLeft = canonicalName(left);
+    const std::string_view canonicalRight = canonicalName(right);
+    if (canonicalLeft.empty() || canonicalRight.empty()) return false;
+    return canonicalLeft == canonicalRight || bothIn("UTF-16", canonicalLeft, canonicalRight) ||
+           bothIn("UTF-32", canonicalLeft, canonicalRight);
+}
