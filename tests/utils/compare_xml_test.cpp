@@ -45,6 +45,7 @@ constexpr Pair Equal[] = {
     {"<r><b></b>x</r>", "<r><b></b>y</r>"},
     {"<r><b></b>x</r>", "<r><b></b> </r>"},
     {"<r><b></b><c/>x</r>", "<r><b></b><c></c>y</r>"},  // passing over an empty element changes nothing in that
+    {"<a/>x<b/>", "<a></a>y<b/>"},                      // nor does it begin anything
 };
 
 constexpr Pair Different[] = {
@@ -71,6 +72,7 @@ constexpr Pair Different[] = {
     {"<r><b></b>x</r>", "<r><b></b></r>"},
     {"<r><b></b>x</r>", "<r><b></b><c/></r>"},
     {"<r> <b/></r>", "<r><b></b></r>"},  // blank text against a start tag must have that start tag behind it
+    {"<r> <r/></r>", "<r><r></r>"},
     {"<r/>", "<r/><r/>"},
     {"<r></r>", "<r></r></r>"},
     {"<r><b>", "<r><b></b></r>"},
