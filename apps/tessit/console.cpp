@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t BufferSize = 64 * 1024;
+constexpr std::size_t BufferSize = 65'536;
 
 // Writes all the bytes, or returns false with the reason in `errno`.
 bool writeAll(int file, std::string_view bytes) {

@@ -40,7 +40,7 @@ inline std::size_t characterThatStays(std::string_view text) {
     std::uint32_t code = lead & (0x7Fu >> length);
     for (const char byte : text.substr(1, length - 1)) {
         if ((byte & 0xC0) != 0x80) return 0;
-        code = code << 6 | (byte & 0x3Fu);
+        code = code << 6 | static_cast<std::uint32_t>(byte & 0x3F);
     }
     const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
     const bool separatesLines = code == 0x2028 || code == 0x2029;

@@ -49,7 +49,7 @@ std::string_view displayName(std::string_view file) {
 }
 
 std::vector<unsigned char> readInput(const std::string& name) {
-    constexpr std::size_t LeastRoom = 64 * 1024;
+    constexpr std::size_t LeastRoom = 65'536;
     const OpenFile file(name);
     std::vector<unsigned char> bytes(std::max(file.sizeHint() + 1, LeastRoom));  // one more, to see the end
     std::size_t length = 0;
