@@ -125,7 +125,8 @@ TEST(Patterns, EndInAnErrorInsteadOfTakingForever) {
         {std::string(MiB / 8, 'a'), "(?x) (?:( ?=[a-c]*)a)*b"},
         {std::string(MiB / 8, 'a'), "(?>[a-c]+)d"},
         {std::string(MiB / 8, 'a'), "(a*)\\1b"},
-        {std::string(40, 'a'), manyGroups},  // saves two thousand groups in each step
+        {std::string(MiB / 8, 'a'), "(?<n>a*)\\k<n>b"},
+        {std::string(20, 'a'), manyGroups},  // few steps, each of which saves two thousand groups
     };
     for (const auto& [value, pattern] : Cases)
         EXPECT_NE(errorOf(value, pattern).find("takes too many steps on a text of"), std::string::npos)
@@ -144,6 +145,7 @@ TEST(Patterns, TakeTextsOfAMebibyte) {
     } Cases[] = {
         {letters, "^(a|b)*$", true},
         {letters, "^(a|b)*c$", false},
+        {letters, "^(?:b|c|d|e|f|g|h|i|j|k|l|m|n|o|p|a)*$", true},  // many steps a letter
         {letters, "^([a-z]{4})*$", true},
         {letters, "^(?:.|\\n)*$", true},
         {letters, "b", false},
