@@ -114,7 +114,8 @@ public:
     /// When the next tag is no start tag it stays pending, and the result is empty.
     /// A start tag that was pending is written anew: attributes in the set's order,
     /// values as stored, a space behind the name and behind each value.
-    /// O(bytes of the element).
+    /// An empty-element tag is taken without its end, as by `readElementStart`:
+    /// `readElementEnd` takes that. O(bytes of the element).
     QeCString readElement(const QeXmlName& name);
     QeCString readElement(const QeCString& qname);
 
