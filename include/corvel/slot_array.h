@@ -47,6 +47,12 @@ public:
         return slots[used++];
     }
 
+    /// Makes exactly `count` elements the ones in use, in whatever state their slots were left.
+    void takeSlots(std::size_t count) {
+        reserveSlots(count);
+        used = count;
+    }
+
     /// Drops the last element and keeps its slot.
     void dropLast() noexcept { --used; }
 

@@ -65,7 +65,7 @@ void QeCString::truncate(std::size_t newLength) noexcept {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    reserve(newLength);
+    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }

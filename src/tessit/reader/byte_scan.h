@@ -60,6 +60,25 @@ inline const char* findAny(const char* at, const char* end, char a, char b, char
     return at;
 }
 
+/// Copies bytes from `at` to `out` up to the first that is `a`, `b` or `c`, or to
+/// `end`, and moves both behind them. Whole blocks are written, so `out` needs room
+/// for 16 bytes more than `room` says; at most `room` bytes are passed.
+inline void copyPlain(const char*& at, const char* end, char*& out, std::size_t room, char a, char b, char c) {
+    const char* const last = static_cast<std::size_t>(end - at) > room ? at + room : end;
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+    for (; last - at >= 16; at += 16, out += 16) {
+        std::memcpy(out, at, 16);
+        if (const auto matches = matchBlock(at, a, b, c)) {
+            at += firstMatch(matches);
+            out += firstMatch(matches);
+            return;
+        }
+    }
+#endif
+    while (at != last && *at != a && *at != b && *at != c)
+        *out++ = *at++;
+}
+
 /// The first `byte` from `at` on, or `end`.
 inline const char* findByte(const char* at, const char* end, char byte) {
     const void* found = at == end ? nullptr : std::memchr(at, byte, static_cast<std::size_t>(end - at));
