@@ -251,7 +251,10 @@ private:
     [[noreturn]] void raise(const char* message) const;
     [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
     [[noreturn]] void raiseEnd();
-    char rd();
+    char rd() {
+        if (cursor == bufferEnd) raiseEnd();
+        return *cursor++;
+    }
     std::string_view rd(std::size_t count);
 
     // prolog.cpp

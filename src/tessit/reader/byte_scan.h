@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #if !defined(TESSIT_SCALAR) && defined(__SSE2__)
 #define TESSIT_SCAN_SSE2
@@ -77,6 +78,29 @@ inline void copyPlain(const char*& at, const char* end, char*& out, std::size_t 
 #endif
     while (at != last && *at != a && *at != b && *at != c)
         *out++ = *at++;
+}
+
+/// Whether `length` bytes are the same at both places. Names are short: two loads
+/// that overlap settle most, without a call.
+inline bool sameBytes(const char* left, const char* right, std::size_t length) {
+    const auto sameEnds = [=]<typename Word>(Word) {
+        Word leftHead, rightHead, leftTail, rightTail;
+        std::memcpy(&leftHead, left, sizeof(Word));
+        std::memcpy(&rightHead, right, sizeof(Word));
+        std::memcpy(&leftTail, left + length - sizeof(Word), sizeof(Word));
+        std::memcpy(&rightTail, right + length - sizeof(Word), sizeof(Word));
+        return ((leftHead ^ rightHead) | (leftTail ^ rightTail)) == 0;
+    };
+    if (length > 16) return std::memcmp(left, right, length) == 0;
+    if (length >= 8) return sameEnds(std::uint64_t{});
+    if (length >= 4) return sameEnds(std::uint32_t{});
+    for (std::size_t i = 0; i < length; ++i)
+        if (left[i] != right[i]) return false;
+    return true;
+}
+
+inline bool sameBytes(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && sameBytes(left.data(), right.data(), left.size());
 }
 
 /// The first `byte` from `at` on, or `end`.

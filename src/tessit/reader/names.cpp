@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <tessit/reader/byte_scan.h>
 #include <tessit/reader/xml_reader.h>
 
 namespace {
@@ -175,7 +176,7 @@ void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName
     const std::uint64_t state = namespaceStack.state();
     const bool sameBinding = binding == written.binding;
     const bool sameNamespace = sameBinding && binding != nullptr && (written.state == state || binding == &NoNamespace);
-    if ((sameNamespace || (sameBinding && binding == nullptr)) && written.raw == raw.whole()) return;
+    if ((sameNamespace || (sameBinding && binding == nullptr)) && tessit::sameBytes(written.raw, raw.whole())) return;
 
     written = {};  // until all is there: an assignment can throw
     name.localName.assign(raw.local());

@@ -67,7 +67,7 @@ bool QeXmlReader::takeLastNameAgain() noexcept {
     const std::string_view raw = lastNameWritten.raw;
     if (static_cast<std::size_t>(bufferEnd - cursor) <= raw.size() || cursor[raw.size()] != '>') return false;
     if (lastNameWritten.state != namespaceStack.state()) return false;
-    if (raw.empty() || std::memcmp(cursor, raw.data(), raw.size()) != 0) return false;
+    if (raw.empty() || !tessit::sameBytes(cursor, raw.data(), raw.size())) return false;
     cursor += raw.size();
     return true;
 }
@@ -130,7 +130,8 @@ QeXmlReader::RawName QeXmlReader::readAttributeName() {
     if (shapeNext != shape->attributes.data() + shape->attributes.size()) {
         const RawName& expected = shapeNext->name;
         const bool isThere = static_cast<std::size_t>(bufferEnd - cursor) > expected.length &&
-                             cursor[expected.length] == '=' && std::memcmp(cursor, expected.data, expected.length) == 0;
+                             cursor[expected.length] == '=' &&
+                             tessit::sameBytes(cursor, expected.data, expected.length);
         if (isThere) {
             ++shapeNext;
             cursor += expected.length;
