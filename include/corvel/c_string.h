@@ -40,15 +40,13 @@ public:
     constexpr QeCString(const char* text) : raw{} {
         setInlineLength(0);
         if (text == nullptr) return;
-        if (std::is_constant_evaluated()) {
-            std::size_t length = 0;
-            while (text[length] != '\0')
-                ++length;
+        const std::size_t length = std::char_traits<char>::length(text);
+        if (std::is_constant_evaluated() && length <= InlineCapacity) {
             for (std::size_t i = 0; i < length; ++i)
-                raw[i] = text[i];  // past 23 bytes: not a constant
+                raw[i] = text[i];
             setInlineLength(length);
         } else {
-            assign(text, std::char_traits<char>::length(text));
+            assign(text, length);  // no constant expression: a longer text needs a block
         }
     }
 
