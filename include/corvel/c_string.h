@@ -20,8 +20,8 @@
 /// have a heap block, which assignment reuses.
 ///
 /// Operations that store bytes throw `std::bad_alloc`, or `std::length_error`
-/// past 64 GiB, and then leave the string as it was. Arguments may point into
-/// the string itself. One thread at a time.
+/// past 64 GiB (2 GiB where pointers have 32 bits), and then leave the string as
+/// it was. Arguments may point into the string itself. One thread at a time.
 class TESSIT_API QeCString {
 public:
     /// Which ends of a text to strip; a set of two bits.
@@ -224,6 +224,10 @@ private:
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
 
+    // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
+    static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
+    static constexpr std::size_t MaxLength = MaxUnits * UnitSize - 1;
+
     bool isInline() const noexcept { return static_cast<signed char>(raw[TagIndex]) >= 0; }
 
     constexpr void setInlineLength(std::size_t length) noexcept {
@@ -290,6 +294,8 @@ private:
         std::memcpy(to + length - Size, &tail, Size);
     }
 
+    static std::uint32_t unitsFor(std::size_t length);
+    static char* newBlock(std::uint32_t units);
     static QeCString concatenate(std::string_view left, std::string_view right);
 
     void assignSlowly(const char* bytes, std::size_t length);

@@ -99,4 +99,21 @@ TEST(CString, ConstantsHoldTheirText) {
     expectHolds(Constant25, "abcdefghijklmnopqrstuvwxy");
 }
 
+TEST(CString, RefusesLengthsThatNoBlockCanHave) {
+    using Change = void (*)(QeCString&, std::size_t);
+    constexpr Change Changes[] = {
+        [](QeCString& text, std::size_t length) { text.reserve(length); },
+        [](QeCString& text, std::size_t length) { text.resizeForOverwrite(length); },
+        [](QeCString& text, std::size_t length) { text.assign("x", length); },
+        [](QeCString& text, std::size_t length) { text.append("x", length); },
+    };
+    for (const Storage& storage : Storages)
+        for (const Change change : Changes)
+            for (const std::size_t length : {QeCString::npos, QeCString::npos - 1, QeCString::npos - 48}) {
+                QeCString text = storage.make();
+                EXPECT_THROW(change(text, length), std::length_error);
+                expectHolds(text, storage.text());
+            }
+}
+
 }  // namespace
