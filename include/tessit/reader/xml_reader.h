@@ -300,6 +300,7 @@ private:
     bool keepsShape() const noexcept;
     void fixupAttributes();
     void fillShape();
+    void fillAnew();
     void sortAttributes();
     void writeAttributes();
     void openSlots(std::size_t count);

@@ -40,9 +40,17 @@ std::string_view QeXmlReader::valueOf(const RawAttribute& attribute) const noexc
 // set. They are put in order before they are written, so that each string is
 // written once, into its final place.
 void QeXmlReader::fixupAttributes() {
-    if (keepsShape()) return fillShape();
     if (rawAttributes.empty()) return lastAttributes.clear();  // what the slots hold is still known
-    slotsShape = nullptr;
+    if (keepsShape()) {
+        fillShape();
+    } else {
+        fillAnew();
+    }
+    lastAttributes.lookAtOrder();
+}
+
+void QeXmlReader::fillAnew() {
+    slotsShape = nullptr;  // until all is written: an assignment can throw
     for (RawAttribute& attribute : rawAttributes)
         attribute.value = valueOf(attribute);
     const std::size_t count = rawAttributes.size();
@@ -131,13 +139,8 @@ void QeXmlReader::writeAttributes() {
 // Gives the set that many attributes, with what earlier tags left in them.
 void QeXmlReader::openSlots(std::size_t count) {
     if (attributesWritten.size() < count) attributesWritten.resize(count);
-    QeSlotArray<QeXmlAttribute>& slots = lastAttributes.attributes;
-    slots.reserveSlots(count);
-    slots.clear();
-    while (slots.size() < count)
-        slots.append();
-    // Sorted by prefix, which need not be the order by URI.
-    lastAttributes.order = count > 1 ? QeXmlAttributeSet::Order::Unknown : QeXmlAttributeSet::Order::Sorted;
+    lastAttributes.attributes.takeSlots(count);
+    lastAttributes.knownSorted = false;  // sorted by prefix, which need not be the order by URI
 }
 
 void QeXmlReader::writeAttribute(std::size_t slot, const RawAttribute& attribute) {
