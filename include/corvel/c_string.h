@@ -132,10 +132,8 @@ public:
             raw[length] = '\0';
             setInlineLength(length);
         } else {
-            char* const block = heapData();
-            copyShort(block, bytes, length);
-            block[length] = '\0';
-            setHeapLength(length);
+            copyShort(heapData(), bytes, length);
+            setLength(length);
         }
     }
 
@@ -146,7 +144,9 @@ public:
     void clear() noexcept { truncate(0); }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer.
-    void truncate(std::size_t length) noexcept;
+    void truncate(std::size_t newLength) noexcept {
+        if (newLength < length()) setLength(newLength);
+    }
 
     /// Makes the text `length` bytes long and returns them, to be written over:
     /// what is not kept of the old text is unspecified until then. Everything that
@@ -155,13 +155,19 @@ public:
     char* resizeForOverwrite(std::size_t length);
 
     /// How many bytes the text can have before it needs another block.
-    std::size_t capacity() const noexcept;
+    std::size_t capacity() const noexcept { return isInline() ? InlineCapacity : heapCapacity(); }
 
     /// Makes room for `length` bytes in all, so that growing up to them allocates nothing.
     void reserve(std::size_t length);
 
     /// Appends bytes. Amortised O(bytes).
-    void append(const char* bytes, std::size_t length);
+    void append(const char* bytes, std::size_t count) {
+        const std::size_t oldLength = length();
+        if (count > InlineCapacity || count > capacity() - oldLength) return appendSlowly(bytes, count);
+        copyShort(mutableData() + oldLength, bytes, count);
+        setLength(oldLength + count);
+    }
+
     void append(std::string_view text) { append(text.data(), text.size()); }
     void append(const char* text) { append(viewOf(text)); }
     void append(char byte) { append(&byte, 1); }
@@ -197,7 +203,11 @@ public:
     std::size_t findFirstOf(std::string_view set, std::size_t from = 0) const noexcept;
 
     /// A view of up to `length` bytes from `position`; empty past the end. As long-lived as `data()`.
-    std::string_view substring(std::size_t position, std::size_t length = npos) const noexcept;
+    std::string_view substring(std::size_t position, std::size_t count = npos) const noexcept {
+        const std::size_t end = length();
+        if (position > end) position = end;
+        return {data() + position, count < end - position ? count : end - position};
+    }
 
     /// Turns a to z into A to Z, whatever the locale; other bytes stay.
     void toUpper() noexcept;
@@ -261,8 +271,23 @@ private:
         std::memcpy(&length, raw + offsetof(Block, length), sizeof length);
         return length;
     }
+    std::size_t heapCapacity() const noexcept {
+        std::uint32_t units;
+        std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
+        return units * UnitSize - 1;
+    }
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
+    }
+
+    void setLength(std::size_t length) noexcept {
+        if (isInline()) {
+            raw[length] = '\0';
+            setInlineLength(length);
+        } else {
+            heapData()[length] = '\0';
+            setHeapLength(length);
+        }
     }
 
     // A NUL-terminated text; a null pointer counts as empty.
@@ -318,10 +343,10 @@ private:
     static char* newBlock(std::uint32_t units);
     static QeCString concatenate(std::string_view left, std::string_view right);
 
+    void appendSlowly(const char* bytes, std::size_t count);
     void assignSlowly(const char* bytes, std::size_t length);
     void freeBlock() noexcept;
     void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
-    void setLength(std::size_t length) noexcept;
     [[noreturn]] void raiseIndex(std::size_t index) const;
 
     alignas(std::size_t) char raw[InlineCapacity + 1];

@@ -18,23 +18,6 @@ char* QeCString::newBlock(std::uint32_t units) {
     return static_cast<char*>(::operator new(UnitSize* units));
 }
 
-std::size_t QeCString::capacity() const noexcept {
-    if (isInline()) return InlineCapacity;
-    std::uint32_t units;
-    std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
-    return units * UnitSize - 1;
-}
-
-void QeCString::setLength(std::size_t length) noexcept {
-    if (isInline()) {
-        raw[length] = '\0';
-        setInlineLength(length);
-    } else {
-        heapData()[length] = '\0';
-        setHeapLength(length);
-    }
-}
-
 void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept {
     releaseBlock();
     std::memcpy(raw + offsetof(Block, data), &data, sizeof data);
@@ -59,10 +42,6 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
     adoptBlock(data, length, units);
 }
 
-void QeCString::truncate(std::size_t newLength) noexcept {
-    if (newLength < length()) setLength(newLength);
-}
-
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
     if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
@@ -78,7 +57,7 @@ void QeCString::reserve(std::size_t wanted) {
     adoptBlock(block, oldLength, units);
 }
 
-void QeCString::append(const char* bytes, std::size_t count) {
+void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     const std::size_t oldLength = length();
     const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
     if (newLength <= capacity()) {
@@ -111,11 +90,6 @@ std::size_t QeCString::find(std::string_view text, std::size_t from) const noexc
 
 std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const noexcept {
     return std::string_view(*this).find_first_of(set, from);
-}
-
-std::string_view QeCString::substring(std::size_t position, std::size_t count) const noexcept {
-    const std::string_view text(*this);
-    return text.substr(std::min(position, text.size()), count);
 }
 
 void QeCString::toUpper() noexcept {
