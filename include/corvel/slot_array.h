@@ -54,6 +54,21 @@ public:
         return slots[used++];
     }
 
+    /// Appends an element that `fill` writes, over whatever is left in its slot.
+    /// `fill` may read the elements that are there: they do not move before it is
+    /// done. Amortised O(1). Strong guarantee: should anything throw, no element
+    /// has moved either.
+    template <typename Fill>
+    T& append(const Fill& fill) {
+        if (used < slots.size()) {
+            fill(slots[used]);
+            return slots[used++];
+        }
+        T filled;
+        fill(filled);
+        return append() = std::move(filled);
+    }
+
     /// Drops the last element and keeps its slot.
     void dropLast() noexcept { --used; }
 

@@ -40,4 +40,16 @@ TEST(ModelAllocation, FailureLeavesAnAttributeSetAsItWas) {
         });
 }
 
+TEST(ModelAllocation, AnAttributeSetFillsItsOldStorage) {
+    QeXmlAttributeSet set = filledSet(20);
+    const QeXmlAttributeSet same(set);
+    EXPECT_EQ(countAllocations([&] {
+                  set.clear();
+                  for (const QeXmlAttribute& attribute : same)
+                      set.add(attribute);
+              }),
+              0u);
+    EXPECT_TRUE(sameValues(set, same));
+}
+
 }  // namespace
