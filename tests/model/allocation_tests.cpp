@@ -52,4 +52,67 @@ TEST(ModelAllocation, AnAttributeSetFillsItsOldStorage) {
     EXPECT_TRUE(sameValues(set, same));
 }
 
+QeXmlNamespace binding(int number) {
+    return QeXmlNamespace(lengthy("prefix", number), lengthy("URI", number));
+}
+
+// Two bindings to a scope.
+QeXmlNamespaceStack filledStack(int count) {
+    QeXmlNamespaceStack stack;
+    for (int i = 0; i < count; ++i) {
+        if (i % 2 == 0) stack.pushScope();
+        stack.addNamespace(binding(i));
+    }
+    return stack;
+}
+
+void expectHolds(const QeXmlNamespaceStack& stack, int count) {
+    for (int i = 0; i < count; ++i) {
+        EXPECT_EQ(stack.getURIForPrefix(binding(i).getPrefix()), binding(i).getURI()) << i;
+        EXPECT_EQ(stack.getPrefixForURI(binding(i).getURI()), binding(i).getPrefix()) << i;
+    }
+    EXPECT_EQ(&stack.getURIForPrefix(binding(count).getPrefix()), &QeXmlAttributeSet::EmptyString);
+    EXPECT_EQ(&stack.getPrefixForURI(binding(count).getURI()), &QeXmlAttributeSet::EmptyString);
+}
+
+TEST(ModelAllocation, FailureLeavesANamespaceStackAsItWas) {
+    for (const int count : {0, 1, 2, 3, 15, 16, 17, 40})  // an index is made for more than 16
+        forEachFailingAllocation([&](Attempt& attempt) {
+            QeXmlNamespaceStack stack = filledStack(count);
+            if (count % 2 == 0) stack.pushScope();
+            const auto* const begin = stack.namespacesBegin();
+            const auto* const end = stack.namespacesEnd();
+            const QeXmlNamespace added = binding(count);
+            const bool wasAdded = attempt([&] { stack.addNamespace(added); });
+            if (!wasAdded) {
+                EXPECT_TRUE(stack.namespacesBegin() == begin && stack.namespacesEnd() == end);
+                expectHolds(stack, count);
+                stack.addNamespace(QeXmlNamespace("another", "in its place"));
+            }
+            expectHolds(stack, count + (wasAdded ? 1 : 0));
+        });
+}
+
+TEST(ModelAllocation, FailureLeavesTheTargetOfACopyAsItWas) {
+    const QeXmlNamespaceStack from = filledStack(30);
+    forEachFailingAllocation([&](Attempt& attempt) {
+        QeXmlNamespaceStack to = filledStack(20);
+        const bool wasCopied = attempt([&] { to = from; });
+        expectHolds(to, wasCopied ? 30 : 20);
+    });
+}
+
+// As a member of something that is assigned by default.
+TEST(ModelAllocation, FailureToCopyAMemberIsNoReasonToEndTheProgram) {
+    struct Context {
+        QeXmlNamespaceStack stack;
+    };
+    const Context from{filledStack(5)};
+    forEachFailingAllocation([&](Attempt& attempt) {
+        Context to;
+        const bool copied = attempt([&] { to = from; });
+        if (copied) expectHolds(to.stack, 5);
+    });
+}
+
 }  // namespace
