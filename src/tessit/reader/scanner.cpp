@@ -1,7 +1,7 @@
 // The markup scanner: one function per construct, each entered and left as its
 // comment says. Hot loops run over plain bytes to the first that needs thought.
 
-#include <tessit/reader/byte_scan.h>
+#include <corvel/byte_scan.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/transcode.h>
 #include <tessit/reader/xml_reader.h>
