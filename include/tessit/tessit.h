@@ -8,6 +8,7 @@
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute.h>
 #include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_element_imp.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace.h>
 #include <tessit/model/xml_namespace_stack.h>
