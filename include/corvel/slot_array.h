@@ -47,6 +47,18 @@ public:
         return slots[used++];
     }
 
+    /// Whether the next call of `append` finds a slot; it is the one at `size()`.
+    bool hasSpareSlot() const noexcept { return used < slots.size(); }
+
+    /// Replaces all elements by copies of those of another array, in the slots that are there. After a throw, there
+    /// are none.
+    void assignInPlace(const QeSlotArray& other) {
+        clear();
+        reserveSlots(other.used);
+        std::copy(other.begin(), other.end(), begin());
+        used = other.used;
+    }
+
     /// Drops the last element and keeps its slot.
     void dropLast() noexcept { --used; }
 

@@ -118,6 +118,7 @@ public:
 
 private:
     friend class QeXmlReader;  // fills the set of each tag in place
+    friend class QeXmlWriter;  // completes the set of each tag in storage that it keeps
 
     // Whether the attributes stand in order, which a binary search needs. A
     // modifiable pointer that is out may be used to rename at any time, so the
@@ -132,7 +133,11 @@ private:
 
     const QeXmlAttribute* findNamespaceByPrefix(const QeCString& prefix) const noexcept;
     const QeXmlAttribute* findSorted(const QeXmlName& name) const noexcept;
+    void append(const QeXmlName& name, const QeCString& value);
     void settleOrder() noexcept;
+
+    // Assignment that keeps the strings of the slots. After a throw, the set is empty.
+    void assignInPlace(const QeXmlAttributeSet& other);
 
     QeSlotArray<QeXmlAttribute> attributes;
     Order order = Order::Sorted;

@@ -44,8 +44,7 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
         attributes.begin()[present - attributes.begin()].setValue(value);
         return;
     }
-    QeXmlAttribute added(name, value);  // before anything moves: the arguments may be of this set
-    attributes.append() = std::move(added);
+    append(name, value);
     QeXmlAttribute* last = attributes.end() - 1;
     QeXmlAttribute* position =
         std::upper_bound(attributes.begin(), last, last->getName(),
@@ -55,6 +54,27 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
 
 void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {
     remove(attributes.begin() + (std::as_const(*this).find(name) - attributes.begin()));
+}
+
+// Writes into the strings of a spare slot, so that a set that is cleared and
+// filled over and over stops allocating. Without a spare slot the array moves,
+// and the arguments with it if they are of this set: then they are copied first.
+void QeXmlAttributeSet::append(const QeXmlName& name, const QeCString& value) {
+    if (!attributes.hasSpareSlot()) {
+        QeXmlAttribute added(name, value);
+        attributes.append() = std::move(added);
+        return;
+    }
+    QeXmlAttribute& slot = attributes[attributes.size()];
+    slot.setName(name);
+    slot.setValue(value);
+    attributes.append();
+}
+
+void QeXmlAttributeSet::assignInPlace(const QeXmlAttributeSet& other) {
+    order = Order::Sorted;  // as the empty set that a throw leaves behind
+    attributes.assignInPlace(other.attributes);
+    order = other.order;
 }
 
 QeXmlAttribute* QeXmlAttributeSet::remove(QeXmlAttribute* position) noexcept {
