@@ -17,3 +17,5 @@
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/utils/xml_utils.h>
+#include <tessit/writer/xml_string_writer.h>
+#include <tessit/writer/xml_writer.h>
