@@ -8,6 +8,7 @@
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute.h>
 #include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_element_imp.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace.h>
 #include <tessit/model/xml_namespace_stack.h>
@@ -16,3 +17,5 @@
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/utils/xml_utils.h>
+#include <tessit/writer/xml_string_writer.h>
+#include <tessit/writer/xml_writer.h>

@@ -73,6 +73,12 @@ void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {
     lookAtOrder();
 }
 
+void QeXmlAttributeSet::assignInPlace(const QeXmlAttributeSet& other) {
+    knownSorted = true;  // as the empty set that a throw leaves behind
+    attributes.assignInPlace(other.attributes);
+    knownSorted = other.knownSorted;
+}
+
 QeXmlAttribute* QeXmlAttributeSet::remove(QeXmlAttribute* position) noexcept {
     const std::less<const QeXmlAttribute*> before;  // a total order, also for pointers from elsewhere
     if (before(position, attributes.begin()) || !before(position, attributes.end())) return end();

@@ -7,7 +7,7 @@
 #include <istream>
 #include <voxal/converter.h>
 
-#include <tessit/reader/byte_scan.h>
+#include <corvel/byte_scan.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/transcode.h>
 #include <tessit/reader/xml_reader.h>

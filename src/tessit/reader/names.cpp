@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include <tessit/reader/byte_scan.h>
+#include <corvel/byte_scan.h>
 #include <tessit/reader/xml_reader.h>
 
 namespace {
