@@ -93,8 +93,8 @@ void QeXmlReader::writeAttributes() {
         writeName(slot.name, attributesWritten[i], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
         slot.value.assign(attribute.value);
     }
-    // Sorted by prefix, which need not be the order by URI.
-    lastAttributes.order = count > 1 ? QeXmlAttributeSet::Order::Unknown : QeXmlAttributeSet::Order::Sorted;
+    lastAttributes.knownSorted = false;  // they are sorted by prefix, which need not be the order by URI
+    lastAttributes.lookAtOrder();
 }
 
 void QeXmlReader::writeElementName(const RawName& name) {
