@@ -100,6 +100,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     DeclaringScope& scope = declaring[scopeIndex];
     if (opensDeclaring) scope.bindings.clear();
     scope.bindings.reserveSlots(scope.bindings.size() + 1);
+    scope.state = ++lastState;  // already here: the bindings in force may have moved, whatever fails below
     QeXmlNamespace& binding = scope.bindings[scope.bindings.size()];
     binding.prefix.assign(prefix);
     binding.uri.assign(uri);
@@ -111,7 +112,6 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
         declaring.append();
     }
     scope.bindings.append();
-    scope.state = ++lastState;
     ++bindingCount;
 }
 
