@@ -84,6 +84,7 @@ void QeXmlReader::writeAttributes() {
     QeSlotArray<QeXmlAttribute>& slots = lastAttributes.attributes;
     const std::size_t count = rawAttributes.size();
     slots.clear();
+    lastAttributes.knownSorted = false;  // they come sorted by prefix, which need not be the order by URI
     slots.reserveSlots(count);
     if (attributesWritten.size() < count) attributesWritten.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
@@ -93,7 +94,6 @@ void QeXmlReader::writeAttributes() {
         writeName(slot.name, attributesWritten[i], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
         slot.value.assign(attribute.value);
     }
-    lastAttributes.knownSorted = false;  // they are sorted by prefix, which need not be the order by URI
     lastAttributes.lookAtOrder();
 }
 
