@@ -58,10 +58,11 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
         attributes.begin()[present - attributes.begin()].setValue(value);
         return;
     }
-    QeXmlAttribute added(name, value);  // before anything moves: the arguments may be of this set
-    attributes.append() = std::move(added);
-    QeXmlAttribute* last = attributes.end() - 1;
-    attributes.moveLastTo(upperBound(attributes.begin(), last, last->getName()));
+    const QeXmlAttribute& added = attributes.append([&](QeXmlAttribute& slot) {
+        slot.setName(name);
+        slot.setValue(value);
+    });
+    attributes.moveLastTo(upperBound(attributes.begin(), &added, added.getName()));
     lookAtOrder();
 }
 
