@@ -173,6 +173,7 @@ TEST(XmlReader, ReadsNothingPastTheEnd) {
          {std::span<const NodeCase>(Content), std::span<const NodeCase>(Tags), std::span<const NodeCase>(Errors)})
         for (const auto& row : cases)
             for (const Encoding encoding : Encodings) {
+                if (encoding != Encoding::Utf8 && !isUtf8(row.xml)) continue;
                 const std::string bytes = encode(row.xml, encoding);
                 for (std::size_t length = 0; length < bytes.size(); ++length)
                     EXPECT_NE(trace(Document(std::string_view(bytes).substr(0, length)), Source::Span), "");

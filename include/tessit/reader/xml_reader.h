@@ -77,7 +77,8 @@ public:
     // name given as a string means what it would mean written in front of the tag
     // that it is held against: before a start tag without that tag's own
     // declarations (unless its prefix is bound by them alone), before an end tag
-    // with those of the element that closes.
+    // with those of the element that closes. It may be a reference that the reader
+    // returned: what it shows at the call counts.
 
     /// Takes the next tag, which must open an element; else "Couldn't find start tag".
     void readElementStart();
@@ -313,6 +314,8 @@ private:
     void forgetWrittenNames() noexcept;
 
     // pull.cpp
+    ExpectedName keepExpected(const QeXmlName& name);
+    ExpectedName keepExpected(const QeCString& qname);
     void takeNextNode();
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
@@ -367,5 +370,6 @@ private:
     WrittenName lastNameWritten;
     std::vector<WrittenName> attributesWritten;  // by slot of lastAttributes
     CachedPrefix prefixCache[16];
+    QeXmlName expectedName;      // what the caller demands; working storage of one call
     RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
 };

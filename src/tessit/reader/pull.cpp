@@ -5,8 +5,9 @@
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/xml_reader.h>
 
-// A name that the caller expects, in either form. A string is resolved only when
-// the tag is known: what its prefix means depends on where the tag stands.
+// A name that the caller expects, in either form; a view of `expectedName`. A string
+// is resolved only when the tag is known: what its prefix means depends on where
+// the tag stands.
 struct QeXmlReader::ExpectedName {
     explicit ExpectedName(const QeXmlName& name)
         : prefix(name.getNamespace().getPrefix()),
@@ -41,6 +42,18 @@ std::string_view uriOf(const QeXmlNamespace* binding) {
 }
 
 }  // namespace
+
+// The caller's name may be one of the last-node members, or part of one, which the
+// scan writes over: it is held against the tag as it is now.
+QeXmlReader::ExpectedName QeXmlReader::keepExpected(const QeXmlName& name) {
+    expectedName = name;
+    return ExpectedName(expectedName);
+}
+
+QeXmlReader::ExpectedName QeXmlReader::keepExpected(const QeCString& qname) {
+    expectedName.localName = qname;
+    return ExpectedName(expectedName.localName);
+}
 
 void QeXmlReader::takeNextNode() {
     if (nodePending) {
@@ -103,11 +116,11 @@ const QeXmlAttributeSet& QeXmlReader::demandStart(const ExpectedName& expected) 
 }
 
 const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeXmlName& name) {
-    return demandStart(ExpectedName(name));
+    return demandStart(keepExpected(name));
 }
 
 const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeCString& qname) {
-    return demandStart(ExpectedName(qname));
+    return demandStart(keepExpected(qname));
 }
 
 void QeXmlReader::readElementEnd() {
@@ -126,11 +139,11 @@ void QeXmlReader::demandEnd(const ExpectedName& expected) {
 }
 
 void QeXmlReader::readElementEnd(const QeXmlName& name) {
-    demandEnd(ExpectedName(name));
+    demandEnd(keepExpected(name));
 }
 
 void QeXmlReader::readElementEnd(const QeCString& qname) {
-    demandEnd(ExpectedName(qname));
+    demandEnd(keepExpected(qname));
 }
 
 const QeCString& QeXmlReader::readElementValue() {
@@ -144,11 +157,11 @@ bool QeXmlReader::startsNext(const ExpectedName& expected) {
 }
 
 bool QeXmlReader::isElementNext(const QeXmlName& name) {
-    return startsNext(ExpectedName(name));
+    return startsNext(keepExpected(name));
 }
 
 bool QeXmlReader::isElementNext(const QeCString& qname) {
-    return startsNext(ExpectedName(qname));
+    return startsNext(keepExpected(qname));
 }
 
 bool QeXmlReader::eof() {
@@ -157,12 +170,12 @@ bool QeXmlReader::eof() {
 }
 
 QeCString QeXmlReader::readElement(const QeXmlName& name) {
-    const ExpectedName expected(name);
+    const ExpectedName expected = keepExpected(name);
     return readRawElement(name == NullName ? nullptr : &expected);
 }
 
 QeCString QeXmlReader::readElement(const QeCString& qname) {
-    const ExpectedName expected(qname);
+    const ExpectedName expected = keepExpected(qname);
     return readRawElement(&expected);
 }
 
