@@ -3,7 +3,12 @@
 /// Everything that the library offers.
 
 #include <corvel/c_string.h>
+#include <corvel/date.h>
+#include <corvel/date_time.h>
 #include <corvel/exmsg.h>
+#include <corvel/locale.h>
+#include <corvel/value_error.h>
+#include <corvel/zone.h>
 #include <tessit/errors/catalog.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute.h>
