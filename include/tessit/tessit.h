@@ -5,6 +5,7 @@
 #include <corvel/c_string.h>
 #include <corvel/date.h>
 #include <corvel/date_time.h>
+#include <corvel/decimal_portable.h>
 #include <corvel/exmsg.h>
 #include <corvel/locale.h>
 #include <corvel/value_error.h>
