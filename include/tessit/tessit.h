@@ -21,4 +21,5 @@
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
+#include <tessit/schema/xml_duration.h>
 #include <tessit/utils/xml_utils.h>
