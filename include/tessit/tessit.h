@@ -22,4 +22,5 @@
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/schema/xml_duration.h>
+#include <tessit/schema/xml_schema_utils.h>
 #include <tessit/utils/xml_utils.h>
