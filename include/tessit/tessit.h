@@ -3,7 +3,13 @@
 /// Everything that the library offers.
 
 #include <corvel/c_string.h>
+#include <corvel/date.h>
+#include <corvel/date_time.h>
+#include <corvel/decimal_portable.h>
 #include <corvel/exmsg.h>
+#include <corvel/locale.h>
+#include <corvel/value_error.h>
+#include <corvel/zone.h>
 #include <tessit/errors/catalog.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute.h>
@@ -16,6 +22,8 @@
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
+#include <tessit/schema/xml_duration.h>
+#include <tessit/schema/xml_schema_utils.h>
 #include <tessit/utils/xml_utils.h>
 #include <tessit/writer/xml_string_writer.h>
 #include <tessit/writer/xml_writer.h>
