@@ -24,6 +24,7 @@
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/schema/xml_duration.h>
 #include <tessit/schema/xml_schema_utils.h>
+#include <tessit/schema/xml_validator.h>
 #include <tessit/utils/xml_utils.h>
 #include <tessit/writer/xml_string_writer.h>
 #include <tessit/writer/xml_writer.h>

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <corvel/date_time.h>
+#include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
+
+class QeXmlReader;
 
 /// Helpers and named constants, all static.
 ///
@@ -90,4 +93,38 @@ public:
     /// The day, in UTC, of the instant that `convertISODateStringToDateTime` reads:
     /// 2003-05-20T01:00:00+02:00 is 19 May. Throws as that does.
     static QeDate convertISODateStringToDate(const QeCString& text);
+
+    /// Whether two documents say the same thing.
+    ///
+    /// They do when they have the same elements in the same order, with the same
+    /// names (local name and URI; prefixes do not count), the same attributes,
+    /// namespace declarations included, as `compareAttributeSet` sees them, and
+    /// byte for byte the same text behind a start tag or an empty-element tag.
+    ///
+    /// Not looked at: the XML declaration and the rest of the prolog, comments,
+    /// processing instructions, the encoding, how a character is written (as itself,
+    /// by a reference, in a CDATA section), text behind an end tag where both have
+    /// text there, and blank text that one document has and the other lacks. An
+    /// empty-element tag equals any start tag with an end tag behind it and at most
+    /// blank text between; names and attributes are not compared then.
+    ///
+    /// Throws the `QeXmlParseError` of a document that cannot be read that far; the
+    /// comparison ends at the first difference. End tags need not match start tags.
+    /// Takes one pass over both documents, in place: time as the two readers take,
+    /// and memory for one node of each.
+    static bool compareXml(const QeCString& left, const QeCString& right);
+
+    /// Whether two sets have equal names (prefixes do not count) with equal values
+    /// at every position of their order. O(n).
+    ///
+    /// The order of adding does not matter. In sets from the reader, attributes with
+    /// one local name and different prefixes stand in the order of the prefixes, so
+    /// that other prefixes can make two such sets unequal.
+    static bool compareAttributeSet(const QeXmlAttributeSet& left, const QeXmlAttributeSet& right) noexcept;
+
+private:
+    class Comparison;
+
+    static bool verifyEmptyTag(QeXmlReader& reader, QeXmlReader& other);
+    static bool verifyEmptyData(QeXmlReader& reader, QeXmlReader& other);
 };
