@@ -19,11 +19,16 @@ bool nameLess(const QeXmlAttribute& attribute, const QeXmlName& name) noexcept {
 
 QeXmlAttributeSet::~QeXmlAttributeSet() = default;
 
+bool QeXmlAttributeSet::isStrictlySorted() const noexcept {
+    if (order != Order::Unknown) return order == Order::Sorted;
+    return std::adjacent_find(begin(), end(), [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+               return left.compareTo(right) >= 0;
+           }) == end();
+}
+
 // Called before attributes are added or removed, which makes the pointers that are out void.
 void QeXmlAttributeSet::settleOrder() noexcept {
-    if (order != Order::Unknown) return;
-    const auto less = [](const QeXmlAttribute& left, const QeXmlAttribute& right) { return left.compareTo(right) < 0; };
-    order = std::is_sorted(attributes.begin(), attributes.end(), less) ? Order::Sorted : Order::Broken;
+    order = isStrictlySorted() ? Order::Sorted : Order::Broken;
 }
 
 const QeXmlAttribute* QeXmlAttributeSet::findSorted(const QeXmlName& name) const noexcept {
