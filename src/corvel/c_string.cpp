@@ -88,7 +88,8 @@ void QeCString::append(const char* bytes, std::size_t count) {
         setLength(newLength);
         return;
     }
-    const std::uint32_t units = unitsFor(std::max(newLength, oldLength + oldLength / 2), UnitSize);
+    constexpr std::size_t Longest = std::size_t{UINT32_MAX} * UnitSize - 1;
+    const std::uint32_t units = unitsFor(std::max(newLength, std::min(2 * oldLength, Longest)), UnitSize);
     char* block = static_cast<char*>(::operator new(units* UnitSize));
     std::memcpy(block, data(), oldLength);
     std::memcpy(block + oldLength, bytes, count);
