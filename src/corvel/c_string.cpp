@@ -65,7 +65,7 @@ void QeCString::appendSlowly(const char* bytes, std::size_t count) {
         setLength(newLength);
         return;
     }
-    const std::uint32_t units = unitsFor(std::max(newLength, std::min(oldLength + oldLength / 2, MaxLength)));
+    const std::uint32_t units = unitsFor(std::max(newLength, std::min(2 * oldLength, MaxLength)));
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     std::memcpy(block + oldLength, bytes, count);

@@ -120,7 +120,7 @@ TEST(XmlWriter, PassesBytesOnAsAStringWhereTheSinkTakesNone) {
         const QeCString text(std::string_view(std::string(length, 'x')));
         writer.write(text, true);
         writer.write("y", true);
-        EXPECT_EQ(writer.calls, "|s:" + std::string(length, 'x') + "|s:y");
+        EXPECT_EQ(writer.calls, QeCString("|s:") + std::string(length, 'x') + "|s:y");
     }
 }
 
@@ -145,7 +145,7 @@ TEST(XmlWriter, EscapesValuesButNotTwice) {
     for (const auto& [value, written] : Values) {
         LoggingWriter writer;
         writer.writeAttribute("a", value, true);
-        EXPECT_EQ(writer.output, " a=\"" + std::string(written) + "\"");
+        EXPECT_EQ(writer.output, QeCString(" a=\"") + written + "\"");
     }
 }
 
@@ -165,7 +165,7 @@ TEST(XmlWriter, WritesLongValuesInOneCall) {
         writer.writeAttribute("a", QeCString(std::string_view(quotes)), true);
         writer.writeAttribute("a", QeCString(std::string_view(quotes)), false);
         writer.write(QeCString(std::string_view(quotes + "&")), true);
-        EXPECT_EQ(writer.calls, "|b: a=\"" + escaped + "\"|b: a=\"" + quotes + "\"|b:" + quotes + "&amp;");
+        EXPECT_EQ(writer.calls, QeCString("|b: a=\"") + escaped + "\"|b: a=\"" + quotes + "\"|b:" + quotes + "&amp;");
     }
 }
 
@@ -351,11 +351,11 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
     for (const int padding : {0, 20}) {
         QeXmlAttributeSet set = attributes({{"a", "1", {}}, {"m", "2", {}}, {"n", "3", {"p", "u"}}});
         for (int i = 0; i < padding; ++i)
-            set.add(QeXmlName(QeCString(std::string_view("x" + std::to_string(100 + i)))), "");
+            set.add(QeXmlName(QeCString("x") + std::to_string(100 + i)), "");
         set.begin()->getName().setLocalName("z");
-        std::string tail;
+        QeCString tail;
         for (int i = 0; i < padding; ++i)
-            tail += " x" + std::to_string(100 + i) + "=\"\"";
+            tail += QeCString(" x") + std::to_string(100 + i) + "=\"\"";
 
         LoggingWriter writer;
         empty(writer, {"e"}, set);
@@ -373,12 +373,11 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
 
 TEST(XmlWriter, FindsDeclarationsInLargeSets) {
     QeXmlAttributeSet set;
-    std::string expected = "<p7:e";
+    QeCString expected = "<p7:e";
     for (int i = 0; i < 40; ++i)
-        set.addNamespaceAttribute({QeCString(std::string_view("p" + std::to_string(10 + i))),
-                                   "u" + QeCString(std::string_view(std::to_string(i)))});
+        set.addNamespaceAttribute({QeCString("p") + std::to_string(10 + i), QeCString("u") + std::to_string(i)});
     for (int i = 0; i < 40; ++i)
-        expected += " xmlns:p" + std::to_string(10 + i) + "=\"u" + std::to_string(i) + "\"";
+        expected += QeCString(" xmlns:p") + std::to_string(10 + i) + "=\"u" + std::to_string(i) + "\"";
     LoggingWriter writer;
     empty(writer, {"e", {"p7", "w"}}, set);
     EXPECT_EQ(writer.output, expected + " xmlns:p7=\"w\"/>");
@@ -522,7 +521,7 @@ private:
 TEST(XmlWriter, MayBeCalledByItsSink) {
     NestingWriter writer;
     empty(writer, {"e", NsU}, attributes({{"a", "a-value-of-more-than-23-bytes", {"m", "w"}}}));
-    const std::string nested =
+    const QeCString nested =
         "<r:an-element-name-that-needs-the-heap q:an-attribute-name-that-needs-the-heap=\"1\" "
         "xmlns:q=\"another-uri-that-needs-the-heap\" xmlns:r=\"v\"/>";
     EXPECT_EQ(writer.output, "<p:e" + nested + " m:a=\"a-value-of-more-than-23-bytes\"" + nested + " xmlns:m=\"w\"" +
