@@ -8,32 +8,14 @@
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
 
-namespace {
-
-// The number of 16-byte units for a text of `length` bytes and its terminator.
-std::uint32_t unitsFor(std::size_t length, std::size_t unitSize) {
-    const std::size_t units = length / unitSize + 1;
-    if (units > UINT32_MAX) throw std::length_error("QeCString: text too long");
-    return static_cast<std::uint32_t>(units);
+// The size of a block for `length` bytes and their terminator.
+std::uint32_t QeCString::unitsFor(std::size_t length) {
+    if (length > MaxLength) throw std::length_error("QeCString: text too long");
+    return static_cast<std::uint32_t>(length / UnitSize + 1);
 }
 
-}  // namespace
-
-std::size_t QeCString::capacity() const noexcept {
-    if (isInline()) return InlineCapacity;
-    std::uint32_t units;
-    std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
-    return units * UnitSize - 1;
-}
-
-void QeCString::setLength(std::size_t length) noexcept {
-    if (isInline()) {
-        raw[length] = '\0';
-        setInlineLength(length);
-    } else {
-        heapData()[length] = '\0';
-        setHeapLength(length);
-    }
+char* QeCString::newBlock(std::uint32_t units) {
+    return static_cast<char*>(::operator new(UnitSize* units));
 }
 
 void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept {
@@ -54,18 +36,14 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
         setLength(length);
         return;
     }
-    const std::uint32_t units = unitsFor(length, UnitSize);
-    char* data = static_cast<char*>(::operator new(units* UnitSize));
+    const std::uint32_t units = unitsFor(length);
+    char* data = newBlock(units);
     std::memcpy(data, bytes, length);  // before the old block goes: `bytes` may lie in it
     adoptBlock(data, length, units);
 }
 
-void QeCString::truncate(std::size_t newLength) noexcept {
-    if (newLength < length()) setLength(newLength);
-}
-
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    reserve(newLength);
+    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
@@ -73,23 +51,22 @@ char* QeCString::resizeForOverwrite(std::size_t newLength) {
 void QeCString::reserve(std::size_t wanted) {
     if (wanted <= capacity()) return;
     const std::size_t oldLength = length();
-    const std::uint32_t units = unitsFor(wanted, UnitSize);
-    char* block = static_cast<char*>(::operator new(units* UnitSize));
+    const std::uint32_t units = unitsFor(wanted);
+    char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     adoptBlock(block, oldLength, units);
 }
 
-void QeCString::append(const char* bytes, std::size_t count) {
+void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     const std::size_t oldLength = length();
-    if (count > npos - oldLength) throw std::length_error("QeCString: text too long");
-    const std::size_t newLength = oldLength + count;
+    const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
     if (newLength <= capacity()) {
         if (count != 0) std::memmove(mutableData() + oldLength, bytes, count);
         setLength(newLength);
         return;
     }
-    const std::uint32_t units = unitsFor(std::max(newLength, oldLength + oldLength / 2), UnitSize);
-    char* block = static_cast<char*>(::operator new(units* UnitSize));
+    const std::uint32_t units = unitsFor(std::max(newLength, std::min(oldLength + oldLength / 2, MaxLength)));
+    char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     std::memcpy(block + oldLength, bytes, count);
     adoptBlock(block, newLength, units);
@@ -113,11 +90,6 @@ std::size_t QeCString::find(std::string_view text, std::size_t from) const noexc
 
 std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const noexcept {
     return std::string_view(*this).find_first_of(set, from);
-}
-
-std::string_view QeCString::substring(std::size_t position, std::size_t count) const noexcept {
-    const std::string_view text(*this);
-    return text.substr(std::min(position, text.size()), count);
 }
 
 void QeCString::toUpper() noexcept {

@@ -25,7 +25,8 @@ public:
     QeXmlNamespaceStack() noexcept;
     QeXmlNamespaceStack(const QeXmlNamespaceStack& other);
     QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept;
-    QeXmlNamespaceStack& operator=(QeXmlNamespaceStack other) noexcept;
+    QeXmlNamespaceStack& operator=(const QeXmlNamespaceStack& other);
+    QeXmlNamespaceStack& operator=(QeXmlNamespaceStack&& other) noexcept;
     ~QeXmlNamespaceStack();
 
     /// Opens an empty scope. O(1), allocates nothing.
@@ -90,7 +91,6 @@ private:
     template <typename Matches>
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
-    // `addNamespace` for views that point outside the stack.
     void addBinding(std::string_view prefix, std::string_view uri);
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
@@ -103,7 +103,7 @@ private:
     void dropAll() noexcept;
     void dropBindings() noexcept;
     void forgetInnermost() noexcept;
-    void addToIndex(const QeXmlNamespace& binding, std::size_t scope);
+    void addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope);
     void buildIndex();
 
     std::size_t depth = 0;

@@ -42,11 +42,7 @@ public:
     /// The declaration's text, from `<?xml` to `?>`, without a line end.
     QeCString asString() const;
 
-    friend bool operator==(const QeXmlProlog& left, const QeXmlProlog& right) noexcept {
-        return left.version == right.version && left.characterEncoding == right.characterEncoding &&
-               left.characterEncodingSet == right.characterEncodingSet && left.standalone == right.standalone &&
-               left.standaloneSet == right.standaloneSet;
-    }
+    friend bool operator==(const QeXmlProlog& left, const QeXmlProlog& right) noexcept;
 
 private:
     QeCString version{"1.0"};
@@ -55,3 +51,13 @@ private:
     bool standalone = false;
     bool standaloneSet = false;
 };
+
+inline bool operator==(const QeXmlProlog& left, const QeXmlProlog& right) noexcept {
+    return left.version == right.version && left.characterEncoding == right.characterEncoding &&
+           left.characterEncodingSet == right.characterEncodingSet && left.standalone == right.standalone &&
+           left.standaloneSet == right.standaloneSet;
+}
+
+inline bool operator!=(const QeXmlProlog& left, const QeXmlProlog& right) noexcept {
+    return !(left == right);
+}

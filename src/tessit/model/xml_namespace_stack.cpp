@@ -16,9 +16,9 @@ struct QeXmlNamespaceStack::Index {
     };
     using Places = std::map<QeCString, std::vector<Place>, std::less<>>;
 
-    void add(const QeXmlNamespace& binding, Place place) {
-        add(byPrefix, binding.getPrefix(), place);
-        add(byURI, binding.getURI(), place);
+    void add(std::string_view prefix, std::string_view uri, Place place) {
+        add(byPrefix, prefix, place);
+        add(byURI, uri, place);
     }
 
     // Forgets a binding of the innermost scope.
@@ -27,8 +27,11 @@ struct QeXmlNamespaceStack::Index {
         drop(byURI, binding.getURI(), scope);
     }
 
-    static void add(Places& places, const QeCString& key, Place place) {
-        std::vector<Place>& list = places[key];
+    static void add(Places& places, std::string_view key, Place place) {
+        auto entry = places.lower_bound(key);
+        if (entry == places.end() || entry->first != key)
+            entry = places.emplace_hint(entry, QeCString(key), std::vector<Place>());
+        std::vector<Place>& list = entry->second;
         if (list.empty() || list.back().scope != place.scope) list.push_back(place);
     }
 
@@ -77,55 +80,58 @@ QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
       lastState(other.lastState),
       index(std::move(other.index)) {}
 
-QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack other) noexcept {
-    depth = other.depth;
-    declaring.swap(other.declaring);
-    bindingCount = other.bindingCount;
+QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
+    return *this = QeXmlNamespaceStack(other);
+}
+
+QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other) noexcept {
+    depth = std::exchange(other.depth, 0);
+    declaring = std::move(other.declaring);
+    bindingCount = std::exchange(other.bindingCount, 0);
     lastState = other.lastState;
     index = std::move(other.index);
     return *this;
 }
 
 void QeXmlNamespaceStack::addNamespace(const QeXmlNamespace& ns) {
-    const QeXmlNamespace added(ns);  // `ns` may be one of our own bindings, which can move
-    addBinding(added.getPrefix(), added.getURI());
+    addBinding(ns.getPrefix(), ns.getURI());
 }
 
-// Everything that can throw comes first and touches spare slots and the index
-// only; the last lines make the binding visible and cannot fail.
+// Everything that can throw comes first and changes nothing that can be seen; the
+// last lines make the binding visible and cannot fail. The views may point into
+// the stack, whose bindings do not move before the new one was written.
 void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view uri) {
-    const bool opensDeclaring = !innermostDeclares() || depth == 0;
+    const bool opensDeclaring = !innermostDeclares();
     const std::size_t scopeIndex = declaring.size() - (opensDeclaring ? 0 : 1);
     declaring.reserveSlots(scopeIndex + 1);
     DeclaringScope& scope = declaring[scopeIndex];
     if (opensDeclaring) scope.bindings.clear();
-    scope.bindings.reserveSlots(scope.bindings.size() + 1);
-    QeXmlNamespace& binding = scope.bindings[scope.bindings.size()];
-    binding.prefix.assign(prefix);
-    binding.uri.assign(uri);
-    addToIndex(binding, scopeIndex);
+    try {
+        addToIndex(prefix, uri, scopeIndex);
+        scope.bindings.append([=](QeXmlNamespace& slot) {
+            slot.prefix.assign(prefix);
+            slot.uri.assign(uri);
+        });
+    } catch (...) {
+        index.reset();  // it may know the binding already; the next one builds a new index
+        throw;
+    }
 
     if (depth == 0) pushScope();
     if (opensDeclaring) {
         scope.depth = depth;
         declaring.append();
     }
-    scope.bindings.append();
     scope.state = ++lastState;
     ++bindingCount;
 }
 
-void QeXmlNamespaceStack::addToIndex(const QeXmlNamespace& binding, std::size_t scope) {
+void QeXmlNamespaceStack::addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope) {
     if (index == nullptr) {
         if (bindingCount < IndexThreshold) return;
         buildIndex();
     }
-    try {
-        index->add(binding, {scope, declaring[scope].bindings.size()});
-    } catch (...) {
-        index.reset();  // half of an entry would be wrong; the next binding builds a new index
-        throw;
-    }
+    index->add(prefix, uri, {scope, declaring[scope].bindings.size()});
 }
 
 void QeXmlNamespaceStack::buildIndex() {
@@ -133,7 +139,7 @@ void QeXmlNamespaceStack::buildIndex() {
     for (std::size_t scope = 0; scope < declaring.size(); ++scope) {
         std::size_t position = 0;
         for (const QeXmlNamespace& binding : declaring[scope].bindings)
-            built->add(binding, {scope, position++});
+            built->add(binding.getPrefix(), binding.getURI(), {scope, position++});
     }
     index = std::move(built);
 }

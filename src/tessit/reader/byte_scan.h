@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #if !defined(TESSIT_SCALAR) && defined(__SSE2__)
 #define TESSIT_SCAN_SSE2
@@ -58,6 +59,48 @@ inline const char* findAny(const char* at, const char* end, char a, char b, char
     while (at != end && *at != a && *at != b && *at != c)
         ++at;
     return at;
+}
+
+/// Copies bytes from `at` to `out` up to the first that is `a`, `b` or `c`, or to
+/// `end`, and moves both behind them. Whole blocks are written, so `out` needs room
+/// for 16 bytes more than `room` says; at most `room` bytes are passed.
+inline void copyPlain(const char*& at, const char* end, char*& out, std::size_t room, char a, char b, char c) {
+    const char* const last = static_cast<std::size_t>(end - at) > room ? at + room : end;
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+    for (; last - at >= 16; at += 16, out += 16) {
+        std::memcpy(out, at, 16);
+        if (const auto matches = matchBlock(at, a, b, c)) {
+            at += firstMatch(matches);
+            out += firstMatch(matches);
+            return;
+        }
+    }
+#endif
+    while (at != last && *at != a && *at != b && *at != c)
+        *out++ = *at++;
+}
+
+/// Whether `length` bytes are the same at both places. Names are short: two loads
+/// that overlap settle most, without a call.
+inline bool sameBytes(const char* left, const char* right, std::size_t length) {
+    const auto sameEnds = [=]<typename Word>(Word) {
+        Word leftHead, rightHead, leftTail, rightTail;
+        std::memcpy(&leftHead, left, sizeof(Word));
+        std::memcpy(&rightHead, right, sizeof(Word));
+        std::memcpy(&leftTail, left + length - sizeof(Word), sizeof(Word));
+        std::memcpy(&rightTail, right + length - sizeof(Word), sizeof(Word));
+        return ((leftHead ^ rightHead) | (leftTail ^ rightTail)) == 0;
+    };
+    if (length > 16) return std::memcmp(left, right, length) == 0;
+    if (length >= 8) return sameEnds(std::uint64_t{});
+    if (length >= 4) return sameEnds(std::uint32_t{});
+    for (std::size_t i = 0; i < length; ++i)
+        if (left[i] != right[i]) return false;
+    return true;
+}
+
+inline bool sameBytes(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && sameBytes(left.data(), right.data(), left.size());
 }
 
 /// The first `byte` from `at` on, or `end`.

@@ -168,11 +168,6 @@ void QeXmlReader::raiseTranscoding(const char* reason) const {
     err(message);
 }
 
-char QeXmlReader::rd() {
-    if (cursor == bufferEnd) raiseEnd();
-    return *cursor++;
-}
-
 std::string_view QeXmlReader::rd(std::size_t count) {
     if (static_cast<std::size_t>(bufferEnd - cursor) < count) raise("Premature EOF");
     cursor += count;

@@ -217,6 +217,7 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
     }
     lastAttributes = std::move(attributes);
     attributesWritten.clear();
+    slotsShape = nullptr;
     return contentEnd;
 }
 

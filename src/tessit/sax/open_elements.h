@@ -17,43 +17,43 @@ public:
     bool empty() const noexcept { return elements.empty(); }
 
     void push(const QeXmlName& name) {
-        Element element;
-        element.local = append(name.getLocalName());
-        const std::string_view uri = name.getNamespace().getURI();
-        const bool likeParent = !empty() && textOf(elements.back().uri) == uri;
-        element.uri = likeParent ? elements.back().uri : append(uri);
+        const QeCString& uri = name.getNamespace().getURI();
+        Element element{bytes.length(), name.getLocalName().length(), 0, 0};
+        bytes += name.getLocalName();
+        if (!uri.empty()) {
+            const bool likeParent = !empty() && uriOf(elements.back()) == uri;
+            element.uriStart = likeParent ? elements.back().uriStart : bytes.length();
+            element.uriLength = uri.length();
+            if (!likeParent) bytes += uri;
+        }
         elements.push_back(element);
     }
 
     /// Whether the innermost element has that name; prefixes do not count.
     bool innermostIs(const QeXmlName& name) const noexcept {
-        return name.getLocalName() == textOf(elements.back().local) &&
-               name.getNamespace().getURI() == textOf(elements.back().uri);
+        const Element& innermost = elements.back();
+        return name.getLocalName() == bytes.substring(innermost.start, innermost.length) &&
+               name.getNamespace().getURI() == uriOf(innermost);
     }
 
     void pop() noexcept {
-        bytes.resize(elements.back().local.start);
+        bytes.truncate(elements.back().start);
         elements.pop_back();
     }
 
 private:
-    struct Text {
-        std::size_t start;
-        std::size_t length;
-    };
     struct Element {
-        Text local;
-        Text uri;
+        std::size_t start;  // of the local name in `bytes`
+        std::size_t length;
+        std::size_t uriStart;
+        std::size_t uriLength;
     };
 
-    Text append(std::string_view text) {
-        bytes.insert(bytes.end(), text.begin(), text.end());
-        return {bytes.size() - text.size(), text.size()};
+    std::string_view uriOf(const Element& element) const noexcept {
+        return bytes.substring(element.uriStart, element.uriLength);
     }
 
-    std::string_view textOf(Text text) const noexcept { return {bytes.data() + text.start, text.length}; }
-
-    std::vector<char> bytes;
+    QeCString bytes;
     std::vector<Element> elements;
 };
 
