@@ -151,12 +151,16 @@ QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
       indexed(std::exchange(other.indexed, false)),
       index(std::move(other.index)) {}
 
-QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack other) noexcept {
-    depth = other.depth;
-    declaring.swap(other.declaring);
-    bindingCount = other.bindingCount;
+QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
+    return *this = QeXmlNamespaceStack(other);
+}
+
+QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other) noexcept {
+    depth = std::exchange(other.depth, 0);
+    declaring = std::move(other.declaring);
+    bindingCount = std::exchange(other.bindingCount, 0);
     lastState = other.lastState;
-    indexed = other.indexed;
+    indexed = std::exchange(other.indexed, false);
     index = std::move(other.index);
     return *this;
 }
