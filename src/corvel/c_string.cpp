@@ -15,7 +15,10 @@ std::uint32_t QeCString::unitsFor(std::size_t length) {
 }
 
 char* QeCString::newBlock(std::uint32_t units) {
-    return static_cast<char*>(::operator new(UnitSize* units));
+    if (units < LargeUnits) return static_cast<char*>(::operator new(UnitSize* units));
+    char* const header = static_cast<char*>(::operator new(sizeof(LargeHeader) + UnitSize * units));
+    ::new (header) LargeHeader{1};
+    return header + sizeof(LargeHeader);
 }
 
 void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept {
@@ -27,11 +30,29 @@ void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) 
 }
 
 void QeCString::freeBlock() noexcept {
-    ::operator delete(heapData());
+    if (!isLarge()) return ::operator delete(heapData());
+    LargeHeader& header = largeHeader();
+    if (--header.owners == 0) ::operator delete(&header);
+}
+
+void QeCString::shareBlockOf(const QeCString& other) {
+    if (!other.isLarge()) {
+        *this = other;
+    } else if (data() != other.data()) {
+        ++other.largeHeader().owners;
+        releaseBlock();
+        std::memcpy(raw, other.raw, sizeof raw);
+    }
+}
+
+// Gets a block of its own that holds the first bytes.
+void QeCString::unshare(std::size_t keptLength) {
+    QeCString kept(data(), keptLength);
+    *this = std::move(kept);
 }
 
 void QeCString::assignSlowly(const char* bytes, std::size_t length) {
-    if (length <= capacity()) {
+    if (length <= ownCapacity()) {
         if (length != 0) std::memmove(mutableData(), bytes, length);
         setLength(length);
         return;
@@ -43,14 +64,15 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
+    if (newLength > ownCapacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
 
 void QeCString::reserve(std::size_t wanted) {
-    if (wanted <= capacity()) return;
+    if (wanted <= ownCapacity()) return;
     const std::size_t oldLength = length();
+    wanted = std::max(wanted, oldLength);
     const std::uint32_t units = unitsFor(wanted);
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
@@ -60,7 +82,7 @@ void QeCString::reserve(std::size_t wanted) {
 void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     const std::size_t oldLength = length();
     const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
-    if (newLength <= capacity()) {
+    if (newLength <= ownCapacity()) {
         if (count != 0) std::memmove(mutableData() + oldLength, bytes, count);
         setLength(newLength);
         return;
@@ -93,6 +115,7 @@ std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const
 }
 
 void QeCString::toUpper() noexcept {
+    if (isShared()) unshare(length());
     char* bytes = mutableData();
     for (std::size_t i = 0, count = length(); i < count; ++i)
         if (bytes[i] >= 'a' && bytes[i] <= 'z') bytes[i] = static_cast<char>(bytes[i] - 'a' + 'A');

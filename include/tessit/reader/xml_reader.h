@@ -312,6 +312,7 @@ private:
     const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
     void closeScope();
     void forgetWrittenNames() noexcept;
+    void forgetSlots() noexcept;
 
     // pull.cpp
     ExpectedName keepExpected(const QeXmlName& name);
@@ -325,7 +326,9 @@ private:
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
-    QeCString readRawElement(const ExpectedName* expected);
+    std::string_view uriOfExpected(const ExpectedName& expected) const noexcept;
+    bool asksForAny(const ExpectedName& expected) const noexcept;
+    QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
     QeCString rebuildTag() const;
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;

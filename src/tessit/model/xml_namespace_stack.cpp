@@ -179,9 +179,15 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     DeclaringScope& scope = declaring[scopeIndex];
     if (opensDeclaring) scope.bindings.clear();
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
+    // A long URI that is bound already is shared, so that names can be compared by where it stands.
+    const QeXmlNamespace* same = uri.size() >= QeCString::LargeLength ? findURI(uri) : nullptr;
     scope.bindings.append([=](QeXmlNamespace& slot) {
         slot.prefix.assign(prefix);
-        slot.uri.assign(uri);
+        if (same == nullptr) {
+            slot.uri.assign(uri);
+        } else {
+            slot.uri.shareBlockOf(same->uri);
+        }
     });
 
     if (indexed) index->add(declaring, {scopeIndex, scope.bindings.size() - 1});
