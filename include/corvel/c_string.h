@@ -312,9 +312,6 @@ private:
     void shareBlockOf(const QeCString& other);
     void unshare(std::size_t keptLength);
 
-    // How many bytes can be written in place.
-    std::size_t ownCapacity() const noexcept { return isShared() ? 0 : capacity(); }
-
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
     }

@@ -52,7 +52,12 @@ void QeCString::unshare(std::size_t keptLength) {
 }
 
 void QeCString::assignSlowly(const char* bytes, std::size_t length) {
-    if (length <= ownCapacity()) {
+    if (isShared()) {
+        QeCString own(bytes, length);
+        *this = std::move(own);
+        return;
+    }
+    if (length <= capacity()) {
         if (length != 0) std::memmove(mutableData(), bytes, length);
         setLength(length);
         return;
@@ -64,15 +69,16 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    if (newLength > ownCapacity()) reserve(std::max(newLength, length() + length() / 2));
+    if (isShared()) unshare(length());
+    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
 
 void QeCString::reserve(std::size_t wanted) {
-    if (wanted <= ownCapacity()) return;
+    if (isShared()) unshare(length());
+    if (wanted <= capacity()) return;
     const std::size_t oldLength = length();
-    wanted = std::max(wanted, oldLength);
     const std::uint32_t units = unitsFor(wanted);
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
@@ -82,7 +88,7 @@ void QeCString::reserve(std::size_t wanted) {
 void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     const std::size_t oldLength = length();
     const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
-    if (newLength <= ownCapacity()) {
+    if (newLength <= capacity() && !isShared()) {
         if (count != 0) std::memmove(mutableData() + oldLength, bytes, count);
         setLength(newLength);
         return;
