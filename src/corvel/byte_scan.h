@@ -60,7 +60,11 @@ inline const char* findInEnds(const char* at, const char* end, Byte... bytes) {
     Word head, tail;
     std::memcpy(&head, at, sizeof head);
     std::memcpy(&tail, end - sizeof tail, sizeof tail);
-    const Word ends[16 / sizeof(Word)] = {head, tail};
+    Word ends[16 / sizeof(Word)];
+    for (std::size_t i = 0; i < 16 / sizeof(Word); i += 2) {
+        ends[i] = head;
+        ends[i + 1] = tail;
+    }
     const auto matches = matchBlock(reinterpret_cast<const char*>(ends), bytes...);
     const std::size_t first = matches == 0 ? 2 * sizeof(Word) : firstMatch(matches);
     return first < sizeof(Word) ? at + first : end - 2 * sizeof(Word) + first;
@@ -68,7 +72,7 @@ inline const char* findInEnds(const char* at, const char* end, Byte... bytes) {
 
 #endif
 
-/// The first byte from `at` on that is one of `bytes`, which are not NUL, or `end`.
+/// The first byte from `at` on that is one of `bytes`, or `end`.
 template <typename... Byte>
 inline const char* findAny(const char* at, const char* end, Byte... bytes) {
 #if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
@@ -82,9 +86,9 @@ inline const char* findAny(const char* at, const char* end, Byte... bytes) {
     return at;
 }
 
-/// Copies what stands before the first byte that is one of `bytes`, which are not
-/// NUL, or before `end`, and moves `from` and `to` past it. `to` needs room for all
-/// bytes up to `end`: more of them may be written than count.
+/// Copies what stands before the first byte that is one of `bytes`, or before
+/// `end`, and moves `from` and `to` past it. `to` needs room for all bytes up to
+/// `end`: more of them may be written than count.
 template <typename... Byte>
 inline void copyUntilAny(const char*& from, const char* end, char*& to, Byte... bytes) {
 #if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)

@@ -204,6 +204,31 @@ const NamespaceCase Namespaces[] = {
          empty(w, {"f", NsU});
      },
      "<e xmlns=\"u\"><p:f xmlns:p=\"u\"/>"},
+    {"also where a prefix is bound to it further out",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         start(w, {"f", DefaultU});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><f xmlns=\"u\"><p:g xmlns:p=\"u\"/>"},
+    {"a prefix that is hidden counts as bound",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         start(w, {"f", {"p", "v"}});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><p:f xmlns:p=\"v\"><p:g/>"},
+    {"the end of a default namespace is noticed when the writer is told",
+     [](QeXmlWriter& w) {
+         QeXmlAttributeSet set;
+         set.unsetDefaultNamespaceAttribute();
+         start(w, {"e", DefaultU});
+         start(w, {"f"}, set);
+         empty(w, {"g", DefaultU});
+         w.addNamespace(QeXmlNamespace::getEmptyNamespace());
+         empty(w, {"h", DefaultU});
+     },
+     "<e xmlns=\"u\"><f xmlns=\"\"><g/><h xmlns=\"u\"/>"},
     {"a URI bound to a prefix is declared as default",
      [](QeXmlWriter& w) {
          start(w, {"e", NsU});

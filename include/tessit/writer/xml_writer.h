@@ -173,7 +173,9 @@ private:
         std::vector<const QeXmlAttribute*> positions;
     };
 
-    void writeTag(const QeXmlName& name, bool isEnd);
+    enum class Tag : unsigned char { Start, End };
+
+    void writeTag(Tag kind, const QeXmlName& name);
     void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
     void writeAttributeSet(const QeXmlAttributeSet& attributes);
     void writeAttributeOfElement(const QeXmlAttribute& attribute);

@@ -157,7 +157,7 @@ void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeS
     namespaces.pushScope();
     ScopeRollback scope(namespaces);
     const bool needsOwn = addNamespaceToScopeIfNecessary(name.getNamespace());
-    writeTag(name, false);
+    writeTag(Tag::Start, name);
     const bool needsMore = addNamespacesOf(attributes);
     if (!needsOwn && !needsMore && attributes.isStrictlySorted()) {
         writeAttributeSet(attributes);
@@ -193,7 +193,7 @@ void QeXmlWriter::writeAttributeOfElement(const QeXmlAttribute& attribute) {
 
 // The document's scope stays, however many ends are written.
 void QeXmlWriter::writeElementEnd(const QeXmlName& name) {
-    writeTag(name, true);
+    writeTag(Tag::End, name);
     if (namespaces.depth > 1) namespaces.popScope();
 }
 
@@ -227,13 +227,13 @@ void QeXmlWriter::addTypeAttribute(QeXmlAttributeSet& attributes, const QeCStrin
 }
 
 // The whole end tag, or the start tag up to where the attributes begin.
-void QeXmlWriter::writeTag(const QeXmlName& name, bool isEnd) {
+void QeXmlWriter::writeTag(Tag kind, const QeXmlName& name) {
     const QeCString& prefix = name.getNamespace().getPrefix();
     OutputBuffer buffer(prefix.length() + name.getLocalName().length() + 4);  // with `</:>`
     char* end = put(buffer.begin(), "<");
-    if (isEnd) end = put(end, "/");
+    if (kind == Tag::End) end = put(end, "/");
     end = putName(end, prefix, name.getLocalName());
-    if (isEnd) end = put(end, ">");
+    if (kind == Tag::End) end = put(end, ">");
     Borrowed<QeCString> tag(spare.tag);
     tag->assign(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
     write(*tag, false);
