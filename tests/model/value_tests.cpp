@@ -58,20 +58,6 @@ TEST(XmlName, WritesItsNamespaceInFront) {
     }
 }
 
-TEST(XmlName, OrdersByLocalNameThenURI) {
-    const QeXmlName Ascending[] = {QeXmlName("a", QeXmlNamespace("z", "z")), QeXmlName("ab"),
-                                   QeXmlName("ab", QeXmlNamespace("", "u")), QeXmlName("b"), QeXmlName("\xC3")};
-    for (const QeXmlName& left : Ascending)
-        for (const QeXmlName& right : Ascending) {
-            SCOPED_TRACE((left.getUniqueName() + " and " + right.getUniqueName()).data());
-            EXPECT_EQ(left < right, &left < &right);
-            EXPECT_EQ(left.compareTo(right) > 0, &left > &right);
-            EXPECT_EQ(left == right, &left == &right);
-            EXPECT_EQ(left != right, &left != &right);
-        }
-    EXPECT_TRUE(QeXmlName("a", QeXmlNamespace("p", "u")) == QeXmlName("a", QeXmlNamespace("q", "u")));
-}
-
 TEST(XmlProlog, PrintsWhatIsSet) {
     constexpr struct {
         void (*set)(QeXmlProlog&);
