@@ -100,14 +100,15 @@ TEST(CString, ConstantsHoldTheirText) {
 }
 
 TEST(CString, StaysAsItWasWhenItCannotDoWhatIsAsked) {
+    const std::string bytes = sample(64);
     for (const Storage& storage : Storages) {
         QeCString text = storage.make();
         const QeCString& constant = text;
         for (const std::size_t beyond : {QeCString::npos, QeCString::npos - 48}) {
             EXPECT_THROW(text.reserve(beyond), std::length_error);
             EXPECT_THROW(text.resizeForOverwrite(beyond), std::length_error);
-            EXPECT_THROW(text.assign("x", beyond), std::length_error);
-            EXPECT_THROW(text.append("x", beyond), std::length_error);
+            EXPECT_THROW(text.assign(bytes.data(), beyond), std::length_error);
+            EXPECT_THROW(text.append(bytes.data(), beyond), std::length_error);
             EXPECT_THROW(text[beyond] = 'x', QeBoundsError);
         }
         EXPECT_THROW(text[storage.length] = 'x', std::out_of_range);
