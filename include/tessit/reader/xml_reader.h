@@ -108,11 +108,13 @@ public:
     bool isElementNext(const QeCString& qname);
 
     /// Takes a whole element and returns its markup as it stands in the document
-    /// (as UTF-8), with what was passed over in front of it. `NullName` takes any
-    /// element. The inner markup is then in `getLastContent()`, the attributes of
-    /// the start tag in `getLastAttributes()`.
+    /// (as UTF-8), with what was passed over in front of it. `NullName`, or a string
+    /// that means the same here, takes any element; another name than that of the
+    /// next element throws "Expected NAME, found NAME". The inner markup is then in
+    /// `getLastContent()`, the attributes of the start tag in `getLastAttributes()`.
     ///
-    /// When the next tag is no start tag it stays pending, and the result is empty.
+    /// When the next tag is no start tag it stays pending, and both the result and
+    /// `getLastContent()` are empty.
     /// A start tag that was pending is written anew: attributes in the set's order,
     /// values as stored, a space behind the name and behind each value.
     /// An empty-element tag is taken without its end, as by `readElementStart`:
@@ -293,12 +295,14 @@ private:
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
     std::string_view uriInsideTag(std::string_view prefix) const noexcept;
+    std::string_view uriBeforeStart(const ExpectedName& expected) const noexcept;
     bool matchesStart(const ExpectedName& expected) const noexcept;
+    bool matchesAnyStart(const ExpectedName& expected) const noexcept;
     bool matchesEnd(const ExpectedName& expected) const noexcept;
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
-    QeCString readRawElement(const ExpectedName* expected);
+    QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
     QeCString rebuildTag() const;
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;

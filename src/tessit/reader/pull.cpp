@@ -78,16 +78,23 @@ std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexce
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
+// The URI of the expected name; of a string, as it would be in front of the last tag, which opened an element.
+std::string_view QeXmlReader::uriBeforeStart(const ExpectedName& expected) const noexcept {
+    if (!expected.isString) return expected.uri;
+    using From = QeXmlNamespaceStack::From;
+    const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
+    return uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+}
+
 bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view found = lastName.getNamespace().getURI();
-    std::string_view uri = expected.uri;
-    if (expected.isString) {
-        using From = QeXmlNamespaceStack::From;
-        const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
-        uri = uriOf(namespaceStack.findPrefix(expected.prefix, infront));
-    }
-    return found == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+    const std::string_view uri = uriBeforeStart(expected);
+    return lastName.getNamespace().getURI() == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+}
+
+// Whether the expected name equals `NullName`.
+bool QeXmlReader::matchesAnyStart(const ExpectedName& expected) const noexcept {
+    return expected.local.empty() && uriBeforeStart(expected).empty();
 }
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
@@ -170,16 +177,14 @@ bool QeXmlReader::eof() {
 }
 
 QeCString QeXmlReader::readElement(const QeXmlName& name) {
-    const ExpectedName expected = keepExpected(name);
-    return readRawElement(name == NullName ? nullptr : &expected);
+    return readRawElement(keepExpected(name));
 }
 
 QeCString QeXmlReader::readElement(const QeCString& qname) {
-    const ExpectedName expected = keepExpected(qname);
-    return readRawElement(&expected);
+    return readRawElement(keepExpected(qname));
 }
 
-QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
+QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
     RawCopy copy(*this);
     const bool wasPending = nodePending;
     if (!wasPending) takeNextNode();
@@ -191,7 +196,7 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
     QeCString front;
     if (wasPending) front = rebuildTag();  // it stands before the copy's begin
     nodePending = false;
-    if (expected != nullptr && !matchesStart(*expected)) raiseMismatch(*expected);
+    if (!matchesAnyStart(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (lastNodeType == EmptyElement) {
         lastContent.clear();
         return copy.textAfter(std::move(front));
