@@ -55,7 +55,7 @@ public:
 
     /// Reads `length` bytes in place: nothing is copied, written, or read outside
     /// them. They must stay alive and unchanged as long as the reader, unless the
-    /// document had to be converted to UTF-8.
+    /// document had to be converted to UTF-8. A null pointer stands for no bytes.
     QeXmlReader(unsigned char* bytes, unsigned int length);
 
     /// The same for bytes of any number that are constant.

@@ -36,7 +36,7 @@ QeXmlReader::QeXmlReader(const QeCString& document) : ownedDocument(document) {
 }
 
 QeXmlReader::QeXmlReader(unsigned char* bytes, unsigned int length)
-    : QeXmlReader(std::span<const unsigned char>(bytes, length)) {}
+    : QeXmlReader(std::span<const unsigned char>(bytes, bytes == nullptr ? 0 : length)) {}
 
 QeXmlReader::QeXmlReader(std::span<const unsigned char> document) {
     takeInput({reinterpret_cast<const char*>(document.data()), document.size()});
