@@ -202,8 +202,8 @@ private:
     };
 
     // An attribute as scanned. A value with references was expanded into
-    // `valueScratch` and stands there from `scratchStart`; `value.data()` is null
-    // until the whole tag was read, since the scratch may still move.
+    // `valueScratch`: from `scratchStart` to that of the next attribute. Its `value`
+    // is a null view until the whole tag was read, since the scratch may still move.
     struct RawAttribute {
         RawName name;
         std::string_view value;

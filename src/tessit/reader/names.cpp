@@ -20,9 +20,8 @@ void QeXmlReader::addAttribute(const RawAttribute& attribute) {
     const RawName& name = attribute.name;
     const bool declaresDefault = name.whole() == Xmlns;
     if (!declaresDefault && name.prefix() != Xmlns) return;
-    const std::string_view uri = attribute.value.data() != nullptr
-                                     ? attribute.value
-                                     : valueScratch.substring(attribute.scratchStart, attribute.value.size());
+    const std::string_view uri =
+        attribute.value.data() != nullptr ? attribute.value : valueScratch.substring(attribute.scratchStart);
     namespaceStack.addBinding(declaresDefault ? std::string_view() : name.local(), uri);
 }
 
@@ -30,9 +29,11 @@ void QeXmlReader::addAttribute(const RawAttribute& attribute) {
 // set. They are put in order before they are written, so that each string is
 // written once, into its final place.
 void QeXmlReader::fixupAttributes() {
-    for (RawAttribute& attribute : rawAttributes) {
+    std::size_t scratchEnd = valueScratch.length();
+    for (std::size_t i = rawAttributes.size(); i-- > 0; scratchEnd = rawAttributes[i].scratchStart) {
+        RawAttribute& attribute = rawAttributes[i];
         if (attribute.value.data() != nullptr) continue;
-        attribute.value = valueScratch.substring(attribute.scratchStart, attribute.value.size());
+        attribute.value = valueScratch.substring(attribute.scratchStart, scratchEnd - attribute.scratchStart);
     }
     if (rawAttributes.size() > 1) sortAttributes();
     writeAttributes();

@@ -111,7 +111,7 @@ void QeXmlReader::readAttribute() {
 
 // Passes the value and its closing quote. A value without references is a view of
 // the document. One with references is expanded at the end of `valueScratch`, and
-// the result is a view without data, of the right length.
+// the result is a null view.
 std::string_view QeXmlReader::readValue(char quote, std::size_t& scratchStart) {
     const char reference = expandAttributeReference ? '&' : quote;
     const char* run = cursor;
@@ -123,7 +123,7 @@ std::string_view QeXmlReader::readValue(char quote, std::size_t& scratchStart) {
         if (stop == '<') raise("Syntax error: unterminated attribute value");
         if (stop == quote && !expanded) return {run, runLength};
         valueScratch.append(run, runLength);
-        if (stop == quote) return {nullptr, valueScratch.length() - scratchStart};
+        if (stop == quote) return {};
         readReference(valueScratch);
         run = cursor;
     }
