@@ -325,7 +325,7 @@ private:
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
 
-    std::size_t conversionAllowance = 0;  // bytes that conversions may still produce
+    std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
 
     // The bindings of the element that the last tag closed: names in front of that
     // tag still resolve with them, the caller's lookups no longer.
