@@ -19,8 +19,15 @@ public:
     QeSlotArray(QeSlotArray&& other) noexcept : slots(std::move(other.slots)), used(std::exchange(other.used, 0)) {}
     ~QeSlotArray() = default;
 
-    QeSlotArray& operator=(QeSlotArray other) noexcept {
-        swap(other);
+    // Two assignments, not one by value: that would be noexcept, hence also the
+    // default assignment of a class with such a member, which copies all the same.
+    QeSlotArray& operator=(const QeSlotArray& other) {
+        QeSlotArray(other).swap(*this);
+        return *this;
+    }
+
+    QeSlotArray& operator=(QeSlotArray&& other) noexcept {
+        QeSlotArray(std::move(other)).swap(*this);
         return *this;
     }
 
@@ -36,7 +43,7 @@ public:
     std::size_t size() const noexcept { return used; }
     bool empty() const noexcept { return used == 0; }
 
-    /// Makes sure that the next `count` calls of `append` in all allocate no slot.
+    /// Makes sure that there are slots for `count` elements in all.
     void reserveSlots(std::size_t count) {
         if (count > slots.size()) slots.resize(std::max(count, slots.size() + slots.size() / 2));
     }
@@ -45,6 +52,36 @@ public:
     T& append() {
         if (used == slots.size()) reserveSlots(std::max<std::size_t>(4, used + 1));
         return slots[used++];
+    }
+
+    /// Makes exactly `count` elements the ones in use, in whatever state their slots were left.
+    void takeSlots(std::size_t count) {
+        reserveSlots(count);
+        used = count;
+    }
+
+    /// Appends an element that `fill` writes, over whatever is left in its slot.
+    /// `fill` may read the elements that are there: they do not move before it is
+    /// done. Amortised O(1). Strong guarantee: should anything throw, no element
+    /// has moved either.
+    template <typename Fill>
+    T& append(const Fill& fill) {
+        if (used < slots.size()) {
+            fill(slots[used]);
+            return slots[used++];
+        }
+        T filled;
+        fill(filled);
+        return append() = std::move(filled);
+    }
+
+    /// Replaces all elements by copies of those of another array, in the slots that are there. After a throw, there
+    /// are none.
+    void assignInPlace(const QeSlotArray& other) {
+        clear();
+        reserveSlots(other.used);
+        std::copy(other.begin(), other.end(), begin());
+        used = other.used;
     }
 
     /// Drops the last element and keeps its slot.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include <corvel/slot_array.h>
 #include <tessit/model/xml_attribute.h>
 
@@ -13,14 +15,14 @@
 /// attribute p in no namespace are the same entry.
 ///
 /// Positions are plain pointers, and every operation that adds or removes an
-/// attribute invalidates all of them. Who renames attributes through them can
-/// break the order: lookups still find everything, and later additions go where
-/// a binary search over the broken order puts them.
+/// attribute invalidates all of them; replacing a value does not. Who renames
+/// attributes through them can break the order: lookups still find everything,
+/// and later additions go where a binary search over the broken order puts them.
 ///
-/// Lookups cost O(log n) comparisons of names, and O(n) while the order is
-/// broken; adding and removing O(log n) comparisons and O(n) moves; an addition
-/// after a modifiable pointer was handed out looks at the order again, O(n).
-/// Operations that add give the strong guarantee.
+/// Lookups cost O(log n) comparisons of names, and so do additions and removals,
+/// besides the O(n) moves. Once a modifiable pointer was handed out, the order may
+/// be broken: lookups then cost O(n), and the next addition or removal by name
+/// takes another O(n) to look. Operations that add give the strong guarantee.
 class TESSIT_API QeXmlAttributeSet {
 public:
     /// "xmlns", the local name of the default namespace declaration.
@@ -118,22 +120,28 @@ public:
 
 private:
     friend class QeXmlReader;  // fills the set of each tag in place
+    friend class QeXmlWriter;  // completes the set of each tag in storage that it keeps
 
-    // Whether the attributes stand in order, which a binary search needs. A
-    // modifiable pointer that is out may be used to rename at any time, so the
-    // order is unknown from then on until the next addition or removal makes the
+    // A modifiable pointer that is out can be used to rename at any time, so nothing
+    // is known about the order from then on, until an addition or removal makes the
     // pointer void and has a look.
-    enum class Order : unsigned char { Sorted, Unknown, Broken };
-
     QeXmlAttribute* handOut(const QeXmlAttribute* position) noexcept {
-        if (order == Order::Sorted && !attributes.empty()) order = Order::Unknown;
+        if (!attributes.empty()) knownSorted = false;
         return attributes.begin() + (position - attributes.begin());
     }
 
     const QeXmlAttribute* findNamespaceByPrefix(const QeCString& prefix) const noexcept;
-    const QeXmlAttribute* findSorted(const QeXmlName& name) const noexcept;
-    void settleOrder() noexcept;
+    template <typename IsBefore, typename Matches>
+    const QeXmlAttribute* findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept;
+
+    void lookAtOrder() noexcept;
+
+    // Whether the names stand in order, each once.
+    bool isStrictlySorted() const noexcept;
+
+    // Assignment that keeps the strings of the slots. After a throw, the set is empty.
+    void assignInPlace(const QeXmlAttributeSet& other);
 
     QeSlotArray<QeXmlAttribute> attributes;
-    Order order = Order::Sorted;
+    bool knownSorted = true;
 };

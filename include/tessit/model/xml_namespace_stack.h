@@ -25,7 +25,8 @@ public:
     QeXmlNamespaceStack() noexcept;
     QeXmlNamespaceStack(const QeXmlNamespaceStack& other);
     QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept;
-    QeXmlNamespaceStack& operator=(QeXmlNamespaceStack other) noexcept;
+    QeXmlNamespaceStack& operator=(const QeXmlNamespaceStack& other);
+    QeXmlNamespaceStack& operator=(QeXmlNamespaceStack&& other) noexcept;
     ~QeXmlNamespaceStack();
 
     /// Opens an empty scope. O(1), allocates nothing.
@@ -64,6 +65,7 @@ public:
 
 private:
     friend class QeXmlReader;  // resolves names without building strings for the lookup
+    friend class QeXmlWriter;  // binds names without building a namespace for it
 
     // Most elements declare nothing, so such a scope is only a count: opening one
     // allocates nothing, and a lookup at depth 10^6 visits none of them.
@@ -90,7 +92,6 @@ private:
     template <typename Matches>
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
-    // `addNamespace` for views that point outside the stack.
     void addBinding(std::string_view prefix, std::string_view uri);
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
@@ -103,12 +104,14 @@ private:
     void dropAll() noexcept;
     void dropBindings() noexcept;
     void forgetInnermost() noexcept;
-    void addToIndex(const QeXmlNamespace& binding, std::size_t scope);
+    void makeRoomInIndex();
     void buildIndex();
+    void clearIndex() noexcept;
 
     std::size_t depth = 0;
     QeSlotArray<DeclaringScope> declaring;  // outermost first
     std::size_t bindingCount = 0;           // in all scopes
     std::uint64_t lastState = 0;
-    std::unique_ptr<Index> index;  // only while many bindings are in force
+    bool indexed = false;          // while many bindings are in force
+    std::unique_ptr<Index> index;  // from the first time that there are many
 };

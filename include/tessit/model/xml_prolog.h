@@ -4,7 +4,9 @@
 
 /// The XML declaration: version, and optionally encoding and standalone.
 ///
-/// Nothing is validated or escaped. Accessors return copies.
+/// Nothing is validated or escaped. Accessors return copies. Storing a text can
+/// throw `std::bad_alloc`: a setter then has changed nothing, an assignment perhaps
+/// the version.
 class TESSIT_API QeXmlProlog {
 public:
     /// Version "1.0", no encoding, no standalone.
@@ -42,11 +44,7 @@ public:
     /// The declaration's text, from `<?xml` to `?>`, without a line end.
     QeCString asString() const;
 
-    friend bool operator==(const QeXmlProlog& left, const QeXmlProlog& right) noexcept {
-        return left.version == right.version && left.characterEncoding == right.characterEncoding &&
-               left.characterEncodingSet == right.characterEncodingSet && left.standalone == right.standalone &&
-               left.standaloneSet == right.standaloneSet;
-    }
+    friend bool operator==(const QeXmlProlog& left, const QeXmlProlog& right) noexcept;
 
 private:
     QeCString version{"1.0"};
@@ -55,3 +53,13 @@ private:
     bool standalone = false;
     bool standaloneSet = false;
 };
+
+inline bool operator==(const QeXmlProlog& left, const QeXmlProlog& right) noexcept {
+    return left.version == right.version && left.characterEncoding == right.characterEncoding &&
+           left.characterEncodingSet == right.characterEncodingSet && left.standalone == right.standalone &&
+           left.standaloneSet == right.standaloneSet;
+}
+
+inline bool operator!=(const QeXmlProlog& left, const QeXmlProlog& right) noexcept {
+    return !(left == right);
+}

@@ -55,7 +55,7 @@ public:
 
     /// Reads `length` bytes in place: nothing is copied, written, or read outside
     /// them. They must stay alive and unchanged as long as the reader, unless the
-    /// document had to be converted to UTF-8.
+    /// document had to be converted to UTF-8. A null pointer stands for no bytes.
     QeXmlReader(unsigned char* bytes, unsigned int length);
 
     /// The same for bytes of any number that are constant.
@@ -77,7 +77,8 @@ public:
     // name given as a string means what it would mean written in front of the tag
     // that it is held against: before a start tag without that tag's own
     // declarations (unless its prefix is bound by them alone), before an end tag
-    // with those of the element that closes.
+    // with those of the element that closes. It may be a reference that the reader
+    // returned: what it shows at the call counts.
 
     /// Takes the next tag, which must open an element; else "Couldn't find start tag".
     void readElementStart();
@@ -107,14 +108,17 @@ public:
     bool isElementNext(const QeCString& qname);
 
     /// Takes a whole element and returns its markup as it stands in the document
-    /// (as UTF-8), with what was passed over in front of it. `NullName` takes any
-    /// element. The inner markup is then in `getLastContent()`, the attributes of
-    /// the start tag in `getLastAttributes()`.
+    /// (as UTF-8), with what was passed over in front of it. `NullName`, or a string
+    /// that means the same here, takes any element; another name than that of the
+    /// next element throws "Expected NAME, found NAME". The inner markup is then in
+    /// `getLastContent()`, the attributes of the start tag in `getLastAttributes()`.
     ///
-    /// When the next tag is no start tag it stays pending, and the result is empty.
+    /// When the next tag is no start tag it stays pending, and both the result and
+    /// `getLastContent()` are empty.
     /// A start tag that was pending is written anew: attributes in the set's order,
     /// values as stored, a space behind the name and behind each value.
-    /// O(bytes of the element).
+    /// An empty-element tag is taken without its end, as by `readElementStart`:
+    /// `readElementEnd` takes that. O(bytes of the element).
     QeCString readElement(const QeXmlName& name);
     QeCString readElement(const QeCString& qname);
 
@@ -198,12 +202,24 @@ private:
     };
 
     // An attribute as scanned. A value with references was expanded into
-    // `valueScratch` and stands there from `scratchStart`; `value.data()` is null
-    // until the whole tag was read, since the scratch may still move.
+    // `valueScratch`: from `scratchStart` to that of the next attribute. Its `value`
+    // is a null view until the whole tag was read, since the scratch may still move.
     struct RawAttribute {
         RawName name;
         std::string_view value;
         std::size_t scratchStart;
+        std::size_t position;  // in the tag
+    };
+
+    // The attributes of an earlier tag as they were written, and the slots that they
+    // went to. Where the next tag of that name has the same ones in the same order,
+    // as most have, they need neither be scanned byte by byte nor sorted again.
+    struct TagShape {
+        struct Attribute {
+            RawName name;
+            std::size_t slot;
+        };
+        std::vector<Attribute> attributes;  // in the order of the document; no declarations
     };
 
     // What a name in the last-node members was written from: a name that is
@@ -238,7 +254,10 @@ private:
     [[noreturn]] void raise(const char* message) const;
     [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
     [[noreturn]] void raiseEnd();
-    char rd();
+    char rd() {
+        if (cursor == bufferEnd) raiseEnd();
+        return *cursor++;
+    }
     std::string_view rd(std::size_t count);
 
     // prolog.cpp
@@ -258,33 +277,48 @@ private:
     void readTag();
     void readStartTag();
     void readEndTag();
+    bool takeLastNameAgain() noexcept;
     void closeStartTag(const RawName& name);
     void closeEmptyTag(const RawName& name);
     void readAttribute();
+    RawName readAttributeName();
     std::string_view readValue(char quote, std::size_t& scratchStart);
+    std::string_view expandValue(const char* start, char quote, std::size_t& scratchStart);
     void readContent();
     void readContentPieces();
+    void appendText();
     bool readMarkupInContent();
     RawName readName();
     RawName readNameSlowly(const char* from, std::size_t localStart);
     const char* passCharacter(const char* at, std::uint32_t& codePoint);
     void readS() noexcept;
-    void readReference(QeCString& out);
-    void readNumericReference(std::string_view body, QeCString& out);
-    static void toUTF8(std::uint32_t codePoint, QeCString& out);
+    std::string_view readReference(char (&encoded)[4]);
+    std::string_view readNumericReference(std::string_view body, char (&encoded)[4]) const;
 
     // names.cpp
     void addAttribute(const RawAttribute& attribute);
+    void declareNamespace(const RawAttribute& attribute);
+    std::string_view valueOf(const RawAttribute& attribute) const noexcept;
+    void expectShapeOf(const RawName& element) noexcept;
+    bool keepsShape() const noexcept;
     void fixupAttributes();
+    void fillShape();
+    void fillAnew();
     void sortAttributes();
     void writeAttributes();
+    void openSlots(std::size_t count);
+    void writeAttribute(std::size_t slot, const RawAttribute& attribute);
+    void learnShape();
     void writeElementName(const RawName& name);
     void writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding);
     const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
     void closeScope();
     void forgetWrittenNames() noexcept;
+    void forgetSlots() noexcept;
 
     // pull.cpp
+    ExpectedName keepExpected(const QeXmlName& name);
+    ExpectedName keepExpected(const QeCString& qname);
     void takeNextNode();
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
@@ -294,7 +328,9 @@ private:
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
-    QeCString readRawElement(const ExpectedName* expected);
+    std::string_view uriOfExpected(const ExpectedName& expected) const noexcept;
+    bool asksForAny(const ExpectedName& expected) const noexcept;
+    QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
     QeCString rebuildTag() const;
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
@@ -317,7 +353,7 @@ private:
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
 
-    std::size_t conversionAllowance = 0;  // bytes that conversions may still produce
+    std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
 
     // The bindings of the element that the last tag closed: names in front of that
     // tag still resolve with them, the caller's lookups no longer.
@@ -327,8 +363,18 @@ private:
     std::vector<RawAttribute> rawAttributes;
     QeCString valueScratch;
 
+    // What the tag that is being read is expected to hold. `shapeNext` is the next
+    // attribute of it, or null once one came that differs.
+    static constexpr std::size_t ShapeCount = 8;
+    TagShape shapes[ShapeCount];
+    TagShape* shape = nullptr;
+    const TagShape::Attribute* shapeNext = nullptr;
+    const TagShape* slotsShape = nullptr;  // whose names `lastAttributes` holds
+    std::uint64_t slotsState = 0;          // and in which state they were resolved
+
     WrittenName lastNameWritten;
     std::vector<WrittenName> attributesWritten;  // by slot of lastAttributes
     CachedPrefix prefixCache[16];
+    QeXmlName expectedName;      // what the caller demands; working storage of one call
     RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
 };

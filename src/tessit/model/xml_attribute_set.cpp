@@ -8,66 +8,93 @@ constinit const QeCString QeXmlAttributeSet::EmptyString("");
 
 namespace {
 
-// Below this many attributes a linear scan, which mostly compares lengths, beats the binary search.
+// Up to this many attributes a linear scan, which mostly compares lengths, beats the binary search.
 constexpr std::size_t LinearSearchLimit = 16;
 
-bool nameLess(const QeXmlAttribute& attribute, const QeXmlName& name) noexcept {
-    return attribute.getName() < name;
+// Where a binary search puts `name`: before the first attribute that sorts after
+// it. Written out, since std::upper_bound promises nothing for a broken order.
+QeXmlAttribute* upperBound(QeXmlAttribute* first, const QeXmlAttribute* last, const QeXmlName& name) noexcept {
+    for (auto count = last - first; count > 0;) {
+        const auto half = count / 2;
+        if (name < first[half].getName()) {
+            count = half;
+        } else {
+            first += half + 1;
+            count -= half + 1;
+        }
+    }
+    return first;
 }
 
 }  // namespace
 
 QeXmlAttributeSet::~QeXmlAttributeSet() = default;
 
-// Called before attributes are added or removed, which makes the pointers that are out void.
-void QeXmlAttributeSet::settleOrder() noexcept {
-    if (order != Order::Unknown) return;
-    const auto less = [](const QeXmlAttribute& left, const QeXmlAttribute& right) { return left.compareTo(right) < 0; };
-    order = std::is_sorted(attributes.begin(), attributes.end(), less) ? Order::Sorted : Order::Broken;
+// Whether the names stand in order, each once.
+bool QeXmlAttributeSet::isStrictlySorted() const noexcept {
+    return knownSorted ||
+           std::adjacent_find(begin(), end(), [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+               return left.compareTo(right) >= 0;
+           }) == end();
 }
 
-const QeXmlAttribute* QeXmlAttributeSet::findSorted(const QeXmlName& name) const noexcept {
-    const QeXmlAttribute* found = std::lower_bound(attributes.begin(), attributes.end(), name, nameLess);
-    return found != attributes.end() && found->getName() == name ? found : attributes.end();
+// Called after attributes were added or removed, which made the pointers that were
+// out void. Few attributes are scanned whatever their order.
+void QeXmlAttributeSet::lookAtOrder() noexcept {
+    if (!knownSorted && attributes.size() > LinearSearchLimit) knownSorted = isStrictlySorted();
+}
+
+// The first attribute that matches; those that `isBefore` holds for stand before it as long as the order is right.
+template <typename IsBefore, typename Matches>
+const QeXmlAttribute* QeXmlAttributeSet::findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept {
+    const QeXmlAttribute* last = attributes.end();
+    if (!knownSorted || attributes.size() <= LinearSearchLimit) return std::find_if(attributes.begin(), last, matches);
+    const QeXmlAttribute* found = std::partition_point(attributes.begin(), last, isBefore);
+    return found != last && matches(*found) ? found : last;
 }
 
 const QeXmlAttribute* QeXmlAttributeSet::find(const QeXmlName& name) const noexcept {
-    if (order == Order::Sorted && attributes.size() > LinearSearchLimit) return findSorted(name);
-    return std::find_if(attributes.begin(), attributes.end(),
-                        [&](const QeXmlAttribute& attribute) { return attribute.getName() == name; });
+    return findFirst([&](const QeXmlAttribute& attribute) { return attribute.getName() < name; },
+                     [&](const QeXmlAttribute& attribute) { return attribute.getName() == name; });
 }
 
 void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
-    settleOrder();
     const QeXmlAttribute* present = std::as_const(*this).find(name);
     if (present != attributes.end()) {
         attributes.begin()[present - attributes.begin()].setValue(value);
         return;
     }
-    QeXmlAttribute added(name, value);  // before anything moves: the arguments may be of this set
-    attributes.append() = std::move(added);
-    QeXmlAttribute* last = attributes.end() - 1;
-    QeXmlAttribute* position =
-        std::upper_bound(attributes.begin(), last, last->getName(),
-                         [](const QeXmlName& wanted, const QeXmlAttribute& other) { return wanted < other.getName(); });
-    attributes.moveLastTo(position);
+    const QeXmlAttribute& added = attributes.append([&](QeXmlAttribute& slot) {
+        slot.setName(name);
+        slot.setValue(value);
+    });
+    attributes.moveLastTo(upperBound(attributes.begin(), &added, added.getName()));
+    lookAtOrder();
 }
 
 void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {
-    remove(attributes.begin() + (std::as_const(*this).find(name) - attributes.begin()));
+    const QeXmlAttribute* present = std::as_const(*this).find(name);
+    if (present == attributes.end()) return;
+    attributes.remove(attributes.begin() + (present - attributes.begin()));
+    lookAtOrder();
+}
+
+void QeXmlAttributeSet::assignInPlace(const QeXmlAttributeSet& other) {
+    knownSorted = true;  // as the empty set that a throw leaves behind
+    attributes.assignInPlace(other.attributes);
+    knownSorted = other.knownSorted;
 }
 
 QeXmlAttribute* QeXmlAttributeSet::remove(QeXmlAttribute* position) noexcept {
     const std::less<const QeXmlAttribute*> before;  // a total order, also for pointers from elsewhere
     if (before(position, attributes.begin()) || !before(position, attributes.end())) return end();
-    settleOrder();
     attributes.remove(position);
     return handOut(position);
 }
 
 void QeXmlAttributeSet::clear() noexcept {
     attributes.clear();
-    order = Order::Sorted;
+    knownSorted = true;
 }
 
 int QeXmlAttributeSet::compareTo(const QeXmlAttributeSet& other) const noexcept {
@@ -85,8 +112,8 @@ void QeXmlAttributeSet::addNamespaceAttribute(const QeXmlNamespace& ns) {
 }
 
 const QeXmlAttribute* QeXmlAttributeSet::findNamespaceByPrefix(const QeCString& prefix) const noexcept {
-    return std::find_if(attributes.begin(), attributes.end(),
-                        [&](const QeXmlAttribute& attribute) { return attribute.getName().getLocalName() == prefix; });
+    return findFirst([&](const QeXmlAttribute& attribute) { return attribute.getName().getLocalName() < prefix; },
+                     [&](const QeXmlAttribute& attribute) { return attribute.getName().getLocalName() == prefix; });
 }
 
 void QeXmlAttributeSet::removeNamespaceAttribute(const QeCString& prefix) {

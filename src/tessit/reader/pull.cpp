@@ -5,8 +5,9 @@
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/xml_reader.h>
 
-// A name that the caller expects, in either form. A string is resolved only when
-// the tag is known: what its prefix means depends on where the tag stands.
+// A name that the caller expects, in either form; a view of `expectedName`. A string
+// is resolved only when the tag is known: what its prefix means depends on where
+// the tag stands.
 struct QeXmlReader::ExpectedName {
     explicit ExpectedName(const QeXmlName& name)
         : prefix(name.getNamespace().getPrefix()),
@@ -42,6 +43,18 @@ std::string_view uriOf(const QeXmlNamespace* binding) {
 
 }  // namespace
 
+// The caller's name may be one of the last-node members, or part of one, which the
+// scan writes over: it is held against the tag as it is now.
+QeXmlReader::ExpectedName QeXmlReader::keepExpected(const QeXmlName& name) {
+    expectedName = name;
+    return ExpectedName(expectedName);
+}
+
+QeXmlReader::ExpectedName QeXmlReader::keepExpected(const QeCString& qname) {
+    expectedName.localName = qname;
+    return ExpectedName(expectedName.localName);
+}
+
 void QeXmlReader::takeNextNode() {
     if (nodePending) {
         nodePending = false;
@@ -65,16 +78,24 @@ std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexce
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
+// The URI of an expected name: a string has the one that its prefix has in front of the last tag, which opened an
+// element.
+std::string_view QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
+    if (!expected.isString) return expected.uri;
+    using From = QeXmlNamespaceStack::From;
+    const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
+    return uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+}
+
 bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view found = lastName.getNamespace().getURI();
-    std::string_view uri = expected.uri;
-    if (expected.isString) {
-        using From = QeXmlNamespaceStack::From;
-        const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
-        uri = uriOf(namespaceStack.findPrefix(expected.prefix, infront));
-    }
-    return found == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+    const std::string_view uri = uriOfExpected(expected);
+    return lastName.getNamespace().getURI() == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+}
+
+// Whether the name is the empty one, which asks for any element.
+bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
+    return expected.local.empty() && uriOfExpected(expected).empty();
 }
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
@@ -103,11 +124,11 @@ const QeXmlAttributeSet& QeXmlReader::demandStart(const ExpectedName& expected) 
 }
 
 const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeXmlName& name) {
-    return demandStart(ExpectedName(name));
+    return demandStart(keepExpected(name));
 }
 
 const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeCString& qname) {
-    return demandStart(ExpectedName(qname));
+    return demandStart(keepExpected(qname));
 }
 
 void QeXmlReader::readElementEnd() {
@@ -126,11 +147,11 @@ void QeXmlReader::demandEnd(const ExpectedName& expected) {
 }
 
 void QeXmlReader::readElementEnd(const QeXmlName& name) {
-    demandEnd(ExpectedName(name));
+    demandEnd(keepExpected(name));
 }
 
 void QeXmlReader::readElementEnd(const QeCString& qname) {
-    demandEnd(ExpectedName(qname));
+    demandEnd(keepExpected(qname));
 }
 
 const QeCString& QeXmlReader::readElementValue() {
@@ -144,11 +165,11 @@ bool QeXmlReader::startsNext(const ExpectedName& expected) {
 }
 
 bool QeXmlReader::isElementNext(const QeXmlName& name) {
-    return startsNext(ExpectedName(name));
+    return startsNext(keepExpected(name));
 }
 
 bool QeXmlReader::isElementNext(const QeCString& qname) {
-    return startsNext(ExpectedName(qname));
+    return startsNext(keepExpected(qname));
 }
 
 bool QeXmlReader::eof() {
@@ -157,16 +178,14 @@ bool QeXmlReader::eof() {
 }
 
 QeCString QeXmlReader::readElement(const QeXmlName& name) {
-    const ExpectedName expected(name);
-    return readRawElement(name == NullName ? nullptr : &expected);
+    return readRawElement(keepExpected(name));
 }
 
 QeCString QeXmlReader::readElement(const QeCString& qname) {
-    const ExpectedName expected(qname);
-    return readRawElement(&expected);
+    return readRawElement(keepExpected(qname));
 }
 
-QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
+QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
     RawCopy copy(*this);
     const bool wasPending = nodePending;
     if (!wasPending) takeNextNode();
@@ -178,7 +197,7 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
     QeCString front;
     if (wasPending) front = rebuildTag();  // it stands before the copy's begin
     nodePending = false;
-    if (expected != nullptr && !matchesStart(*expected)) raiseMismatch(*expected);
+    if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (lastNodeType == EmptyElement) {
         lastContent.clear();
         return copy.textAfter(std::move(front));
@@ -194,8 +213,10 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
 // Reads up to the end tag of the element that the last tag opened, and leaves that
 // tag's attributes in place. Returns where the scan of the end tag began.
 std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
-    const QeXmlName startName = lastName;
-    QeXmlAttributeSet attributes = lastAttributes;
+    QeXmlName startName(lastName.localName);
+    startName.ns.uri.shareBlockOf(lastName.ns.uri);
+    QeXmlAttributeSet attributes = std::move(lastAttributes);
+    forgetSlots();
     std::size_t contentEnd = copy.length();
     for (std::size_t level = 1;; contentEnd = copy.length()) {
         readNextNode();
@@ -203,7 +224,7 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
         if (lastNodeType == ElementEnd && lastName == startName && --level == 0) break;
     }
     lastAttributes = std::move(attributes);
-    attributesWritten.clear();
+    forgetSlots();
     return contentEnd;
 }
 

@@ -1,0 +1,131 @@
+// Names with their URIs, the order of attributes, and the bindings that callers see.
+
+#include <gtest/gtest.h>
+
+#include "support/documents.h"
+
+using namespace tessit::test;
+
+namespace {
+
+struct NameCase {
+    const char* xml;
+    const char* nodes;
+};
+
+constexpr NameCase Names[] = {
+    {"<a xmlns='u'><b/></a>", "+{u}a[xmlns=u] /{u}b -{u}a"},
+    {"<a xmlns='u' x='1'/>", "/{u}a[x=1 xmlns=u]"},  // unprefixed attributes are in no namespace
+    {"<p:a xmlns:p='u' x='1' p:y='2'/>", "/{u}p:a[xmlns:p=u x=1 {u}p:y=2]"},
+    {"<a p:y='2' xmlns:p='u'/>", "/a[xmlns:p=u {u}p:y=2]"},  // a declaration counts for the whole tag
+    {"<q:a xml:lang='de'/>", "/q:a[xml:lang=de]"},           // unbound prefixes, no error
+    {"<a xmlns='u'><b xmlns=''><c/></b><d/></a>", "+{u}a[xmlns=u] +b[xmlns=] /c -b /{u}d -{u}a"},
+    {"<a xmlns:p='u1' xmlns:p='u2'><p:b/></a>", "+a[xmlns:p=u2] /{u1}p:b -a"},  // first to resolve, last to see
+    {"<p:a xmlns:p='u'><p:b xmlns:p='v'><p:c/></p:b><p:d/></p:a>",
+     "+{u}p:a[xmlns:p=u] +{v}p:b[xmlns:p=v] /{v}p:c -{v}p:b /{u}p:d -{u}p:a"},
+    {"<a xmlns:p='u'><p:b xmlns:p='v'/><p:b/></a>", "+a[xmlns:p=u] /{v}p:b[xmlns:p=v] /{u}p:b -a"},
+    {"<a p:x='1' q:x='2' x='3' xmlns:q='u' xmlns:p='u'/>",
+     "/a[xmlns:p=u xmlns:q=u x=3 {u}p:x=1 {u}q:x=2]"},  // equal names after resolving: both stay
+    {"<a x='1' x='2' x='3'/>", "/a[x=3]"},              // the last value wins
+    {"<a p:x='1' b='' p:x='2'/>", "/a[b= p:x=2]"},
+    {"<a xmlns='v' xmlns='u'><b/></a>", "+{v}a[xmlns=u xmlns=v] /{v}b -{v}a"},  // in the order of their values
+    {"<a xmlns='p' p:xmlns='1' p:xmlns='2'/>", "/{p}a[xmlns=2]"},  // one entry: the placeholders are the same
+    {"<a :x='1' x='2'/>", "/a[x=2]"},
+    {"<:a xmlns='u'/>", "/{u}a[xmlns=u]"},             // an empty prefix is none
+    {"<a:b:c xmlns:a='u'/>", "/{u}a:b:c[xmlns:a=u]"},  // split at the first colon
+    {"<a xmlns:='u'/>", "/{u}a[xmlns:=u]"},
+    {"<xmlns:a xmlns:xmlns='u' xmlns:p='v'/>", "/{u}xmlns:a[{u}xmlns:p=v {u}xmlns:xmlns=u]"},
+    {"<a xmlns:p='a&amp;b'><p:c/></a>", "+a[xmlns:p=a&b] /{a&b}p:c -a"},  // expanded before it binds
+    {"<r xmlns:longprefix='u'><longprefix:a/><longprefix:a xmlns:longprefix='v'/><longprefix:a/></r>",
+     "+r[xmlns:longprefix=u] /{u}longprefix:a /{v}longprefix:a[xmlns:longprefix=v] /{u}longprefix:a -r"},
+    // What one tag left in a slot must not show in the next.
+    {"<r><a p:x='1'/><a p:x='1' xmlns:p='u'/><a p:x='1'/><a x='1'/><p:x/><x/></r>",
+     "+r /a[p:x=1] /a[xmlns:p=u {u}p:x=1] /a[p:x=1] /a[x=1] /p:x /x -r"},
+    {"<r xmlns='u' xmlns:p='u'><a/><p:a/><a/></r>", "+{u}r[xmlns:p=u xmlns=u] /{u}a /{u}p:a /{u}a -{u}r"},
+    {"<a></a></a><b/>", "+a -a -a /b"},  // more ends than starts
+};
+
+}  // namespace
+
+TEST(XmlReader, ResolvesNames) {
+    for (const auto& [xml, nodes] : Names)
+        EXPECT_EQ(trace(xml), nodes) << xml;
+}
+
+// Many attributes go through the general sort, few through the ordered case: same result, whatever the order.
+TEST(XmlReader, SortsManyAttributes) {
+    std::string forward, backward, expected;
+    for (int i = 100; i < 300; ++i) {
+        const std::string name = "a" + std::to_string(i), value = std::to_string(i);
+        forward += " " + name + "='" + value + "'";
+        backward = " " + name + "='" + value + "'" + backward;
+        expected += (expected.empty() ? "" : " ") + name + "=" + value;
+    }
+    EXPECT_EQ(trace("<r" + forward + "/>"), "/r[" + expected + "]");
+    EXPECT_EQ(trace("<r" + backward + "/>"), "/r[" + expected + "]");
+    EXPECT_EQ(trace("<r" + backward + forward + "/>"), "/r[" + expected + "]");
+}
+
+TEST(XmlReader, ShowsTheBindingsInForce) {
+    const Document document("<r xmlns='u' xmlns:p='v'><a xmlns:p='w'/><b xmlns:q='x'></b></r>");
+    const auto reader = document.open(Source::Span);
+    EXPECT_EQ(reader->getURIForPrefix("p"), "");
+    reader->readElementStart("r");
+    EXPECT_EQ(reader->getURIForPrefix(""), "u");
+    EXPECT_EQ(reader->getPrefixForURI("v"), "p");
+    reader->readElementStart("a");
+    EXPECT_EQ(reader->getURIForPrefix("p"), "v");  // an empty-element tag has closed its scope
+    reader->readElementEnd("a");
+    reader->readElementStart("b");
+    EXPECT_EQ(reader->getURIForPrefix("q"), "x");
+    reader->readElementEnd("b");
+    EXPECT_EQ(reader->getURIForPrefix("q"), "");
+    reader->readElementEnd("r");
+    EXPECT_EQ(reader->getURIForPrefix("p"), "");
+}
+
+// A long URI is not copied for each name: two of them, used in turn, would cost their length at every tag.
+TEST(XmlReader, SharesLongUrisAmongNames) {
+    const std::string uri(100'000, 'u'), other(100'000, 'v');
+    const Document document("<r xmlns:p='" + uri + "' xmlns:q='" + other +
+                            "'><p:a p:x=''/><q:a q:x='' p:y=''/><p:a p:x=''/><s xmlns:z='" + uri +
+                            "'><z:a></p:a></s></r>");
+    auto reader = document.open(Source::Span);
+    const auto address = [](const QeXmlName& name) {
+        return static_cast<const void*>(name.getNamespace().getURI().data());
+    };
+    reader->readElementStart("r");
+    reader->readElementStart("p:a");
+    const void* const first = address(reader->getLastName());
+    EXPECT_EQ(address(reader->getLastAttributes().begin()->getName()), first);
+    reader->readElementEnd();
+    reader->readElementStart("q:a");
+    EXPECT_NE(address(reader->getLastName()), first);
+    reader->readElementEnd();
+    reader->readElementStart("p:a");
+    EXPECT_EQ(address(reader->getLastName()), first);
+    QeXmlName copy = reader->getLastName();
+    QeXmlAttributeSet attributes = reader->getLastAttributes();
+    EXPECT_NE(address(copy), first);  // the caller's copy is its own
+    reader->readElementEnd();
+    reader->readElementStart("s");
+    reader->readElementStart(QeXmlName("a", QeXmlNamespace("z", QeCString(uri))));
+    EXPECT_EQ(address(reader->getLastName()), first);  // declared again: the same text
+    reader->readElementEnd("p:a");
+    reader.reset();
+    EXPECT_EQ(copy.getNamespace().getURI(), std::string_view(uri));
+    EXPECT_EQ(attributes.begin()->getName(), QeXmlName("x", QeXmlNamespace("p", QeCString(uri))));
+}
+
+TEST(XmlReader, ResolvesThroughBindingsOfTheCaller) {
+    const Document document("<p:a><p:b/><p:c xmlns:p='own'/></p:a><p:d/>");
+    const auto reader = document.open(Source::Span);
+    reader->addNamespace(QeXmlNamespace("p", "document"));
+    reader->readNextNode();
+    EXPECT_EQ(describeNode(*reader), "+{document}p:a");
+    reader->addNamespace(QeXmlNamespace("p", "element"));
+    for (const char* node : {"/{element}p:b", "/{own}p:c[xmlns:p=own]", "-{element}p:a", "/{document}p:d"}) {
+        reader->readNextNode();
+        EXPECT_EQ(describeNode(*reader), node);
+    }
+}

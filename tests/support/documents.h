@@ -1,0 +1,154 @@
+#pragma once
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include <tessit/errors/xml_error.h>
+#include <tessit/reader/xml_reader.h>
+
+/// Documents for tests, in every way that a reader takes them, and compact traces of what is read.
+namespace tessit::test {
+
+enum class Source { Stream, String, Buffer, Span };
+constexpr Source Sources[] = {Source::Stream, Source::String, Source::Buffer, Source::Span};
+
+enum class Encoding { Utf8, Utf16LE, Utf16BE };
+constexpr Encoding Encodings[] = {Encoding::Utf8, Encoding::Utf16LE, Encoding::Utf16BE};
+
+/// UTF-8 text in another encoding, with a byte-order mark unless it stays UTF-8.
+inline std::string encode(std::string_view text, Encoding encoding) {
+    if (encoding == Encoding::Utf8) return std::string(text);
+    std::string bytes;
+    const auto put = [&](unsigned unit) {
+        const char high = static_cast<char>(unit >> 8), low = static_cast<char>(unit & 0xFF);
+        bytes += encoding == Encoding::Utf16BE ? high : low;
+        bytes += encoding == Encoding::Utf16BE ? low : high;
+    };
+    put(0xFEFF);
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        unsigned code = length == 1 ? lead : lead & (0x7Fu >> length);
+        for (std::size_t k = 1; k < length; ++k)
+            code = code << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3Fu);
+        i += length;
+        if (code < 0x10000) {
+            put(code);
+        } else {
+            put(0xD800 + ((code - 0x10000) >> 10));
+            put(0xDC00 + ((code - 0x10000) & 0x3FF));
+        }
+    }
+    return bytes;
+}
+
+/// Whether the text is UTF-8, so that it can be put into another encoding.
+inline bool isUtf8(std::string_view text) {
+    constexpr unsigned Least[] = {0, 0, 0x80, 0x800, 0x10000};
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4 || i + length > text.size()) return false;
+        unsigned code = length == 1 ? lead : lead & (0x7Fu >> length);
+        for (std::size_t k = 1; k < length; ++k) {
+            if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) return false;
+            code = code << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3Fu);
+        }
+        if (code < Least[length] || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) return false;
+        i += length;
+    }
+    return true;
+}
+
+/// Bytes in a heap block of exactly their size, so that a stray read is noticed, and readers over them.
+class Document {
+public:
+    explicit Document(std::string_view text) : size(text.size()), bytes(new unsigned char[text.size()]) {
+        std::copy(text.begin(), text.end(), bytes.get());
+    }
+
+    std::unique_ptr<QeXmlReader> open(Source source) const {
+        const std::string_view text(reinterpret_cast<const char*>(bytes.get()), size);
+        switch (source) {
+            case Source::Stream: {
+                std::istringstream in{std::string(text)};
+                return std::make_unique<QeXmlReader>(in);
+            }
+            case Source::String:
+                return std::make_unique<QeXmlReader>(QeCString(text));
+            case Source::Buffer:
+                return std::make_unique<QeXmlReader>(bytes.get(), static_cast<unsigned>(size));
+            case Source::Span:
+                break;
+        }
+        return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size));
+    }
+
+private:
+    std::size_t size;
+    std::unique_ptr<unsigned char[]> bytes;
+};
+
+/// `{URI}prefix:local`, without the braces in no namespace.
+inline std::string describe(const QeXmlName& name) {
+    const std::string uri(std::string_view(name.getNamespace().getURI()));
+    return (uri.empty() ? "" : "{" + uri + "}") + std::string(std::string_view(name.asString()));
+}
+
+/// `[name=value name=value]`, or nothing without attributes.
+inline std::string describe(const QeXmlAttributeSet& attributes) {
+    std::string text;
+    for (const QeXmlAttribute& attribute : attributes) {
+        text += text.empty() ? "[" : " ";
+        text += describe(attribute.getName()) + "=" + std::string(std::string_view(attribute.getValue()));
+    }
+    return text.empty() ? text : text + "]";
+}
+
+inline std::string describe(const QeXmlParseError& error) {
+    return "!" + std::to_string(error.getLineNumber()) + ":" + std::to_string(error.getColumnNumber()) + " " +
+           error.why();
+}
+
+/// The last node: `+` start, `-` end, `/` empty, `=` text.
+inline std::string describeNode(const QeXmlReader& reader) {
+    switch (reader.getLastNodeType()) {
+        case QeXmlReader::ElementStart:
+            return "+" + describe(reader.getLastName()) + describe(reader.getLastAttributes());
+        case QeXmlReader::ElementEnd:
+            return "-" + describe(reader.getLastName());
+        case QeXmlReader::EmptyElement:
+            return "/" + describe(reader.getLastName()) + describe(reader.getLastAttributes());
+        case QeXmlReader::Content:
+            return "=" + std::string(std::string_view(reader.getLastContent()));
+        case QeXmlReader::NoNode:
+            break;
+    }
+    return "none";
+}
+
+/// All nodes that `next` reads, a space before each but the first; an error ends
+/// the trace with `!line:column message`.
+inline std::string trace(const Document& document, Source source, bool expandReferences = true) {
+    std::string nodes;
+    const auto add = [&](const std::string& node) { nodes += (nodes.empty() ? "" : " ") + node; };
+    try {
+        const auto reader = document.open(source);
+        reader->setExpandAttributeReference(expandReferences);
+        while (!reader->eof()) {
+            reader->readNextNode();
+            add(describeNode(*reader));
+        }
+    } catch (const QeXmlParseError& error) {
+        add(describe(error));
+    }
+    return nodes;
+}
+
+inline std::string trace(std::string_view xml) {
+    return trace(Document(xml), Source::Span);
+}
+
+}  // namespace tessit::test

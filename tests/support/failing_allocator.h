@@ -1,0 +1,152 @@
+#pragma once
+
+// Counts the allocations of a test program and lets any one of them fail.
+//
+// Replaces the global operator new and delete, so exactly one source of a
+// program includes it. Blocks of more than the default alignment and those that
+// C libraries allocate are not seen. One thread.
+
+#include <cstddef>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <new>
+
+namespace allocator {
+
+inline std::size_t allocations = 0;   // since the program began
+inline std::size_t liveBlocks = 0;    // allocated and not yet freed
+inline std::size_t untilFailure = 0;  // allocations up to the one that fails; 0: none fails
+inline bool failureHappened = false;
+
+inline void* allocate(std::size_t size) noexcept {
+    if (untilFailure != 0 && --untilFailure == 0) {
+        failureHappened = true;
+        return nullptr;
+    }
+    void* block = std::malloc(size == 0 ? 1 : size);
+    if (block == nullptr) return nullptr;
+    ++allocations;
+    ++liveBlocks;
+    return block;
+}
+
+inline void* allocateOrThrow(std::size_t size) {
+    void* block = allocate(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+
+inline void release(void* block) noexcept {
+    if (block != nullptr) --liveBlocks;
+    std::free(block);
+}
+
+}  // namespace allocator
+
+void* operator new(std::size_t size) {
+    return allocator::allocateOrThrow(size);
+}
+void* operator new[](std::size_t size) {
+    return allocator::allocateOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocator::allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return allocator::allocate(size);
+}
+void operator delete(void* block) noexcept {
+    allocator::release(block);
+}
+void operator delete[](void* block) noexcept {
+    allocator::release(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    allocator::release(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    allocator::release(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    allocator::release(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    allocator::release(block);
+}
+
+/// The number of allocations that `operation` makes.
+template <typename Operation>
+std::size_t countAllocations(const Operation& operation) {
+    const std::size_t before = allocator::allocations;
+    operation();
+    return allocator::allocations - before;
+}
+
+/// What a scenario of `forEachFailingAllocation` tries its operation with.
+class Attempt {
+public:
+    /// `failing` counts the operation's allocations from 1; with 0, none fails.
+    explicit Attempt(std::size_t failing) : failingAllocation(failing) {}
+
+    /// Runs the operation with the one allocation failing. Whether it got through:
+    /// false when it threw `std::bad_alloc`. Other exceptions pass.
+    template <typename Operation>
+    bool operator()(const Operation& operation) {
+        const Arm arm(*this);
+        try {
+            operation();
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    }
+
+    /// Whether an allocation did fail, whatever the operation made of it.
+    bool sawFailure() const { return failed; }
+
+private:
+    struct Arm {
+        explicit Arm(Attempt& armed) : attempt(armed) {
+            allocator::failureHappened = false;
+            allocator::untilFailure = attempt.failingAllocation;
+        }
+        ~Arm() {
+            allocator::untilFailure = 0;
+            attempt.failed |= allocator::failureHappened;
+        }
+        Arm(const Arm&) = delete;
+        Arm& operator=(const Arm&) = delete;
+        Attempt& attempt;
+    };
+
+    std::size_t failingAllocation;
+    bool failed = false;
+};
+
+/// Runs `scenario` over and over, each time letting another allocation of the
+/// operation that it attempts fail: the first, the second, and so on, until a run
+/// needs no more. What a scenario made must be gone when it returns: each run is
+/// checked for leaks.
+///
+///     forEachFailingAllocation([](Attempt& attempt) {
+///         QeCString text("before");
+///         const bool done = attempt([&] { text = LongText; });
+///         EXPECT_EQ(text, done ? LongText : "before");
+///     });
+template <typename Scenario>
+void forEachFailingAllocation(const Scenario& scenario) {
+    Attempt undisturbed(0);
+    scenario(undisturbed);  // makes what is made on first use and stays
+    for (std::size_t failing = 1;; ++failing) {
+        SCOPED_TRACE(testing::Message() << "allocation " << failing << " fails");
+        const std::size_t blocksBefore = allocator::liveBlocks;
+        Attempt attempt(failing);
+        scenario(attempt);
+        if (testing::Test::HasFailure()) return;  // one report is enough, and it allocates
+        ASSERT_EQ(allocator::liveBlocks, blocksBefore) << "blocks leaked";
+        if (!attempt.sawFailure()) {
+            EXPECT_GT(failing, 1u) << "the operation allocates nothing";
+            return;
+        }
+    }
+}
