@@ -126,7 +126,7 @@ public:
     /// The byte at `index`, to be changed; throws `QeBoundsError` unless `index < length()`.
     char& operator[](std::size_t index) {
         if (index >= length()) raiseIndex(index);
-        if (isShared()) unshare(length());
+        if (isShared()) unshare();
         return mutableData()[index];
     }
 
@@ -149,13 +149,14 @@ public:
     void assign(const char* text) { assign(viewOf(text)); }
 
     /// Empties the text and keeps its storage.
-    void clear() noexcept { truncate(0); }
+    void clear() noexcept {
+        if (isShared()) return dropBlock();
+        truncate(0);
+    }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer.
     void truncate(std::size_t newLength) noexcept {
-        if (newLength >= length()) return;
-        if (isShared()) unshare(newLength);
-        setLength(newLength);
+        if (newLength < length()) setLength(newLength);  // shared texts are only assigned to and cleared
     }
 
     /// Makes the text `length` bytes long and returns them, to be written over:
@@ -220,7 +221,7 @@ public:
     }
 
     /// Turns a to z into A to Z, whatever the locale; other bytes stay.
-    void toUpper() noexcept;
+    void toUpper();
 
     /// Replaces the text by all that is left in `in`, byte for byte, and sets the
     /// stream's end-of-file state. A stream that cannot be read gives an empty
@@ -310,7 +311,7 @@ private:
     // Becomes equal to `other`, in O(1) when that is large: both then have one block,
     // and whichever changes first gets another.
     void shareBlockOf(const QeCString& other);
-    void unshare(std::size_t keptLength);
+    void unshare();
 
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
@@ -340,6 +341,11 @@ private:
 
     void releaseBlock() noexcept {
         if (!isInline()) freeBlock();
+    }
+
+    void dropBlock() noexcept {
+        releaseBlock();
+        forgetBlock();
     }
 
     bool equals(const char* bytes, std::size_t count) const noexcept {

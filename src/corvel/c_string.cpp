@@ -45,10 +45,9 @@ void QeCString::shareBlockOf(const QeCString& other) {
     }
 }
 
-// Gets a block of its own that holds the first bytes.
-void QeCString::unshare(std::size_t keptLength) {
-    QeCString kept(data(), keptLength);
-    *this = std::move(kept);
+void QeCString::unshare() {
+    QeCString own(data(), length());
+    *this = std::move(own);
 }
 
 void QeCString::assignSlowly(const char* bytes, std::size_t length) {
@@ -69,14 +68,14 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    if (isShared()) unshare(length());
+    if (isShared()) unshare();
     if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
 
 void QeCString::reserve(std::size_t wanted) {
-    if (isShared()) unshare(length());
+    if (isShared()) unshare();
     if (wanted <= capacity()) return;
     const std::size_t oldLength = length();
     const std::uint32_t units = unitsFor(wanted);
@@ -120,8 +119,8 @@ std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const
     return std::string_view(*this).find_first_of(set, from);
 }
 
-void QeCString::toUpper() noexcept {
-    if (isShared()) unshare(length());
+void QeCString::toUpper() {
+    if (isShared()) unshare();
     char* bytes = mutableData();
     for (std::size_t i = 0, count = length(); i < count; ++i)
         if (bytes[i] >= 'a' && bytes[i] <= 'z') bytes[i] = static_cast<char>(bytes[i] - 'a' + 'A');
