@@ -45,7 +45,9 @@ QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
     source = open(name.data());
 }
 
+// Piece by piece, since ICU takes no more than 2 GB at once; it remembers a character that a piece cuts off.
 QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes) const {
+    constexpr std::ptrdiff_t PieceLength = 1 << 16;
     const Handle target = open("UTF-8");
     QeCString result;
     result.reserve(bytes.size());
@@ -56,14 +58,15 @@ QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes) const {
     const char* at = bytes.data();
     const char* const end = at + bytes.size();
     for (bool first = true;; first = false) {
+        const char* const pieceEnd = at + std::min(end - at, PieceLength);
         UErrorCode status = U_ZERO_ERROR;
         char* written = chunk;
-        ucnv_convertEx(target.get(), source.get(), &written, chunk + sizeof chunk, &at, end, pivot, &pivotRead,
-                       &pivotWrite, pivot + std::size(pivot), first, true, &status);
+        ucnv_convertEx(target.get(), source.get(), &written, chunk + sizeof chunk, &at, pieceEnd, pivot, &pivotRead,
+                       &pivotWrite, pivot + std::size(pivot), first, pieceEnd == end, &status);
         result.append(chunk, static_cast<std::size_t>(written - chunk));
         if (status == U_BUFFER_OVERFLOW_ERROR) continue;
         if (U_FAILURE(status)) throw QeUConversionError(u_errorName(status));
-        return result;
+        if (pieceEnd == end) return result;
     }
 }
 
