@@ -6,10 +6,15 @@
 #include <cstring>
 #include <functional>
 #include <iosfwd>
+#include <new>
 #include <string_view>
 #include <type_traits>
 
 #include <tessit/export.h>
+
+namespace tessit {
+class OpenElements;
+}
 
 /// An owned string of bytes: every name, URI, value and text of the library.
 ///
@@ -121,15 +126,20 @@ public:
     /// The byte at `index`, to be changed; throws `QeBoundsError` unless `index < length()`.
     char& operator[](std::size_t index) {
         if (index >= length()) raiseIndex(index);
+        if (isShared()) unshare(length());
         return mutableData()[index];
     }
 
     /// Replaces the text. Keeps a heap block that is large enough. O(length).
     void assign(const char* bytes, std::size_t length) {
-        if (length <= InlineCapacity && isInline()) {
+        if (length > InlineCapacity) return assignSlowly(bytes, length);
+        if (isInline()) {
             copyShort(raw, bytes, length);
             raw[length] = '\0';
             setInlineLength(length);
+        } else if (!isShared()) {
+            copyShort(heapData(), bytes, length);
+            setLength(length);
         } else {
             assignSlowly(bytes, length);
         }
@@ -142,18 +152,32 @@ public:
     void clear() noexcept { truncate(0); }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer.
-    void truncate(std::size_t length) noexcept;
+    void truncate(std::size_t newLength) noexcept {
+        if (newLength >= length()) return;
+        if (isShared()) unshare(newLength);
+        setLength(newLength);
+    }
 
     /// Makes the text `length` bytes long and returns them, to be written over:
     /// what is not kept of the old text is unspecified until then. Everything that
-    /// `data()` says holds for the pointer.
+    /// `data()` says holds for the pointer. Growing step by step costs amortised
+    /// O(1) a byte.
     char* resizeForOverwrite(std::size_t length);
+
+    /// How many bytes the text can have before it needs another block.
+    std::size_t capacity() const noexcept { return isInline() ? InlineCapacity : heapCapacity(); }
 
     /// Makes room for `length` bytes in all, so that growing up to them allocates nothing.
     void reserve(std::size_t length);
 
     /// Appends bytes. Amortised O(bytes).
-    void append(const char* bytes, std::size_t length);
+    void append(const char* bytes, std::size_t count) {
+        const std::size_t oldLength = length();
+        if (count > InlineCapacity || count > capacity() - oldLength || isShared()) return appendSlowly(bytes, count);
+        copyShort(mutableData() + oldLength, bytes, count);
+        setLength(oldLength + count);
+    }
+
     void append(std::string_view text) { append(text.data(), text.size()); }
     void append(const char* text) { append(viewOf(text)); }
     void append(char byte) { append(&byte, 1); }
@@ -189,7 +213,11 @@ public:
     std::size_t findFirstOf(std::string_view set, std::size_t from = 0) const noexcept;
 
     /// A view of up to `length` bytes from `position`; empty past the end. As long-lived as `data()`.
-    std::string_view substring(std::size_t position, std::size_t length = npos) const noexcept;
+    std::string_view substring(std::size_t position, std::size_t count = npos) const noexcept {
+        const std::size_t end = length();
+        if (position > end) position = end;
+        return {data() + position, count < end - position ? count : end - position};
+    }
 
     /// Turns a to z into A to Z, whatever the locale; other bytes stay.
     void toUpper() noexcept;
@@ -217,6 +245,11 @@ public:
     friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
 
 private:
+    // They hand one long URI to many names, which must not cost its length each time.
+    friend class QeXmlNamespaceStack;
+    friend class QeXmlReader;
+    friend class tessit::OpenElements;
+
     // The last byte tells the two layouts apart. Up to 23: the text is in place
     // and this is the room left, so that a full string's tag is its terminator.
     // HeapTag: the first bytes are a Block.
@@ -230,6 +263,14 @@ private:
     };
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
+
+    // A large block has a count of its owners in front. Sharing is the library's own
+    // affair, among the strings of one object: every copy that a user makes is one.
+    struct LargeHeader {
+        alignas(UnitSize) std::size_t owners;
+    };
+    static constexpr std::uint32_t LargeUnits = 16;
+    static constexpr std::size_t LargeLength = LargeUnits * UnitSize;  // texts of so many bytes have a large block
 
     // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
     static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
@@ -253,8 +294,36 @@ private:
         std::memcpy(&length, raw + offsetof(Block, length), sizeof length);
         return length;
     }
+    std::uint32_t heapUnits() const noexcept {
+        std::uint32_t units;
+        std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
+        return units;
+    }
+    std::size_t heapCapacity() const noexcept { return heapUnits() * UnitSize - 1; }
+
+    bool isLarge() const noexcept { return !isInline() && heapUnits() >= LargeUnits; }
+    LargeHeader& largeHeader() const noexcept {
+        return *std::launder(reinterpret_cast<LargeHeader*>(heapData() - sizeof(LargeHeader)));
+    }
+    bool isShared() const noexcept { return isLarge() && largeHeader().owners > 1; }
+
+    // Becomes equal to `other`, in O(1) when that is large: both then have one block,
+    // and whichever changes first gets another.
+    void shareBlockOf(const QeCString& other);
+    void unshare(std::size_t keptLength);
+
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
+    }
+
+    void setLength(std::size_t length) noexcept {
+        if (isInline()) {
+            raw[length] = '\0';
+            setInlineLength(length);
+        } else {
+            heapData()[length] = '\0';
+            setHeapLength(length);
+        }
     }
 
     // A NUL-terminated text; a null pointer counts as empty.
@@ -274,7 +343,8 @@ private:
     }
 
     bool equals(const char* bytes, std::size_t count) const noexcept {
-        return length() == count && (count == 0 || std::memcmp(data(), bytes, count) == 0);
+        if (length() != count) return false;
+        return count == 0 || data() == bytes || std::memcmp(data(), bytes, count) == 0;
     }
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
@@ -310,11 +380,10 @@ private:
     static char* newBlock(std::uint32_t units);
     static QeCString concatenate(std::string_view left, std::string_view right);
 
+    void appendSlowly(const char* bytes, std::size_t count);
     void assignSlowly(const char* bytes, std::size_t length);
     void freeBlock() noexcept;
-    std::size_t capacity() const noexcept;
     void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
-    void setLength(std::size_t length) noexcept;
     [[noreturn]] void raiseIndex(std::size_t index) const;
 
     alignas(std::size_t) char raw[InlineCapacity + 1];

@@ -54,6 +54,12 @@ public:
         return slots[used++];
     }
 
+    /// Makes exactly `count` elements the ones in use, in whatever state their slots were left.
+    void takeSlots(std::size_t count) {
+        reserveSlots(count);
+        used = count;
+    }
+
     /// Appends an element that `fill` writes, over whatever is left in its slot.
     /// `fill` may read the elements that are there: they do not move before it is
     /// done. Amortised O(1). Strong guarantee: should anything throw, no element
@@ -67,6 +73,15 @@ public:
         T filled;
         fill(filled);
         return append() = std::move(filled);
+    }
+
+    /// Replaces all elements by copies of those of another array, in the slots that are there. After a throw, there
+    /// are none.
+    void assignInPlace(const QeSlotArray& other) {
+        clear();
+        reserveSlots(other.used);
+        std::copy(other.begin(), other.end(), begin());
+        used = other.used;
     }
 
     /// Drops the last element and keeps its slot.

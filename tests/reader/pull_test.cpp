@@ -124,6 +124,8 @@ constexpr PullCase RawElements[] = {
     {"<a><a>x</a><b/></a>", "R F", "<<<a><a>x</a><b/></a>>><a>x</a><b/> eof"},
     {"<r>t<a>1</a>u<a>2</a></r>", "S R:a R:a E:r", "S <<t<a>1</a>>>1 <<u<a>2</a>>>2 E"},
     {"<a/>", "R", "<<<a/>>>"},
+    {"<a xmlns='u'/>", "R:", "<<<a xmlns='u'/>>>"},                       // the empty string asks for any, too
+    {"<r xmlns='u'><a/></r>", "S R:", "S !1:18 Expected , found a"},      // but not where it has a namespace
     {"<r>\n<a x='1' /></r>", "S R:a R E", "S <<\n<a x='1' />>> <<>> E"},  // none next: empty, and the end stays
     {"<r>t</r>", "S R V E", "S <<>> '' !1:9 Premature EOF"},              // the value takes the mark off
     {"<r><a/></r>", "S N:a R:a E:a E:r",

@@ -65,6 +65,7 @@ public:
 
 private:
     friend class QeXmlReader;  // resolves names without building strings for the lookup
+    friend class QeXmlWriter;  // binds names without building a namespace for it
 
     // Most elements declare nothing, so such a scope is only a count: opening one
     // allocates nothing, and a lookup at depth 10^6 visits none of them.
@@ -103,12 +104,14 @@ private:
     void dropAll() noexcept;
     void dropBindings() noexcept;
     void forgetInnermost() noexcept;
-    void addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope);
+    void makeRoomInIndex();
     void buildIndex();
+    void clearIndex() noexcept;
 
     std::size_t depth = 0;
     QeSlotArray<DeclaringScope> declaring;  // outermost first
     std::size_t bindingCount = 0;           // in all scopes
     std::uint64_t lastState = 0;
-    std::unique_ptr<Index> index;  // only while many bindings are in force
+    bool indexed = false;          // while many bindings are in force
+    std::unique_ptr<Index> index;  // from the first time that there are many
 };

@@ -208,6 +208,18 @@ private:
         RawName name;
         std::string_view value;
         std::size_t scratchStart;
+        std::size_t position;  // in the tag
+    };
+
+    // The attributes of an earlier tag as they were written, and the slots that they
+    // went to. Where the next tag of that name has the same ones in the same order,
+    // as most have, they need neither be scanned byte by byte nor sorted again.
+    struct TagShape {
+        struct Attribute {
+            RawName name;
+            std::size_t slot;
+        };
+        std::vector<Attribute> attributes;  // in the order of the document; no declarations
     };
 
     // What a name in the last-node members was written from: a name that is
@@ -242,7 +254,10 @@ private:
     [[noreturn]] void raise(const char* message) const;
     [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
     [[noreturn]] void raiseEnd();
-    char rd();
+    char rd() {
+        if (cursor == bufferEnd) raiseEnd();
+        return *cursor++;
+    }
     std::string_view rd(std::size_t count);
 
     // prolog.cpp
@@ -262,31 +277,44 @@ private:
     void readTag();
     void readStartTag();
     void readEndTag();
+    bool takeLastNameAgain() noexcept;
     void closeStartTag(const RawName& name);
     void closeEmptyTag(const RawName& name);
     void readAttribute();
+    RawName readAttributeName();
     std::string_view readValue(char quote, std::size_t& scratchStart);
+    std::string_view expandValue(const char* start, char quote, std::size_t& scratchStart);
     void readContent();
     void readContentPieces();
+    void appendText();
     bool readMarkupInContent();
     RawName readName();
     RawName readNameSlowly(const char* from, std::size_t localStart);
     const char* passCharacter(const char* at, std::uint32_t& codePoint);
     void readS() noexcept;
-    void readReference(QeCString& out);
-    void readNumericReference(std::string_view body, QeCString& out);
-    static void toUTF8(std::uint32_t codePoint, QeCString& out);
+    std::string_view readReference(char (&encoded)[4]);
+    std::string_view readNumericReference(std::string_view body, char (&encoded)[4]) const;
 
     // names.cpp
     void addAttribute(const RawAttribute& attribute);
+    void declareNamespace(const RawAttribute& attribute);
+    std::string_view valueOf(const RawAttribute& attribute) const noexcept;
+    void expectShapeOf(const RawName& element) noexcept;
+    bool keepsShape() const noexcept;
     void fixupAttributes();
+    void fillShape();
+    void fillAnew();
     void sortAttributes();
     void writeAttributes();
+    void openSlots(std::size_t count);
+    void writeAttribute(std::size_t slot, const RawAttribute& attribute);
+    void learnShape();
     void writeElementName(const RawName& name);
     void writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding);
     const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
     void closeScope();
     void forgetWrittenNames() noexcept;
+    void forgetSlots() noexcept;
 
     // pull.cpp
     ExpectedName keepExpected(const QeXmlName& name);
@@ -295,13 +323,13 @@ private:
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
     std::string_view uriInsideTag(std::string_view prefix) const noexcept;
-    std::string_view uriBeforeStart(const ExpectedName& expected) const noexcept;
     bool matchesStart(const ExpectedName& expected) const noexcept;
-    bool matchesAnyStart(const ExpectedName& expected) const noexcept;
     bool matchesEnd(const ExpectedName& expected) const noexcept;
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
+    std::string_view uriOfExpected(const ExpectedName& expected) const noexcept;
+    bool asksForAny(const ExpectedName& expected) const noexcept;
     QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
     QeCString rebuildTag() const;
@@ -334,6 +362,15 @@ private:
     // Working storage of a tag, kept between tags so that it is allocated once.
     std::vector<RawAttribute> rawAttributes;
     QeCString valueScratch;
+
+    // What the tag that is being read is expected to hold. `shapeNext` is the next
+    // attribute of it, or null once one came that differs.
+    static constexpr std::size_t ShapeCount = 8;
+    TagShape shapes[ShapeCount];
+    TagShape* shape = nullptr;
+    const TagShape::Attribute* shapeNext = nullptr;
+    const TagShape* slotsShape = nullptr;  // whose names `lastAttributes` holds
+    std::uint64_t slotsState = 0;          // and in which state they were resolved
 
     WrittenName lastNameWritten;
     std::vector<WrittenName> attributesWritten;  // by slot of lastAttributes

@@ -7,7 +7,7 @@
 #include <istream>
 #include <voxal/converter.h>
 
-#include <tessit/reader/byte_scan.h>
+#include <corvel/byte_scan.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/transcode.h>
 #include <tessit/reader/xml_reader.h>
@@ -166,11 +166,6 @@ void QeXmlReader::raiseTranscoding(const char* reason) const {
     message += "': ";
     message += reason;
     err(message);
-}
-
-char QeXmlReader::rd() {
-    if (cursor == bufferEnd) raiseEnd();
-    return *cursor++;
 }
 
 std::string_view QeXmlReader::rd(std::size_t count) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <corvel/byte_scan.h>
 #include <tessit/reader/xml_reader.h>
 
 namespace {
@@ -14,29 +15,76 @@ constinit const QeXmlNamespace NoNamespace;
 
 }  // namespace
 
-// Declarations take effect at once, for the names of the whole tag, and stay among the attributes.
 void QeXmlReader::addAttribute(const RawAttribute& attribute) {
     rawAttributes.push_back(attribute);
+    const bool mayDeclare = shapeNext == nullptr;  // what a shape expects is no declaration
+    if (mayDeclare && attribute.name.whole().starts_with(Xmlns)) declareNamespace(attribute);
+}
+
+// Declarations take effect at once, for the names of the whole tag, and stay among the attributes.
+void QeXmlReader::declareNamespace(const RawAttribute& attribute) {
     const RawName& name = attribute.name;
-    const bool declaresDefault = name.whole() == Xmlns;
-    if (!declaresDefault && name.prefix() != Xmlns) return;
-    const std::string_view uri =
-        attribute.value.data() != nullptr ? attribute.value : valueScratch.substring(attribute.scratchStart);
-    namespaceStack.addBinding(declaresDefault ? std::string_view() : name.local(), uri);
+    if (name.whole() == Xmlns) {
+        namespaceStack.addBinding(std::string_view(), valueOf(attribute));
+    } else if (name.prefix() == Xmlns) {
+        namespaceStack.addBinding(name.local(), valueOf(attribute));
+    }
+}
+
+std::string_view QeXmlReader::valueOf(const RawAttribute& attribute) const noexcept {
+    if (attribute.value.data() != nullptr) return attribute.value;
+    return valueScratch.substring(attribute.scratchStart, attribute.value.size());
 }
 
 // Called once the whole tag was read: turns the attributes as scanned into the
 // set. They are put in order before they are written, so that each string is
 // written once, into its final place.
 void QeXmlReader::fixupAttributes() {
-    std::size_t scratchEnd = valueScratch.length();
-    for (std::size_t i = rawAttributes.size(); i-- > 0; scratchEnd = rawAttributes[i].scratchStart) {
-        RawAttribute& attribute = rawAttributes[i];
-        if (attribute.value.data() != nullptr) continue;
-        attribute.value = valueScratch.substring(attribute.scratchStart, scratchEnd - attribute.scratchStart);
+    if (rawAttributes.empty()) return lastAttributes.clear();  // what the slots hold is still known
+    if (keepsShape()) {
+        fillShape();
+    } else {
+        fillAnew();
     }
-    if (rawAttributes.size() > 1) sortAttributes();
+    lastAttributes.lookAtOrder();
+}
+
+void QeXmlReader::fillAnew() {
+    slotsShape = nullptr;  // until all is written: an assignment can throw
+    for (RawAttribute& attribute : rawAttributes)
+        attribute.value = valueOf(attribute);
+    const std::size_t count = rawAttributes.size();
+    if (count > 1) sortAttributes();
     writeAttributes();
+    if (count == rawAttributes.size()) learnShape();
+}
+
+void QeXmlReader::expectShapeOf(const RawName& element) noexcept {
+    const auto first = static_cast<unsigned char>(element.data[0]);
+    const auto last = static_cast<unsigned char>(element.data[element.length - 1]);
+    shape = &shapes[(element.length + first * 3u + last * 5u) % ShapeCount];
+    shapeNext = shape->attributes.empty() ? nullptr : shape->attributes.data();
+}
+
+bool QeXmlReader::keepsShape() const noexcept {
+    return shapeNext != nullptr && shapeNext == shape->attributes.data() + shape->attributes.size();
+}
+
+// Writes the attributes of a tag that kept its shape; where the set still has that shape, only the values.
+void QeXmlReader::fillShape() {
+    const std::uint64_t state = namespaceStack.state();
+    if (slotsShape == shape && slotsState == state) {
+        openSlots(rawAttributes.size());
+        for (const RawAttribute& attribute : rawAttributes)
+            lastAttributes.attributes[shape->attributes[attribute.position].slot].value.assign(valueOf(attribute));
+        return;
+    }
+    slotsShape = nullptr;  // until all is written: an assignment can throw
+    openSlots(rawAttributes.size());
+    for (const RawAttribute& attribute : rawAttributes)
+        writeAttribute(shape->attributes[attribute.position].slot, attribute);
+    slotsShape = shape;
+    slotsState = state;
 }
 
 namespace {
@@ -82,20 +130,39 @@ void QeXmlReader::sortAttributes() {
 
 // Fills the set in place, over what the last tag left in its slots.
 void QeXmlReader::writeAttributes() {
-    QeSlotArray<QeXmlAttribute>& slots = lastAttributes.attributes;
-    const std::size_t count = rawAttributes.size();
-    slots.clear();
-    lastAttributes.knownSorted = false;  // they come sorted by prefix, which need not be the order by URI
-    slots.reserveSlots(count);
+    openSlots(rawAttributes.size());
+    std::size_t slot = 0;
+    for (const RawAttribute& attribute : rawAttributes)
+        writeAttribute(slot++, attribute);
+}
+
+// Gives the set that many attributes, with what earlier tags left in them.
+void QeXmlReader::openSlots(std::size_t count) {
     if (attributesWritten.size() < count) attributesWritten.resize(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const RawAttribute& attribute = rawAttributes[i];
-        const std::string_view prefix = attribute.name.prefix();
-        QeXmlAttribute& slot = slots.append();
-        writeName(slot.name, attributesWritten[i], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
-        slot.value.assign(attribute.value);
-    }
-    lastAttributes.lookAtOrder();
+    lastAttributes.attributes.takeSlots(count);
+    lastAttributes.knownSorted = false;  // sorted by prefix, which need not be the order by URI
+}
+
+void QeXmlReader::writeAttribute(std::size_t slot, const RawAttribute& attribute) {
+    const std::string_view prefix = attribute.name.prefix();
+    QeXmlAttribute& target = lastAttributes.attributes[slot];
+    writeName(target.name, attributesWritten[slot], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
+    target.value.assign(valueOf(attribute));
+}
+
+// Keeps the tag that was just written as what the next one of its name is
+// expected to look like. A tag that declares namespaces is none to expect again;
+// one with very many attributes is not worth the memory.
+void QeXmlReader::learnShape() {
+    constexpr std::size_t MostAttributes = 64;
+    const std::size_t count = rawAttributes.size();
+    shape->attributes.clear();
+    if (count > MostAttributes || namespaceStack.innermostDeclares()) return;
+    shape->attributes.resize(count);
+    for (std::size_t slot = 0; slot < count; ++slot)
+        shape->attributes[rawAttributes[slot].position] = {rawAttributes[slot].name, slot};
+    slotsShape = shape;
+    slotsState = namespaceStack.state();
 }
 
 void QeXmlReader::writeElementName(const RawName& name) {
@@ -112,7 +179,7 @@ void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName
     const std::uint64_t state = namespaceStack.state();
     const bool sameBinding = binding == written.binding;
     const bool sameNamespace = sameBinding && binding != nullptr && (written.state == state || binding == &NoNamespace);
-    if ((sameNamespace || (sameBinding && binding == nullptr)) && written.raw == raw.whole()) return;
+    if ((sameNamespace || (sameBinding && binding == nullptr)) && tessit::sameBytes(written.raw, raw.whole())) return;
 
     written = {};  // until all is there: an assignment can throw
     name.localName.assign(raw.local());
@@ -120,7 +187,8 @@ void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName
         name.ns.prefix.assign(raw.prefix());
         name.ns.uri.clear();
     } else if (!sameNamespace) {
-        name.ns = *binding;
+        name.ns.prefix = binding->prefix;
+        name.ns.uri.shareBlockOf(binding->uri);
     }
     written = {raw.whole(), binding, state};
 }
@@ -147,5 +215,13 @@ void QeXmlReader::closeScope() {
 
 void QeXmlReader::forgetWrittenNames() noexcept {
     lastNameWritten = {};
+    forgetSlots();
+    for (TagShape& known : shapes)
+        known.attributes.clear();
+}
+
+// For when the attributes in the slots are no longer those that were written there.
+void QeXmlReader::forgetSlots() noexcept {
     attributesWritten.clear();
+    slotsShape = nullptr;
 }

@@ -78,8 +78,9 @@ std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexce
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
-// The URI of the expected name; of a string, as it would be in front of the last tag, which opened an element.
-std::string_view QeXmlReader::uriBeforeStart(const ExpectedName& expected) const noexcept {
+// The URI of an expected name: a string has the one that its prefix has in front of the last tag, which opened an
+// element.
+std::string_view QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
     if (!expected.isString) return expected.uri;
     using From = QeXmlNamespaceStack::From;
     const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
@@ -88,13 +89,13 @@ std::string_view QeXmlReader::uriBeforeStart(const ExpectedName& expected) const
 
 bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view uri = uriBeforeStart(expected);
+    const std::string_view uri = uriOfExpected(expected);
     return lastName.getNamespace().getURI() == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
 }
 
-// Whether the expected name equals `NullName`.
-bool QeXmlReader::matchesAnyStart(const ExpectedName& expected) const noexcept {
-    return expected.local.empty() && uriBeforeStart(expected).empty();
+// Whether the name is the empty one, which asks for any element.
+bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
+    return expected.local.empty() && uriOfExpected(expected).empty();
 }
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
@@ -196,7 +197,7 @@ QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
     QeCString front;
     if (wasPending) front = rebuildTag();  // it stands before the copy's begin
     nodePending = false;
-    if (!matchesAnyStart(expected) && !matchesStart(expected)) raiseMismatch(expected);
+    if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (lastNodeType == EmptyElement) {
         lastContent.clear();
         return copy.textAfter(std::move(front));
@@ -212,8 +213,10 @@ QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
 // Reads up to the end tag of the element that the last tag opened, and leaves that
 // tag's attributes in place. Returns where the scan of the end tag began.
 std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
-    const QeXmlName startName = lastName;
-    QeXmlAttributeSet attributes = lastAttributes;
+    QeXmlName startName(lastName.localName);
+    startName.ns.uri.shareBlockOf(lastName.ns.uri);
+    QeXmlAttributeSet attributes = std::move(lastAttributes);
+    forgetSlots();
     std::size_t contentEnd = copy.length();
     for (std::size_t level = 1;; contentEnd = copy.length()) {
         readNextNode();
@@ -221,7 +224,7 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
         if (lastNodeType == ElementEnd && lastName == startName && --level == 0) break;
     }
     lastAttributes = std::move(attributes);
-    attributesWritten.clear();
+    forgetSlots();
     return contentEnd;
 }
 

@@ -1,8 +1,11 @@
 // The markup scanner: one function per construct, each entered and left as its
 // comment says. Hot loops run over plain bytes to the first that needs thought.
 
-#include <tessit/reader/byte_scan.h>
+#include <cstring>
+
+#include <corvel/byte_scan.h>
 #include <tessit/reader/char_class.h>
+#include <tessit/reader/text_builder.h>
 #include <tessit/reader/transcode.h>
 #include <tessit/reader/xml_reader.h>
 
@@ -52,10 +55,21 @@ void QeXmlReader::readTag() {
 void QeXmlReader::readEndTag() {
     --depth;
     lastNodeType = ElementEnd;
-    writeElementName(readName());
+    // Most end tags close the element whose start tag was the last one: then the name is there already.
+    if (!takeLastNameAgain()) writeElementName(readName());
     readS();
     closeScope();
     if (const char byte = rd(); byte != '>') raiseWith("Unexpected character ", {&byte, 1});
+}
+
+// Passes the name of the last tag, if it stands here again, ended by a '>', and resolves to the same.
+bool QeXmlReader::takeLastNameAgain() noexcept {
+    const std::string_view raw = lastNameWritten.raw;
+    if (static_cast<std::size_t>(bufferEnd - cursor) <= raw.size() || cursor[raw.size()] != '>') return false;
+    if (lastNameWritten.state != namespaceStack.state()) return false;
+    if (raw.empty() || !tessit::sameBytes(cursor, raw.data(), raw.size())) return false;
+    cursor += raw.size();
+    return true;
 }
 
 // Entered just after the '<'. The scope is opened before the attributes are read,
@@ -66,6 +80,7 @@ void QeXmlReader::readStartTag() {
     closedScope.clear();
     rawAttributes.clear();
     valueScratch.clear();
+    expectShapeOf(name);
     for (;;) {
         readS();
         if (cursor == bufferEnd) raiseEnd();
@@ -99,7 +114,7 @@ void QeXmlReader::closeEmptyTag(const RawName& name) {
 }
 
 void QeXmlReader::readAttribute() {
-    RawAttribute attribute{readName(), {}, 0};
+    RawAttribute attribute{readAttributeName(), {}, 0, rawAttributes.size()};
     readS();
     if (rd() != '=') raise("Invalid character in attribute definition");
     readS();
@@ -109,24 +124,52 @@ void QeXmlReader::readAttribute() {
     addAttribute(attribute);
 }
 
-// Passes the value and its closing quote. A value without references is a view of
-// the document. One with references is expanded at the end of `valueScratch`, and
-// the result is a null view.
-std::string_view QeXmlReader::readValue(char quote, std::size_t& scratchStart) {
-    const char reference = expandAttributeReference ? '&' : quote;
-    const char* run = cursor;
-    scratchStart = valueScratch.length();
-    for (bool expanded = false;; expanded = true) {
-        cursor = findAny(run, bufferEnd, quote, '<', reference);
-        const auto runLength = static_cast<std::size_t>(cursor - run);
-        const char stop = rd();
-        if (stop == '<') raise("Syntax error: unterminated attribute value");
-        if (stop == quote && !expanded) return {run, runLength};
-        valueScratch.append(run, runLength);
-        if (stop == quote) return {};
-        readReference(valueScratch);
-        run = cursor;
+// The name that the tag's shape says comes next is only compared.
+QeXmlReader::RawName QeXmlReader::readAttributeName() {
+    if (shapeNext == nullptr) return readName();
+    if (shapeNext != shape->attributes.data() + shape->attributes.size()) {
+        const RawName& expected = shapeNext->name;
+        const bool isThere = static_cast<std::size_t>(bufferEnd - cursor) > expected.length &&
+                             cursor[expected.length] == '=' &&
+                             tessit::sameBytes(cursor, expected.data, expected.length);
+        if (isThere) {
+            ++shapeNext;
+            cursor += expected.length;
+            return {cursor - expected.length, expected.length, expected.localStart};
+        }
     }
+    shapeNext = nullptr;
+    return readName();
+}
+
+// Passes the value and its closing quote. A value without references is a view of the document.
+std::string_view QeXmlReader::readValue(char quote, std::size_t& scratchStart) {
+    const char* const start = cursor;
+    const char* const stop = findAny(start, bufferEnd, quote, '<', expandAttributeReference ? '&' : quote);
+    cursor = stop;
+    if (rd() == quote) return {start, static_cast<std::size_t>(stop - start)};
+    if (*stop == '<') raise("Syntax error: unterminated attribute value");
+    return expandValue(start, quote, scratchStart);
+}
+
+// Entered behind the first '&' of the value that begins at `start`. The value is
+// expanded at the end of `valueScratch`; the result is a view without data, of the
+// right length.
+std::string_view QeXmlReader::expandValue(const char* start, char quote, std::size_t& scratchStart) {
+    scratchStart = valueScratch.length();
+    {
+        tessit::TextBuilder value(valueScratch);
+        value.put({start, static_cast<std::size_t>(cursor - 1 - start)});
+        for (;;) {
+            char encoded[4];
+            value.put(readReference(encoded));
+            value.putPlain(cursor, bufferEnd, quote, '<', '&');
+            const char stop = rd();
+            if (stop == quote) break;
+            if (stop == '<') raise("Syntax error: unterminated attribute value");
+        }
+    }
+    return {nullptr, valueScratch.length() - scratchStart};
 }
 
 // Leaves the cursor on the '<' of the next tag. Most texts are one run up to there.
@@ -146,22 +189,28 @@ void QeXmlReader::readContent() {
 // Goes on with a text, from what is not plain in it.
 void QeXmlReader::readContentPieces() {
     for (;;) {
-        switch (rd()) {
-            case '\r':  // any line end arrives as one line feed
-                if (cursor == bufferEnd || *cursor != '\n') lastContent.append('\n');
-                break;
-            case '&':
-                readReference(lastContent);
-                break;
-            case '<':
-                if (!readMarkupInContent()) return;
-                break;
-            default:
-                break;  // none: the scan stops at these three only
+        if (cursor == bufferEnd) raiseEnd();
+        if (*cursor == '<') {
+            ++cursor;
+            if (!readMarkupInContent()) return;
+        } else {
+            appendText();
         }
-        const char* const run = cursor;
-        cursor = findAny(run, bufferEnd, '<', '&', '\r');
-        lastContent.append(run, static_cast<std::size_t>(cursor - run));
+    }
+}
+
+// Appends text up to the next '<', with references replaced and line ends made one line feed.
+void QeXmlReader::appendText() {
+    tessit::TextBuilder text(lastContent);
+    for (;;) {
+        text.putPlain(cursor, bufferEnd, '<', '&', '\r');
+        if (cursor == bufferEnd || *cursor == '<') return;
+        if (*cursor++ == '&') {
+            char encoded[4];
+            text.put(readReference(encoded));
+        } else if (cursor == bufferEnd || *cursor != '\n') {
+            text.put('\n');  // a lone carriage return; before a line feed it is dropped
+        }
     }
 }
 
@@ -290,31 +339,60 @@ void QeXmlReader::readS() noexcept {
 
 namespace {
 
+// A predefined entity by its name and semicolon, compared as two words: most references are one of these.
 struct Entity {
-    std::string_view name;  // with the closing semicolon
+    char name[6];
+    std::uint8_t length;
     char character;
 };
 
-constexpr Entity Entities[] = {{"lt;", '<'}, {"gt;", '>'}, {"amp;", '&'}, {"apos;", '\''}, {"quot;", '"'}};
+constexpr Entity Entities[] = {
+    {"lt;", 3, '<'}, {"gt;", 3, '>'}, {"amp;", 4, '&'}, {"apos;", 5, '\''}, {"quot;", 5, '"'}};
+
+template <const Entity& Wanted>
+bool standsAt(const char* at) {
+    return std::memcmp(at, Wanted.name, Wanted.length) == 0;
+}
+
+// The predefined entity whose name and semicolon begin at `at`, where at least five bytes can be read; or null.
+const Entity* findEntity(const char* at) {
+    switch (*at) {
+        case 'l':
+            return standsAt<Entities[0]>(at) ? &Entities[0] : nullptr;
+        case 'g':
+            return standsAt<Entities[1]>(at) ? &Entities[1] : nullptr;
+        case 'a':
+            if (standsAt<Entities[2]>(at)) return &Entities[2];
+            return standsAt<Entities[3]>(at) ? &Entities[3] : nullptr;
+        case 'q':
+            return standsAt<Entities[4]>(at) ? &Entities[4] : nullptr;
+        default:
+            return nullptr;
+    }
+}
 
 }  // namespace
 
-// Entered just after the '&'; appends what the reference stands for. An unknown
-// entity is no error: its reference is appended as written.
-void QeXmlReader::readReference(QeCString& out) {
-    const std::string_view ahead(cursor, static_cast<std::size_t>(bufferEnd - cursor));
-    for (const Entity& entity : Entities) {
-        if (!ahead.starts_with(entity.name)) continue;
-        cursor += entity.name.size();
-        return out.append(entity.character);
+// Entered just after the '&'; returns what the reference stands for. An unknown
+// entity is no error: it stands for its reference as written. `encoded` is room
+// for the character of a numeric one.
+std::string_view QeXmlReader::readReference(char (&encoded)[4]) {
+    constexpr std::ptrdiff_t LongestEntity = 5;
+    if (bufferEnd - cursor >= LongestEntity) {
+        if (const Entity* entity = findEntity(cursor)) {
+            cursor += entity->length;
+            return {&entity->character, 1};
+        }
     }
     const char* const semicolon = findByte(cursor, bufferEnd, ';');
     if (semicolon == bufferEnd) raiseEnd();
     const std::string_view body(cursor, static_cast<std::size_t>(semicolon - cursor));
     cursor = semicolon + 1;
     if (body.empty()) raise("Empty reference");
-    if (body[0] == '#') return readNumericReference(body.substr(1), out);
-    out.append(body.data() - 1, body.size() + 2);
+    if (body[0] == '#') return readNumericReference(body.substr(1), encoded);
+    for (const Entity& entity : Entities)
+        if (body == std::string_view(entity.name, entity.length - 1u)) return {&entity.character, 1};
+    return {body.data() - 1, body.size() + 2};
 }
 
 namespace {
@@ -331,7 +409,7 @@ int digitValue(char digit, unsigned base) {
 
 // `body` is what stands between "&#" and ";". The value is not checked: it wraps
 // at 32 bits, and no digits after the 'x' make 0.
-void QeXmlReader::readNumericReference(std::string_view body, QeCString& out) {
+std::string_view QeXmlReader::readNumericReference(std::string_view body, char (&encoded)[4]) const {
     if (body.empty()) raise("Empty character reference");
     const bool hexadecimal = body[0] == 'x';
     const unsigned base = hexadecimal ? 16 : 10;
@@ -342,11 +420,5 @@ void QeXmlReader::readNumericReference(std::string_view body, QeCString& out) {
         if (digitIn < 0) raise("invalid character in decimal character reference.");
         value = value * base + static_cast<unsigned>(digitIn);
     }
-    toUTF8(value, out);
-}
-
-void QeXmlReader::toUTF8(std::uint32_t codePoint, QeCString& out) {
-    char bytes[4];
-    const char* const end = tessit::putUtf8(bytes, codePoint);
-    out.append(bytes, static_cast<std::size_t>(end - bytes));
+    return {encoded, static_cast<std::size_t>(tessit::putUtf8(encoded, value) - encoded)};
 }

@@ -1,0 +1,58 @@
+#include "console.h"
+
+#include <cerrno>
+#include <unistd.h>
+
+#include "escape.h"
+
+namespace {
+
+constexpr std::size_t BufferSize = 65'536;
+
+// Writes all the bytes, or returns false with the reason in `errno`.
+bool writeAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) return false;
+        if (written > 0) bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+}  // namespace
+
+Console::Console() {
+    pending.reserve(BufferSize);
+}
+
+void Console::append(const char* bytes, std::size_t length) {
+    if (length > BufferSize - pending.size()) flush();
+    if (length <= BufferSize) {
+        pending.append(bytes, length);
+    } else if (!writeAll(STDOUT_FILENO, {bytes, length})) {
+        throw WriteError{errno};
+    }
+}
+
+void Console::flush() {
+    const bool written = writeAll(STDOUT_FILENO, pending);
+    pending.clear();
+    if (!written) throw WriteError{errno};
+}
+
+void Console::finish() {
+    flush();
+    if (close(STDOUT_FILENO) != 0) throw WriteError{errno};
+}
+
+void Console::complain(std::string_view where, std::string_view message, ExitStatus meaning) {
+    conclude(meaning);  // also when the output cannot be written any more
+    flush();
+    complainOnly(where, message, meaning);
+}
+
+// A complaint that cannot be written is still told by the exit status.
+void Console::complainOnly(std::string_view where, std::string_view message, ExitStatus meaning) {
+    conclude(meaning);
+    writeAll(STDERR_FILENO, escaped(where) + ": error: " + escaped(message) + "\n");
+}

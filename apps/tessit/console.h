@@ -1,0 +1,54 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// What the tool's exit status says. The worst of all that happened counts.
+enum class ExitStatus {
+    Good = 0,       ///< every document was read to its end, and the answer is yes where there is a question
+    Refused = 1,    ///< a document was refused
+    Different = 1,  ///< the documents differ
+    Failed = 2      ///< wrong usage, or a file that could not be read or written
+};
+
+/// Standard output cannot take what was written to it.
+struct WriteError {
+    int error;  ///< as `errno` has it
+};
+
+/// Where results and complaints go, and what they make of the exit status.
+class Console {
+public:
+    Console();
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    /// Appends to standard output, through a buffer. Throws `WriteError`.
+    void append(const char* bytes, std::size_t length);
+    void append(std::string_view text) { append(text.data(), text.size()); }
+    void append(char byte) { append(&byte, 1); }
+
+    /// Writes out what is buffered. Throws `WriteError`.
+    void flush();
+
+    /// Writes out what is buffered, and closes standard output: some errors show only then. Throws `WriteError`.
+    void finish();
+
+    /// Prints "WHERE: error: MESSAGE" to standard error, behind the output so far, both escaped.
+    /// Throws `WriteError`.
+    void complain(std::string_view where, std::string_view message, ExitStatus meaning);
+
+    /// The same for when standard output itself is what fails: nothing is written to it.
+    void complainOnly(std::string_view where, std::string_view message, ExitStatus meaning);
+
+    /// Makes the exit status at least this bad, without a complaint.
+    void conclude(ExitStatus meaning) { worst = std::max(worst, meaning); }
+
+    ExitStatus status() const { return worst; }
+
+private:
+    std::string pending;
+    ExitStatus worst = ExitStatus::Good;
+};

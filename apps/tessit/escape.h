@@ -1,0 +1,113 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Escapes that keep every line of output one line, every field one field, and
+/// the whole valid UTF-8, whatever bytes a document holds.
+///
+/// Backslash, line feed, carriage return, tab and double quote become `\\`, `\n`,
+/// `\r`, `\t` and `\"`; the other bytes that cannot stand become `\xNN`, one each.
+
+/// Where the text will stand, which decides what would break the form there.
+enum class Within {
+    Line,    ///< on its own: control characters, line separators, bytes that are not UTF-8, backslashes
+    Quotes,  ///< also double quotes
+    Braces   ///< also closing braces and spaces
+};
+
+namespace escapes {
+
+template <Within Place>
+consteval std::array<bool, 256> asciiThatStays() {
+    std::array<bool, 256> stays{};
+    for (std::size_t byte = 0x20; byte < 0x7F; ++byte)
+        stays[byte] = byte != '\\' && !(Place == Within::Quotes && byte == '"') &&
+                      !(Place == Within::Braces && (byte == '}' || byte == ' '));
+    return stays;
+}
+
+/// How many bytes the character in front takes, which is not ASCII; 0 when it has
+/// to be escaped.
+inline std::size_t characterThatStays(std::string_view text) {
+    constexpr std::uint32_t Least[] = {0, 0, 0xA0, 0x800, 0x10000};  // below 0xA0: more control characters
+    const auto lead = static_cast<unsigned char>(text[0]);
+    const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    if (length == 0 || text.size() < length) return 0;
+    std::uint32_t code = lead & (0x7Fu >> length);
+    for (const char byte : text.substr(1, length - 1)) {
+        if ((byte & 0xC0) != 0x80) return 0;
+        code = code << 6 | static_cast<std::uint32_t>(byte & 0x3F);
+    }
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    const bool separatesLines = code == 0x2028 || code == 0x2029;
+    return code < Least[length] || code > 0x10FFFF || isSurrogate || separatesLines ? 0 : length;
+}
+
+template <Within Place>
+std::size_t runThatStays(std::string_view text) {
+    static constexpr std::array<bool, 256> Stays = asciiThatStays<Place>();
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const std::size_t length = byte < 0x80 ? Stays[byte] : characterThatStays(text.substr(at));
+        if (length == 0) break;
+        at += length;
+    }
+    return at;
+}
+
+/// The letter that names the byte behind a backslash, or 0 for none.
+constexpr char letterFor(char byte) {
+    switch (byte) {
+        case '\n':
+            return 'n';
+        case '\r':
+            return 'r';
+        case '\t':
+            return 't';
+        case '\\':
+        case '"':
+            return byte;
+        default:
+            return '\0';
+    }
+}
+
+template <typename Text>
+void appendEscape(Text& out, char byte) {
+    constexpr char Digits[] = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    const char named[] = {'\\', letterFor(byte)};
+    const char numbered[] = {'\\', 'x', Digits[value >> 4], Digits[value & 0xF]};
+    if (named[1] != '\0') {
+        out.append(named, sizeof named);
+    } else {
+        out.append(numbered, sizeof numbered);
+    }
+}
+
+}  // namespace escapes
+
+/// Appends the text with its escapes to `out`, a string or anything else with
+/// `append(bytes, length)`. O(bytes); runs are appended whole.
+template <Within Place, typename Text>
+void appendEscaped(Text& out, std::string_view text) {
+    for (;;) {
+        const std::size_t run = escapes::runThatStays<Place>(text);
+        out.append(text.data(), run);
+        if (run == text.size()) return;
+        escapes::appendEscape(out, text[run]);
+        text.remove_prefix(run + 1);
+    }
+}
+
+/// The text on its own, for a message.
+inline std::string escaped(std::string_view text) {
+    std::string result;
+    appendEscaped<Within::Line>(result, text);
+    return result;
+}

@@ -1,0 +1,59 @@
+// The command line tool: finds the subcommand and turns what happens into an exit status.
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+
+#include "command.h"
+#include "console.h"
+
+namespace {
+
+constexpr std::string_view ToolName = "tessit";
+
+void refuseUsage(Console& console, const std::string& reason) {
+    console.complain(ToolName, reason + " (see tessit --help)", ExitStatus::Failed);
+}
+
+void runCommand(int argc, char** argv, Console& console) {
+    CLI::App tool("Reads and compares XML documents", std::string(ToolName));
+    tool.set_version_flag("--version", std::string(ToolName) + " " TESSIT_VERSION);
+    tool.footer(
+        "Exit status: 0 when every document was read, 1 when one was refused,\n"
+        "2 for wrong usage or a file that cannot be read or written;\n"
+        "subcommands that answer a question have their own.");
+    const Command commands[] = {addEvents(tool), addSame(tool)};
+    tool.require_subcommand(0, 1);
+    try {
+        tool.parse(argc, argv);
+    } catch (const CLI::CallForVersion& version) {
+        return console.append(std::string(version.what()) + '\n');
+    } catch (const CLI::Success&) {  // --help
+        return console.append(tool.help());
+    } catch (const CLI::ParseError& error) {
+        return refuseUsage(console, error.what());
+    }
+    for (const Command& command : commands)
+        if (command.arguments->parsed()) return command.run(console);
+    refuseUsage(console, "A subcommand is required");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // A reader that closes the pipe has seen enough: that ends the tool without a
+    // message, whether or not the one who started it ignores the signal.
+    std::signal(SIGPIPE, SIG_IGN);
+    Console console;
+    try {
+        runCommand(argc, argv, console);
+        console.finish();
+    } catch (const WriteError& failure) {
+        if (failure.error != EPIPE)
+            console.complainOnly("standard output", std::generic_category().message(failure.error), ExitStatus::Failed);
+    } catch (const std::exception& error) {  // not enough memory, above all
+        console.complainOnly(ToolName, error.what(), ExitStatus::Failed);
+    }
+    return static_cast<int>(console.status());
+}

@@ -1,0 +1,10 @@
+#include <iostream>
+
+#include <tessit/tessit.h>
+
+int main() {
+    QeXmlReader reader(QeCString("<order>3 boxes of tea</order>"));
+    reader.readElementStart("order");
+    std::cout << reader.readElementValue() << '\n';
+    reader.readElementEnd("order");
+}

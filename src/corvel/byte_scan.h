@@ -1,0 +1,139 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include <corvel/byte_copy.h>
+
+#if !defined(TESSIT_SCALAR) && defined(__SSE2__)
+#define TESSIT_SCAN_SSE2
+#include <emmintrin.h>
+#elif !defined(TESSIT_SCALAR) && defined(__aarch64__)
+#define TESSIT_SCAN_NEON
+#include <arm_neon.h>
+#endif
+
+/// Scans for the next byte that needs thought. Sixteen bytes at a time where the
+/// machine's baseline has the instructions; no byte at or past `end` is read.
+namespace tessit {
+
+#if defined(TESSIT_SCAN_SSE2)
+
+// One bit per byte that matched, the lowest for the first byte.
+template <typename... Byte>
+inline unsigned matchBlock(const char* at, Byte... bytes) {
+    __m128i block;
+    std::memcpy(&block, at, sizeof block);
+    const __m128i matches = (_mm_cmpeq_epi8(block, _mm_set1_epi8(bytes)) | ...);
+    return static_cast<unsigned>(_mm_movemask_epi8(matches));
+}
+
+inline std::size_t firstMatch(unsigned matches) {
+    return static_cast<std::size_t>(std::countr_zero(matches));
+}
+
+#elif defined(TESSIT_SCAN_NEON)
+
+// Four bits per byte that matched, the lowest for the first byte.
+template <typename... Byte>
+inline std::uint64_t matchBlock(const char* at, Byte... bytes) {
+    const uint8x16_t block = vld1q_u8(reinterpret_cast<const std::uint8_t*>(at));
+    const uint8x16_t matches = (vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(bytes))) | ...);
+    return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(vreinterpretq_u16_u8(matches), 4)), 0);
+}
+
+inline std::size_t firstMatch(std::uint64_t matches) {
+    return static_cast<std::size_t>(std::countr_zero(matches)) / 4;
+}
+
+#endif
+
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+
+// `findAny` for at least one and at most two words: the first and the last one,
+// which may overlap, fill a block.
+template <typename Word, typename... Byte>
+inline const char* findInEnds(const char* at, const char* end, Byte... bytes) {
+    Word head, tail;
+    std::memcpy(&head, at, sizeof head);
+    std::memcpy(&tail, end - sizeof tail, sizeof tail);
+    Word ends[16 / sizeof(Word)];
+    for (std::size_t i = 0; i < 16 / sizeof(Word); i += 2) {
+        ends[i] = head;
+        ends[i + 1] = tail;
+    }
+    const auto matches = matchBlock(reinterpret_cast<const char*>(ends), bytes...);
+    const std::size_t first = matches == 0 ? 2 * sizeof(Word) : firstMatch(matches);
+    return first < sizeof(Word) ? at + first : end - 2 * sizeof(Word) + first;
+}
+
+#endif
+
+/// The first byte from `at` on that is one of `bytes`, or `end`.
+template <typename... Byte>
+inline const char* findAny(const char* at, const char* end, Byte... bytes) {
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+    for (; end - at >= 16; at += 16)
+        if (const auto matches = matchBlock(at, bytes...)) return at + firstMatch(matches);
+    if (end - at >= 8) return findInEnds<std::uint64_t>(at, end, bytes...);
+    if (end - at >= 4) return findInEnds<std::uint32_t>(at, end, bytes...);
+#endif
+    while (at != end && (... && (*at != bytes)))
+        ++at;
+    return at;
+}
+
+/// Copies what stands before the first byte that is one of `bytes`, or before
+/// `end`, and moves `from` and `to` past it. `to` needs room for all bytes up to
+/// `end`: more of them may be written than count.
+template <typename... Byte>
+inline void copyUntilAny(const char*& from, const char* end, char*& to, Byte... bytes) {
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+    for (; end - from >= 16; from += 16, to += 16) {
+        const auto matches = matchBlock(from, bytes...);
+        std::memcpy(to, from, 16);
+        if (matches == 0) continue;
+        from += firstMatch(matches);
+        to += firstMatch(matches);
+        return;
+    }
+#endif
+    const char* const stop = findAny(from, end, bytes...);
+    copyBytes(to, from, static_cast<std::size_t>(stop - from));
+    to += stop - from;
+    from = stop;
+}
+
+/// Whether `length` bytes are the same at both places. Names are short: two loads
+/// that overlap settle most, without a call.
+inline bool sameBytes(const char* left, const char* right, std::size_t length) {
+    const auto sameEnds = [=]<typename Word>(Word) {
+        Word leftHead, rightHead, leftTail, rightTail;
+        std::memcpy(&leftHead, left, sizeof(Word));
+        std::memcpy(&rightHead, right, sizeof(Word));
+        std::memcpy(&leftTail, left + length - sizeof(Word), sizeof(Word));
+        std::memcpy(&rightTail, right + length - sizeof(Word), sizeof(Word));
+        return ((leftHead ^ rightHead) | (leftTail ^ rightTail)) == 0;
+    };
+    if (length > 16) return std::memcmp(left, right, length) == 0;
+    if (length >= 8) return sameEnds(std::uint64_t{});
+    if (length >= 4) return sameEnds(std::uint32_t{});
+    for (std::size_t i = 0; i < length; ++i)
+        if (left[i] != right[i]) return false;
+    return true;
+}
+
+inline bool sameBytes(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && sameBytes(left.data(), right.data(), left.size());
+}
+
+/// The first `byte` from `at` on, or `end`.
+inline const char* findByte(const char* at, const char* end, char byte) {
+    const void* found = at == end ? nullptr : std::memchr(at, byte, static_cast<std::size_t>(end - at));
+    return found == nullptr ? end : static_cast<const char*>(found);
+}
+
+}  // namespace tessit
