@@ -17,7 +17,8 @@
 /// positions count bytes, comparisons are byte for byte with bytes taken as
 /// unsigned. NUL bytes are legal content, and `data()` is NUL-terminated all the
 /// same. Up to 23 bytes live inside the object (24 bytes in all); longer texts
-/// have a heap block, which assignment reuses.
+/// have a heap block, which assignment reuses. Copies of a text from a
+/// `QeTextPool` share its block, until they are changed.
 ///
 /// Operations that store bytes throw `std::bad_alloc`, or `std::length_error`
 /// past 64 GiB (2 GiB where pointers have 32 bits), and then leave the string as
@@ -62,7 +63,7 @@ public:
             std::memcpy(raw, other.raw, sizeof raw);
         } else {
             setInlineLength(0);
-            assignSlowly(other.heapData(), other.heapLength());
+            assignBlockOf(other);
         }
     }
 
@@ -74,8 +75,10 @@ public:
     QeCString& operator=(const QeCString& other) {
         if (isInline() && other.isInline()) {
             std::memmove(raw, other.raw, sizeof raw);
+        } else if (other.isInline()) {
+            assign(other.raw, other.length());
         } else {
-            assign(other.data(), other.length());
+            assignBlockOf(other);
         }
         return *this;
     }
@@ -131,6 +134,8 @@ public:
             copyShort(raw, bytes, length);
             raw[length] = '\0';
             setInlineLength(length);
+        } else if (isPooled()) {
+            assignSlowly(bytes, length);
         } else {
             copyShort(heapData(), bytes, length);
             setLength(length);
@@ -140,12 +145,18 @@ public:
     void assign(std::string_view text) { assign(text.data(), text.size()); }
     void assign(const char* text) { assign(viewOf(text)); }
 
-    /// Empties the text and keeps its storage.
-    void clear() noexcept { truncate(0); }
+    /// Empties the text and keeps its storage, unless that is shared.
+    void clear() noexcept {
+        if (isPooled()) return dropBlock();
+        setLength(0);
+    }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer.
-    void truncate(std::size_t newLength) noexcept {
-        if (newLength < length()) setLength(newLength);
+    /// Allocates only for a text that shares its block.
+    void truncate(std::size_t newLength) {
+        if (newLength >= length()) return;
+        if (isPooled()) return assignSlowly(heapData(), newLength);
+        setLength(newLength);
     }
 
     /// Makes the text `length` bytes long and returns them, to be written over:
@@ -163,7 +174,8 @@ public:
     /// Appends bytes. Amortised O(bytes).
     void append(const char* bytes, std::size_t count) {
         const std::size_t oldLength = length();
-        if (count > InlineCapacity || count > capacity() - oldLength) return appendSlowly(bytes, count);
+        // An empty piece goes there too: a shared block is not even written to with what it holds.
+        if (count - 1 >= InlineCapacity || count > capacity() - oldLength) return appendSlowly(bytes, count);
         copyShort(mutableData() + oldLength, bytes, count);
         setLength(oldLength + count);
     }
@@ -210,7 +222,7 @@ public:
     }
 
     /// Turns a to z into A to Z, whatever the locale; other bytes stay.
-    void toUpper() noexcept;
+    void toUpper();
 
     /// Replaces the text by all that is left in `in`, byte for byte, and sets the
     /// stream's end-of-file state. A stream that cannot be read gives an empty
@@ -219,10 +231,14 @@ public:
     void readFile(std::istream& in);
 
     /// A negative number, 0 or a positive number: bytes as unsigned, a proper prefix first.
-    int compare(std::string_view other) const noexcept { return std::string_view(*this).compare(other); }
+    int compare(std::string_view other) const noexcept {
+        return other.data() == data() && other.size() == length() ? 0 : std::string_view(*this).compare(other);
+    }
 
+    /// O(length); O(1) for copies of texts from one `QeTextPool`.
     friend bool operator==(const QeCString& left, const QeCString& right) noexcept {
-        return left.equals(right.data(), right.length());
+        return left.isPooled() && right.isPooled() ? left.equalsPooled(right)
+                                                   : left.equals(right.data(), right.length());
     }
     friend bool operator==(const QeCString& left, std::string_view right) noexcept {
         return left.equals(right.data(), right.size());
@@ -235,11 +251,15 @@ public:
     friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
 
 private:
-    // The last byte tells the two layouts apart. Up to 23: the text is in place
+    friend class QeTextPool;
+
+    // The last byte tells the three layouts apart. Up to 23: the text is in place
     // and this is the room left, so that a full string's tag is its terminator.
-    // HeapTag: the first bytes are a Block.
+    // HeapTag: the first bytes are a Block. PooledTag: the same, but others may share
+    // its bytes, which are never written to.
     static constexpr std::size_t TagIndex = InlineCapacity;
     static constexpr char HeapTag = static_cast<char>(0x80);
+    static constexpr char PooledTag = static_cast<char>(0xC0);
 
     struct Block {
         char* data;
@@ -254,6 +274,7 @@ private:
     static constexpr std::size_t MaxLength = MaxUnits * UnitSize - 1;
 
     bool isInline() const noexcept { return static_cast<signed char>(raw[TagIndex]) >= 0; }
+    bool isPooled() const noexcept { return raw[TagIndex] == PooledTag; }
 
     constexpr void setInlineLength(std::size_t length) noexcept {
         raw[TagIndex] = static_cast<char>(InlineCapacity - length);
@@ -272,6 +293,7 @@ private:
         return length;
     }
     std::size_t heapCapacity() const noexcept {
+        if (isPooled()) return heapLength();
         std::uint32_t units;
         std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
         return units * UnitSize - 1;
@@ -295,7 +317,10 @@ private:
         return text == nullptr ? std::string_view() : std::string_view(text);
     }
 
-    char* mutableData() noexcept { return isInline() ? raw : heapData(); }
+    char* mutableData() {
+        if (isPooled()) changeBlock(heapLength());
+        return isInline() ? raw : heapData();
+    }
 
     void forgetBlock() noexcept {
         raw[0] = '\0';
@@ -306,9 +331,15 @@ private:
         if (!isInline()) freeBlock();
     }
 
-    bool equals(const char* bytes, std::size_t count) const noexcept {
-        return length() == count && (count == 0 || std::memcmp(data(), bytes, count) == 0);
+    void dropBlock() noexcept {
+        releaseBlock();
+        forgetBlock();
     }
+
+    bool equals(const char* bytes, std::size_t count) const noexcept {
+        return length() == count && (count == 0 || data() == bytes || std::memcmp(data(), bytes, count) == 0);
+    }
+    bool equalsPooled(const QeCString& other) const noexcept;
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
     // branch loads everything before it stores, so the ranges may overlap.
@@ -345,6 +376,8 @@ private:
 
     void appendSlowly(const char* bytes, std::size_t count);
     void assignSlowly(const char* bytes, std::size_t length);
+    void assignBlockOf(const QeCString& other);
+    void changeBlock(std::size_t capacity);
     void freeBlock() noexcept;
     void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
     [[noreturn]] void raiseIndex(std::size_t index) const;

@@ -7,6 +7,7 @@
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
+#include <corvel/text_pool.h>
 
 // The size of a block for `length` bytes and their terminator.
 std::uint32_t QeCString::unitsFor(std::size_t length) {
@@ -27,11 +28,25 @@ void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) 
 }
 
 void QeCString::freeBlock() noexcept {
+    if (isPooled()) return QeTextPool::release(heapData());
     ::operator delete(heapData());
 }
 
+bool QeCString::equalsPooled(const QeCString& other) const noexcept {
+    if (heapData() == other.heapData()) return true;
+    return !QeTextPool::fromOnePool(heapData(), other.heapData()) && equals(other.heapData(), other.heapLength());
+}
+
+// For a string that has a block.
+void QeCString::assignBlockOf(const QeCString& other) {
+    if (!other.isPooled()) return assignSlowly(other.heapData(), other.heapLength());
+    QeTextPool::retain(other.heapData());
+    releaseBlock();
+    std::memmove(raw, other.raw, sizeof raw);
+}
+
 void QeCString::assignSlowly(const char* bytes, std::size_t length) {
-    if (length <= capacity()) {
+    if (length <= capacity() && !isPooled()) {
         if (length != 0) std::memmove(mutableData(), bytes, length);
         setLength(length);
         return;
@@ -43,25 +58,30 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
+    if (newLength > capacity() || isPooled()) changeBlock(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
 
 void QeCString::reserve(std::size_t wanted) {
-    if (wanted <= capacity()) return;
+    if (wanted > capacity()) changeBlock(wanted);
+}
+
+// Moves the text to a block of its own, for `newCapacity` bytes, which are no fewer than it has.
+void QeCString::changeBlock(std::size_t newCapacity) {
     const std::size_t oldLength = length();
-    const std::uint32_t units = unitsFor(wanted);
+    const std::uint32_t units = unitsFor(newCapacity);
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     adoptBlock(block, oldLength, units);
 }
 
 void QeCString::appendSlowly(const char* bytes, std::size_t count) {
+    if (count == 0) return;
     const std::size_t oldLength = length();
     const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
     if (newLength <= capacity()) {
-        if (count != 0) std::memmove(mutableData() + oldLength, bytes, count);
+        std::memmove(mutableData() + oldLength, bytes, count);
         setLength(newLength);
         return;
     }
@@ -92,7 +112,7 @@ std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const
     return std::string_view(*this).find_first_of(set, from);
 }
 
-void QeCString::toUpper() noexcept {
+void QeCString::toUpper() {
     char* bytes = mutableData();
     for (std::size_t i = 0, count = length(); i < count; ++i)
         if (bytes[i] >= 'a' && bytes[i] <= 'z') bytes[i] = static_cast<char>(bytes[i] - 'a' + 'A');

@@ -8,6 +8,7 @@
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
+#include <corvel/text_pool.h>
 
 namespace {
 
@@ -29,19 +30,24 @@ void expectHolds(const QeCString& text, const std::string& expected) {
     EXPECT_EQ(text.data()[text.length()], '\0');
 }
 
-// A string that once held `grown` bytes and now holds `length` of them.
+// A string that once held `grown` bytes and now holds `length` of them, or one that
+// shares its bytes with the pool's own.
 struct Storage {
     std::size_t grown, length;
+    bool pooled = false;
 
     std::string text() const { return sample(grown, 1).substr(0, length); }
     QeCString make() const {
+        static QeTextPool pool;
+        if (pooled) return pool.keep(text());
         QeCString made{std::string_view(sample(grown, 1))};
         made.truncate(length);
         return made;
     }
 };
 
-constexpr Storage Storages[] = {{0, 0}, {15, 15}, {23, 23}, {24, 24}, {47, 47}, {40, 3}, {64, 0}};
+constexpr Storage Storages[] = {{0, 0},  {15, 15}, {23, 23},       {24, 24},      {47, 47},
+                                {40, 3}, {64, 0},  {24, 24, true}, {64, 64, true}};
 
 TEST(CString, HoldsTextsOfEveryLengthInEveryStorage) {
     for (std::size_t length = 0; length <= 64; ++length)
@@ -70,12 +76,18 @@ TEST(CString, HoldsTextsOfEveryLengthInEveryStorage) {
 }
 
 TEST(CString, TakesArgumentsThatPointIntoItself) {
+    QeTextPool pool;
     for (const std::size_t length : {1u, 3u, 8u, 12u, 16u, 22u, 23u, 24u, 40u})
         for (std::size_t from = 0; from <= length; ++from)
             for (std::size_t count = 0; count <= length - from; ++count) {
                 SCOPED_TRACE(testing::Message() << count << " bytes from " << from << " of " << length);
                 const std::string bytes = sample(length);
                 QeCString assigned{std::string_view(bytes)}, appended(assigned), roomy(assigned);
+                QeCString shared = pool.keep(bytes), sharedToo = shared;
+                shared.assign(shared.substring(from, count));
+                expectHolds(shared, bytes.substr(from, count));
+                sharedToo.append(sharedToo.substring(from, count));
+                expectHolds(sharedToo, bytes + bytes.substr(from, count));
                 assigned.assign(assigned.substring(from, count));
                 expectHolds(assigned, bytes.substr(from, count));
                 appended.append(appended.substring(from, count));
