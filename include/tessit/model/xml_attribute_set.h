@@ -134,6 +134,7 @@ private:
     const QeXmlAttribute* findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept;
 
     void lookAtOrder() noexcept;
+    void lookAtLocalNames() noexcept;
 
     QeSlotArray<QeXmlAttribute> attributes;
     bool knownSorted = true;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <corvel/slot_array.h>
+#include <corvel/text_pool.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace.h>
 
@@ -92,6 +93,7 @@ private:
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
     void addBinding(std::string_view prefix, std::string_view uri);
+    void writeURI(QeCString& slot, std::string_view uri);
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     void popScopeInto(QeXmlNamespaceStack& closed);
@@ -111,4 +113,9 @@ private:
     std::size_t bindingCount = 0;           // in all scopes
     std::uint64_t lastState = 0;
     std::unique_ptr<Index> index;  // only while many bindings are in force
+
+    // Long URIs, kept for the life of the stack. Each name in such a namespace would
+    // have its own copy else, and a document with one long URI and many short names
+    // would take time and memory without end.
+    std::unique_ptr<QeTextPool> longURIs;
 };

@@ -31,8 +31,9 @@
 ///
 /// Reading a whole document of n bytes costs O(n) time in all, plus sorting the
 /// attributes of each tag, whatever the bytes; memory beyond the input is the
-/// largest node and a few bytes per open element that declares namespaces. One
-/// thread at a time; no two readers share anything.
+/// largest node, a few bytes per open element that declares namespaces, and each
+/// URI of 128 bytes and more once: names of one namespace share it. One thread at
+/// a time; no two readers share anything.
 class TESSIT_API QeXmlReader {
 public:
     enum NodeType {
@@ -319,7 +320,7 @@ private:
     void takeNextNode();
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
-    std::string_view uriInsideTag(std::string_view prefix) const noexcept;
+    const QeCString& uriInsideTag(std::string_view prefix) const noexcept;
     bool matchesStart(const ExpectedName& expected) const noexcept;
     bool matchesEnd(const ExpectedName& expected) const noexcept;
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);

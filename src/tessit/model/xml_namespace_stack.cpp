@@ -63,6 +63,9 @@ namespace {
 // Up to this many bindings a scan is faster than the index; it is dropped again at half as many.
 constexpr std::size_t IndexThreshold = 16;
 
+// The longest URI that every name has a copy of.
+constexpr std::size_t LongestCopiedURI = 127;
+
 }  // namespace
 
 QeXmlNamespaceStack::QeXmlNamespaceStack() noexcept = default;
@@ -78,7 +81,8 @@ QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
       declaring(std::move(other.declaring)),
       bindingCount(std::exchange(other.bindingCount, 0)),
       lastState(other.lastState),
-      index(std::move(other.index)) {}
+      index(std::move(other.index)),
+      longURIs(std::move(other.longURIs)) {}
 
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
     return *this = QeXmlNamespaceStack(other);
@@ -90,6 +94,7 @@ QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other)
     bindingCount = std::exchange(other.bindingCount, 0);
     lastState = other.lastState;
     index = std::move(other.index);
+    longURIs = std::move(other.longURIs);
     return *this;
 }
 
@@ -108,9 +113,9 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     if (opensDeclaring) scope.bindings.clear();
     try {
         addToIndex(prefix, uri, scopeIndex);
-        scope.bindings.append([=](QeXmlNamespace& slot) {
+        scope.bindings.append([&](QeXmlNamespace& slot) {
             slot.prefix.assign(prefix);
-            slot.uri.assign(uri);
+            writeURI(slot.uri, uri);
         });
     } catch (...) {
         index.reset();  // it may know the binding already; the next one builds a new index
@@ -124,6 +129,12 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     }
     scope.state = ++lastState;
     ++bindingCount;
+}
+
+void QeXmlNamespaceStack::writeURI(QeCString& slot, std::string_view uri) {
+    if (uri.size() <= LongestCopiedURI) return slot.assign(uri);
+    if (longURIs == nullptr) longURIs = std::make_unique<QeTextPool>();
+    slot = longURIs->keep(uri);
 }
 
 void QeXmlNamespaceStack::addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope) {

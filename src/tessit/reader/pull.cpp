@@ -10,12 +10,9 @@
 // the tag stands.
 struct QeXmlReader::ExpectedName {
     explicit ExpectedName(const QeXmlName& name)
-        : prefix(name.getNamespace().getPrefix()),
-          local(name.getLocalName()),
-          uri(name.getNamespace().getURI()),
-          isString(false) {}
+        : prefix(name.getNamespace().getPrefix()), local(name.getLocalName()), uri(&name.getNamespace().getURI()) {}
 
-    explicit ExpectedName(const QeCString& qname) : isString(true) {
+    explicit ExpectedName(const QeCString& qname) : uri(nullptr) {
         const std::string_view text(qname);
         const std::size_t colon = text.find(':');
         if (colon != std::string_view::npos) prefix = text.substr(0, colon);
@@ -31,14 +28,13 @@ struct QeXmlReader::ExpectedName {
 
     std::string_view prefix;
     std::string_view local;
-    std::string_view uri;  // of a name only
-    bool isString;
+    const QeCString* uri;  // of a name; null for a string
 };
 
 namespace {
 
-std::string_view uriOf(const QeXmlNamespace* binding) {
-    return binding == nullptr ? std::string_view() : std::string_view(binding->getURI());
+const QeCString& uriOf(const QeXmlNamespace* binding) {
+    return binding == nullptr ? QeXmlAttributeSet::EmptyString : binding->getURI();
 }
 
 }  // namespace
@@ -73,26 +69,25 @@ void QeXmlReader::lookAhead() {
 }
 
 // What a prefix is bound to inside the last tag, the tag's own declarations included.
-std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
+const QeCString& QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
     if (const QeXmlNamespace* own = closedScope.findPrefix(prefix)) return own->getURI();
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
 bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view found = lastName.getNamespace().getURI();
-    std::string_view uri = expected.uri;
-    if (expected.isString) {
+    const QeCString* uri = expected.uri;
+    if (uri == nullptr) {
         using From = QeXmlNamespaceStack::From;
         const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
-        uri = uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+        uri = &uriOf(namespaceStack.findPrefix(expected.prefix, infront));
     }
-    return found == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+    return lastName.getNamespace().getURI() == (uri->empty() ? uriInsideTag(expected.prefix) : *uri);
 }
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view uri = expected.isString ? uriInsideTag(expected.prefix) : expected.uri;
+    const QeCString& uri = expected.uri == nullptr ? uriInsideTag(expected.prefix) : *expected.uri;
     return lastName.getNamespace().getURI() == uri;
 }
 
