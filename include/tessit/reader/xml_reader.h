@@ -185,7 +185,7 @@ public:
     void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
 
     /// Throws `QeXmlParseError` with this text and the reader's present position;
-    /// for callers who find the document wrong themselves. O(bytes read so far).
+    /// for callers who find the document wrong themselves. O(bytes read since the last error).
     [[noreturn]] void err(const QeCString& message) const;
 
 private:
@@ -236,6 +236,13 @@ private:
         const QeXmlNamespace* binding = nullptr;
     };
 
+    // The line feeds in front of a place in the buffer.
+    struct LineCount {
+        const char* upTo = nullptr;
+        const char* lineStart = nullptr;
+        std::size_t lines = 0;
+    };
+
     struct ExpectedName;
     class RawCopy;
 
@@ -249,6 +256,7 @@ private:
     QeCString transcodeUTF16BE() const;
     QeCString transcodeUTF16LE() const;
     QeCString transcodeOther(const QeCString& name) const;
+    const LineCount& countLines() const;
     [[noreturn]] void raiseTranscoding(const char* reason) const;
     [[noreturn]] void raise(const char* message) const;
     [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
@@ -349,6 +357,7 @@ private:
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
 
+    mutable LineCount counted;            // up to the last error
     std::size_t conversionAllowance = 0;  // bytes that conversions may still produce
 
     // The bindings of the element that the last tag closed: names in front of that
