@@ -15,8 +15,8 @@
 /// One scope per open element; lookups see the innermost scope first, and within
 /// a scope the binding that was added first. Prefixes and URIs are UTF-8 and
 /// compared byte for byte. An empty result means either that nothing is bound or
-/// that the empty string is. A copy shares nothing with its original. One thread
-/// at a time.
+/// that the empty string is. A copy and its original are independent. One thread
+/// at a time, also for lookups.
 ///
 /// References from the lookups stay valid until the scope that holds the binding
 /// is popped or gains a binding.
@@ -47,7 +47,8 @@ public:
     void addNamespace(const QeXmlNamespace& ns);
 
     /// The URI bound to `prefix`, or the empty string. Visits scopes that declare
-    /// something only, and with many bindings in force an index: O(log of them).
+    /// something only, and with many bindings in force an index: O(log of them),
+    /// besides building it once.
     const QeCString& getURIForPrefix(const QeCString& prefix) const noexcept;
 
     /// The prefix of the first binding found for `uri`, or the empty string. No
@@ -105,14 +106,14 @@ private:
     void dropAll() noexcept;
     void dropBindings() noexcept;
     void forgetInnermost() noexcept;
-    void addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope);
-    void buildIndex();
+    const Index* indexForLookup() const noexcept;
+    void buildIndex() const;
 
     std::size_t depth = 0;
     QeSlotArray<DeclaringScope> declaring;  // outermost first
     std::size_t bindingCount = 0;           // in all scopes
     std::uint64_t lastState = 0;
-    std::unique_ptr<Index> index;  // only while many bindings are in force
+    mutable std::unique_ptr<Index> index;  // only while many bindings are in force
 
     // Long URIs, kept for the life of the stack. Each name in such a namespace would
     // have its own copy else, and a document with one long URI and many short names

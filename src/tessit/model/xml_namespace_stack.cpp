@@ -1,4 +1,5 @@
 #include <map>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -72,9 +73,7 @@ QeXmlNamespaceStack::QeXmlNamespaceStack() noexcept = default;
 QeXmlNamespaceStack::~QeXmlNamespaceStack() = default;
 
 QeXmlNamespaceStack::QeXmlNamespaceStack(const QeXmlNamespaceStack& other)
-    : depth(other.depth), declaring(other.declaring), bindingCount(other.bindingCount), lastState(other.lastState) {
-    if (bindingCount > IndexThreshold) buildIndex();
-}
+    : depth(other.depth), declaring(other.declaring), bindingCount(other.bindingCount), lastState(other.lastState) {}
 
 QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
     : depth(std::exchange(other.depth, 0)),
@@ -112,13 +111,13 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     DeclaringScope& scope = declaring[scopeIndex];
     if (opensDeclaring) scope.bindings.clear();
     try {
-        addToIndex(prefix, uri, scopeIndex);
+        if (index != nullptr) index->add(prefix, uri, {scopeIndex, scope.bindings.size()});
         scope.bindings.append([&](QeXmlNamespace& slot) {
             slot.prefix.assign(prefix);
             writeURI(slot.uri, uri);
         });
     } catch (...) {
-        index.reset();  // it may know the binding already; the next one builds a new index
+        index.reset();  // it may know the binding already; the next lookup builds a new index
         throw;
     }
 
@@ -137,15 +136,19 @@ void QeXmlNamespaceStack::writeURI(QeCString& slot, std::string_view uri) {
     slot = longURIs->keep(uri);
 }
 
-void QeXmlNamespaceStack::addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope) {
-    if (index == nullptr) {
-        if (bindingCount < IndexThreshold) return;
-        buildIndex();
+// The index, if there are bindings enough for one. Built by the first lookup: many a
+// scope, above all one that was closed, never has any.
+const QeXmlNamespaceStack::Index* QeXmlNamespaceStack::indexForLookup() const noexcept {
+    if (index == nullptr && bindingCount > IndexThreshold) {
+        try {
+            buildIndex();
+        } catch (const std::bad_alloc&) {  // a scan finds the same
+        }
     }
-    index->add(prefix, uri, {scope, declaring[scope].bindings.size()});
+    return index.get();
 }
 
-void QeXmlNamespaceStack::buildIndex() {
+void QeXmlNamespaceStack::buildIndex() const {
     auto built = std::make_unique<Index>();
     for (std::size_t scope = 0; scope < declaring.size(); ++scope) {
         std::size_t position = 0;
@@ -182,7 +185,6 @@ void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
         declaring.dropLast();
     }
     popScope();
-    if (closed.bindingCount > IndexThreshold) closed.buildIndex();
 }
 
 void QeXmlNamespaceStack::takeScope(DeclaringScope& scope) noexcept {
@@ -203,16 +205,16 @@ void QeXmlNamespaceStack::dropAll() noexcept {
 const QeXmlNamespace* QeXmlNamespaceStack::findPrefix(std::string_view prefix, From from) const noexcept {
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
-    if (index != nullptr) {
-        const Index::Place* place = Index::find(index->byPrefix, prefix, scopeEnd);
+    if (const Index* known = indexForLookup()) {
+        const Index::Place* place = Index::find(known->byPrefix, prefix, scopeEnd);
         return place == nullptr ? nullptr : &declaring[place->scope].bindings[place->binding];
     }
     return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
-    if (index != nullptr) {
-        const Index::Place* place = Index::find(index->byURI, uri, declaring.size());
+    if (const Index* known = indexForLookup()) {
+        const Index::Place* place = Index::find(known->byURI, uri, declaring.size());
         return place == nullptr ? nullptr : &declaring[place->scope].bindings[place->binding];
     }
     return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
