@@ -6,10 +6,15 @@
 #include <cstring>
 #include <functional>
 #include <iosfwd>
+#include <new>
 #include <string_view>
 #include <type_traits>
 
 #include <tessit/export.h>
+
+namespace tessit {
+class OpenElements;
+}
 
 /// An owned string of bytes: every name, URI, value and text of the library.
 ///
@@ -17,8 +22,7 @@
 /// positions count bytes, comparisons are byte for byte with bytes taken as
 /// unsigned. NUL bytes are legal content, and `data()` is NUL-terminated all the
 /// same. Up to 23 bytes live inside the object (24 bytes in all); longer texts
-/// have a heap block, which assignment reuses. Copies of a text from a
-/// `QeTextPool` share its block, until they are changed.
+/// have a heap block, which assignment reuses.
 ///
 /// Operations that store bytes throw `std::bad_alloc`, or `std::length_error`
 /// past 64 GiB (2 GiB where pointers have 32 bits), and then leave the string as
@@ -63,7 +67,7 @@ public:
             std::memcpy(raw, other.raw, sizeof raw);
         } else {
             setInlineLength(0);
-            assignBlockOf(other);
+            assignSlowly(other.heapData(), other.heapLength());
         }
     }
 
@@ -75,10 +79,8 @@ public:
     QeCString& operator=(const QeCString& other) {
         if (isInline() && other.isInline()) {
             std::memmove(raw, other.raw, sizeof raw);
-        } else if (other.isInline()) {
-            assign(other.raw, other.length());
         } else {
-            assignBlockOf(other);
+            assign(other.data(), other.length());
         }
         return *this;
     }
@@ -124,6 +126,7 @@ public:
     /// The byte at `index`, to be changed; throws `QeBoundsError` unless `index < length()`.
     char& operator[](std::size_t index) {
         if (index >= length()) raiseIndex(index);
+        if (isShared()) unshare(length());
         return mutableData()[index];
     }
 
@@ -134,28 +137,24 @@ public:
             copyShort(raw, bytes, length);
             raw[length] = '\0';
             setInlineLength(length);
-        } else if (isPooled()) {
-            assignSlowly(bytes, length);
-        } else {
+        } else if (!isShared()) {
             copyShort(heapData(), bytes, length);
             setLength(length);
+        } else {
+            assignSlowly(bytes, length);
         }
     }
 
     void assign(std::string_view text) { assign(text.data(), text.size()); }
     void assign(const char* text) { assign(viewOf(text)); }
 
-    /// Empties the text and keeps its storage, unless that is shared.
-    void clear() noexcept {
-        if (isPooled()) return dropBlock();
-        setLength(0);
-    }
+    /// Empties the text and keeps its storage.
+    void clear() noexcept { truncate(0); }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer.
-    /// Allocates only for a text that shares its block.
-    void truncate(std::size_t newLength) {
+    void truncate(std::size_t newLength) noexcept {
         if (newLength >= length()) return;
-        if (isPooled()) return assignSlowly(heapData(), newLength);
+        if (isShared()) unshare(newLength);
         setLength(newLength);
     }
 
@@ -174,8 +173,7 @@ public:
     /// Appends bytes. Amortised O(bytes).
     void append(const char* bytes, std::size_t count) {
         const std::size_t oldLength = length();
-        // An empty piece goes there too: a shared block is not even written to with what it holds.
-        if (count - 1 >= InlineCapacity || count > capacity() - oldLength) return appendSlowly(bytes, count);
+        if (count > InlineCapacity || count > capacity() - oldLength || isShared()) return appendSlowly(bytes, count);
         copyShort(mutableData() + oldLength, bytes, count);
         setLength(oldLength + count);
     }
@@ -222,7 +220,7 @@ public:
     }
 
     /// Turns a to z into A to Z, whatever the locale; other bytes stay.
-    void toUpper();
+    void toUpper() noexcept;
 
     /// Replaces the text by all that is left in `in`, byte for byte, and sets the
     /// stream's end-of-file state. A stream that cannot be read gives an empty
@@ -231,14 +229,10 @@ public:
     void readFile(std::istream& in);
 
     /// A negative number, 0 or a positive number: bytes as unsigned, a proper prefix first.
-    int compare(std::string_view other) const noexcept {
-        return other.data() == data() && other.size() == length() ? 0 : std::string_view(*this).compare(other);
-    }
+    int compare(std::string_view other) const noexcept { return std::string_view(*this).compare(other); }
 
-    /// O(length); O(1) for copies of texts from one `QeTextPool`.
     friend bool operator==(const QeCString& left, const QeCString& right) noexcept {
-        return left.isPooled() && right.isPooled() ? left.equalsPooled(right)
-                                                   : left.equals(right.data(), right.length());
+        return left.equals(right.data(), right.length());
     }
     friend bool operator==(const QeCString& left, std::string_view right) noexcept {
         return left.equals(right.data(), right.size());
@@ -251,15 +245,16 @@ public:
     friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
 
 private:
-    friend class QeTextPool;
+    // They hand one long URI to many names, which must not cost its length each time.
+    friend class QeXmlNamespaceStack;
+    friend class QeXmlReader;
+    friend class tessit::OpenElements;
 
-    // The last byte tells the three layouts apart. Up to 23: the text is in place
+    // The last byte tells the two layouts apart. Up to 23: the text is in place
     // and this is the room left, so that a full string's tag is its terminator.
-    // HeapTag: the first bytes are a Block. PooledTag: the same, but others may share
-    // its bytes, which are never written to.
+    // HeapTag: the first bytes are a Block.
     static constexpr std::size_t TagIndex = InlineCapacity;
     static constexpr char HeapTag = static_cast<char>(0x80);
-    static constexpr char PooledTag = static_cast<char>(0xC0);
 
     struct Block {
         char* data;
@@ -269,12 +264,19 @@ private:
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
 
+    // A large block has a count of its owners in front. Sharing is the library's own
+    // affair, among the strings of one object: every copy that a user makes is one.
+    struct LargeHeader {
+        alignas(UnitSize) std::size_t owners;
+    };
+    static constexpr std::uint32_t LargeUnits = 16;
+    static constexpr std::size_t LargeLength = LargeUnits * UnitSize;  // texts of so many bytes have a large block
+
     // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
     static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
     static constexpr std::size_t MaxLength = MaxUnits * UnitSize - 1;
 
     bool isInline() const noexcept { return static_cast<signed char>(raw[TagIndex]) >= 0; }
-    bool isPooled() const noexcept { return raw[TagIndex] == PooledTag; }
 
     constexpr void setInlineLength(std::size_t length) noexcept {
         raw[TagIndex] = static_cast<char>(InlineCapacity - length);
@@ -292,12 +294,24 @@ private:
         std::memcpy(&length, raw + offsetof(Block, length), sizeof length);
         return length;
     }
-    std::size_t heapCapacity() const noexcept {
-        if (isPooled()) return heapLength();
+    std::uint32_t heapUnits() const noexcept {
         std::uint32_t units;
         std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
-        return units * UnitSize - 1;
+        return units;
     }
+    std::size_t heapCapacity() const noexcept { return heapUnits() * UnitSize - 1; }
+
+    bool isLarge() const noexcept { return !isInline() && heapUnits() >= LargeUnits; }
+    LargeHeader& largeHeader() const noexcept {
+        return *std::launder(reinterpret_cast<LargeHeader*>(heapData() - sizeof(LargeHeader)));
+    }
+    bool isShared() const noexcept { return isLarge() && largeHeader().owners > 1; }
+
+    // Becomes equal to `other`, in O(1) when that is large: both then have one block,
+    // and whichever changes first gets another.
+    void shareBlockOf(const QeCString& other);
+    void unshare(std::size_t keptLength);
+
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
     }
@@ -317,10 +331,7 @@ private:
         return text == nullptr ? std::string_view() : std::string_view(text);
     }
 
-    char* mutableData() {
-        if (isPooled()) changeBlock(heapLength());
-        return isInline() ? raw : heapData();
-    }
+    char* mutableData() noexcept { return isInline() ? raw : heapData(); }
 
     void forgetBlock() noexcept {
         raw[0] = '\0';
@@ -331,15 +342,10 @@ private:
         if (!isInline()) freeBlock();
     }
 
-    void dropBlock() noexcept {
-        releaseBlock();
-        forgetBlock();
-    }
-
     bool equals(const char* bytes, std::size_t count) const noexcept {
-        return length() == count && (count == 0 || data() == bytes || std::memcmp(data(), bytes, count) == 0);
+        if (length() != count) return false;
+        return count == 0 || data() == bytes || std::memcmp(data(), bytes, count) == 0;
     }
-    bool equalsPooled(const QeCString& other) const noexcept;
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
     // branch loads everything before it stores, so the ranges may overlap.
@@ -376,8 +382,6 @@ private:
 
     void appendSlowly(const char* bytes, std::size_t count);
     void assignSlowly(const char* bytes, std::size_t length);
-    void assignBlockOf(const QeCString& other);
-    void changeBlock(std::size_t capacity);
     void freeBlock() noexcept;
     void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
     [[noreturn]] void raiseIndex(std::size_t index) const;

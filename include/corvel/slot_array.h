@@ -75,6 +75,15 @@ public:
         return append() = std::move(filled);
     }
 
+    /// Replaces all elements by copies of those of another array, in the slots that are there. After a throw, there
+    /// are none.
+    void assignInPlace(const QeSlotArray& other) {
+        clear();
+        reserveSlots(other.used);
+        std::copy(other.begin(), other.end(), begin());
+        used = other.used;
+    }
+
     /// Drops the last element and keeps its slot.
     void dropLast() noexcept { --used; }
 

@@ -3,11 +3,18 @@
 /// Everything that the library offers.
 
 #include <corvel/c_string.h>
+#include <corvel/date.h>
+#include <corvel/date_time.h>
+#include <corvel/decimal_portable.h>
 #include <corvel/exmsg.h>
+#include <corvel/locale.h>
+#include <corvel/value_error.h>
+#include <corvel/zone.h>
 #include <tessit/errors/catalog.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute.h>
 #include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_element_imp.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace.h>
 #include <tessit/model/xml_namespace_stack.h>
@@ -15,4 +22,9 @@
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
+#include <tessit/schema/xml_duration.h>
+#include <tessit/schema/xml_schema_utils.h>
+#include <tessit/schema/xml_validator.h>
 #include <tessit/utils/xml_utils.h>
+#include <tessit/writer/xml_string_writer.h>
+#include <tessit/writer/xml_writer.h>

@@ -7,7 +7,6 @@
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
-#include <corvel/text_pool.h>
 
 // The size of a block for `length` bytes and their terminator.
 std::uint32_t QeCString::unitsFor(std::size_t length) {
@@ -16,7 +15,10 @@ std::uint32_t QeCString::unitsFor(std::size_t length) {
 }
 
 char* QeCString::newBlock(std::uint32_t units) {
-    return static_cast<char*>(::operator new(UnitSize* units));
+    if (units < LargeUnits) return static_cast<char*>(::operator new(UnitSize* units));
+    char* const header = static_cast<char*>(::operator new(sizeof(LargeHeader) + UnitSize * units));
+    ::new (header) LargeHeader{1};
+    return header + sizeof(LargeHeader);
 }
 
 void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept {
@@ -28,25 +30,34 @@ void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) 
 }
 
 void QeCString::freeBlock() noexcept {
-    if (isPooled()) return QeTextPool::release(heapData());
-    ::operator delete(heapData());
+    if (!isLarge()) return ::operator delete(heapData());
+    LargeHeader& header = largeHeader();
+    if (--header.owners == 0) ::operator delete(&header);
 }
 
-bool QeCString::equalsPooled(const QeCString& other) const noexcept {
-    if (heapData() == other.heapData()) return true;
-    return !QeTextPool::fromOnePool(heapData(), other.heapData()) && equals(other.heapData(), other.heapLength());
+void QeCString::shareBlockOf(const QeCString& other) {
+    if (!other.isLarge()) {
+        *this = other;
+    } else if (data() != other.data()) {
+        ++other.largeHeader().owners;
+        releaseBlock();
+        std::memcpy(raw, other.raw, sizeof raw);
+    }
 }
 
-// For a string that has a block.
-void QeCString::assignBlockOf(const QeCString& other) {
-    if (!other.isPooled()) return assignSlowly(other.heapData(), other.heapLength());
-    QeTextPool::retain(other.heapData());
-    releaseBlock();
-    std::memmove(raw, other.raw, sizeof raw);
+// Gets a block of its own that holds the first bytes.
+void QeCString::unshare(std::size_t keptLength) {
+    QeCString kept(data(), keptLength);
+    *this = std::move(kept);
 }
 
 void QeCString::assignSlowly(const char* bytes, std::size_t length) {
-    if (length <= capacity() && !isPooled()) {
+    if (isShared()) {
+        QeCString own(bytes, length);
+        *this = std::move(own);
+        return;
+    }
+    if (length <= capacity()) {
         if (length != 0) std::memmove(mutableData(), bytes, length);
         setLength(length);
         return;
@@ -58,34 +69,31 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
-    if (newLength > capacity() || isPooled()) changeBlock(std::max(newLength, length() + length() / 2));
+    if (isShared()) unshare(length());
+    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
 
 void QeCString::reserve(std::size_t wanted) {
-    if (wanted > capacity()) changeBlock(wanted);
-}
-
-// Moves the text to a block of its own, for `newCapacity` bytes, which are no fewer than it has.
-void QeCString::changeBlock(std::size_t newCapacity) {
+    if (isShared()) unshare(length());
+    if (wanted <= capacity()) return;
     const std::size_t oldLength = length();
-    const std::uint32_t units = unitsFor(newCapacity);
+    const std::uint32_t units = unitsFor(wanted);
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     adoptBlock(block, oldLength, units);
 }
 
 void QeCString::appendSlowly(const char* bytes, std::size_t count) {
-    if (count == 0) return;
     const std::size_t oldLength = length();
     const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
-    if (newLength <= capacity()) {
-        std::memmove(mutableData() + oldLength, bytes, count);
+    if (newLength <= capacity() && !isShared()) {
+        if (count != 0) std::memmove(mutableData() + oldLength, bytes, count);
         setLength(newLength);
         return;
     }
-    const std::uint32_t units = unitsFor(std::max(newLength, std::min(oldLength + oldLength / 2, MaxLength)));
+    const std::uint32_t units = unitsFor(std::max(newLength, std::min(2 * oldLength, MaxLength)));
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     std::memcpy(block + oldLength, bytes, count);
@@ -112,7 +120,8 @@ std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const
     return std::string_view(*this).find_first_of(set, from);
 }
 
-void QeCString::toUpper() {
+void QeCString::toUpper() noexcept {
+    if (isShared()) unshare(length());
     char* bytes = mutableData();
     for (std::size_t i = 0, count = length(); i < count; ++i)
         if (bytes[i] >= 'a' && bytes[i] <= 'z') bytes[i] = static_cast<char>(bytes[i] - 'a' + 'A');

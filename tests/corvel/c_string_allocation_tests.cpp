@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <corvel/c_string.h>
-#include <corvel/text_pool.h>
 
 namespace {
 
@@ -16,19 +15,16 @@ const char* const Targets[] = {"", "in place", "a text of 24 bytes......",
 
 template <typename Change>
 void expectStrongGuarantee(const Change& change) {
-    QeTextPool pool;
-    for (const char* target : Targets)
-        for (const bool pooled : {false, true}) {
-            SCOPED_TRACE(target);
-            std::string expected(target);
-            change(expected);
-            const QeCString initial = pooled ? pool.keep(target) : QeCString(target);
-            forEachFailingAllocation([&](Attempt& attempt) {
-                QeCString text(initial);
-                const bool done = attempt([&] { change(text); });
-                EXPECT_EQ(text, done ? std::string_view(expected) : target);
-            });
-        }
+    for (const char* target : Targets) {
+        SCOPED_TRACE(target);
+        std::string expected(target);
+        change(expected);
+        forEachFailingAllocation([&](Attempt& attempt) {
+            QeCString text(target);
+            const bool done = attempt([&] { change(text); });
+            EXPECT_EQ(text, done ? std::string_view(expected) : target);
+        });
+    }
 }
 
 TEST(CStringAllocation, FailureLeavesTheTextAsItWas) {
@@ -54,16 +50,6 @@ TEST(CStringAllocation, NothingIsAllocatedWhereThereIsRoom) {
               }),
               0u);
     EXPECT_EQ(block, Long);
-}
-
-TEST(CStringAllocation, CopiesFromAPoolAllocateNothing) {
-    QeTextPool pool;
-    const QeCString& kept = pool.keep(Long);
-    EXPECT_EQ(countAllocations([&] {
-                  QeCString copied(kept), assigned;
-                  assigned = copied;
-              }),
-              0u);
 }
 
 TEST(CStringAllocation, AppendingByteByByteGrowsGeometrically) {

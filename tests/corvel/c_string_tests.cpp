@@ -8,7 +8,6 @@
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
-#include <corvel/text_pool.h>
 
 namespace {
 
@@ -30,24 +29,19 @@ void expectHolds(const QeCString& text, const std::string& expected) {
     EXPECT_EQ(text.data()[text.length()], '\0');
 }
 
-// A string that once held `grown` bytes and now holds `length` of them, or one that
-// shares its bytes with the pool's own.
+// A string that once held `grown` bytes and now holds `length` of them.
 struct Storage {
     std::size_t grown, length;
-    bool pooled = false;
 
     std::string text() const { return sample(grown, 1).substr(0, length); }
     QeCString make() const {
-        static QeTextPool pool;
-        if (pooled) return pool.keep(text());
         QeCString made{std::string_view(sample(grown, 1))};
         made.truncate(length);
         return made;
     }
 };
 
-constexpr Storage Storages[] = {{0, 0},  {15, 15}, {23, 23},       {24, 24},      {47, 47},
-                                {40, 3}, {64, 0},  {24, 24, true}, {64, 64, true}};
+constexpr Storage Storages[] = {{0, 0}, {15, 15}, {23, 23}, {24, 24}, {47, 47}, {40, 3}, {64, 0}};
 
 TEST(CString, HoldsTextsOfEveryLengthInEveryStorage) {
     for (std::size_t length = 0; length <= 64; ++length)
@@ -76,18 +70,12 @@ TEST(CString, HoldsTextsOfEveryLengthInEveryStorage) {
 }
 
 TEST(CString, TakesArgumentsThatPointIntoItself) {
-    QeTextPool pool;
     for (const std::size_t length : {1u, 3u, 8u, 12u, 16u, 22u, 23u, 24u, 40u})
         for (std::size_t from = 0; from <= length; ++from)
             for (std::size_t count = 0; count <= length - from; ++count) {
                 SCOPED_TRACE(testing::Message() << count << " bytes from " << from << " of " << length);
                 const std::string bytes = sample(length);
                 QeCString assigned{std::string_view(bytes)}, appended(assigned), roomy(assigned);
-                QeCString shared = pool.keep(bytes), sharedToo = shared;
-                shared.assign(shared.substring(from, count));
-                expectHolds(shared, bytes.substr(from, count));
-                sharedToo.append(sharedToo.substring(from, count));
-                expectHolds(sharedToo, bytes + bytes.substr(from, count));
                 assigned.assign(assigned.substring(from, count));
                 expectHolds(assigned, bytes.substr(from, count));
                 appended.append(appended.substring(from, count));
@@ -111,81 +99,63 @@ TEST(CString, ConstantsHoldTheirText) {
     expectHolds(Constant25, "abcdefghijklmnopqrstuvwxy");
 }
 
-TEST(CString, RefusesLengthsThatNoBlockCanHave) {
-    using Change = void (*)(QeCString&, std::size_t);
-    constexpr Change Changes[] = {
-        [](QeCString& text, std::size_t length) { text.reserve(length); },
-        [](QeCString& text, std::size_t length) { text.resizeForOverwrite(length); },
-        [](QeCString& text, std::size_t length) { text.assign("x", length); },
-        [](QeCString& text, std::size_t length) { text.append("x", length); },
-    };
-    for (const Storage& storage : Storages)
-        for (const Change change : Changes)
-            for (const std::size_t length : {QeCString::npos, QeCString::npos - 1, QeCString::npos - 48}) {
-                QeCString text = storage.make();
-                EXPECT_THROW(change(text, length), std::length_error);
-                expectHolds(text, storage.text());
-            }
-}
-
-TEST(CString, TakesANullPointerForTheEmptyText) {
-    const char* const null = nullptr;
-    QeCString text("text");
-    expectHolds(null + text + null, "text");
-    text += null;
-    text.append(null);
-    text.append(null, 0);
-    expectHolds(text, "text");
-    EXPECT_FALSE(text == null);
-    text = null;
-    expectHolds(text, "");
-    EXPECT_TRUE(text == null && text == QeCString(null) && text == QeCString(null, 0));
-}
-
-TEST(CString, ComparesBytesAsUnsigned) {
-    using namespace std::string_view_literals;
-    constexpr std::string_view Ascending[] = {""sv,         "\0"sv,  "\0\0"sv, "A"sv,
-                                              "a"sv,        "a\0"sv, "a\0b"sv, "a long text, past what fits in place"sv,
-                                              "ab"sv,       "b"sv,   "\x80"sv,  // a signed byte would sort first
-                                              "\xC3\xA4"sv, "\xFF"sv};
-    for (const std::string_view& left : Ascending)
-        for (const std::string_view& right : Ascending) {
-            SCOPED_TRACE(testing::Message() << &left - Ascending << " and " << &right - Ascending);
-            const QeCString one(left), other(right);
-            EXPECT_EQ(one < other, &left < &right);
-            EXPECT_EQ(one.compare(right) > 0, &left > &right);
-            EXPECT_EQ(one == other, &left == &right);
-            EXPECT_EQ(one == right, &left == &right);
-        }
-}
-
-TEST(CString, ChecksIndices) {
+TEST(CString, StaysAsItWasWhenItCannotDoWhatIsAsked) {
+    const std::string bytes = sample(64);
     for (const Storage& storage : Storages) {
         QeCString text = storage.make();
         const QeCString& constant = text;
-        for (const std::size_t index : {storage.length, storage.length + 1, QeCString::npos}) {
-            EXPECT_THROW(text[index] = 'x', QeBoundsError);
-            EXPECT_THROW(constant[index], std::out_of_range);
+        for (const std::size_t beyond : {QeCString::npos, QeCString::npos - 48}) {
+            EXPECT_THROW(text.reserve(beyond), std::length_error);
+            EXPECT_THROW(text.resizeForOverwrite(beyond), std::length_error);
+            EXPECT_THROW(text.assign(bytes.data(), beyond), std::length_error);
+            EXPECT_THROW(text.append(bytes.data(), beyond), std::length_error);
+            EXPECT_THROW(text[beyond] = 'x', QeBoundsError);
         }
+        EXPECT_THROW(text[storage.length] = 'x', std::out_of_range);
+        EXPECT_THROW(constant[storage.length], Qexmsg);
+        expectHolds(text, storage.text());
         if (storage.length == 0) continue;
         text[storage.length - 1] = 'x';
         EXPECT_EQ(constant[storage.length - 1], 'x');
     }
 }
 
+TEST(CString, TakesANullPointerForTheEmptyText) {
+    const char* const null = nullptr;
+    QeCString text("text");
+    (text += null).append(null, 0);
+    expectHolds(null + text + null, "text");
+    EXPECT_FALSE(text == null);
+    expectHolds(text = null, "");
+    EXPECT_TRUE(text == null && text == QeCString(null) && text == QeCString(null, 0));
+}
+
+TEST(CString, ComparesBytesAsUnsigned) {
+    using namespace std::string_view_literals;
+    // clang-format off
+    constexpr std::string_view Ascending[] = {
+        ""sv, "\0"sv, "\0\0"sv, "A"sv, "a"sv, "a\0"sv, "a\0b"sv, "a long text, past what fits in place"sv, "ab"sv, "b"sv,
+        "\x80"sv,  // a signed byte would sort first
+        "\xC3\xA4"sv, "\xFF"sv};
+    // clang-format on
+    for (const std::string_view& left : Ascending)
+        for (const std::string_view& right : Ascending) {
+            SCOPED_TRACE(testing::Message() << &left - Ascending << " and " << &right - Ascending);
+            EXPECT_EQ(QeCString(left) < QeCString(right), &left < &right);
+            EXPECT_EQ(QeCString(left).compare(right) > 0, &left > &right);
+            EXPECT_EQ(QeCString(left) == QeCString(right), &left == &right);
+        }
+}
+
 TEST(CString, SearchesFromAnyPosition) {
-    constexpr auto None = QeCString::npos;
     const QeCString text("ab:cd:e");
-    EXPECT_EQ(text.find(':'), 2u);
     EXPECT_EQ(text.find(':', 3), 5u);
-    EXPECT_EQ(text.find(':', 6), None);
-    EXPECT_EQ(text.find(':', None), None);
+    EXPECT_EQ(text.find(':', QeCString::npos), QeCString::npos);
     EXPECT_EQ(text.find("d:"), 4u);
-    EXPECT_EQ(text.find("e:"), None);  // would reach past the end
+    EXPECT_EQ(text.find("e:"), QeCString::npos);  // would reach past the end
     EXPECT_EQ(text.findFirstOf("d:", 3), 4u);
-    EXPECT_EQ(text.findFirstOf("x"), None);
     EXPECT_EQ(text.substring(3, 2), "cd");
-    EXPECT_EQ(text.substring(6, None), "e");
+    EXPECT_EQ(text.substring(6, QeCString::npos), "e");
     EXPECT_EQ(text.substring(8), "");
 }
 
@@ -196,6 +166,9 @@ TEST(CString, UpperCasesAsciiOnly) {
 }
 
 TEST(CString, ReadsWhatIsLeftOfAStream) {
+    struct Failing : std::streambuf {
+        int_type underflow() override { throw 42; }
+    } failing;
     const std::string bytes = sample(40'000);
     std::istringstream in("x" + bytes);
     in.exceptions(std::ios::failbit | std::ios::badbit);  // the end of the input is no failure
@@ -204,19 +177,12 @@ TEST(CString, ReadsWhatIsLeftOfAStream) {
     text.readFile(in);
     expectHolds(text, bytes);
     EXPECT_TRUE(in.eof());
+    std::istream throwing(&failing);
+    EXPECT_THROW(text.readFile(throwing), int);
+    expectHolds(text, bytes);
     in.exceptions(std::ios::goodbit);
-    text.readFile(in);  // not good any more
+    text.readFile(in);  // nothing is left, and the stream is not good
     expectHolds(text, "");
-}
-
-TEST(CString, StaysAsItWasWhenAStreamThrows) {
-    struct Failing : std::streambuf {
-        int_type underflow() override { throw 42; }
-    } buffer;
-    std::istream in(&buffer);
-    QeCString text("old");
-    EXPECT_THROW(text.readFile(in), int);
-    expectHolds(text, "old");
 }
 
 }  // namespace

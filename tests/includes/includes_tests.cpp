@@ -31,14 +31,14 @@ Names room(const std::string& folder) {
 
 // The lowest first; a file belongs to the last floor that names it.
 const std::vector<Floor> Floors = {
-    {"corvel", room("corvel"), {}},
+    {"corvel", room("corvel"), {}, {"emmintrin.h", "arm_neon.h"}},
     {"voxal", room("voxal"), {"corvel"}, {"unicode/*"}},
     {"errors", room("tessit/errors"), {"corvel"}},
     {"model", room("tessit/model"), {"corvel", "errors"}},
     {"utils", room("tessit/utils"), {"corvel", "errors", "model"}},
     {"prolog", {"src/tessit/model/xml_prolog.cpp"}, {"corvel", "errors", "model", "utils"}},
     {"writer", room("tessit/writer"), {"corvel", "errors", "model"}},
-    {"reader", room("tessit/reader"), {"corvel", "voxal", "errors", "model"}, {"emmintrin.h", "arm_neon.h"}},
+    {"reader", room("tessit/reader"), {"corvel", "voxal", "errors", "model"}},
     {"schema", room("tessit/schema"), {"corvel", "voxal", "errors", "model", "utils"}},
     {"sax", room("tessit/sax"), {"corvel", "errors", "model", "reader"}},
     {"comparison", {"src/tessit/utils/*compar*"}, {"corvel", "errors", "model", "utils", "reader"}},
@@ -168,7 +168,7 @@ const PlantedCase Planted[] = {
     {"src/tessit/reader/input.cpp", "#include <tessit/tessit.h>", "stands below it"},
     {"include/tessit/reader/xml_reader.h", "#include <unicode/ucnv.h>", "may not include a foreign header"},
     {"include/tessit/reader/xml_reader.h", "#include <emmintrin.h>", "may not include a foreign header"},
-    {"src/tessit/reader/byte_scan.h", "#include <emmintrin.h>  // why", ""},
+    {"src/corvel/byte_scan.h", "#include <emmintrin.h>  // why", ""},
     {"include/tessit/reader/xml_reader.h", "#include <tessit/reader/transcode.h>", "may not include a private header"},
     {"include/tessit/reader/xml_reader.h", "#include \"xml_name.h\"", "may not include in quotes"},
     {"include/corvel/c_string.h", "#include <string.h>", "may not include a foreign header"},

@@ -120,6 +120,7 @@ public:
 
 private:
     friend class QeXmlReader;  // fills the set of each tag in place
+    friend class QeXmlWriter;  // completes the set of each tag in storage that it keeps
 
     // A modifiable pointer that is out can be used to rename at any time, so nothing
     // is known about the order from then on, until an addition or removal makes the
@@ -135,6 +136,12 @@ private:
 
     void lookAtOrder() noexcept;
     void lookAtLocalNames() noexcept;
+
+    // Whether the names stand in order, each once.
+    bool isStrictlySorted() const noexcept;
+
+    // Assignment that keeps the strings of the slots. After a throw, the set is empty.
+    void assignInPlace(const QeXmlAttributeSet& other);
 
     QeSlotArray<QeXmlAttribute> attributes;
     bool knownSorted = true;

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include <corvel/slot_array.h>
-#include <corvel/text_pool.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace.h>
 
@@ -15,8 +14,8 @@
 /// One scope per open element; lookups see the innermost scope first, and within
 /// a scope the binding that was added first. Prefixes and URIs are UTF-8 and
 /// compared byte for byte. An empty result means either that nothing is bound or
-/// that the empty string is. A copy and its original are independent. One thread
-/// at a time, also for lookups.
+/// that the empty string is. A copy shares nothing with its original. One thread
+/// at a time.
 ///
 /// References from the lookups stay valid until the scope that holds the binding
 /// is popped or gains a binding.
@@ -47,8 +46,7 @@ public:
     void addNamespace(const QeXmlNamespace& ns);
 
     /// The URI bound to `prefix`, or the empty string. Visits scopes that declare
-    /// something only, and with many bindings in force an index: O(log of them),
-    /// besides building it once.
+    /// something only, and with many bindings in force an index: O(log of them).
     const QeCString& getURIForPrefix(const QeCString& prefix) const noexcept;
 
     /// The prefix of the first binding found for `uri`, or the empty string. No
@@ -67,6 +65,7 @@ public:
 
 private:
     friend class QeXmlReader;  // resolves names without building strings for the lookup
+    friend class QeXmlWriter;  // binds names without building a namespace for it
 
     // Most elements declare nothing, so such a scope is only a count: opening one
     // allocates nothing, and a lookup at depth 10^6 visits none of them.
@@ -94,7 +93,6 @@ private:
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
     void addBinding(std::string_view prefix, std::string_view uri);
-    void writeURI(QeCString& slot, std::string_view uri);
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     void popScopeInto(QeXmlNamespaceStack& closed);
@@ -106,17 +104,14 @@ private:
     void dropAll() noexcept;
     void dropBindings() noexcept;
     void forgetInnermost() noexcept;
-    const Index* indexForLookup() const noexcept;
-    void buildIndex() const;
+    void makeRoomInIndex();
+    void buildIndex();
+    void clearIndex() noexcept;
 
     std::size_t depth = 0;
     QeSlotArray<DeclaringScope> declaring;  // outermost first
     std::size_t bindingCount = 0;           // in all scopes
     std::uint64_t lastState = 0;
-    mutable std::unique_ptr<Index> index;  // only while many bindings are in force
-
-    // Long URIs, kept for the life of the stack. Each name in such a namespace would
-    // have its own copy else, and a document with one long URI and many short names
-    // would take time and memory without end.
-    std::unique_ptr<QeTextPool> longURIs;
+    bool indexed = false;          // while many bindings are in force
+    std::unique_ptr<Index> index;  // from the first time that there are many
 };

@@ -30,12 +30,18 @@ QeXmlAttribute* upperBound(QeXmlAttribute* first, const QeXmlAttribute* last, co
 
 QeXmlAttributeSet::~QeXmlAttributeSet() = default;
 
+// Whether the names stand in order, each once.
+bool QeXmlAttributeSet::isStrictlySorted() const noexcept {
+    return knownSorted ||
+           std::adjacent_find(begin(), end(), [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+               return left.compareTo(right) >= 0;
+           }) == end();
+}
+
 // Called after attributes were added or removed, which made the pointers that were
 // out void. Few attributes are scanned whatever their order.
 void QeXmlAttributeSet::lookAtOrder() noexcept {
-    if (knownSorted || attributes.size() <= LinearSearchLimit) return;
-    const auto less = [](const QeXmlAttribute& left, const QeXmlAttribute& right) { return left.compareTo(right) < 0; };
-    knownSorted = std::is_sorted(attributes.begin(), attributes.end(), less);
+    if (!knownSorted && attributes.size() > LinearSearchLimit) knownSorted = isStrictlySorted();
 }
 
 // The same for attributes that stand in order of their local names. The URIs of
@@ -82,6 +88,12 @@ void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {
     if (present == attributes.end()) return;
     attributes.remove(attributes.begin() + (present - attributes.begin()));
     lookAtOrder();
+}
+
+void QeXmlAttributeSet::assignInPlace(const QeXmlAttributeSet& other) {
+    knownSorted = true;  // as the empty set that a throw leaves behind
+    attributes.assignInPlace(other.attributes);
+    knownSorted = other.knownSorted;
 }
 
 QeXmlAttribute* QeXmlAttributeSet::remove(QeXmlAttribute* position) noexcept {

@@ -1,7 +1,7 @@
 // What is neither tag nor plain text: the prolog, the XML declaration, processing
 // instructions, the document type declaration, comments and CDATA sections.
 
-#include <tessit/reader/byte_scan.h>
+#include <corvel/byte_scan.h>
 #include <tessit/reader/xml_reader.h>
 
 using tessit::findByte;

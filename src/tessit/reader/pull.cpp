@@ -10,9 +10,12 @@
 // the tag stands.
 struct QeXmlReader::ExpectedName {
     explicit ExpectedName(const QeXmlName& name)
-        : prefix(name.getNamespace().getPrefix()), local(name.getLocalName()), uri(&name.getNamespace().getURI()) {}
+        : prefix(name.getNamespace().getPrefix()),
+          local(name.getLocalName()),
+          uri(name.getNamespace().getURI()),
+          isString(false) {}
 
-    explicit ExpectedName(const QeCString& qname) : uri(nullptr) {
+    explicit ExpectedName(const QeCString& qname) : isString(true) {
         const std::string_view text(qname);
         const std::size_t colon = text.find(':');
         if (colon != std::string_view::npos) prefix = text.substr(0, colon);
@@ -28,13 +31,14 @@ struct QeXmlReader::ExpectedName {
 
     std::string_view prefix;
     std::string_view local;
-    const QeCString* uri;  // of a name; null for a string
+    std::string_view uri;  // of a name only
+    bool isString;
 };
 
 namespace {
 
-const QeCString& uriOf(const QeXmlNamespace* binding) {
-    return binding == nullptr ? QeXmlAttributeSet::EmptyString : binding->getURI();
+std::string_view uriOf(const QeXmlNamespace* binding) {
+    return binding == nullptr ? std::string_view() : std::string_view(binding->getURI());
 }
 
 }  // namespace
@@ -69,25 +73,34 @@ void QeXmlReader::lookAhead() {
 }
 
 // What a prefix is bound to inside the last tag, the tag's own declarations included.
-const QeCString& QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
+std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
     if (const QeXmlNamespace* own = closedScope.findPrefix(prefix)) return own->getURI();
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
+// The URI of an expected name: a string has the one that its prefix has in front of the last tag, which opened an
+// element.
+std::string_view QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
+    if (!expected.isString) return expected.uri;
+    using From = QeXmlNamespaceStack::From;
+    const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
+    return uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+}
+
 bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const QeCString* uri = expected.uri;
-    if (uri == nullptr) {
-        using From = QeXmlNamespaceStack::From;
-        const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
-        uri = &uriOf(namespaceStack.findPrefix(expected.prefix, infront));
-    }
-    return lastName.getNamespace().getURI() == (uri->empty() ? uriInsideTag(expected.prefix) : *uri);
+    const std::string_view uri = uriOfExpected(expected);
+    return lastName.getNamespace().getURI() == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+}
+
+// Whether the name is the empty one, which asks for any element.
+bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
+    return expected.local.empty() && uriOfExpected(expected).empty();
 }
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const QeCString& uri = expected.uri == nullptr ? uriInsideTag(expected.prefix) : *expected.uri;
+    const std::string_view uri = expected.isString ? uriInsideTag(expected.prefix) : expected.uri;
     return lastName.getNamespace().getURI() == uri;
 }
 
@@ -165,16 +178,14 @@ bool QeXmlReader::eof() {
 }
 
 QeCString QeXmlReader::readElement(const QeXmlName& name) {
-    const ExpectedName expected = keepExpected(name);
-    return readRawElement(name == NullName ? nullptr : &expected);
+    return readRawElement(keepExpected(name));
 }
 
 QeCString QeXmlReader::readElement(const QeCString& qname) {
-    const ExpectedName expected = keepExpected(qname);
-    return readRawElement(&expected);
+    return readRawElement(keepExpected(qname));
 }
 
-QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
+QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
     RawCopy copy(*this);
     const bool wasPending = nodePending;
     if (!wasPending) takeNextNode();
@@ -186,7 +197,7 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
     QeCString front;
     if (wasPending) front = rebuildTag();  // it stands before the copy's begin
     nodePending = false;
-    if (expected != nullptr && !matchesStart(*expected)) raiseMismatch(*expected);
+    if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (lastNodeType == EmptyElement) {
         lastContent.clear();
         return copy.textAfter(std::move(front));
@@ -202,8 +213,10 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
 // Reads up to the end tag of the element that the last tag opened, and leaves that
 // tag's attributes in place. Returns where the scan of the end tag began.
 std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
-    const QeXmlName startName = lastName;
-    QeXmlAttributeSet attributes = lastAttributes;
+    QeXmlName startName(lastName.localName);
+    startName.ns.uri.shareBlockOf(lastName.ns.uri);
+    QeXmlAttributeSet attributes = std::move(lastAttributes);
+    forgetSlots();
     std::size_t contentEnd = copy.length();
     for (std::size_t level = 1;; contentEnd = copy.length()) {
         readNextNode();
@@ -211,8 +224,7 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
         if (lastNodeType == ElementEnd && lastName == startName && --level == 0) break;
     }
     lastAttributes = std::move(attributes);
-    attributesWritten.clear();
-    slotsShape = nullptr;
+    forgetSlots();
     return contentEnd;
 }
 

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include <tessit/reader/byte_scan.h>
+#include <corvel/byte_scan.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/text_builder.h>
 #include <tessit/reader/transcode.h>

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#include <corvel/byte_scan.h>
 #include <corvel/c_string.h>
-#include <tessit/reader/byte_scan.h>
 
 namespace tessit {
 
@@ -36,14 +36,13 @@ public:
     /// Takes over bytes from `at` up to the first that is `a`, `b` or `c`, or to `end`.
     void putPlain(const char*& at, const char* end, char a, char b, char c) {
         do {
-            need(2 * BlockSize);
-            copyPlain(at, end, out, static_cast<std::size_t>(limit - out) - BlockSize, a, b, c);
+            need(1);
+            const std::ptrdiff_t count = std::min(limit - out, end - at);
+            copyUntilAny(at, at + count, out, a, b, c);
         } while (at != end && *at != a && *at != b && *at != c);
     }
 
 private:
-    static constexpr std::size_t BlockSize = 16;
-
     std::size_t written() const { return static_cast<std::size_t>(out - text.begin()); }
 
     void need(std::size_t count) {

@@ -4,64 +4,76 @@
 #include <string_view>
 #include <vector>
 
-#include <corvel/slot_array.h>
 #include <tessit/model/xml_name.h>
 
 namespace tessit {
 
 /// The names of the open elements, to hold end tags against.
 ///
-/// Local names are kept as bytes, one behind the other, since a document may open
-/// millions. URIs are strings, as copies of long ones share their bytes; an element
-/// has none of its own where the parent's is the same.
+/// Kept as bytes, one behind the other, since a document may open millions: a
+/// local name each, and its URI unless the parent has the same. Long URIs are
+/// shared with the reader instead, so that an element never costs their length.
 class OpenElements {
 public:
     bool empty() const noexcept { return elements.empty(); }
 
     void push(const QeXmlName& name) {
-        const std::size_t uri = placeOf(name.getNamespace().getURI());
-        const Element element{bytes.length(), name.getLocalName().length(), uri};
-        bytes += name.getLocalName();
+        const QeCString& local = name.getLocalName();
+        const bool likeParent = !empty() && hasUri(elements.back(), name.getNamespace().getURI());
+        const Element element{bytes.length(), local.length(), likeParent ? elements.back().uri : Uri{}};
         elements.push_back(element);
+        bytes += local;
+        if (!likeParent) elements.back().uri = keep(name.getNamespace().getURI());
     }
 
     /// Whether the innermost element has that name; prefixes do not count.
     bool innermostIs(const QeXmlName& name) const noexcept {
         const Element& innermost = elements.back();
-        const QeCString& uri = name.getNamespace().getURI();
         return name.getLocalName() == bytes.substring(innermost.start, innermost.length) &&
-               (innermost.uri == None ? uri.empty() : uri == uris[innermost.uri]);
+               hasUri(innermost, name.getNamespace().getURI());
     }
 
-    void pop() noexcept {
-        const Element innermost = elements.back();
-        bytes.truncate(innermost.start);
+    void pop() {
+        bytes.truncate(elements.back().start);
         elements.pop_back();
-        if (innermost.uri != None && innermost.uri != innermostURI()) uris.dropLast();
+        const std::size_t stillUsed = empty() ? 0 : elements.back().uri.longUris;
+        while (longUris.size() > stillUsed)
+            longUris.pop_back();
     }
 
 private:
-    static constexpr std::size_t None = static_cast<std::size_t>(-1);
-
+    // Where a URI is kept: among the bytes, or, when it is long, as the last of so many long ones.
+    struct Uri {
+        std::size_t start = 0;
+        std::size_t length = 0;
+        std::size_t longUris = 0;
+    };
     struct Element {
         std::size_t start;  // of the local name in `bytes`
         std::size_t length;
-        std::size_t uri;  // its place in `uris`; None for the empty one
+        Uri uri;
     };
 
-    std::size_t innermostURI() const noexcept { return empty() ? None : elements.back().uri; }
+    Uri keep(const QeCString& uri) {
+        Uri kept{bytes.length(), uri.length(), longUris.size()};
+        if (uri.length() < QeCString::LargeLength) {
+            bytes += uri;
+        } else {
+            longUris.emplace_back().shareBlockOf(uri);
+            ++kept.longUris;
+        }
+        return kept;
+    }
 
-    // The place for a new innermost element's URI. The parent's, if it has one, is the last.
-    std::size_t placeOf(const QeCString& uri) {
-        if (uri.empty()) return None;
-        const bool likeParent = innermostURI() != None && uris.back() == uri;
-        if (!likeParent) uris.append([&](QeCString& slot) { slot = uri; });
-        return uris.size() - 1;
+    bool hasUri(const Element& element, const QeCString& uri) const noexcept {
+        if (element.uri.length != uri.length()) return false;
+        if (uri.length() >= QeCString::LargeLength) return longUris[element.uri.longUris - 1] == uri;
+        return uri == bytes.substring(element.uri.start, element.uri.length);
     }
 
     QeCString bytes;
-    QeSlotArray<QeCString> uris;
     std::vector<Element> elements;
+    std::vector<QeCString> longUris;
 };
 
 }  // namespace tessit

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+
+#include <corvel/byte_copy.h>
 
 #if !defined(TESSIT_SCALAR) && defined(__SSE2__)
 #define TESSIT_SCAN_SSE2
@@ -20,12 +23,11 @@ namespace tessit {
 #if defined(TESSIT_SCAN_SSE2)
 
 // One bit per byte that matched, the lowest for the first byte.
-inline unsigned matchBlock(const char* at, char a, char b, char c) {
+template <typename... Byte>
+inline unsigned matchBlock(const char* at, Byte... bytes) {
     __m128i block;
     std::memcpy(&block, at, sizeof block);
-    const __m128i matches =
-        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8(a)), _mm_cmpeq_epi8(block, _mm_set1_epi8(b))),
-                     _mm_cmpeq_epi8(block, _mm_set1_epi8(c)));
+    const __m128i matches = (_mm_cmpeq_epi8(block, _mm_set1_epi8(bytes)) | ...);
     return static_cast<unsigned>(_mm_movemask_epi8(matches));
 }
 
@@ -36,11 +38,10 @@ inline std::size_t firstMatch(unsigned matches) {
 #elif defined(TESSIT_SCAN_NEON)
 
 // Four bits per byte that matched, the lowest for the first byte.
-inline std::uint64_t matchBlock(const char* at, char a, char b, char c) {
+template <typename... Byte>
+inline std::uint64_t matchBlock(const char* at, Byte... bytes) {
     const uint8x16_t block = vld1q_u8(reinterpret_cast<const std::uint8_t*>(at));
-    const uint8x16_t matches = vorrq_u8(vorrq_u8(vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(a))),
-                                                 vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(b)))),
-                                        vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(c))));
+    const uint8x16_t matches = (vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(bytes))) | ...);
     return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(vreinterpretq_u16_u8(matches), 4)), 0);
 }
 
@@ -50,34 +51,60 @@ inline std::size_t firstMatch(std::uint64_t matches) {
 
 #endif
 
-/// The first byte from `at` on that is `a`, `b` or `c`, or `end`.
-inline const char* findAny(const char* at, const char* end, char a, char b, char c) {
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+
+// `findAny` for at least one and at most two words: the first and the last one,
+// which may overlap, fill a block.
+template <typename Word, typename... Byte>
+inline const char* findInEnds(const char* at, const char* end, Byte... bytes) {
+    Word head, tail;
+    std::memcpy(&head, at, sizeof head);
+    std::memcpy(&tail, end - sizeof tail, sizeof tail);
+    Word ends[16 / sizeof(Word)];
+    for (std::size_t i = 0; i < 16 / sizeof(Word); i += 2) {
+        ends[i] = head;
+        ends[i + 1] = tail;
+    }
+    const auto matches = matchBlock(reinterpret_cast<const char*>(ends), bytes...);
+    const std::size_t first = matches == 0 ? 2 * sizeof(Word) : firstMatch(matches);
+    return first < sizeof(Word) ? at + first : end - 2 * sizeof(Word) + first;
+}
+
+#endif
+
+/// The first byte from `at` on that is one of `bytes`, or `end`.
+template <typename... Byte>
+inline const char* findAny(const char* at, const char* end, Byte... bytes) {
 #if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
     for (; end - at >= 16; at += 16)
-        if (const auto matches = matchBlock(at, a, b, c)) return at + firstMatch(matches);
+        if (const auto matches = matchBlock(at, bytes...)) return at + firstMatch(matches);
+    if (end - at >= 8) return findInEnds<std::uint64_t>(at, end, bytes...);
+    if (end - at >= 4) return findInEnds<std::uint32_t>(at, end, bytes...);
 #endif
-    while (at != end && *at != a && *at != b && *at != c)
+    while (at != end && (... && (*at != bytes)))
         ++at;
     return at;
 }
 
-/// Copies bytes from `at` to `out` up to the first that is `a`, `b` or `c`, or to
-/// `end`, and moves both behind them. Whole blocks are written, so `out` needs room
-/// for 16 bytes more than `room` says; at most `room` bytes are passed.
-inline void copyPlain(const char*& at, const char* end, char*& out, std::size_t room, char a, char b, char c) {
-    const char* const last = static_cast<std::size_t>(end - at) > room ? at + room : end;
+/// Copies what stands before the first byte that is one of `bytes`, or before
+/// `end`, and moves `from` and `to` past it. `to` needs room for all bytes up to
+/// `end`: more of them may be written than count.
+template <typename... Byte>
+inline void copyUntilAny(const char*& from, const char* end, char*& to, Byte... bytes) {
 #if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
-    for (; last - at >= 16; at += 16, out += 16) {
-        std::memcpy(out, at, 16);
-        if (const auto matches = matchBlock(at, a, b, c)) {
-            at += firstMatch(matches);
-            out += firstMatch(matches);
-            return;
-        }
+    for (; end - from >= 16; from += 16, to += 16) {
+        const auto matches = matchBlock(from, bytes...);
+        std::memcpy(to, from, 16);
+        if (matches == 0) continue;
+        from += firstMatch(matches);
+        to += firstMatch(matches);
+        return;
     }
 #endif
-    while (at != last && *at != a && *at != b && *at != c)
-        *out++ = *at++;
+    const char* const stop = findAny(from, end, bytes...);
+    copyBytes(to, from, static_cast<std::size_t>(stop - from));
+    to += stop - from;
+    from = stop;
 }
 
 /// Whether `length` bytes are the same at both places. Names are short: two loads

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+#include <corvel/c_string.h>
+#include <corvel/date.h>
+#include <corvel/locale.h>
+#include <corvel/zone.h>
+
+/// An instant, to the millisecond.
+///
+/// It has no zone of its own: a zone only says how it is read from and written as
+/// a date and a time of day. Every day has 86,400 seconds; leap seconds do not
+/// exist. The years are those of `QeDate`. A plain value; operations that make no
+/// text are O(1).
+class TESSIT_API QeDateTime {
+public:
+    /// Forms of text that need no format.
+    enum Format {
+        Iso8601 = 0  ///< 2003-05-20T09:01:08,25Z
+    };
+
+    /// 1 January 1970, midnight UTC.
+    QeDateTime() noexcept = default;
+
+    /// The instant at which clocks in `zone` show that date and time. Throws
+    /// `QeValueError` unless the hour is within 0 to 23, minute and second within 0
+    /// to 59, the millisecond within 0 to 999.
+    QeDateTime(const QeDate& date, int hour, int minute, int second, int millisecond, const QeZone& zone);
+
+    /// The day on the calendar in `zone`.
+    QeDate date(const QeZone& zone) const noexcept;
+    std::int64_t year(const QeZone& zone) const noexcept { return date(zone).year(); }
+    int month(const QeZone& zone) const noexcept { return date(zone).month(); }
+    int dayOfMonth(const QeZone& zone) const noexcept { return date(zone).dayOfMonth(); }
+    int hour(const QeZone& zone) const noexcept;
+    int minute(const QeZone& zone) const noexcept;
+
+    std::int64_t yearGMT() const noexcept { return year(QeZone::utc()); }
+    int monthGMT() const noexcept { return month(QeZone::utc()); }
+    int dayOfMonthGMT() const noexcept { return dayOfMonth(QeZone::utc()); }
+    int hourGMT() const noexcept { return hour(QeZone::utc()); }
+    int minuteGMT() const noexcept { return minute(QeZone::utc()); }
+
+    // Zones are whole minutes apart, so that these are the same in all of them.
+    int second() const noexcept;
+    int milliSecond() const noexcept;
+
+    /// Date and time as ISO 8601 writes them: a comma and the fraction of the
+    /// second, without trailing zeros, when there is one; then the zone. A year has
+    /// at least four digits, and a minus sign before the year 0.
+    QeCString asString(Format format, const QeLocale& locale, const QeZone& zone) const;
+
+    /// Date and time in a format as `strftime` has them, with all the directives of
+    /// POSIX. "%Y" has at least four digits; "%Z" is the zone's designator; "E" and
+    /// "O" change nothing; what is no directive is copied as it stands. The locale
+    /// of the process has no say. O(length of the format).
+    QeCString asString(const QeCString& format, const QeLocale& locale, const QeZone& zone) const;
+
+    /// Earlier instants are less.
+    friend bool operator==(const QeDateTime&, const QeDateTime&) noexcept = default;
+    friend std::strong_ordering operator<=>(const QeDateTime&, const QeDateTime&) noexcept = default;
+
+private:
+    std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
+
+    // In UTC. Apart, they span more years than one count of milliseconds could.
+    std::int64_t day = 0;  // since 1 January 1970
+    std::int64_t millisecondOfDay = 0;
+};

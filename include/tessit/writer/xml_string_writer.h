@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+
+#include <tessit/writer/xml_writer.h>
+
+/// A writer whose output is a string.
+///
+/// Small writes are collected in a buffer inside the object and moved to the
+/// string in blocks. There is no way to start over: make a new writer for a new
+/// document. A copy has the output so far and shares nothing. One thread at a time.
+class TESSIT_API QeXmlStringWriter : public QeXmlWriter {
+public:
+    QeXmlStringWriter();
+    QeXmlStringWriter(const QeXmlStringWriter& other);
+    QeXmlStringWriter& operator=(const QeXmlStringWriter& other);
+    ~QeXmlStringWriter() override;
+
+    /// A copy of everything written so far. Flushes, through its slot. O(bytes).
+    QeCString getString();
+
+    /// The number of bytes written so far. Flushes, through its slot. Throws
+    /// `QeXmlLengthError` when there are more than an `unsigned` can count.
+    unsigned getLength() const;
+
+    /// Takes back the last byte written, if it is `byte`. O(1).
+    void removeLastCharFromSink(char byte);
+
+    // Each of these has the strong guarantee, except that bytes may have moved from
+    // the buffer to the string. Amortised O(bytes). A full buffer is emptied through
+    // the slot of `flush`; where an override leaves it full, it is emptied all the same.
+
+    void writeToSink(char byte) override;
+    void writeToSink(const char* bytes, unsigned length) override;
+
+    /// Goes through the slot above; past 4 GiB in several calls.
+    void writeToSink(const QeCString& string) override;
+
+    /// Moves the buffered bytes to the string.
+    void flush() override;
+
+private:
+    static constexpr std::size_t BufferSize = 1024;
+
+    void emptyBuffer();
+
+    // The output is `sinkText`, then the first `sinkLength` bytes of the buffer. Both can
+    // change when a constant writer is asked for its length.
+    char sinkBuffer[BufferSize];
+    mutable std::size_t sinkLength = 0;
+    mutable QeCString sinkText;
+};

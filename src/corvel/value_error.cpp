@@ -1,0 +1,3 @@
+#include <corvel/value_error.h>
+
+QeValueError::~QeValueError() = default;

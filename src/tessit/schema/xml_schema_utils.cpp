@@ -1,0 +1,84 @@
+#include <charconv>
+#include <string_view>
+
+#include <corvel/decimal_text.h>
+#include <tessit/schema/xml_schema_utils.h>
+#include <tessit/utils/xml_utils.h>
+
+namespace {
+
+QeXmlName xsiName(const char* localName) {
+    return {localName, QeXmlNamespace::getXsi()};
+}
+
+QeCString exponentText(double value) {
+    char buffer[32];
+    const char* end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific, 6).ptr;
+    return QeCString(buffer, static_cast<std::size_t>(end - buffer));
+}
+
+const QeCString& formatFor(std::string_view typeName) {
+    if (typeName.ends_with("time")) return QeXmlUtils::ISO8601Time;
+    if (typeName.ends_with("date")) return QeXmlUtils::ISO8601Date;
+    return QeXmlUtils::ISO8601Format;
+}
+
+}  // namespace
+
+// Their URI is too long for a constant expression. The priority has them made before
+// the objects of other sources, which may so use them even where the library is
+// linked statically.
+[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiTypeAttributeName = xsiName("type");
+[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiNilAttributeName = xsiName("nil");
+[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiSchemaLocationAttributeName =
+    xsiName("schemaLocation");
+[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiNoNamespaceSchemaLocationAttributeName =
+    xsiName("noNamespaceSchemaLocation");
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(const QeCString& value, const QeCString&) {
+    return value;
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(const char* value, const QeCString&) {
+    return value;
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(bool value, const QeCString&) {
+    return value ? "1" : "0";
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(int value, const QeCString&) {
+    return corvel::decimalText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(unsigned int value, const QeCString&) {
+    return corvel::decimalText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(long value, const QeCString&) {
+    return corvel::decimalText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(unsigned long value, const QeCString&) {
+    return corvel::decimalText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(float value, const QeCString&) {
+    return exponentText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(double value, const QeCString&) {
+    return exponentText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(const QeXmlDuration& value, const QeCString&) {
+    return value.asString();
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(const QeDecimalPortable& value, const QeCString&) {
+    return value.asString();
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(const QeDateTime& value, const QeCString& typeName) {
+    return QeXmlUtils::convertDateTimeToISOString(value, formatFor(typeName));
+}

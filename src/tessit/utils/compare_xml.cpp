@@ -1,0 +1,109 @@
+// The comparison of two documents: two readers side by side, one node at a time.
+
+#include <algorithm>
+#include <span>
+#include <string_view>
+
+#include <tessit/reader/xml_reader.h>
+#include <tessit/utils/xml_utils.h>
+
+bool QeXmlUtils::compareAttributeSet(const QeXmlAttributeSet& left, const QeXmlAttributeSet& right) noexcept {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](const QeXmlAttribute& mine, const QeXmlAttribute& theirs) {
+                          return mine.getName() == theirs.getName() && mine.getValue() == theirs.getValue();
+                      });
+}
+
+namespace {
+
+std::span<const unsigned char> bytesOf(const QeCString& text) {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.length()};
+}
+
+bool standsOn(const QeXmlReader& reader, QeXmlReader::NodeType type) {
+    return reader.getLastNodeType() == type;
+}
+
+bool standsOnBlankText(const QeXmlReader& reader) {
+    const std::string_view text = reader.getLastContent();
+    return standsOn(reader, QeXmlReader::Content) && std::all_of(text.begin(), text.end(), QeXmlUtils::isWhiteSpace);
+}
+
+}  // namespace
+
+// Passes over blank text that the other document lacks. False where `reader` stands on anything else.
+bool QeXmlUtils::verifyEmptyData(QeXmlReader& reader, QeXmlReader& /*other*/) {
+    if (!standsOnBlankText(reader)) return false;
+    reader.readNextNode();
+    return true;
+}
+
+// Passes over an element that the other document has as an empty-element tag.
+// False where `reader` stands on anything but a start tag whose end follows, with
+// nothing but blank text between.
+bool QeXmlUtils::verifyEmptyTag(QeXmlReader& reader, QeXmlReader& /*other*/) {
+    if (!standsOn(reader, QeXmlReader::ElementStart)) return false;
+    reader.readNextNode();
+    if (standsOnBlankText(reader)) reader.readNextNode();
+    return standsOn(reader, QeXmlReader::ElementEnd);
+}
+
+// Both readers see a document in place: nothing of it is copied but the node that is being compared.
+class QeXmlUtils::Comparison {
+public:
+    Comparison(const QeCString& left, const QeCString& right) : a(bytesOf(left)), b(bytesOf(right)) {}
+
+    bool run() {
+        while (!a.eof()) {
+            if (b.eof()) return false;
+            a.readNextNode();
+            b.readNextNode();
+            if (!nodesMatch()) return false;
+        }
+        return b.eof();
+    }
+
+private:
+    // The last tags that matched. Text is compared after a start only.
+    enum class Tags { None, Start, End };
+
+    bool typesMatch() const { return a.getLastNodeType() == b.getLastNodeType(); }
+
+    // Blank text in front of an empty-element tag gives way first: the tag behind
+    // it may be the counterpart of the other one.
+    bool nodesMatch() {
+        if (standsOn(a, QeXmlReader::EmptyElement) && standsOnBlankText(b)) verifyEmptyData(b, a);
+        if (standsOn(b, QeXmlReader::EmptyElement) && standsOnBlankText(a)) verifyEmptyData(a, b);
+        if (typesMatch()) return sameNodes();
+        if (standsOn(a, QeXmlReader::EmptyElement)) return verifyEmptyTag(b, a);
+        if (standsOn(b, QeXmlReader::EmptyElement)) return verifyEmptyTag(a, b);
+        const bool passed = standsOn(a, QeXmlReader::Content) ? verifyEmptyData(a, b) : verifyEmptyData(b, a);
+        return passed && typesMatch() && sameNodes();
+    }
+
+    bool sameNodes() {
+        switch (a.getLastNodeType()) {
+            case QeXmlReader::ElementStart:
+            case QeXmlReader::EmptyElement:
+                lastTags = Tags::Start;
+                return a.getLastName() == b.getLastName() &&
+                       compareAttributeSet(a.getLastAttributes(), b.getLastAttributes());
+            case QeXmlReader::ElementEnd:
+                lastTags = Tags::End;
+                return a.getLastName() == b.getLastName();
+            case QeXmlReader::Content:
+                return lastTags != Tags::Start || a.getLastContent() == b.getLastContent();
+            case QeXmlReader::NoNode:
+                break;
+        }
+        return true;
+    }
+
+    QeXmlReader a;
+    QeXmlReader b;
+    Tags lastTags = Tags::None;
+};
+
+bool QeXmlUtils::compareXml(const QeCString& left, const QeCString& right) {
+    return Comparison(left, right).run();
+}

@@ -1,0 +1,75 @@
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include <corvel/byte_copy.h>
+#include <tessit/errors/xml_error.h>
+#include <tessit/writer/pieces.h>
+#include <tessit/writer/xml_string_writer.h>
+
+QeXmlStringWriter::QeXmlStringWriter() = default;
+
+// Only the bytes in use are copied: the rest of the buffer was never written.
+QeXmlStringWriter::QeXmlStringWriter(const QeXmlStringWriter& other)
+    : QeXmlWriter(other), sinkLength(other.sinkLength), sinkText(other.sinkText) {
+    std::memcpy(sinkBuffer, other.sinkBuffer, sinkLength);
+}
+
+QeXmlStringWriter& QeXmlStringWriter::operator=(const QeXmlStringWriter& other) {
+    QeCString copied(other.sinkText);
+    QeXmlWriter::operator=(other);
+    std::memmove(sinkBuffer, other.sinkBuffer, other.sinkLength);
+    sinkLength = other.sinkLength;
+    sinkText = std::move(copied);
+    return *this;
+}
+
+QeXmlStringWriter::~QeXmlStringWriter() = default;
+
+QeCString QeXmlStringWriter::getString() {
+    flush();
+    return sinkText;
+}
+
+// An override of `flush` is to see this call too, and what ours changes is mutable.
+unsigned QeXmlStringWriter::getLength() const {
+    const_cast<QeXmlStringWriter*>(this)->flush();
+    if (sinkText.length() > std::numeric_limits<unsigned>::max())
+        throw QeXmlLengthError("The output is longer than its length can say");
+    return static_cast<unsigned>(sinkText.length());
+}
+
+void QeXmlStringWriter::removeLastCharFromSink(char byte) {
+    if (sinkLength != 0) {
+        if (sinkBuffer[sinkLength - 1] == byte) --sinkLength;
+    } else if (!sinkText.empty() && sinkText[sinkText.length() - 1] == byte) {
+        sinkText.truncate(sinkText.length() - 1);
+    }
+}
+
+void QeXmlStringWriter::writeToSink(char byte) {
+    if (sinkLength == BufferSize) emptyBuffer();
+    sinkBuffer[sinkLength++] = byte;
+}
+
+void QeXmlStringWriter::writeToSink(const char* bytes, unsigned length) {
+    if (length >= BufferSize - sinkLength) emptyBuffer();
+    if (length >= BufferSize) return sinkText.append(bytes, length);
+    tessit::copyBytes(sinkBuffer + sinkLength, bytes, length);
+    sinkLength += length;
+}
+
+void QeXmlStringWriter::writeToSink(const QeCString& string) {
+    tessit::inPieces(string.data(), string.length(),
+                     [this](const char* piece, unsigned count) { writeToSink(piece, count); });
+}
+
+void QeXmlStringWriter::flush() {
+    sinkText.append(sinkBuffer, sinkLength);
+    sinkLength = 0;
+}
+
+void QeXmlStringWriter::emptyBuffer() {
+    flush();
+    QeXmlStringWriter::flush();  // an override may have left, or written, bytes
+}

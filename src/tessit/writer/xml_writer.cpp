@@ -1,0 +1,311 @@
+#include <algorithm>
+#include <limits>
+#include <span>
+#include <utility>
+
+#include <corvel/byte_copy.h>
+#include <tessit/writer/borrowed.h>
+#include <tessit/writer/escape.h>
+#include <tessit/writer/output_buffer.h>
+#include <tessit/writer/pieces.h>
+#include <tessit/writer/plain_attributes.h>
+#include <tessit/writer/xml_writer.h>
+using tessit::Borrowed;
+using tessit::OutputBuffer;
+using tessit::PlainAttributes;
+using tessit::put;
+using tessit::TextEscapes;
+using tessit::ValueEscapes;
+
+constinit const QeCString QeXmlWriter::StartTag("<");
+constinit const QeCString QeXmlWriter::EndTag(">");
+constinit const QeCString QeXmlWriter::StartEndTag("</");
+constinit const QeCString QeXmlWriter::UnpairedTag("/>");
+constinit const QeCString QeXmlWriter::EqualToAndQuotes("=\"");
+constinit const QeCString QeXmlWriter::Quotes("\"");
+constinit const QeCString QeXmlWriter::MarkupLt("&lt;");
+constinit const QeCString QeXmlWriter::MarkupGt("&gt;");
+constinit const QeCString QeXmlWriter::MarkupAmpersand("&amp;");
+constinit const QeCString QeXmlWriter::MarkupQuotes("&quot;");
+constinit const QeCString QeXmlWriter::MarkupApos("&apos;");
+constinit const QeCString QeXmlWriter::MarkupCR("&#xD;");
+constinit const QeCString QeXmlWriter::XmlNamespaceTag("xmlns");
+constinit const QeCString QeXmlWriter::TrueValue("1");
+constinit const QeCString QeXmlWriter::FalseValue("0");
+constinit const QeCString QeXmlWriter::Blank(" ");
+constinit const QeCString QeXmlWriter::WhiteSpace(" ");
+constinit const QeCString QeXmlWriter::Colon(":");
+constinit const QeCString QeXmlWriter::Newline("\n");
+
+namespace {
+
+// Closes the innermost scope again, unless all that belongs to it went well.
+class ScopeRollback {
+public:
+    explicit ScopeRollback(QeXmlNamespaceStack& stack) noexcept : namespaces(&stack) {}
+    ScopeRollback(const ScopeRollback&) = delete;
+    ScopeRollback& operator=(const ScopeRollback&) = delete;
+    ~ScopeRollback() {
+        if (namespaces != nullptr) namespaces->popScope();
+    }
+
+    void dismiss() noexcept { namespaces = nullptr; }
+
+private:
+    QeXmlNamespaceStack* namespaces;
+};
+
+char* putName(char* to, std::string_view prefix, std::string_view localName) {
+    return put(prefix.empty() ? to : put(put(to, prefix), ":"), localName);
+}
+
+// The room that `text` needs when escaped. Counted exactly only where the worst case would be much.
+template <typename Escapes>
+std::size_t roomFor(std::string_view text) {
+    const bool ordinary = text.size() <= OutputBuffer::LocalSize / Escapes::Longest;
+    return ordinary ? text.size() * Escapes::Longest : tessit::escapedLength<Escapes>(text);
+}
+
+}  // namespace
+
+QeXmlWriter::QeXmlWriter() {
+    namespaces.pushScope();
+}
+
+QeXmlWriter::QeXmlWriter(const QeXmlWriter& other)
+    : currentIndent(other.currentIndent),
+      indentSize(other.indentSize),
+      atLineStart(other.atLineStart),
+      namespaces(other.namespaces) {}
+
+QeXmlWriter& QeXmlWriter::operator=(const QeXmlWriter& other) {
+    namespaces = other.namespaces;
+    currentIndent = other.currentIndent;
+    indentSize = other.indentSize;
+    atLineStart = other.atLineStart;
+    return *this;
+}
+
+QeXmlWriter::~QeXmlWriter() = default;
+
+// --- Layout.
+
+int QeXmlWriter::setSizeOfIndent(int spaces) noexcept {
+    return std::exchange(indentSize, std::max(spaces, 0));
+}
+
+void QeXmlWriter::setCurrentIndent(int spaces) noexcept {
+    currentIndent = std::max(spaces, 0);
+}
+
+void QeXmlWriter::incrementIndent() noexcept {
+    currentIndent = std::min(currentIndent, std::numeric_limits<int>::max() - indentSize) + indentSize;
+}
+
+void QeXmlWriter::decrementIndent() noexcept {
+    currentIndent = std::max(currentIndent - indentSize, 0);
+}
+
+void QeXmlWriter::writeNewLine() {
+    writeToSink('\n');
+    atLineStart = true;
+}
+
+void QeXmlWriter::writeIndentChars() {
+    if (!atLineStart) return;
+    for (int i = 0; i < currentIndent; ++i)
+        writeToSink(' ');
+    atLineStart = false;
+}
+
+// --- Text and attributes.
+
+void QeXmlWriter::write(const QeCString& text, bool escape) {
+    writeIndentChars();
+    if (!escape) return writeToSink(text);
+    const auto plainLength = static_cast<std::size_t>(TextEscapes::find(text.begin(), text.end()) - text.begin());
+    if (plainLength == text.length()) return writeToSinkInPieces(text.data(), plainLength);
+    OutputBuffer buffer(roomFor<TextEscapes>(text));
+    char* end = put(buffer.begin(), text.substring(0, plainLength));
+    end = tessit::writeEscaped<TextEscapes>(end, text.substring(plainLength));
+    writeToSinkInPieces(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
+}
+
+void QeXmlWriter::writeAttribute(const QeCString& name, const QeCString& value, bool escape) {
+    writeQualifiedAttribute({}, name, value, escape);
+}
+
+void QeXmlWriter::writeAttribute(const QeXmlName& name, const QeCString& value, bool escape) {
+    writeQualifiedAttribute(name.getNamespace().getPrefix(), name.getLocalName(), value, escape);
+}
+
+void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
+                                          bool escape) {
+    const std::size_t room = escape ? roomFor<ValueEscapes>(value) : value.length();
+    OutputBuffer buffer(prefix.size() + localName.size() + room + 5);  // with ` :=""`
+    char* end = put(buffer.begin(), " ");
+    end = put(putName(end, prefix, localName), "=\"");
+    end = escape ? tessit::writeEscaped<ValueEscapes>(end, value) : put(end, value);
+    end = put(end, "\"");
+    writeIndentChars();
+    writeToSinkInPieces(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
+}
+
+// --- Elements.
+
+void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
+    namespaces.pushScope();
+    ScopeRollback scope(namespaces);
+    const bool needsOwn = addNamespaceToScopeIfNecessary(name.getNamespace());
+    writeTag(Tag::Start, name);
+    const bool needsMore = addNamespacesOf(attributes);
+    if (!needsOwn && !needsMore && attributes.isStrictlySorted()) {
+        writeAttributeSet(attributes);
+    } else {
+        writeCompleteAttributeSet(attributes);
+    }
+    write(empty ? UnpairedTag : EndTag, false);
+    if (!empty) scope.dismiss();
+}
+
+// Writes the set, and with it the bindings of the innermost scope. One that was read has them all.
+void QeXmlWriter::writeCompleteAttributeSet(const QeXmlAttributeSet& attributes) {
+    Borrowed<PlainAttributes::Positions> positions(spare.positions);
+    const PlainAttributes declarations(attributes, *positions);
+    if (declaresInnermostBindings(declarations)) return writeAttributeSet(attributes);
+    Borrowed<QeXmlAttributeSet> completed(spare.completedAttributes);
+    getCompleteAttributeSet(attributes, declarations, *completed);
+    writeAttributeSet(*completed);
+}
+
+void QeXmlWriter::writeAttributeSet(const QeXmlAttributeSet& attributes) {
+    for (const QeXmlAttribute& attribute : attributes)
+        writeAttributeOfElement(attribute);
+}
+
+// The declaration of the empty prefix is the one whose name is written otherwise than it is made up.
+void QeXmlWriter::writeAttributeOfElement(const QeXmlAttribute& attribute) {
+    const QeXmlName& name = attribute.getName();
+    const bool declaresDefault = name.getLocalName().empty() && name.getNamespace().getPrefix() == XmlNamespaceTag;
+    if (declaresDefault) return writeAttribute(XmlNamespaceTag, attribute.getValue(), true);
+    writeAttribute(name, attribute.getValue(), true);
+}
+
+// The document's scope stays, however many ends are written.
+void QeXmlWriter::writeElementEnd(const QeXmlName& name) {
+    writeTag(Tag::End, name);
+    if (namespaces.depth > 1) namespaces.popScope();
+}
+
+void QeXmlWriter::writeSimpleElement(const QeXmlName& name, const QeCString& content, const QeCString& typeName,
+                                     bool withType) {
+    Borrowed<QeXmlAttributeSet> attributes(spare.typeAttribute);
+    if (withType) addTypeAttribute(*attributes, typeName);
+    writeElementStart(name, *attributes, content.empty());
+    if (!content.empty()) {
+        ScopeRollback scope(namespaces);
+        write(content, true);
+        writeElementEnd(name);
+        scope.dismiss();
+    }
+    writeNewLine();
+}
+
+void QeXmlWriter::writeSimpleElement(const QeCString& name, const QeCString& content, const QeCString& typeName,
+                                     bool withType) {
+    writeSimpleElement(QeXmlName(name), content, typeName, withType);
+}
+
+// Writes into the slot that the last call left, so that nothing is allocated for the long URI.
+void QeXmlWriter::addTypeAttribute(QeXmlAttributeSet& attributes, const QeCString& typeName) {
+    attributes.attributes.reserveSlots(1);
+    QeXmlAttribute& type = attributes.attributes[0];
+    type.getName().setLocalName("type");
+    type.getName().setNamespace(QeXmlNamespace::getXsi());
+    type.setValue(typeName);
+    attributes.attributes.append();
+}
+
+// The whole end tag, or the start tag up to where the attributes begin.
+void QeXmlWriter::writeTag(Tag kind, const QeXmlName& name) {
+    const QeCString& prefix = name.getNamespace().getPrefix();
+    OutputBuffer buffer(prefix.length() + name.getLocalName().length() + 4);  // with `</:>`
+    char* end = put(buffer.begin(), "<");
+    if (kind == Tag::End) end = put(end, "/");
+    end = putName(end, prefix, name.getLocalName());
+    if (kind == Tag::End) end = put(end, ">");
+    Borrowed<QeCString> tag(spare.tag);
+    tag->assign(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
+    write(*tag, false);
+}
+
+// --- The sink.
+
+// The string is kept for the next call, unless it has become large.
+void QeXmlWriter::writeToSink(const char* bytes, unsigned length) {
+    if (length > OutputBuffer::LocalSize) return writeToSink(QeCString(bytes, length));
+    Borrowed<QeCString> string(spare.bytes);
+    string->assign(bytes, length);
+    writeToSink(*string);
+}
+
+void QeXmlWriter::writeToSinkInPieces(const char* bytes, std::size_t length) {
+    tessit::inPieces(bytes, length, [this](const char* piece, unsigned count) { writeToSink(piece, count); });
+}
+
+// --- Namespaces.
+
+bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
+    return addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI());
+}
+
+// A URI that is bound to another prefix counts as declared. Returns whether the binding was added.
+bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri) {
+    if (uri.empty()) return false;
+    const bool necessary =
+        prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : namespaces.getPrefixForURI(uri).empty();
+    if (necessary) namespaces.addBinding(prefix, uri);
+    return necessary;
+}
+
+// A declaration is an attribute in no namespace. The reverse is taken for granted
+// too: whatever attribute is in no namespace binds its local name to its value.
+// Returns whether a binding was added that is not such an attribute's own.
+bool QeXmlWriter::addNamespacesOf(const QeXmlAttributeSet& attributes) {
+    bool added = false;
+    for (const QeXmlAttribute& attribute : attributes) {
+        const QeXmlName& name = attribute.getName();
+        if (name.getNamespace().getURI().empty()) {
+            addNamespaceToScopeIfNecessary(name.getLocalName(), attribute.getValue());
+        } else {
+            added |= addNamespaceToScopeIfNecessary(name.getNamespace());
+        }
+    }
+    return added;
+}
+
+std::span<const QeXmlNamespace> QeXmlWriter::innermostBindings() const noexcept {
+    return {namespaces.namespacesBegin(), namespaces.namespacesEnd()};
+}
+
+bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations) const {
+    const std::span bindings = innermostBindings();
+    return std::all_of(bindings.begin(), bindings.end(), [&](const QeXmlNamespace& binding) {
+        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
+        return declaration != nullptr && declaration->getValue() == binding.getURI();
+    });
+}
+
+// Makes `completed` the set with the bindings of the innermost scope among its
+// attributes. Of several bindings of one prefix the last one stays.
+void QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                          QeXmlAttributeSet& completed) const {
+    completed.assignInPlace(attributes);
+    for (const QeXmlNamespace& binding : innermostBindings()) {
+        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
+        if (declaration != nullptr)
+            completed.attributes[static_cast<std::size_t>(declaration - attributes.begin())].setValue(binding.getURI());
+    }
+    for (const QeXmlNamespace& binding : innermostBindings())
+        if (declarations.find(binding.getPrefix()) == nullptr) completed.addNamespaceAttribute(binding);
+}

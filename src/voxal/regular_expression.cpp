@@ -1,0 +1,180 @@
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <string>
+#include <string_view>
+#include <unicode/uregex.h>
+#include <voxal/regular_expression.h>
+
+namespace {
+
+struct Reason {
+    UErrorCode code;
+    const char* words;
+};
+
+constexpr Reason Reasons[] = {
+    {U_ILLEGAL_CHAR_FOUND, "unknown character name"},
+    {U_ILLEGAL_ARGUMENT_ERROR, "unknown character property"},
+    {U_REGEX_INTERNAL_ERROR, "groups or sets are nested too deeply"},
+    {U_REGEX_RULE_SYNTAX, "this cannot stand here"},
+    {U_REGEX_BAD_ESCAPE_SEQUENCE, "unknown escape sequence"},
+    {U_REGEX_PROPERTY_SYNTAX, "unknown character property"},
+    {U_REGEX_UNIMPLEMENTED, "this is not supported"},
+    {U_REGEX_MISMATCHED_PAREN, "a parenthesis has no counterpart"},
+    {U_REGEX_NUMBER_TOO_BIG, "the number is too large"},
+    {U_REGEX_BAD_INTERVAL, "a repetition in braces is incomplete"},
+    {U_REGEX_MAX_LT_MIN, "the repetition's maximum is less than its minimum"},
+    {U_REGEX_INVALID_BACK_REF, "there is no group of that number"},
+    {U_REGEX_INVALID_FLAG, "unknown flag"},
+    {U_REGEX_LOOK_BEHIND_LIMIT, "what stands behind the place must have a limited length"},
+    {U_REGEX_MISSING_CLOSE_BRACKET, "a set has no closing bracket"},
+    {U_REGEX_INVALID_RANGE, "the range has no end, or one before its beginning"},
+    {U_REGEX_PATTERN_TOO_BIG, "the pattern is too large"},
+    {U_REGEX_INVALID_CAPTURE_GROUP_NAME, "unknown or malformed group name"},
+};
+
+const char* describe(UErrorCode code) {
+    const auto found = std::find_if(std::begin(Reasons), std::end(Reasons),
+                                    [code](const Reason& reason) { return reason.code == code; });
+    return found != std::end(Reasons) ? found->words : u_errorName(code);
+}
+
+QeCString quote(const QeCString& pattern) {
+    return "'" + pattern + "'";
+}
+
+[[noreturn]] void raiseInvalid(const QeCString& pattern, const std::string& place, const char* reason) {
+    throw QeURegexError("Invalid pattern " + quote(pattern) + place + ": " + reason);
+}
+
+// ICU does not know the place of every error; lines and characters count from 1.
+std::string describePlace(const UParseError& error) {
+    if (error.line < 1) return "";
+    return " at line " + std::to_string(error.line) + ", character " + std::to_string(error.offset);
+}
+
+// How many bytes a unit takes in UTF-8. Of a surrogate pair's four, each has two.
+std::size_t utf8Length(char16_t unit) {
+    const bool isSurrogate = (unit & 0xF800) == 0xD800;
+    return unit < 0x80 ? 1 : unit < 0x800 || isSurrogate ? 2 : 3;
+}
+
+// A pattern is its author's own text: what is not UTF-8 in it is a mistake, and
+// not to be replaced silently. `units` is the pattern with replacements.
+void requireUtf8(const QeCString& pattern, std::u16string_view units) {
+    std::size_t at = 0;
+    for (const char16_t unit : units) {
+        if (unit == 0xFFFD && !pattern.substring(at).starts_with("\xEF\xBF\xBD"))
+            raiseInvalid(pattern, " at byte " + std::to_string(at), "malformed UTF-8");
+        at += utf8Length(unit);
+    }
+}
+
+void requireSuccess(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    if (U_FAILURE(status)) throw QeURegexError(u_errorName(status));
+}
+
+}  // namespace
+
+void QeURegularExpression::Close::operator()(URegularExpression* expression) const noexcept {
+    uregex_close(expression);
+}
+
+QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(source) {
+    if (pattern.length() > LongestPattern)
+        throw QeURegexError(QeCString(std::string_view("Invalid pattern: its " + std::to_string(pattern.length()) +
+                                                       " bytes are more than " + std::to_string(LongestPattern))));
+    const QeUString text(pattern);
+    requireUtf8(pattern, text.units());
+    const std::u16string_view units = pattern.empty() ? u"(?:)" : text.units();  // ICU refuses an empty one
+    UParseError place{};
+    UErrorCode status = U_ZERO_ERROR;
+    const auto length = static_cast<std::int32_t>(units.size());
+    // Other dialects' escapes would stand for their letters otherwise, and patterns silently mean something else.
+    compiled.reset(uregex_open(units.data(), length, UREGEX_ERROR_ON_UNKNOWN_ESCAPES, &place, &status));
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    if (U_FAILURE(status)) raiseInvalid(pattern, describePlace(place), describe(status));
+}
+
+namespace {
+
+bool isBackReference(std::string_view at) {
+    return at.size() > 1 && at[0] == '\\' && ((at[1] >= '1' && at[1] <= '9') || at[1] == 'k');
+}
+
+// With blanks allowed inside (flag x), a group of this kind can be written in other ways: then the flag counts.
+bool opensFarSightedGroup(std::string_view at) {
+    if (!at.starts_with("(?")) return false;
+    at.remove_prefix(2);
+    for (const char* kind : {"=", "!", ">", "<=", "<!"})
+        if (at.starts_with(kind)) return true;
+    return at.substr(0, at.find_first_of(":)")).find('x') != std::string_view::npos;
+}
+
+// Whether one step may run over the whole text: look-around, atomic groups and
+// back references do. Does not tell quoted text apart, which costs such a
+// pattern no more than a smaller budget.
+bool looksFar(std::string_view pattern) {
+    for (std::size_t at = 0; (at = pattern.find_first_of("\\(", at)) != std::string_view::npos; ++at)
+        if (isBackReference(pattern.substr(at)) || opensFarSightedGroup(pattern.substr(at))) return true;
+    return false;
+}
+
+// How much costlier a step is than in a simple pattern: each one saves the state
+// of all groups and repetitions.
+std::int64_t stepWeight(std::string_view pattern) {
+    const auto holdsState = [](char byte) { return std::string_view("({*+?").find(byte) != std::string_view::npos; };
+    return 1 + std::count_if(pattern.begin(), pattern.end(), holdsState) / 64;
+}
+
+// The limit that ICU is given, in its unit of ten thousand steps.
+std::int32_t timeLimit(std::string_view pattern, std::int64_t textLength) {
+    constexpr std::int64_t StepsPerUnitOfTime = 10'000;
+    constexpr std::int64_t Steps = 10'000'000, StepsPerUnitOfText = 64;
+    constexpr std::int64_t FarSightedVisits = 4'000'000'000;  // units of text looked at, in all steps together
+    std::int64_t steps = Steps + StepsPerUnitOfText * textLength;
+    if (looksFar(pattern)) steps = std::min(steps, FarSightedVisits / std::max<std::int64_t>(textLength, 1));
+    const std::int64_t limit = steps / stepWeight(pattern) / StepsPerUnitOfTime;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(limit, 1, std::numeric_limits<std::int32_t>::max()));
+}
+
+std::int32_t stackLimit(std::int64_t textLength) {
+    constexpr std::int64_t MiB = 1024 * 1024;
+    return static_cast<std::int32_t>(std::min(8 * MiB + 128 * textLength, 512 * MiB));
+}
+
+}  // namespace
+
+void QeURegularExpression::setLimits(std::size_t textLength) {
+    const auto length = static_cast<std::int64_t>(textLength);
+    UErrorCode status = U_ZERO_ERROR;
+    uregex_setTimeLimit(compiled.get(), timeLimit(pattern, length), &status);
+    uregex_setStackLimit(compiled.get(), stackLimit(length), &status);
+    requireSuccess(status);
+}
+
+// Lets go of the caller's text, and of the stack that a long one made grow.
+void QeURegularExpression::releaseText() noexcept {
+    constexpr std::int32_t KeptStack = 64 * 1024;
+    UErrorCode status = U_ZERO_ERROR;
+    uregex_setText(compiled.get(), u"", 0, &status);
+    uregex_setStackLimit(compiled.get(), KeptStack, &status);
+}
+
+QeURegexResult QeURegularExpression::search(const QeUString& text) {
+    const std::u16string_view units = text.units();
+    setLimits(units.size());
+    UErrorCode status = U_ZERO_ERROR;
+    uregex_setText(compiled.get(), units.data(), static_cast<std::int32_t>(units.size()), &status);
+    const bool found = uregex_find(compiled.get(), 0, &status);
+    releaseText();
+    if (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW)
+        throw QeURegexError("Pattern " + quote(pattern) + " takes too " +
+                            (status == U_REGEX_TIME_OUT ? "many steps" : "much memory") + " on a text of " +
+                            std::to_string(units.size()) + " UTF-16 units");
+    requireSuccess(status);
+    return QeURegexResult(found);
+}

@@ -1,0 +1,151 @@
+#include <ctime>
+#include <functional>
+#include <gtest/gtest.h>
+
+#include <corvel/date_time.h>
+#include <corvel/value_error.h>
+
+namespace {
+
+QeCString format(const QeDateTime& when, const QeCString& directives, const QeZone& zone = QeZone::utc()) {
+    return when.asString(directives, QeLocale::defaultLocale(), zone);
+}
+
+QeCString isoText(const QeDateTime& when, const QeZone& zone) {
+    return when.asString(QeDateTime::Iso8601, QeLocale::defaultLocale(), zone);
+}
+
+// Counts days as a child would, from the first of the year 1 to the last of 9999.
+TEST(QeDate, AgreesWithCountingTheDays) {
+    std::int64_t number = -719'162;
+    for (int year = 1; year <= 9999; ++year) {
+        const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+        const int lengths[] = {31, leap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+        for (int month = 1; month <= 12; ++month)
+            for (int day = 1; day <= lengths[month - 1]; ++day, ++number) {
+                const QeDate date(day, month, year);
+                ASSERT_EQ(date.dayNumber(), number) << year << '-' << month << '-' << day;
+                ASSERT_TRUE(date.year() == year && date.month() == month && date.dayOfMonth() == day) << number;
+            }
+    }
+    EXPECT_EQ(number, 2'932'897);
+}
+
+TEST(QeDate, ReachesItsLastYearAndStopsThere) {
+    const QeDate last(31, 12, QeDate::MaxYear);
+    const QeDate first(1, 1, -QeDate::MaxYear);
+    EXPECT_EQ(QeDate::fromDayNumber(last.dayNumber()), last);
+    EXPECT_EQ(QeDate::fromDayNumber(last.dayNumber() + 1), last);
+    EXPECT_EQ(QeDate::fromDayNumber(INT64_MAX), last);
+    EXPECT_EQ(QeDate::fromDayNumber(INT64_MIN), first);
+    EXPECT_LT(first, last);
+    EXPECT_EQ(last.dayNumber() - first.dayNumber() + 1, 2 * 146'097LL * 2'500'000'000 - 366);
+
+    const QeDateTime beyond(last, 23, 59, 59, 999, QeZone(-840));  // a day that only UTC has
+    EXPECT_EQ(beyond.date(QeZone::utc()), last);
+    EXPECT_EQ(beyond.date(QeZone(-840)), last);
+}
+
+TEST(QeDateTime, ReadsBackInTheZoneItWasMadeIn) {
+    for (int offset = -QeZone::MaxOffset; offset <= QeZone::MaxOffset; ++offset)
+        for (int hour = 0; hour < 24; ++hour) {
+            SCOPED_TRACE(testing::Message() << offset << " minutes, hour " << hour);
+            const QeZone zone(offset);
+            const QeDateTime when(QeDate(1, 3, 1900), hour, 59, 58, 997, zone);
+            ASSERT_EQ(when.date(zone), QeDate(1, 3, 1900));
+            ASSERT_EQ(when.hour(zone) * 60 + when.minute(zone), hour * 60 + 59);
+            ASSERT_EQ(when.second() * 1000 + when.milliSecond(), 58'997);
+            const int minuteInUtc = hour * 60 + 59 - offset;
+            const int day = minuteInUtc < 0 ? 28 : minuteInUtc >= 24 * 60 ? 2 : 1;
+            ASSERT_EQ(when.dayOfMonthGMT(), day);
+            ASSERT_EQ(when.hourGMT() * 60 + when.minuteGMT(), (minuteInUtc + 24 * 60) % (24 * 60));
+        }
+}
+
+TEST(QeDateTime, WritesTheZoneAndOnlyTheFractionThereIs) {
+    const struct {
+        int millisecond;
+        int offset;
+        const char* text;
+    } cases[] = {
+        {0, 0, "2003-05-20T09:01:08Z"},         {250, 0, "2003-05-20T09:01:08,25Z"},
+        {7, 0, "2003-05-20T09:01:08,007Z"},     {100, 120, "2003-05-20T11:01:08,1+02:00"},
+        {0, -570, "2003-05-19T23:31:08-09:30"}, {0, -30, "2003-05-20T08:31:08-00:30"},
+    };
+    for (const auto& [millisecond, offset, text] : cases) {
+        const QeDateTime when(QeDate(20, 5, 2003), 9, 1, 8, millisecond, QeZone::utc());
+        EXPECT_EQ(isoText(when, QeZone(offset)), text);
+    }
+}
+
+// The C library, in the C locale, as the judge; it writes years of four digits as we do.
+TEST(QeDateTime, FormatsAsTheCLibraryDoes) {
+    const char all[] =
+        "%C|%d|%e|%G|%g|%H|%I|%j|%M|%m|%S|%U|%u|%V|%W|%w|%Y|%y|%A|%a|%B|%b|%c|%D|%F|%h|%n|%p|%R|%r|%T|%t|%X|%x|%%";
+    for (std::time_t second = -30'610'224'000; second < 32'535'216'000; second += 86'400 * 61 + 3'607) {
+        std::tm fields{};
+        ASSERT_NE(gmtime_r(&second, &fields), nullptr);
+        char expected[400];
+        ASSERT_GT(std::strftime(expected, sizeof expected, all, &fields), 0U);
+        const QeDateTime when(QeDate(fields.tm_mday, fields.tm_mon + 1, fields.tm_year + 1900), fields.tm_hour,
+                              fields.tm_min, fields.tm_sec, 0, QeZone::utc());
+        ASSERT_EQ(format(when, all), expected);
+    }
+}
+
+TEST(QeDateTime, FormatsWhatTheCLibraryDoesNot) {
+    const struct {
+        std::int64_t year;
+        const char* directives;
+        const char* text;
+    } cases[] = {
+        {33, "%Y %C %y %G", "0033 00 33 0033"},
+        {-1, "%Y %C %y %F", "-0001 -01 99 -0001-05-20"},
+        {12'003, "%Y %C %y", "12003 120 03"},
+        {4'294'967'296, "%Y-%m-%d", "4294967296-05-20"},
+        {2003, "%Z %z", "-03:30 -0330"},
+        {2003, "%EY %Od %E", "2003 20 %E"},  // modifiers change nothing, and are no directives
+        {2003, "%Q %", "%Q %"},              // neither is this
+        {2003, "%%Y 100%", "%Y 100%"},
+        {2003, "", ""},
+    };
+    for (const auto& [year, directives, text] : cases)
+        EXPECT_EQ(format(QeDateTime(QeDate(20, 5, year), 9, 1, 8, 0, QeZone(-210)), directives, QeZone(-210)), text);
+    EXPECT_EQ(format(QeDateTime(), QeCString("%Y\0%m", 5)), QeCString("1970\0"
+                                                                      "01",
+                                                                      7));
+}
+
+TEST(QeDateTime, RefusesFieldsThatDoNotExist) {
+    const auto time = [](int hour, int minute, int second, int millisecond) {
+        return [=] { QeDateTime(QeDate(), hour, minute, second, millisecond, QeZone::utc()); };
+    };
+    const auto date = [](int day, int month, std::int64_t year) { return [=] { QeDate(day, month, year); }; };
+    const struct {
+        std::function<void()> make;
+        const char* msg;
+    } cases[] = {
+        {date(30, 2, 2004), "Expected a day of the month from 1 to 29, found 30"},
+        {date(0, 1, 2003), "Expected a day of the month from 1 to 31, found 0"},
+        {date(1, 13, 2003), "Expected a month from 1 to 12, found 13"},
+        {date(1, 257, 2003), "Expected a month from 1 to 12, found 257"},
+        {date(1, 1, INT64_MIN), "Expected a year from -999999999999 to 999999999999, found -9223372036854775808"},
+        {time(24, 0, 0, 0), "Expected an hour from 0 to 23, found 24"},
+        {time(0, -1, 0, 0), "Expected a minute from 0 to 59, found -1"},
+        {time(0, 0, 60, 0), "Expected a second from 0 to 59, found 60"},
+        {time(0, 0, 0, 1000), "Expected a millisecond from 0 to 999, found 1000"},
+        {[] { QeZone(841); }, "Expected a zone at most 840 minutes from UTC, found 841"},
+        {[] { QeZone(-841); }, "Expected a zone at most 840 minutes from UTC, found -841"},
+    };
+    for (const auto& [make, msg] : cases) {
+        try {
+            make();
+            ADD_FAILURE() << "accepted: " << msg;
+        } catch (const QeValueError& error) {
+            EXPECT_STREQ(error.why(), msg);
+            EXPECT_STREQ(error.what(), msg);
+        }
+    }
+}
+
+}  // namespace

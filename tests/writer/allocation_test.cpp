@@ -1,0 +1,135 @@
+// What writing costs in allocations, and what is left when one of them fails.
+
+#include <gtest/gtest.h>
+#include <new>
+#include <string>
+#include <writer/counting_new.h>
+#include <writer/logging_writer.h>
+
+#include <tessit/writer/xml_string_writer.h>
+
+namespace {
+
+// Its sink takes everything and keeps nothing.
+class Discarding : public QeXmlWriter {
+public:
+    void writeToSink(char) override {}
+    void writeToSink(const char*, unsigned) override {}
+    void writeToSink(const QeCString&) override {}
+    void flush() override {}
+};
+
+class DiscardingStrings : public QeXmlWriter {
+public:
+    using QeXmlWriter::writeToSink;
+    void writeToSink(char) override {}
+    void writeToSink(const QeCString&) override {}
+    void flush() override {}
+};
+
+const QeXmlNamespace Long("long", "http://example.com/a/uri/of/more/than/23/bytes");
+const QeXmlName Root("root-element-with-a-name-of-more-than-23-bytes", Long);
+const QeXmlName Item("item", QeXmlNamespace("i", "http://example.com/declared/by/each/item"));
+const QeCString ShortText("a text & <its> escapes");
+const QeCString LongText(std::string_view(std::string(900, 'x')));
+const QeCString LongValue(std::string_view(std::string(150, '"')));
+
+QeXmlAttributeSet someAttributes() {
+    QeXmlAttributeSet set;
+    set.add(QeXmlName("id"), "a value of more than 23 bytes");
+    set.add(QeXmlName("lang", QeXmlNamespace("l", "http://example.com/also/declared/by/each")), "de");
+    set.add(QeXmlName("quotes"), LongValue);
+    return set;
+}
+
+QeXmlAttributeSet manyAttributes() {
+    QeXmlAttributeSet set;
+    for (int i = 0; i < 30; ++i)
+        set.add(QeXmlName(QeCString("name") + std::to_string(i)), QeCString("value") + std::to_string(i));
+    set.begin();  // from now on it could be out of order
+    return set;
+}
+
+void writeOrdinary(QeXmlWriter& writer, const QeXmlAttributeSet& attributes) {
+    static const QeXmlAttributeSet many = manyAttributes();
+    writer.writeElementStart(Root, attributes, false);
+    writer.writeElementStart(Item, many, false);
+    writer.incrementIndent();
+    for (int i = 0; i < 10; ++i) {
+        writer.writeNewLine();
+        writer.writeElementStart(Item, attributes, false);
+        writer.write(ShortText, true);
+        writer.write(LongText, true);
+        writer.writeElementEnd(Item);
+        writer.writeSimpleElement(Item, ShortText, ShortText, true);
+    }
+    writer.decrementIndent();
+    writer.writeElementEnd(Item);
+    writer.writeElementEnd(Root);
+}
+
+TEST(Allocations, OrdinaryWritesMakeNoneOnceWarm) {
+    const QeXmlAttributeSet attributes = someAttributes();
+    Discarding bytes;
+    DiscardingStrings strings;
+    for (QeXmlWriter* writer : {static_cast<QeXmlWriter*>(&bytes), static_cast<QeXmlWriter*>(&strings)}) {
+        for (int i = 0; i < 100; ++i)  // until each string that is reused has held the longest text
+            writeOrdinary(*writer, attributes);
+        const std::size_t before = allocations;
+        writeOrdinary(*writer, attributes);
+        EXPECT_EQ(allocations - before, 0u);
+    }
+}
+
+// What is long takes one buffer of just its size, and that only if there is something to escape.
+TEST(Allocations, LongTextsTakeOneBuffer) {
+    const QeCString plain(std::string_view(std::string(100000, 'x')));
+    const QeCString special = plain + "&";
+    Discarding writer;
+    const std::size_t before = allocations;
+    writer.write(plain, true);
+    EXPECT_EQ(allocations - before, 0u);
+    writer.write(special, true);
+    writer.writeAttribute("a", plain, true);
+    EXPECT_EQ(allocations - before, 2u);
+}
+
+TEST(Allocations, TheStringGrowsByParts) {
+    QeXmlStringWriter writer;
+    const std::size_t before = allocations;
+    for (int i = 0; i < 1000000; ++i)
+        writer.write("0123456789", false);
+    EXPECT_LT(allocations - before, 40u);
+    EXPECT_EQ(writer.getLength(), 10000000u);
+}
+
+// Whichever allocation fails, the call is as if it had not been made.
+TEST(Allocations, FailingOnesLeaveTheWriterUsable) {
+    const QeXmlAttributeSet attributes = someAttributes();
+    const auto outputOf = [&](long failing) {
+        LoggingWriter writer;
+        writer.calls.reserve(1 << 20);
+        writer.output.reserve(1 << 20);
+        allocationsUntilFailure = failing;
+        try {
+            writer.writeElementStart(Root, attributes, false);
+        } catch (const std::bad_alloc&) {
+            writer.output.clear();
+            writer.writeElementStart(Root, attributes, false);
+        }
+        const bool failed = allocationsUntilFailure < 0 && failing >= 0;
+        allocationsUntilFailure = -1;
+        writer.writeElementStart(Item, attributes, true);
+        writer.writeElementEnd(Root);
+        writer.writeElementStart(Root, attributes, true);
+        return std::make_pair(failed, writer.output);
+    };
+    const std::string expected = outputOf(-1).second;
+    for (long failing = 0;; ++failing) {
+        const auto [failed, output] = outputOf(failing);
+        EXPECT_EQ(output, expected) << "allocation " << failing;
+        if (!failed) break;
+    }
+}
+
+}  // namespace

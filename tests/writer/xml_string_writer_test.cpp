@@ -1,0 +1,170 @@
+#include <climits>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <tessit/writer/xml_string_writer.h>
+
+namespace {
+
+// Counts what goes through its slots, and shows where the bytes are: what only a flush brings into the string was
+// buffered.
+class CountingWriter : public QeXmlStringWriter {
+public:
+    using QeXmlStringWriter::writeToSink;
+    void writeToSink(const char* bytes, unsigned length) override {
+        ++blocks;
+        QeXmlStringWriter::writeToSink(bytes, length);
+    }
+    void flush() override {
+        ++flushes;
+        QeXmlStringWriter::flush();
+    }
+
+    int blocks = 0;
+    int flushes = 0;
+};
+
+std::string text(QeXmlStringWriter& writer) {
+    return std::string(writer.getString());
+}
+
+struct BoundaryCase {
+    unsigned buffered;  // bytes in the buffer before
+    unsigned length;    // of the block
+    int flushes;        // that the block needs
+};
+
+constexpr BoundaryCase Boundaries[] = {
+    {0, 1022, 0}, {0, 1023, 0},  // less than the free space
+    {0, 1024, 1},                // exactly the free space: flushed first
+    {0, 1025, 1}, {1, 1022, 0},   {1, 1023, 1}, {1, 1024, 1},
+    {1023, 0, 0}, {1023, 1, 1},   {1024, 0, 1},  // a full buffer has no free space at all
+    {1024, 1, 1}, {500, 2000, 1},
+};
+
+TEST(XmlStringWriter, BuffersBlocksUpToTheFreeSpace) {
+    for (const auto& [buffered, length, flushes] : Boundaries) {
+        SCOPED_TRACE(testing::Message() << length << " bytes behind " << buffered);
+        CountingWriter writer;
+        for (unsigned i = 0; i < buffered; ++i)
+            writer.writeToSink('a');
+        const std::string block(length, 'b');
+        writer.writeToSink(block.data(), length);
+        EXPECT_EQ(writer.flushes, flushes);
+        writer.writeToSink('c');
+        EXPECT_EQ(text(writer), std::string(buffered, 'a') + block + "c");
+    }
+}
+
+TEST(XmlStringWriter, BuffersSingleBytesUpToTheLast) {
+    CountingWriter writer;
+    for (int i = 0; i < 1024; ++i)
+        writer.writeToSink('a');
+    EXPECT_EQ(writer.flushes, 0);
+    writer.writeToSink('b');
+    EXPECT_EQ(writer.flushes, 1);
+    EXPECT_EQ(writer.getLength(), 1025u);
+    EXPECT_EQ(text(writer), std::string(1024, 'a') + "b");
+}
+
+TEST(XmlStringWriter, ReportsThroughTheSlots) {
+    CountingWriter writer;
+    writer.writeToSink(QeCString("abc"));
+    EXPECT_EQ(writer.blocks, 1);
+    EXPECT_EQ(std::as_const(writer).getLength(), 3u);
+    EXPECT_EQ(writer.flushes, 1);
+    EXPECT_EQ(writer.getString(), "abc");
+    EXPECT_EQ(writer.getString(), "abc");
+    EXPECT_EQ(writer.flushes, 3);
+    const QeXmlStringWriter constant;
+    EXPECT_EQ(constant.getLength(), 0u);
+}
+
+// The reserved memory is never touched, so that it costs no more than its addresses;
+// the address sanitizer, however, would keep books on all of it.
+TEST(XmlStringWriter, SplitsWhatTheBytesSlotCannotCount) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "takes half a gigabyte of the sanitizer's own memory";
+#endif
+    class Lengths : public QeXmlStringWriter {
+    public:
+        using QeXmlStringWriter::writeToSink;
+        void writeToSink(const char*, unsigned length) override { lengths.push_back(length); }
+        std::vector<unsigned> lengths;
+    };
+    QeCString text;
+    try {
+        text.reserve(std::size_t{UINT_MAX} + 10);
+    } catch (const std::bad_alloc&) {
+        GTEST_SKIP() << "needs 4 GiB of address space";
+    }
+    text.resizeForOverwrite(std::size_t{UINT_MAX} + 10);
+    Lengths writer;
+    writer.write(text, false);
+    writer.write("", false);
+    EXPECT_EQ(writer.lengths, (std::vector<unsigned>{UINT_MAX, 10, 0}));
+}
+
+// An override that does nothing would leave the buffer full, and the next byte without a place.
+TEST(XmlStringWriter, SurvivesAFlushThatDoesNotFlush) {
+    class Lazy : public QeXmlStringWriter {
+    public:
+        void flush() override {}
+    };
+    Lazy writer;
+    for (int i = 0; i < 3000; ++i)
+        writer.QeXmlStringWriter::writeToSink('a');
+    writer.QeXmlStringWriter::writeToSink(std::string(1000, 'b').data(), 1000);
+    writer.QeXmlStringWriter::flush();
+    EXPECT_EQ(text(writer), std::string(3000, 'a') + std::string(1000, 'b'));
+}
+
+TEST(XmlStringWriter, TakesTheLastByteBack) {
+    QeXmlStringWriter writer;
+    writer.removeLastCharFromSink('\n');
+    EXPECT_EQ(text(writer), "");
+    writer.write("x\n", false);
+    writer.writeNewLine();
+    writer.removeLastCharFromSink('x');  // not the last byte
+    writer.removeLastCharFromSink('\n');
+    writer.removeLastCharFromSink('\n');
+    writer.removeLastCharFromSink('\n');
+    EXPECT_EQ(text(writer), "x");
+    writer.removeLastCharFromSink('y');
+    writer.removeLastCharFromSink('x');  // from the string: nothing is buffered
+    writer.removeLastCharFromSink('x');
+    EXPECT_EQ(text(writer), "");
+}
+
+TEST(XmlStringWriter, CopiesShareNothing) {
+    auto original = std::make_unique<QeXmlStringWriter>();
+    original->write(QeCString(std::string_view(std::string(2000, 'a'))), false);
+    original->write("buffered", false);
+    QeXmlStringWriter copy(*original), assigned;
+    assigned.write("replaced", false);
+    assigned = *original;
+    const QeXmlStringWriter& itself = assigned;
+    assigned = itself;
+    copy.write(" copy", false);
+    original->write(" original", false);
+    const std::string both = std::string(2000, 'a') + "buffered";
+    EXPECT_EQ(text(*original), both + " original");
+    original.reset();
+    EXPECT_EQ(text(copy), both + " copy");
+    EXPECT_EQ(text(assigned), both);
+}
+
+TEST(XmlStringWriter, WritesADocument) {
+    QeXmlStringWriter writer;
+    writer.writeElementStart(QeXmlName("root"), QeXmlAttributeSet(), false);
+    writer.writeNewLine();
+    writer.incrementIndent();
+    writer.writeSimpleElement("item", "a<b", "", false);
+    writer.decrementIndent();
+    writer.writeElementEnd(QeXmlName("root"));
+    EXPECT_EQ(writer.getString(), "<root>\n  <item>a&lt;b</item>\n</root>");
+}
+
+}  // namespace

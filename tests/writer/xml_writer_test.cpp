@@ -1,0 +1,586 @@
+#include <climits>
+#include <gtest/gtest.h>
+#include <string>
+#include <writer/logging_writer.h>
+
+#include <tessit/writer/xml_writer.h>
+
+namespace {
+
+const QeXmlAttributeSet NoAttributes;
+const QeXmlNamespace NsU("p", "u");
+const QeXmlNamespace DefaultU("", "u");
+
+QeXmlAttributeSet attributes(std::initializer_list<QeXmlAttribute> list) {
+    QeXmlAttributeSet set;
+    for (const QeXmlAttribute& attribute : list)
+        set.add(attribute);
+    return set;
+}
+
+QeXmlAttributeSet declaring(std::initializer_list<QeXmlNamespace> list) {
+    QeXmlAttributeSet set;
+    for (const QeXmlNamespace& ns : list)
+        set.addNamespaceAttribute(ns);
+    return set;
+}
+
+void start(QeXmlWriter& writer, const QeXmlName& name, const QeXmlAttributeSet& set = NoAttributes) {
+    writer.writeElementStart(name, set, false);
+}
+
+void empty(QeXmlWriter& writer, const QeXmlName& name, const QeXmlAttributeSet& set = NoAttributes) {
+    writer.writeElementStart(name, set, true);
+}
+
+struct CallCase {
+    const char* reason;
+    void (*write)(QeXmlWriter&);
+    const char* calls;  // c: byte, b: bytes, s: string
+};
+
+const CallCase Calls[] = {
+    {"a tag is one string",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU}, declaring({NsU}));
+     },
+     "|s:<p:e|b: xmlns:p=\"u\"|s:>"},
+    {"attributes come in the set's order",
+     [](QeXmlWriter& w) {
+         empty(w, {"e"}, attributes({{"b", "2", {}}, {"a", "1", {}}}));
+     },
+     "|s:<e|b: a=\"1\"|b: b=\"2\"|s:/>"},
+    {"an end tag is one string",
+     [](QeXmlWriter& w) {
+         w.writeElementEnd({"e", NsU});
+     },
+     "|s:</p:e>"},
+    {"escaped text is one call", [](QeXmlWriter& w) { w.write("a<b & c>d\r", true); }, "|b:a&lt;b &amp; c&gt;d&#xD;"},
+    {"so is text with nothing to escape", [](QeXmlWriter& w) { w.write("\"it's\"\t\n\xC3\xA9", true); },
+     "|b:\"it's\"\t\n\xC3\xA9"},
+    {"and so is no text", [](QeXmlWriter& w) { w.write("", true); }, "|b:"},
+    {"other text is passed on", [](QeXmlWriter& w) { w.write("<!--&-->", false); }, "|s:<!--&-->"},
+    {"attribute by string", [](QeXmlWriter& w) { w.writeAttribute("p:a", "<", true); }, "|b: p:a=\"&lt;\""},
+    {"attribute by name declares nothing", [](QeXmlWriter& w) { w.writeAttribute(QeXmlName("a", NsU), "v", true); },
+     "|b: p:a=\"v\""},
+    {"attribute not escaped", [](QeXmlWriter& w) { w.writeAttribute("a", "\"&", false); }, "|b: a=\"\"&\""},
+    {"a line feed is a byte, and nothing is indented by 0",
+     [](QeXmlWriter& w) {
+         w.writeNewLine();
+         w.write("x", false);
+     },
+     "|c:\n|s:x"},
+    {"indentation is bytes, and written once",
+     [](QeXmlWriter& w) {
+         w.setCurrentIndent(2);
+         w.write("x", true);
+         w.writeNewLine();
+         w.writeIndentChars();
+         w.writeIndentChars();
+         w.write("y", true);
+     },
+     "|b:x|c:\n|c: |c: |b:y"},
+    {"indentation comes before text, attribute and tag alike",
+     [](QeXmlWriter& w) {
+         w.setCurrentIndent(1);
+         w.writeNewLine();
+         w.writeAttribute("a", "1", true);
+         w.writeNewLine();
+         w.write("t", false);
+         w.writeNewLine();
+         empty(w, {"e"}, attributes({{"a", "1", {}}}));
+         w.writeNewLine();
+         w.writeElementEnd({"e"});
+     },
+     "|c:\n|c: |b: a=\"1\"|c:\n|c: |s:t|c:\n|c: |s:<e|b: a=\"1\"|s:/>|c:\n|c: |s:</e>"},
+    {"a simple element", [](QeXmlWriter& w) { w.writeSimpleElement("e", "a<b", "", false); },
+     "|s:<e|s:>|b:a&lt;b|s:</e>|c:\n"},
+    {"a simple element without content", [](QeXmlWriter& w) { w.writeSimpleElement("flag", "", "", false); },
+     "|s:<flag|s:/>|c:\n"},
+    {"a simple element with a name that looks qualified",
+     [](QeXmlWriter& w) { w.writeSimpleElement("q:e", "1", "", false); }, "|s:<q:e|s:>|b:1|s:</q:e>|c:\n"},
+    {"a simple element with its type",
+     [](QeXmlWriter& w) { w.writeSimpleElement(QeXmlName("count"), "5", "xsd:int", true); },
+     "|s:<count|b: xsi:type=\"xsd:int\"|b: xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"|s:>|b:5|s:</count>"
+     "|c:\n"},
+};
+
+TEST(XmlWriter, MakesTheseSinkCalls) {
+    for (const auto& [reason, write, calls] : Calls) {
+        SCOPED_TRACE(reason);
+        LoggingWriter writer;
+        write(writer);
+        EXPECT_EQ(writer.calls, calls);
+    }
+}
+
+TEST(XmlWriter, PassesBytesOnAsAStringWhereTheSinkTakesNone) {
+    for (const std::size_t length : {std::size_t{0}, std::size_t{5}, std::size_t{1024}, std::size_t{1025}}) {
+        StringsOnlyWriter writer;
+        const QeCString text(std::string_view(std::string(length, 'x')));
+        writer.write(text, true);
+        writer.write("y", true);
+        EXPECT_EQ(writer.calls, QeCString("|s:") + std::string(length, 'x') + "|s:y");
+    }
+}
+
+struct EscapeCase {
+    const char* value;
+    const char* written;
+};
+
+constexpr EscapeCase Values[] = {
+    {"a\"b'c<d>e&f", "a&quot;b&apos;c&lt;d&gt;e&amp;f"},
+    {"x&amp;y", "x&amp;y"},
+    {"&lt;&gt;&quot;&apos;&amp;", "&lt;&gt;&quot;&apos;&amp;"},
+    {"x&amp", "x&amp;amp"},                                      // not complete
+    {"&AMP;&nbsp;&#10;&", "&amp;AMP;&amp;nbsp;&amp;#10;&amp;"},  // not one of the five
+    {"&amp;amp;", "&amp;amp;"},
+    {"&&lt;", "&amp;&lt;"},
+    {"\r\n\t", "\r\n\t"},
+    {"", ""},
+};
+
+TEST(XmlWriter, EscapesValuesButNotTwice) {
+    for (const auto& [value, written] : Values) {
+        LoggingWriter writer;
+        writer.writeAttribute("a", value, true);
+        EXPECT_EQ(writer.output, QeCString(" a=\"") + written + "\"");
+    }
+}
+
+TEST(XmlWriter, EscapesEveryAmpersandInText) {
+    LoggingWriter writer;
+    writer.write("x&amp;y &lt; say \"hi\" & bye\r", true);
+    EXPECT_EQ(writer.output, "x&amp;amp;y &amp;lt; say \"hi\" &amp; bye&#xD;");
+}
+
+TEST(XmlWriter, WritesLongValuesInOneCall) {
+    for (const std::size_t length : {170u, 171u, 204u, 205u, 1018u, 1019u, 1024u, 5000u}) {
+        const std::string quotes(length, '"');
+        std::string escaped;
+        for (std::size_t i = 0; i < length; ++i)
+            escaped += "&quot;";
+        LoggingWriter writer;
+        writer.writeAttribute("a", QeCString(std::string_view(quotes)), true);
+        writer.writeAttribute("a", QeCString(std::string_view(quotes)), false);
+        writer.write(QeCString(std::string_view(quotes + "&")), true);
+        EXPECT_EQ(writer.calls, QeCString("|b: a=\"") + escaped + "\"|b: a=\"" + quotes + "\"|b:" + quotes + "&amp;");
+    }
+}
+
+struct NamespaceCase {
+    const char* reason;
+    void (*write)(QeXmlWriter&);
+    const char* output;
+};
+
+const NamespaceCase Namespaces[] = {
+    {"child in force, sibling declared again",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         empty(w, {"f", NsU});
+         w.writeElementEnd({"e", NsU});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><p:f/></p:e><p:g xmlns:p=\"u\"/>"},
+    {"an empty element closes its scope",
+     [](QeXmlWriter& w) {
+         empty(w, {"e", NsU});
+         empty(w, {"f", NsU});
+     },
+     "<p:e xmlns:p=\"u\"/><p:f xmlns:p=\"u\"/>"},
+    {"default namespace, its child, and a child in another",
+     [](QeXmlWriter& w) {
+         start(w, {"e", DefaultU});
+         start(w, {"f", DefaultU});
+         start(w, {"g", {"", "v"}});
+         empty(w, {"h", DefaultU});
+     },
+     "<e xmlns=\"u\"><f><g xmlns=\"v\"><h xmlns=\"u\"/>"},
+    {"a URI bound as default only is declared for a prefix",
+     [](QeXmlWriter& w) {
+         start(w, {"e", DefaultU});
+         empty(w, {"f", NsU});
+     },
+     "<e xmlns=\"u\"><p:f xmlns:p=\"u\"/>"},
+    {"also where a prefix is bound to it further out",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         start(w, {"f", DefaultU});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><f xmlns=\"u\"><p:g xmlns:p=\"u\"/>"},
+    {"a prefix that is hidden counts as bound",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         start(w, {"f", {"p", "v"}});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><p:f xmlns:p=\"v\"><p:g/>"},
+    {"the end of a default namespace is noticed when the writer is told",
+     [](QeXmlWriter& w) {
+         QeXmlAttributeSet set;
+         set.unsetDefaultNamespaceAttribute();
+         start(w, {"e", DefaultU});
+         start(w, {"f"}, set);
+         empty(w, {"g", DefaultU});
+         w.addNamespace(QeXmlNamespace::getEmptyNamespace());
+         empty(w, {"h", DefaultU});
+     },
+     "<e xmlns=\"u\"><f xmlns=\"\"><g/><h xmlns=\"u\"/>"},
+    {"a URI bound to a prefix is declared as default",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         empty(w, {"f", DefaultU});
+     },
+     "<p:e xmlns:p=\"u\"><f xmlns=\"u\"/>"},
+    {"a URI bound to another prefix counts as declared",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         empty(w, {"f", {"q", "u"}});
+     },
+     "<p:e xmlns:p=\"u\"><q:f/>"},
+    {"a declaration in the set is written whatever is in force",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         empty(w, {"f", {"q", "u"}}, declaring({{"q", "u"}}));
+     },
+     "<p:e xmlns:p=\"u\"><q:f xmlns:q=\"u\"/>"},
+    {"and is not written twice",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU}, declaring({NsU, {"q", "v"}}));
+         empty(w, {"f", {"q", "v"}});
+     },
+     "<p:e xmlns:p=\"u\" xmlns:q=\"v\"><q:f/>"},
+    {"a prefix bound anew within",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         empty(w, {"f", {"p", "v"}});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><p:f xmlns:p=\"v\"/><p:g/>"},
+    {"no namespace is not declared, even inside a default one",
+     [](QeXmlWriter& w) {
+         start(w, {"e", DefaultU});
+         empty(w, {"f"});
+         empty(w, {"g", {"p", ""}});
+     },
+     "<e xmlns=\"u\"><f/><p:g/>"},
+    {"the namespace of an attribute, in the order of local names",
+     [](QeXmlWriter& w) {
+         empty(w, {"e"}, attributes({{"a", "1", {"m", "u"}}, {"z", "2", {"b", "v"}}, {"y", "3", {"m", "u"}}}));
+     },
+     "<e m:a=\"1\" xmlns:b=\"v\" xmlns:m=\"u\" m:y=\"3\" b:z=\"2\"/>"},
+    {"two prefixes for one URI in a tag: the first one is declared",
+     [](QeXmlWriter& w) {
+         empty(w, {"e", NsU}, attributes({{"a", "1", {"q", "u"}}}));
+     },
+     "<p:e q:a=\"1\" xmlns:p=\"u\"/>"},
+    {"one prefix for two URIs in a tag: the last one is declared",
+     [](QeXmlWriter& w) {
+         empty(w, {"e", NsU}, attributes({{"a", "1", {"p", "v"}}}));
+     },
+     "<p:e p:a=\"1\" xmlns:p=\"v\"/>"},
+    {"an attribute without a prefix in a namespace declares the default",
+     [](QeXmlWriter& w) {
+         empty(w, {"e"}, attributes({{"a", "1", DefaultU}}));
+     },
+     "<e xmlns=\"u\" a=\"1\"/>"},
+    {"the default declaration of the set stands beside the writer's own",
+     [](QeXmlWriter& w) {
+         QeXmlAttributeSet set;
+         set.setDefaultNamespaceAttribute("u");
+         empty(w, {"e", DefaultU}, set);
+         empty(w, {"f"}, set);
+     },
+     "<e xmlns=\"u\" xmlns=\"u\"/><f xmlns=\"u\"/>"},
+    {"a plain attribute binds its name to its value",
+     [](QeXmlWriter& w) {
+         start(w, {"e"}, attributes({{"target", "u", {}}}));
+         empty(w, {"f", NsU});
+         w.writeElementEnd({"e"});
+         empty(w, {"g", NsU});
+     },
+     "<e target=\"u\"><p:f/></e><p:g xmlns:p=\"u\"/>"},
+    {"but not when the value is bound already",
+     [](QeXmlWriter& w) {
+         start(w, {"e"}, attributes({{"a", "v", {}}, {"b", "v", {}}}));
+         start(w, {"f", {"b", "w"}});
+         empty(w, {"g", {"q", "v"}});
+     },
+     "<e a=\"v\" b=\"v\"><b:f xmlns:b=\"w\"><q:g/>"},
+    {"a plain attribute gives way to a prefix of its name",
+     [](QeXmlWriter& w) {
+         empty(w, {"e"}, attributes({{"p", "1", {}}, {"x", "2", NsU}}));
+     },
+     "<e p=\"u\" p:x=\"2\"/>"},
+    {"unless its own binding comes later",
+     [](QeXmlWriter& w) {
+         empty(w, {"e", NsU}, attributes({{"p", "1", {}}}));
+     },
+     "<p:e p=\"1\"/>"},
+    {"a plain attribute with an empty value binds nothing",
+     [](QeXmlWriter& w) {
+         empty(w, {"e", NsU}, attributes({{"p", "", {}}}));
+     },
+     "<p:e p=\"u\"/>"},
+    {"a plain attribute without a name binds the default",
+     [](QeXmlWriter& w) {
+         start(w, {"e"}, declaring({DefaultU}));
+         empty(w, {"f", DefaultU});
+     },
+     "<e xmlns=\"u\"><f/>"},
+    {"bound before the first element: never declared",
+     [](QeXmlWriter& w) {
+         w.addNamespace(NsU);
+         w.addNamespace({"", "v"});
+         start(w, {"e", NsU});
+         w.writeElementEnd({"e", NsU});
+         empty(w, {"f", {"", "v"}});
+     },
+     "<p:e></p:e><f/>"},
+    {"bound in an element: until it ends",
+     [](QeXmlWriter& w) {
+         start(w, {"e"});
+         w.addNamespace(NsU);
+         empty(w, {"f", NsU});
+         w.writeElementEnd({"e"});
+         empty(w, {"g", NsU});
+     },
+     "<e><p:f/></e><p:g xmlns:p=\"u\"/>"},
+    {"more ends than starts: the document's bindings stay",
+     [](QeXmlWriter& w) {
+         w.addNamespace(NsU);
+         start(w, {"e"});
+         for (int i = 0; i < 3; ++i)
+             w.writeElementEnd({"e"});
+         w.addNamespace({"q", "v"});
+         start(w, {"f", NsU});
+         empty(w, {"g", {"q", "v"}});
+     },
+     "<e></e></e></e><p:f><q:g/>"},
+};
+
+TEST(XmlWriter, DeclaresNamespacesByTheseRules) {
+    for (const auto& [reason, write, output] : Namespaces) {
+        SCOPED_TRACE(reason);
+        LoggingWriter writer;
+        write(writer);
+        EXPECT_EQ(writer.output, output);
+    }
+}
+
+// Sets that were put out of order through pointers, or that hold a name twice.
+TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
+    for (const int padding : {0, 20}) {
+        QeXmlAttributeSet set = attributes({{"a", "1", {}}, {"m", "2", {}}, {"n", "3", {"p", "u"}}});
+        for (int i = 0; i < padding; ++i)
+            set.add(QeXmlName(QeCString("x") + std::to_string(100 + i)), "");
+        set.begin()->getName().setLocalName("z");
+        QeCString tail;
+        for (int i = 0; i < padding; ++i)
+            tail += QeCString(" x") + std::to_string(100 + i) + "=\"\"";
+
+        LoggingWriter writer;
+        empty(writer, {"e"}, set);
+        EXPECT_EQ(writer.output, "<e z=\"1\" m=\"2\" p:n=\"3\" xmlns:p=\"u\"" + tail + "/>");
+        EXPECT_EQ(set.size(), 3u + static_cast<unsigned>(padding)) << "the caller's set stays as it was";
+
+        set.begin()->getName().setLocalName("m");  // twice: the first one stands for both
+        writer.output.clear();
+        start(writer, {"e"}, set);
+        empty(writer, {"f", {"m", "v"}}, set);
+        EXPECT_EQ(writer.output, "<e m=\"2\" m=\"2\" p:n=\"3\" xmlns:p=\"u\"" + tail + ">" +  //
+                                     "<m:f m=\"v\" m=\"2\" p:n=\"3\"" + tail + "/>");
+    }
+}
+
+TEST(XmlWriter, FindsDeclarationsInLargeSets) {
+    QeXmlAttributeSet set;
+    QeCString expected = "<p7:e";
+    for (int i = 0; i < 40; ++i)
+        set.addNamespaceAttribute({QeCString("p") + std::to_string(10 + i), QeCString("u") + std::to_string(i)});
+    for (int i = 0; i < 40; ++i)
+        expected += QeCString(" xmlns:p") + std::to_string(10 + i) + "=\"u" + std::to_string(i) + "\"";
+    LoggingWriter writer;
+    empty(writer, {"e", {"p7", "w"}}, set);
+    EXPECT_EQ(writer.output, expected + " xmlns:p7=\"w\"/>");
+}
+
+TEST(XmlWriter, KeepsIndentationWithinItsBounds) {
+    LoggingWriter writer;
+    EXPECT_EQ(writer.getCurrentIndent(), 0);
+    EXPECT_EQ(writer.getSizeOfIndent(), 2);
+    writer.setCurrentIndent(1);
+    writer.decrementIndent();
+    EXPECT_EQ(writer.getCurrentIndent(), 0);
+    writer.incrementIndent();
+    EXPECT_EQ(writer.setSizeOfIndent(3), 2);
+    writer.incrementIndent();
+    EXPECT_EQ(writer.getCurrentIndent(), 5);
+    writer.decrementIndent();
+    EXPECT_EQ(writer.getCurrentIndent(), 2);
+    EXPECT_EQ(writer.setSizeOfIndent(-7), 3);
+    EXPECT_EQ(writer.getSizeOfIndent(), 0);
+    writer.setCurrentIndent(-1);
+    EXPECT_EQ(writer.getCurrentIndent(), 0);
+    writer.setSizeOfIndent(INT_MAX);
+    writer.incrementIndent();
+    writer.incrementIndent();
+    EXPECT_EQ(writer.getCurrentIndent(), INT_MAX);
+    writer.decrementIndent();
+    EXPECT_EQ(writer.getCurrentIndent(), 0);
+}
+
+TEST(XmlWriter, CopiesShareNothing) {
+    LoggingWriter original;
+    original.setCurrentIndent(1);
+    original.setSizeOfIndent(4);
+    start(original, {"e", NsU});
+    original.writeNewLine();
+
+    LoggingWriter copy(original), assigned;
+    assigned = original;
+    original.writeElementEnd({"e", NsU});
+    for (LoggingWriter* writer : {&copy, &assigned}) {
+        writer->calls.clear();
+        EXPECT_EQ(writer->getSizeOfIndent(), 4);
+        empty(*writer, {"f", NsU});
+        EXPECT_EQ(writer->calls, "|c: |s:<p:f|s:/>");
+    }
+    original.output.clear();
+    empty(original, {"g", NsU});
+    EXPECT_EQ(original.output, "<p:g xmlns:p=\"u\"/>");
+}
+
+// Each call of the sink fails once. Whatever was cut short can be done again, and
+// leaves the same bindings as if nothing had happened.
+TEST(XmlWriter, CountsACallThatFailsAsNotMade) {
+    struct FailureCase {
+        const char* reason;
+        void (*write)(QeXmlWriter&);
+        const char* after;  // the start of a child in namespace u, then of its parent's sibling
+    };
+    constexpr FailureCase Failures[] = {
+        {"start",
+         [](QeXmlWriter& w) {
+             start(w, {"e", NsU}, attributes({{"a", "1", {}}}));
+         },
+         "<p:f/></p:e><p:g xmlns:p=\"u\"/>"},
+        {"empty",
+         [](QeXmlWriter& w) {
+             empty(w, {"e", NsU}, attributes({{"a", "1", {}}}));
+         },
+         "<p:f xmlns:p=\"u\"/></p:e><p:g xmlns:p=\"u\"/>"},
+        {"simple", [](QeXmlWriter& w) { w.writeSimpleElement(QeXmlName("e", NsU), "text", "t", true); },
+         "<p:f xmlns:p=\"u\"/></p:e><p:g xmlns:p=\"u\"/>"},
+    };
+    for (const auto& [reason, write, after] : Failures) {
+        for (int good = 0;; ++good) {
+            SCOPED_TRACE(testing::Message() << reason << " fails at call " << good);
+            LoggingWriter writer;
+            writer.writeNewLine();
+            writer.callsUntilFailure = good;
+            bool failed = false;
+            try {
+                write(writer);
+            } catch (const std::runtime_error&) {
+                failed = true;
+                writer.callsUntilFailure = -1;
+                // All of it but the line feed of a simple element, which comes last.
+                writer.output.clear();
+                write(writer);
+            }
+            writer.callsUntilFailure = -1;
+            writer.output.clear();
+            empty(writer, {"f", NsU});
+            writer.writeElementEnd({"e", NsU});
+            empty(writer, {"g", NsU});
+            EXPECT_EQ(writer.output.substr(writer.output.find('<')), after);
+            if (!failed) break;
+        }
+    }
+}
+
+TEST(XmlWriter, KeepsAnElementOpenWhoseEndFailed) {
+    LoggingWriter writer;
+    start(writer, {"e", NsU});
+    writer.callsUntilFailure = 0;
+    EXPECT_THROW(writer.writeElementEnd({"e", NsU}), std::runtime_error);
+    writer.output.clear();
+    empty(writer, {"f", NsU});
+    writer.writeElementEnd({"e", NsU});
+    empty(writer, {"g", NsU});
+    EXPECT_EQ(writer.output, "<p:f/></p:e><p:g xmlns:p=\"u\"/>");
+}
+
+TEST(XmlWriter, IndentsAgainWhatFailedWhileIndenting) {
+    LoggingWriter writer;
+    writer.setCurrentIndent(3);
+    writer.writeNewLine();
+    writer.callsUntilFailure = 1;
+    EXPECT_THROW(writer.write("x", false), std::runtime_error);
+    writer.write("x", false);
+    EXPECT_EQ(writer.output, "\n    x") << "one space went out before the failure";
+}
+
+// A sink that writes through its own writer, as one that adds an element of its own would.
+class NestingWriter : public LoggingWriter {
+public:
+    using LoggingWriter::writeToSink;
+    void writeToSink(const char* bytes, unsigned length) override {
+        if (depth++ == 0) {
+            QeXmlAttributeSet set;
+            set.add(QeXmlName("an-attribute-name-that-needs-the-heap", {"q", "another-uri-that-needs-the-heap"}), "1");
+            writeElementStart({"an-element-name-that-needs-the-heap", {"r", "v"}}, set, true);
+        }
+        --depth;
+        LoggingWriter::writeToSink(bytes, length);
+    }
+
+private:
+    int depth = 0;
+};
+
+TEST(XmlWriter, MayBeCalledByItsSink) {
+    NestingWriter writer;
+    empty(writer, {"e", NsU}, attributes({{"a", "a-value-of-more-than-23-bytes", {"m", "w"}}}));
+    const QeCString nested =
+        "<r:an-element-name-that-needs-the-heap q:an-attribute-name-that-needs-the-heap=\"1\" "
+        "xmlns:q=\"another-uri-that-needs-the-heap\" xmlns:r=\"v\"/>";
+    EXPECT_EQ(writer.output, "<p:e" + nested + " m:a=\"a-value-of-more-than-23-bytes\"" + nested + " xmlns:m=\"w\"" +
+                                 nested + " xmlns:p=\"u\"/>");
+}
+
+TEST(XmlWriter, OffersTheseConstants) {
+    struct ConstantCase {
+        const QeCString& constant;
+        const char* value;
+    };
+    const ConstantCase Constants[] = {
+        {QeXmlWriter::StartTag, "<"},
+        {QeXmlWriter::EndTag, ">"},
+        {QeXmlWriter::StartEndTag, "</"},
+        {QeXmlWriter::UnpairedTag, "/>"},
+        {QeXmlWriter::EqualToAndQuotes, "=\""},
+        {QeXmlWriter::Quotes, "\""},
+        {QeXmlWriter::MarkupLt, "&lt;"},
+        {QeXmlWriter::MarkupGt, "&gt;"},
+        {QeXmlWriter::MarkupAmpersand, "&amp;"},
+        {QeXmlWriter::MarkupQuotes, "&quot;"},
+        {QeXmlWriter::MarkupApos, "&apos;"},
+        {QeXmlWriter::MarkupCR, "&#xD;"},
+        {QeXmlWriter::XmlNamespaceTag, "xmlns"},
+        {QeXmlWriter::TrueValue, "1"},
+        {QeXmlWriter::FalseValue, "0"},
+        {QeXmlWriter::Blank, " "},
+        {QeXmlWriter::WhiteSpace, " "},
+        {QeXmlWriter::Colon, ":"},
+        {QeXmlWriter::Newline, "\n"},
+    };
+    for (const auto& [constant, value] : Constants)
+        EXPECT_EQ(constant, value);
+}
+
+}  // namespace
