@@ -135,6 +135,7 @@ private:
     const QeXmlAttribute* findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept;
 
     void lookAtOrder() noexcept;
+    void lookAtLocalNames() noexcept;
 
     // Whether the names stand in order, each once.
     bool isStrictlySorted() const noexcept;
