@@ -133,7 +133,9 @@ private:
 
     const QeXmlAttribute* findNamespaceByPrefix(const QeCString& prefix) const noexcept;
     const QeXmlAttribute* findSorted(const QeXmlName& name) const noexcept;
-    void append(const QeXmlName& name, const QeCString& value);
+
+    // Adds an attribute behind all others.
+    void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
     void settleOrder() noexcept;
 
     // Whether the names stand in order, each once.

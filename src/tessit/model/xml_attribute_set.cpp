@@ -49,7 +49,7 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
         attributes.begin()[present - attributes.begin()].setValue(value);
         return;
     }
-    append(name, value);
+    append(name.getLocalName(), name.getNamespace(), value);
     QeXmlAttribute* last = attributes.end() - 1;
     QeXmlAttribute* position =
         std::upper_bound(attributes.begin(), last, last->getName(),
@@ -64,14 +64,15 @@ void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {
 // Writes into the strings of a spare slot, so that a set that is cleared and
 // filled over and over stops allocating. Without a spare slot the array moves,
 // and the arguments with it if they are of this set: then they are copied first.
-void QeXmlAttributeSet::append(const QeXmlName& name, const QeCString& value) {
+void QeXmlAttributeSet::append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value) {
     if (!attributes.hasSpareSlot()) {
-        QeXmlAttribute added(name, value);
+        QeXmlAttribute added(localName, value, ns);
         attributes.append() = std::move(added);
         return;
     }
     QeXmlAttribute& slot = attributes[attributes.size()];
-    slot.setName(name);
+    slot.getName().setLocalName(localName);
+    slot.getName().setNamespace(ns);
     slot.setValue(value);
     attributes.append();
 }
