@@ -97,6 +97,14 @@ const CallCase Calls[] = {
      "|s:<e|s:>|b:a&lt;b|s:</e>|c:\n"},
     {"a simple element without content", [](QeXmlWriter& w) { w.writeSimpleElement("flag", "", "", false); },
      "|s:<flag|s:/>|c:\n"},
+    {"a simple element inside another, and behind it",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         w.writeSimpleElement(QeXmlName("f", NsU), "1", "", false);
+         w.writeSimpleElement(QeXmlName("g", NsU), "", "", false);
+         empty(w, {"h", NsU});
+     },
+     "|s:<p:e|b: xmlns:p=\"u\"|s:>|s:<p:f|s:>|b:1|s:</p:f>|c:\n|s:<p:g|s:/>|c:\n|s:<p:h|s:/>"},
     {"a simple element with a name that looks qualified",
      [](QeXmlWriter& w) { w.writeSimpleElement("q:e", "1", "", false); }, "|s:<q:e|s:>|b:1|s:</q:e>|c:\n"},
     {"a simple element with its type",
@@ -272,6 +280,11 @@ const NamespaceCase Namespaces[] = {
          empty(w, {"e"}, attributes({{"a", "1", {"m", "u"}}, {"z", "2", {"b", "v"}}, {"y", "3", {"m", "u"}}}));
      },
      "<e m:a=\"1\" xmlns:b=\"v\" xmlns:m=\"u\" m:y=\"3\" b:z=\"2\"/>"},
+    {"an attribute in a namespace is no declaration, whatever its name and value",
+     [](QeXmlWriter& w) {
+         empty(w, {"e", NsU}, attributes({{"p", "u", {"q", "v"}}}));
+     },
+     "<p:e xmlns:p=\"u\" q:p=\"u\" xmlns:q=\"v\"/>"},
     {"two prefixes for one URI in a tag: the first one is declared",
      [](QeXmlWriter& w) {
          empty(w, {"e", NsU}, attributes({{"a", "1", {"q", "u"}}}));
@@ -394,6 +407,14 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
         EXPECT_EQ(writer.output, "<e m=\"2\" m=\"2\" p:n=\"3\" xmlns:p=\"u\"" + tail + ">" +  //
                                      "<m:f m=\"v\" m=\"2\" p:n=\"3\"" + tail + "/>");
     }
+}
+
+TEST(XmlWriter, WritesANameThatIsThereTwiceWithItsLastValue) {
+    QeXmlAttributeSet set = attributes({{"a", "1", {}}, {"m", "2", {}}});
+    set.begin()->getName().setLocalName("m");
+    LoggingWriter writer;
+    empty(writer, {"e"}, set);
+    EXPECT_EQ(writer.output, "<e m=\"2\" m=\"2\"/>");
 }
 
 TEST(XmlWriter, FindsDeclarationsInLargeSets) {
@@ -523,6 +544,11 @@ TEST(XmlWriter, IndentsAgainWhatFailedWhileIndenting) {
     EXPECT_THROW(writer.write("x", false), std::runtime_error);
     writer.write("x", false);
     EXPECT_EQ(writer.output, "\n    x") << "one space went out before the failure";
+
+    writer.callsUntilFailure = 0;
+    EXPECT_THROW(writer.writeNewLine(), std::runtime_error);
+    writer.write("y", false);
+    EXPECT_EQ(writer.output, "\n    xy") << "no line was begun";
 }
 
 // A sink that writes through its own writer, as one that adds an element of its own would.

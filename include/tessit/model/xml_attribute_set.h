@@ -137,6 +137,9 @@ private:
     void lookAtOrder() noexcept;
     void lookAtLocalNames() noexcept;
 
+    // Adds an attribute behind all others.
+    void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
+
     // Whether the names stand in order, each once.
     bool isStrictlySorted() const noexcept;
 

@@ -75,12 +75,18 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
         attributes.begin()[present - attributes.begin()].setValue(value);
         return;
     }
-    const QeXmlAttribute& added = attributes.append([&](QeXmlAttribute& slot) {
-        slot.setName(name);
+    append(name.getLocalName(), name.getNamespace(), value);
+    QeXmlAttribute* added = &attributes.back();
+    attributes.moveLastTo(upperBound(attributes.begin(), added, added->getName()));
+    lookAtOrder();
+}
+
+void QeXmlAttributeSet::append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value) {
+    attributes.append([&](QeXmlAttribute& slot) {
+        slot.getName().setLocalName(localName);
+        slot.getName().setNamespace(ns);
         slot.setValue(value);
     });
-    attributes.moveLastTo(upperBound(attributes.begin(), &added, added.getName()));
-    lookAtOrder();
 }
 
 void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {
