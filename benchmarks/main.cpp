@@ -4,12 +4,13 @@
 //
 //   --rounds=N      how many rounds (default 1)
 //   --csv=FILE      write what was measured there
-//   --megabytes=N   the size of the large documents (default 10)
+//   --megabytes=N   the size of the large documents that are read (default 10); what is written has 4/5 of it
 //   --corpora=DIR   write the documents into an existing directory, and do nothing else
 //   --check         read and write everything once, in small, and compare the counts
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
+#include <contestants.h>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@
 #include <map>
 #include <measurement.h>
 #include <reading.h>
+#include <writing.h>
 
 namespace tessit::benchmarks {
 
@@ -93,9 +95,12 @@ bool writeCorpora(const Options& options) {
 }
 
 bool runRounds(const Options& options) {
-    Reading reading(options.megabytes * 1000000);
+    const Contestants contestants = allContestants();
+    Reading reading(contestants.readers, options.megabytes * 1000000);
+    Writing writing(contestants.writers, options.megabytes * 800000);
     std::vector<Measurement> measurements;
     reading.registerBenchmarks(measurements);
+    writing.registerBenchmarks(measurements);
     Recorder recorder(measurements);
     for (std::size_t round = 1; round <= options.rounds; ++round) {
         std::cerr << "round " << round << " of " << options.rounds << '\n';
@@ -109,7 +114,10 @@ bool runRounds(const Options& options) {
 
 bool check() {
     constexpr std::size_t EnoughForEveryConstruct = 200000;
-    return Reading(EnoughForEveryConstruct).check();
+    const Contestants contestants = allContestants();
+    const bool readsWell = Reading(contestants.readers, EnoughForEveryConstruct).check();
+    const bool writesWell = Writing(contestants.writers, EnoughForEveryConstruct).check();
+    return readsWell && writesWell;
 }
 
 bool run(int argumentCount, char** arguments) {

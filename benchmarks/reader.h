@@ -4,7 +4,6 @@
 #include <span>
 #include <string>
 #include <tally.h>
-#include <vector>
 
 #include <corvel/c_string.h>
 
@@ -49,11 +48,5 @@ struct Reader {
     /// For what is written for one kind of document: the only shape that can be read.
     std::string onlyShape = {};
 };
-
-/// Each is defined in the source of its own library, and adds one entry or more.
-using AddReaders = void(std::vector<Reader>&);
-
-/// All that were built, ours first.
-std::vector<Reader> allReaders();
 
 }  // namespace tessit::benchmarks

@@ -33,8 +33,8 @@ Tally ReadyDocuments::read(const Reader& reader) const {
     return total;
 }
 
-Reading::Reading(std::size_t corpusBytes)
-    : corpora(makeCorpora(corpusBytes)), readers(allReaders()), expectations(corpora.size()) {}
+Reading::Reading(std::vector<Reader> contestants, std::size_t corpusBytes)
+    : corpora(makeCorpora(corpusBytes)), readers(std::move(contestants)), expectations(corpora.size()) {}
 
 const Expectation& Reading::expectationOf(std::size_t corpus) {
     if (!expectations[corpus]) expectations[corpus].emplace(corpora[corpus]);

@@ -35,7 +35,7 @@ private:
 /// The benchmarks of reading: each corpus with each reader that can read it.
 class Reading {
 public:
-    explicit Reading(std::size_t corpusBytes);
+    Reading(std::vector<Reader> contestants, std::size_t corpusBytes);
 
     /// The benchmarks find their measurement in the list and refer to this object: both must outlive them.
     void registerBenchmarks(std::vector<Measurement>& measurements);

@@ -1,9 +1,10 @@
-// Our own ways of reading.
+// Our own ways of reading and writing.
 
-#include <reader.h>
+#include <contestants.h>
 
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_sax_parser.h>
+#include <tessit/writer/xml_string_writer.h>
 
 namespace tessit::benchmarks {
 
@@ -122,21 +123,68 @@ Tally demand(const Document& document) {
     return RecordReader(document).read();
 }
 
+class WrittenByTessit final : public Writable {
+public:
+    explicit WrittenByTessit(const Composition<std::string>& source)
+        : composition(composedOf<QeCString>(
+              source, [](const std::string& text) { return QeCString(std::string_view(text)); })) {
+        for (const auto& name : composition.names)
+            names.emplace_back(name.local, QeXmlNamespace(name.prefix, name.uri));
+        root = composition.nodes.data();
+    }
+
+    void write(const Take& take) override {
+        QeXmlStringWriter writer;
+        for (const ComposedNode<QeCString>& node : composition.nodes)
+            writeNode(writer, node);
+        take(writer.getString());
+    }
+
+private:
+    using Kind = ComposedNode<QeCString>::Kind;
+
+    void writeNode(QeXmlStringWriter& writer, const ComposedNode<QeCString>& node) {
+        switch (node.kind) {
+            case Kind::Start:
+            case Kind::Empty:
+                fillAttributes(node);
+                return writer.writeElementStart(names[node.name], attributes, node.kind == Kind::Empty);
+            case Kind::End:
+                return writer.writeElementEnd(names[node.name]);
+            case Kind::Text:
+                return writer.write(node.text, true);
+        }
+    }
+
+    // Below the root, the writer finds out by itself what has to be declared.
+    void fillAttributes(const ComposedNode<QeCString>& node) {
+        attributes.clear();
+        for (const auto& [name, value] : node.attributes)
+            if (&node == root || names[name].getNamespace().getPrefix() != "xmlns") attributes.add(names[name], value);
+    }
+
+    Composition<QeCString> composition;
+    std::vector<QeXmlName> names;
+    const ComposedNode<QeCString>* root;
+    QeXmlAttributeSet attributes;
+};
+
 }  // namespace
 
-void addTessitReaders(std::vector<Reader>& readers) {
+void addTessit(Contestants& all) {
     const std::string version = TESSIT_VERSION;
     // A name with the prefix "xml" is in no namespace unless the document declares one.
     const Delivery delivery{.xmlPrefix = false};
-    readers.push_back({"tessit pull", version, Role::Ours, delivery, pullFromBuffer});
-    readers.push_back({"tessit SAX", version, Role::Ours, delivery, parse});
-    readers.push_back({"tessit pull, string", version, Role::Ours, delivery, pullFromString});
-    readers.push_back({.name = "tessit demand",
-                       .version = version,
-                       .role = Role::Ours,
-                       .delivery = delivery,
-                       .read = demand,
-                       .onlyShape = "records"});
+    all.readers.push_back({"tessit pull", version, Role::Ours, delivery, pullFromBuffer});
+    all.readers.push_back({"tessit SAX", version, Role::Ours, delivery, parse});
+    all.readers.push_back({"tessit pull, string", version, Role::Ours, delivery, pullFromString});
+    all.readers.push_back({.name = "tessit demand",
+                           .version = version,
+                           .role = Role::Ours,
+                           .delivery = delivery,
+                           .read = demand,
+                           .onlyShape = "records"});
+    all.writers.push_back({"tessit writer", version, Role::Ours, prepared<WrittenByTessit>});
 }
 
 }  // namespace tessit::benchmarks

@@ -1,5 +1,5 @@
+#include <contestants.h>
 #include <rapidxml/rapidxml.hpp>
-#include <reader.h>
 
 namespace tessit::benchmarks {
 
@@ -49,13 +49,14 @@ Tally read(const Document& document) {
 
 // Blank texts cannot be had, and line ends stay as they are. Without writing to the
 // document, references stay as well.
-void addRapidxmlReaders(std::vector<Reader>& readers) {
+void addRapidxml(Contestants& all) {
     constexpr Delivery InSitu{.namespaces = false, .blankTexts = false, .lineEnds = false, .otherEncodings = false};
     constexpr Delivery NonDestructive{
         .namespaces = false, .blankTexts = false, .references = false, .lineEnds = false, .otherEncodings = false};
-    readers.push_back({"RapidXML in situ", TESSIT_RAPIDXML_VERSION, Role::Peer, InSitu, read<rapidxml::parse_default>});
-    readers.push_back({"RapidXML non-destructive", TESSIT_RAPIDXML_VERSION, Role::Peer, NonDestructive,
-                       read<rapidxml::parse_non_destructive>});
+    all.readers.push_back(
+        {"RapidXML in situ", TESSIT_RAPIDXML_VERSION, Role::Peer, InSitu, read<rapidxml::parse_default>});
+    all.readers.push_back({"RapidXML non-destructive", TESSIT_RAPIDXML_VERSION, Role::Peer, NonDestructive,
+                           read<rapidxml::parse_non_destructive>});
 }
 
 }  // namespace tessit::benchmarks

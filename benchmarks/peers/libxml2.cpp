@@ -1,8 +1,9 @@
+#include <contestants.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/xmlreader.h>
+#include <libxml/xmlwriter.h>
 #include <memory>
-#include <reader.h>
 
 namespace tessit::benchmarks {
 
@@ -118,12 +119,64 @@ Tally parse(const Document& document) {
     return tally;
 }
 
+const xmlChar* bytes(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
+}
+
+// Names are passed as they are to be written, declarations as attributes: what the
+// text writer offers for namespaces puts the same names together at each call.
+class WrittenByLibxml2 final : public Writable {
+public:
+    using Node = ComposedNode<std::string>;
+
+    explicit WrittenByLibxml2(const Composition<std::string>& source) : composition(source) {}
+
+    void write(const Take& take) override {
+        const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(xmlBufferCreate(), &xmlBufferFree);
+        {
+            const std::unique_ptr<xmlTextWriter, decltype(&xmlFreeTextWriter)> writer(
+                xmlNewTextWriterMemory(buffer.get(), 0), &xmlFreeTextWriter);
+            for (const Node& node : composition.nodes)
+                writeNode(writer.get(), node);
+        }
+        take({reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+              static_cast<std::size_t>(xmlBufferLength(buffer.get()))});
+    }
+
+private:
+    void writeNode(xmlTextWriterPtr writer, const Node& node) const {
+        switch (node.kind) {
+            case Node::Kind::Start:
+                writeStart(writer, node);
+                break;
+            case Node::Kind::Empty:
+                writeStart(writer, node);
+                xmlTextWriterEndElement(writer);
+                break;
+            case Node::Kind::End:
+                xmlTextWriterEndElement(writer);
+                break;
+            case Node::Kind::Text:
+                xmlTextWriterWriteString(writer, bytes(node.text));
+        }
+    }
+
+    void writeStart(xmlTextWriterPtr writer, const Node& node) const {
+        xmlTextWriterStartElement(writer, bytes(composition.names[node.name].qualified));
+        for (const auto& [name, value] : node.attributes)
+            xmlTextWriterWriteAttribute(writer, bytes(composition.names[name].qualified), bytes(value));
+    }
+
+    Composition<std::string> composition;
+};
+
 }  // namespace
 
-void addLibxml2Readers(std::vector<Reader>& readers) {
+void addLibxml2(Contestants& all) {
     xmlInitParser();
-    readers.push_back({"libxml2 reader", LIBXML_DOTTED_VERSION, Role::Peer, {}, readText});
-    readers.push_back({"libxml2 SAX2", LIBXML_DOTTED_VERSION, Role::Peer, {}, parse});
+    all.readers.push_back({"libxml2 reader", LIBXML_DOTTED_VERSION, Role::Peer, {}, readText});
+    all.readers.push_back({"libxml2 SAX2", LIBXML_DOTTED_VERSION, Role::Peer, {}, parse});
+    all.writers.push_back({"libxml2 xmlTextWriter", LIBXML_DOTTED_VERSION, Role::Peer, prepared<WrittenByLibxml2>});
 }
 
 }  // namespace tessit::benchmarks

@@ -1,5 +1,5 @@
+#include <contestants.h>
 #include <memory>
-#include <reader.h>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax2/Attributes.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
@@ -54,9 +54,9 @@ Tally read(const Document& document) {
 
 }  // namespace
 
-void addXercesReaders(std::vector<Reader>& readers) {
+void addXerces(Contestants& all) {
     xercesc::XMLPlatformUtils::Initialize();
-    readers.push_back({"Xerces-C SAX2", XERCES_FULLVERSIONDOT, Role::Peer, {.utf16 = true}, read});
+    all.readers.push_back({"Xerces-C SAX2", XERCES_FULLVERSIONDOT, Role::Peer, {.utf16 = true}, read});
 }
 
 }  // namespace tessit::benchmarks

@@ -1,7 +1,7 @@
+#include <contestants.h>
 #include <cstring>
 #include <expat.h>
 #include <memory>
-#include <reader.h>
 
 namespace tessit::benchmarks {
 
@@ -69,10 +69,10 @@ Tally read(const Document& document) {
 
 }  // namespace
 
-void addExpatReaders(std::vector<Reader>& readers) {
+void addExpat(Contestants& all) {
     const std::string version = std::to_string(XML_MAJOR_VERSION) + '.' + std::to_string(XML_MINOR_VERSION) + '.' +
                                 std::to_string(XML_MICRO_VERSION);
-    readers.push_back({"Expat", version, Role::Peer, {}, read});
+    all.readers.push_back({"Expat", version, Role::Peer, {}, read});
 }
 
 }  // namespace tessit::benchmarks

@@ -1,6 +1,7 @@
 #include <QByteArray>
 #include <QXmlStreamReader>
-#include <reader.h>
+#include <QXmlStreamWriter>
+#include <contestants.h>
 
 namespace tessit::benchmarks {
 
@@ -50,10 +51,51 @@ Tally read(const Document& document) {
     return tally;
 }
 
+class WrittenByQt final : public Writable {
+public:
+    using Node = ComposedNode<QString>;
+
+    explicit WrittenByQt(const Composition<std::string>& source)
+        : composition(
+              composedOf<QString>(source, [](const std::string& text) { return QString::fromStdString(text); })) {}
+
+    void write(const Take& take) override {
+        QByteArray out;
+        QXmlStreamWriter writer(&out);
+        for (const Node& node : composition.nodes)
+            writeNode(writer, node);
+        take({out.constData(), static_cast<std::size_t>(out.size())});
+    }
+
+private:
+    void writeNode(QXmlStreamWriter& writer, const Node& node) const {
+        switch (node.kind) {
+            case Node::Kind::Start:
+                writer.writeStartElement(composition.names[node.name].qualified);
+                return writeAttributes(writer, node);
+            case Node::Kind::Empty:
+                writer.writeEmptyElement(composition.names[node.name].qualified);
+                return writeAttributes(writer, node);
+            case Node::Kind::End:
+                return writer.writeEndElement();
+            case Node::Kind::Text:
+                return writer.writeCharacters(node.text);
+        }
+    }
+
+    void writeAttributes(QXmlStreamWriter& writer, const Node& node) const {
+        for (const auto& [name, value] : node.attributes)
+            writer.writeAttribute(composition.names[name].qualified, value);
+    }
+
+    Composition<QString> composition;
+};
+
 }  // namespace
 
-void addQtReaders(std::vector<Reader>& readers) {
-    readers.push_back({"Qt QXmlStreamReader", qVersion(), Role::Peer, {.utf16 = true}, read});
+void addQt(Contestants& all) {
+    all.readers.push_back({"Qt QXmlStreamReader", qVersion(), Role::Peer, {.utf16 = true}, read});
+    all.writers.push_back({"Qt QXmlStreamWriter", qVersion(), Role::Peer, prepared<WrittenByQt>});
 }
 
 }  // namespace tessit::benchmarks
