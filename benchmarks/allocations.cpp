@@ -11,7 +11,7 @@ std::uint64_t allocationCount = 0;
 std::ptrdiff_t heldBytes = 0;
 std::ptrdiff_t peakBytes = 0;
 
-void* noteAllocated(void* block) {
+[[maybe_unused]] void* noteAllocated(void* block) {
     if (!counting || block == nullptr) return block;
     ++allocationCount;
     heldBytes += static_cast<std::ptrdiff_t>(malloc_usable_size(block));
@@ -19,7 +19,7 @@ void* noteAllocated(void* block) {
     return block;
 }
 
-void noteReleased(void* block) {
+[[maybe_unused]] void noteReleased(void* block) {
     if (counting && block != nullptr) heldBytes -= static_cast<std::ptrdiff_t>(malloc_usable_size(block));
 }
 
@@ -39,6 +39,9 @@ Allocations stopCountingAllocations() {
 }
 
 }  // namespace tessit::benchmarks
+
+// The address sanitizer has its own allocator in this place; nothing is counted then.
+#if !defined(__SANITIZE_ADDRESS__)
 
 // The C library's own allocator, by the names that it keeps for those who replace the usual ones.
 extern "C" {
@@ -79,3 +82,5 @@ void free(void* block) {
     __libc_free(block);
 }
 }
+
+#endif

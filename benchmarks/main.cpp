@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
+#include <chrono>
 #include <contestants.h>
+#include <cpu_clock.h>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -94,6 +96,16 @@ bool writeCorpora(const Options& options) {
     return true;
 }
 
+// How much of a processor the work had.
+template <typename Work>
+double shareOfProcessor(Work work) {
+    const auto start = std::chrono::steady_clock::now();
+    const CpuClock processorTime;
+    work();
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
+    return processorTime.seconds() / passed.count();
+}
+
 bool runRounds(const Options& options) {
     const Contestants contestants = allContestants();
     Reading reading(contestants.readers, options.megabytes * 1000000);
@@ -102,13 +114,15 @@ bool runRounds(const Options& options) {
     reading.registerBenchmarks(measurements);
     writing.registerBenchmarks(measurements);
     Recorder recorder(measurements);
-    for (std::size_t round = 1; round <= options.rounds; ++round) {
-        std::cerr << "round " << round << " of " << options.rounds << '\n';
-        benchmark::RunSpecifiedBenchmarks(&recorder);
-    }
+    const double processorShare = shareOfProcessor([&] {
+        for (std::size_t round = 1; round <= options.rounds; ++round) {
+            std::cerr << "round " << round << " of " << options.rounds << '\n';
+            benchmark::RunSpecifiedBenchmarks(&recorder);
+        }
+    });
     for (const Measurement& measurement : measurements)
         if (!measurement.nanoseconds.empty()) print(measurement);
-    if (!options.csv.empty()) writeCsv(options.csv, measurements);
+    if (!options.csv.empty()) writeCsv(options.csv, measurements, processorShare);
     return !recorder.failed();
 }
 

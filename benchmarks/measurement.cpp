@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <fstream>
+#include <iomanip>
 #include <measurement.h>
 #include <stdexcept>
 #include <string_view>
@@ -29,12 +30,13 @@ constexpr char Compiler[] = "clang " __clang_version__;
 constexpr char Compiler[] = "GCC " __VERSION__;
 #endif
 
-void writeFacts(std::ostream& out) {
+void writeFacts(std::ostream& out, double processorShare) {
     out << "# processor: " << valueInFile("/proc/cpuinfo", "model name", ':') << ", "
         << std::thread::hardware_concurrency() << " threads\n"
         << "# memory: " << valueInFile("/proc/meminfo", "MemTotal", ':') << '\n'
         << "# system: " << valueInFile("/etc/os-release", "PRETTY_NAME", '=') << '\n'
         << "# compiler: " << Compiler << ", build type " TESSIT_BUILD_TYPE "\n"
+        << "# processor share: " << std::setprecision(2) << processorShare << std::setprecision(0) << '\n'
         << "# reader object: " << sizeof(QeXmlReader) << '\n';
 }
 
@@ -65,11 +67,10 @@ void writeLine(std::ostream& out, const Measurement& measurement) {
 
 }  // namespace
 
-void writeCsv(const std::string& file, const std::vector<Measurement>& measurements) {
+void writeCsv(const std::string& file, const std::vector<Measurement>& measurements, double processorShare) {
     std::ofstream out(file);
     out << std::fixed;
-    out.precision(0);
-    writeFacts(out);
+    writeFacts(out, processorShare);
     out << "work,corpus,library,version,role,bytes,documents,nodes,rounds,min_ns,median_ns,allocations,peak_bytes\n";
     for (const Measurement& measurement : measurements)
         if (!measurement.nanoseconds.empty()) writeLine(out, measurement);

@@ -26,7 +26,8 @@ struct Measurement {
 };
 
 /// Writes one line a measurement that was made, below what is known of machine and
-/// compiler. Times are in nanoseconds, memory in bytes.
-void writeCsv(const std::string& file, const std::vector<Measurement>& measurements);
+/// compiler. Times are in nanoseconds, memory in bytes; `processorShare` is how much of
+/// a processor the measurements had, 1 being all of it.
+void writeCsv(const std::string& file, const std::vector<Measurement>& measurements, double processorShare);
 
 }  // namespace tessit::benchmarks

@@ -229,7 +229,7 @@ def writing(figures):
 
 
 def versions(figures):
-    found = {row['library']: row['version'] for row in figures.rows if row['role'] == 'peer'}
+    found = {row['library'].split()[0]: row['version'] for row in figures.rows if row['role'] == 'peer'}
     return ', '.join(f'{library} {version}' for library, version in found.items())
 
 
@@ -295,7 +295,7 @@ def draw_floors(figures, directory):
 def draw_writing(figures, directory):
     rows = [(library, [figures.time('orders', library, 'write') / 1e6])
             for library in figures.libraries('ours', 'peer', 'floor', work='write')]
-    draw(directory / 'performance-writing.svg', 'set ylabel "ms"\nset yrange [0:*]\nunset key', ['ms'], rows, 360)
+    draw(directory / 'performance-writing.svg', 'set ylabel "ms"\nset yrange [0:*]\nunset key\nset xtics rotate by -15', ['ms'], rows, 400)
 
 
 # --- The page
@@ -303,11 +303,9 @@ def draw_writing(figures, directory):
 
 PAGE = '''# Performance
 
-<!-- Made by scripts/bench from performance.csv: change benchmarks/report.py, not this page. -->
-
 How fast the library reads and writes, beside other libraries that C++ programs use. All figures stand in
-[performance.csv](performance.csv), and this page is drawn from them.
-
+[performance.csv](performance.csv), and [scripts/bench](../scripts/bench) draws this page from them.
+{provisional}
 | | |
 |---|---|
 | Processor | {processor} |
@@ -316,6 +314,7 @@ How fast the library reads and writes, beside other libraries that C++ programs 
 | Compiler | {compiler} |
 | Peers | {versions} |
 | Rounds | {rounds} |
+| Processor's share | {share}: how much of a processor the run had; less means that other programs ran, too |
 
 ## Targets
 
@@ -376,7 +375,8 @@ The most that was held at once beyond the input; our reader itself is an object 
 ## To repeat it
 
     scripts/bench                 all of it, into docs/
-    scripts/bench --quick         fewer rounds, into build/bench/
+    scripts/bench --rounds N      the same in N rounds instead of 11
+    scripts/bench --quick         two rounds, into build/bench/
     scripts/bench --filter REGEX  some of it: print the figures only, for names like `read/records/pugixml`
     scripts/bench --draw          this page anew, from docs/performance.csv
 
@@ -385,8 +385,15 @@ compared; ratios within a run are.
 '''
 
 
+PROVISIONAL = '''
+**The machine was busy with other programs during this run, which shows in all times: the figures are provisional.**
+'''
+
+
 def page(figures):
+    share = float(figures.facts['processor share'])
     return PAGE.format(
+        share=f'{share:.0%}', provisional=PROVISIONAL if share < 0.9 else '',
         processor=figures.facts['processor'], memory=figures.facts['memory'], system=figures.facts['system'],
         compiler=figures.facts['compiler'], reader_object=figures.facts['reader object'], versions=versions(figures),
         rounds=figures.rows[0]['rounds'], targets=targets(figures), ratios=ratios(figures),

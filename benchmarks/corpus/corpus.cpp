@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::uint64_t Seed = 20240229;
 constexpr std::size_t SmallDocument = 64 * 1024;
-constexpr std::size_t TinyDocument = 200;
 constexpr std::size_t TinyDocuments = 1000;
 
 Corpus single(const char* name, const char* shape, std::string document) {
@@ -37,7 +36,7 @@ std::string declareLatin1(std::string document) {
 Corpus tinyDocuments() {
     Corpus corpus{"records-200", "records", {}};
     for (std::size_t i = 0; i < TinyDocuments; ++i)
-        corpus.documents.push_back(shortRecords(TinyDocument, Seed + i));
+        corpus.documents.push_back(oneRecord(Seed + i));
     return corpus;
 }
 

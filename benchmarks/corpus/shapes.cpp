@@ -48,6 +48,11 @@ std::string shortRecords(std::size_t bytes, std::uint64_t seed) {
     });
 }
 
+std::string oneRecord(std::uint64_t seed) {
+    constexpr std::size_t LessThanOne = 1;
+    return shortRecords(LessThanOne, seed);
+}
+
 std::string accentedRecords(std::size_t bytes, std::uint64_t seed) {
     Random random(seed);
     return document(bytes, "<records>\n", "</records>\n", [&](std::string& out) {

@@ -15,7 +15,10 @@ namespace tessit::benchmarks {
 /// Short fields with indentation, as in exported tables.
 std::string shortRecords(std::size_t bytes, std::uint64_t seed);
 
-/// The same with letters beyond ASCII, all of them in ISO-8859-1.
+/// One short record, about 200 bytes.
+std::string oneRecord(std::uint64_t seed);
+
+/// Short records with letters beyond ASCII, all of them in ISO-8859-1.
 std::string accentedRecords(std::size_t bytes, std::uint64_t seed);
 
 /// Empty elements with six attributes each.
