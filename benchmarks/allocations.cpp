@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <allocations.h>
 #include <cerrno>
+#include <limits>
 #include <malloc.h>
 
 namespace {
@@ -26,6 +27,16 @@ std::ptrdiff_t peakBytes = 0;
 }  // namespace
 
 namespace tessit::benchmarks {
+
+void keepFreedMemory() {
+    constexpr int LargestMmapThreshold = 32 * 1024 * 1024;
+    mallopt(M_MMAP_THRESHOLD, LargestMmapThreshold);
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+}
+
+void releaseFreedMemory() {
+    malloc_trim(0);
+}
 
 void startCountingAllocations() {
     allocationCount = 0;

@@ -13,6 +13,14 @@ struct Allocations {
     std::size_t peakBytes = 0;  ///< the most that was held at once, beyond what was held before
 };
 
+/// Lets the heap keep all that is freed. Otherwise it depends on what was read before
+/// whether the pages of a large tree go back to the system each time, which can make
+/// building it four times as dear.
+void keepFreedMemory();
+
+/// Gives the system back what is free, so that the next work begins with fresh memory.
+void releaseFreedMemory();
+
 void startCountingAllocations();
 Allocations stopCountingAllocations();
 

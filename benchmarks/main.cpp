@@ -114,6 +114,7 @@ bool runRounds(const Options& options) {
     reading.registerBenchmarks(measurements);
     writing.registerBenchmarks(measurements);
     Recorder recorder(measurements);
+    keepFreedMemory();
     const double processorShare = shareOfProcessor([&] {
         for (std::size_t round = 1; round <= options.rounds; ++round) {
             std::cerr << "round " << round << " of " << options.rounds << '\n';

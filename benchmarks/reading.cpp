@@ -80,6 +80,7 @@ void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader&
     }
     for ([[maybe_unused]] const auto& iteration : state) {
         documents.renew();
+        if (corpora[corpus].freshMemory) releaseFreedMemory();
         const CpuClock clock;
         const Tally found = documents.read(reader);
         state.SetIterationTime(clock.seconds());

@@ -45,6 +45,11 @@ Corpus inOtherEncoding(Corpus corpus) {
     return corpus;
 }
 
+Corpus inFreshMemory(Corpus corpus) {
+    corpus.freshMemory = true;
+    return corpus;
+}
+
 Corpus nested(Corpus corpus) {
     corpus.depth = DeepestNesting;
     return corpus;
@@ -73,6 +78,7 @@ std::vector<Corpus> makeCorpora(std::size_t bytes) {
     corpora.push_back(single("mixed", mixed(bytes, Seed)));
     corpora.push_back(single("records-64k", "records", shortRecords(SmallDocument, Seed)));
     corpora.push_back(tinyDocuments());
+    corpora.push_back(inFreshMemory(single("records-fresh", "records", shortRecords(bytes, Seed))));
     corpora.push_back(
         inOtherEncoding(single("records-utf16", "records", toUtf16LittleEndian(accentedRecords(bytes / 2, Seed)))));
     corpora.push_back(

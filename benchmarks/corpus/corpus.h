@@ -12,6 +12,7 @@ struct Corpus {
     std::vector<std::string> documents;
     unsigned depth = 0;          ///< the deepest nesting, or 0 where no one minds
     bool otherEncoding = false;  ///< neither ASCII nor UTF-8
+    bool freshMemory = false;    ///< to be read in memory that the system has just given, as the first document is
 
     std::size_t bytes() const;
 };
