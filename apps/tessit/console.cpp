@@ -1,6 +1,5 @@
 #include "console.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <unistd.h>
 
@@ -47,13 +46,13 @@ void Console::finish() {
 }
 
 void Console::complain(std::string_view where, std::string_view message, ExitStatus meaning) {
-    worst = std::max(worst, meaning);  // also when the output cannot be written any more
+    conclude(meaning);  // also when the output cannot be written any more
     flush();
     complainOnly(where, message, meaning);
 }
 
 // A complaint that cannot be written is still told by the exit status.
 void Console::complainOnly(std::string_view where, std::string_view message, ExitStatus meaning) {
-    worst = std::max(worst, meaning);
+    conclude(meaning);
     writeAll(STDERR_FILENO, escaped(where) + ": error: " + escaped(message) + "\n");
 }

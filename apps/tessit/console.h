@@ -1,14 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 /// What the tool's exit status says. The worst of all that happened counts.
 enum class ExitStatus {
-    Good = 0,     ///< every document was read to its end
-    Refused = 1,  ///< a document was refused
-    Failed = 2    ///< wrong usage, or a file that could not be read or written
+    Good = 0,       ///< every document was read to its end, and the answer is yes where there is a question
+    Refused = 1,    ///< a document was refused
+    Different = 1,  ///< the documents differ
+    Failed = 2      ///< wrong usage, or a file that could not be read or written
 };
 
 /// Standard output cannot take what was written to it.
@@ -40,6 +42,9 @@ public:
 
     /// The same for when standard output itself is what fails: nothing is written to it.
     void complainOnly(std::string_view where, std::string_view message, ExitStatus meaning);
+
+    /// Makes the exit status at least this bad, without a complaint.
+    void conclude(ExitStatus meaning) { worst = std::max(worst, meaning); }
 
     ExitStatus status() const { return worst; }
 

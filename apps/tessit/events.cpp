@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <span>
-#include <system_error>
 
 #include <tessit/tessit.h>
 
+#include "attempt.h"
 #include "command.h"
 #include "console.h"
 #include "document_walk.h"
@@ -120,23 +120,10 @@ void printEvents(Console& console, std::span<const unsigned char> document, std:
         printer.printNode(reader);
 }
 
-std::string positionIn(std::string_view file, const QeXmlParseError& error) {
-    return std::string(file) + ':' + std::to_string(error.getLineNumber()) + ':' +
-           std::to_string(error.getColumnNumber());
-}
-
 void readFile(Console& console, const std::string& file, const Options& options) {
-    const std::string_view name = displayName(file);
-    const std::string prefix = options.files.size() > 1 ? escaped(name) + ": " : "";
-    try {
-        printEvents(console, readInput(file), prefix, options.rawReferences);
-    } catch (const QeXmlParseError& error) {
-        console.complain(positionIn(name, error), error.what(), ExitStatus::Refused);
-    } catch (const InputError& failure) {
-        console.complain(name, std::generic_category().message(failure.error), ExitStatus::Failed);
-    } catch (const std::bad_alloc&) {
-        console.complain(name, "not enough memory", ExitStatus::Failed);
-    }
+    const std::string prefix = options.files.size() > 1 ? escaped(displayName(file)) + ": " : "";
+    attempt(console, file, ExitStatus::Refused,
+            [&] { printEvents(console, readInput(file), prefix, options.rawReferences); });
 }
 
 }  // namespace

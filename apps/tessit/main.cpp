@@ -17,12 +17,13 @@ void refuseUsage(Console& console, const std::string& reason) {
 }
 
 void runCommand(int argc, char** argv, Console& console) {
-    CLI::App tool("Reads XML documents", std::string(ToolName));
+    CLI::App tool("Reads and compares XML documents", std::string(ToolName));
     tool.set_version_flag("--version", std::string(ToolName) + " " TESSIT_VERSION);
     tool.footer(
         "Exit status: 0 when every document was read, 1 when one was refused,\n"
-        "2 for wrong usage or a file that cannot be read or written.");
-    const Command commands[] = {addEvents(tool)};
+        "2 for wrong usage or a file that cannot be read or written;\n"
+        "subcommands that answer a question have their own.");
+    const Command commands[] = {addEvents(tool), addSame(tool)};
     tool.require_subcommand(0, 1);
     try {
         tool.parse(argc, argv);

@@ -6,10 +6,15 @@
 #include <cstring>
 #include <functional>
 #include <iosfwd>
+#include <new>
 #include <string_view>
 #include <type_traits>
 
 #include <tessit/export.h>
+
+namespace tessit {
+class OpenElements;
+}
 
 /// An owned string of bytes: every name, URI, value and text of the library.
 ///
@@ -121,6 +126,7 @@ public:
     /// The byte at `index`, to be changed; throws `QeBoundsError` unless `index < length()`.
     char& operator[](std::size_t index) {
         if (index >= length()) raiseIndex(index);
+        if (isShared()) unshare();
         return mutableData()[index];
     }
 
@@ -131,9 +137,11 @@ public:
             copyShort(raw, bytes, length);
             raw[length] = '\0';
             setInlineLength(length);
-        } else {
+        } else if (!isShared()) {
             copyShort(heapData(), bytes, length);
             setLength(length);
+        } else {
+            assignSlowly(bytes, length);
         }
     }
 
@@ -141,11 +149,14 @@ public:
     void assign(const char* text) { assign(viewOf(text)); }
 
     /// Empties the text and keeps its storage.
-    void clear() noexcept { truncate(0); }
+    void clear() noexcept {
+        if (isShared()) return dropBlock();
+        truncate(0);
+    }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer.
     void truncate(std::size_t newLength) noexcept {
-        if (newLength < length()) setLength(newLength);
+        if (newLength < length()) setLength(newLength);  // shared texts are only assigned to and cleared
     }
 
     /// Makes the text `length` bytes long and returns them, to be written over:
@@ -163,7 +174,7 @@ public:
     /// Appends bytes. Amortised O(bytes).
     void append(const char* bytes, std::size_t count) {
         const std::size_t oldLength = length();
-        if (count > InlineCapacity || count > capacity() - oldLength) return appendSlowly(bytes, count);
+        if (count > InlineCapacity || count > capacity() - oldLength || isShared()) return appendSlowly(bytes, count);
         copyShort(mutableData() + oldLength, bytes, count);
         setLength(oldLength + count);
     }
@@ -210,7 +221,7 @@ public:
     }
 
     /// Turns a to z into A to Z, whatever the locale; other bytes stay.
-    void toUpper() noexcept;
+    void toUpper();
 
     /// Replaces the text by all that is left in `in`, byte for byte, and sets the
     /// stream's end-of-file state. A stream that cannot be read gives an empty
@@ -235,6 +246,11 @@ public:
     friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
 
 private:
+    // They hand one long URI to many names, which must not cost its length each time.
+    friend class QeXmlNamespaceStack;
+    friend class QeXmlReader;
+    friend class tessit::OpenElements;
+
     // The last byte tells the two layouts apart. Up to 23: the text is in place
     // and this is the room left, so that a full string's tag is its terminator.
     // HeapTag: the first bytes are a Block.
@@ -248,6 +264,14 @@ private:
     };
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
+
+    // A large block has a count of its owners in front. Sharing is the library's own
+    // affair, among the strings of one object: every copy that a user makes is one.
+    struct LargeHeader {
+        alignas(UnitSize) std::size_t owners;
+    };
+    static constexpr std::uint32_t LargeUnits = 16;
+    static constexpr std::size_t LargeLength = LargeUnits * UnitSize;  // texts of so many bytes have a large block
 
     // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
     static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
@@ -271,11 +295,24 @@ private:
         std::memcpy(&length, raw + offsetof(Block, length), sizeof length);
         return length;
     }
-    std::size_t heapCapacity() const noexcept {
+    std::uint32_t heapUnits() const noexcept {
         std::uint32_t units;
         std::memcpy(&units, raw + offsetof(Block, units), sizeof units);
-        return units * UnitSize - 1;
+        return units;
     }
+    std::size_t heapCapacity() const noexcept { return heapUnits() * UnitSize - 1; }
+
+    bool isLarge() const noexcept { return !isInline() && heapUnits() >= LargeUnits; }
+    LargeHeader& largeHeader() const noexcept {
+        return *std::launder(reinterpret_cast<LargeHeader*>(heapData() - sizeof(LargeHeader)));
+    }
+    bool isShared() const noexcept { return isLarge() && largeHeader().owners > 1; }
+
+    // Becomes equal to `other`, in O(1) when that is large: both then have one block,
+    // and whichever changes first gets another.
+    void shareBlockOf(const QeCString& other);
+    void unshare();
+
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
     }
@@ -306,8 +343,14 @@ private:
         if (!isInline()) freeBlock();
     }
 
+    void dropBlock() noexcept {
+        releaseBlock();
+        forgetBlock();
+    }
+
     bool equals(const char* bytes, std::size_t count) const noexcept {
-        return length() == count && (count == 0 || std::memcmp(data(), bytes, count) == 0);
+        if (length() != count) return false;
+        return count == 0 || data() == bytes || std::memcmp(data(), bytes, count) == 0;
     }
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include <corvel/byte_copy.h>
+
 #if !defined(TESSIT_SCALAR) && defined(__SSE2__)
 #define TESSIT_SCAN_SSE2
 #include <emmintrin.h>
@@ -49,12 +51,35 @@ inline std::size_t firstMatch(std::uint64_t matches) {
 
 #endif
 
+#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+
+// `findAny` for at least one and at most two words: the first and the last one,
+// which may overlap, fill a block.
+template <typename Word, typename... Byte>
+inline const char* findInEnds(const char* at, const char* end, Byte... bytes) {
+    Word head, tail;
+    std::memcpy(&head, at, sizeof head);
+    std::memcpy(&tail, end - sizeof tail, sizeof tail);
+    Word ends[16 / sizeof(Word)];
+    for (std::size_t i = 0; i < 16 / sizeof(Word); i += 2) {
+        ends[i] = head;
+        ends[i + 1] = tail;
+    }
+    const auto matches = matchBlock(reinterpret_cast<const char*>(ends), bytes...);
+    const std::size_t first = matches == 0 ? 2 * sizeof(Word) : firstMatch(matches);
+    return first < sizeof(Word) ? at + first : end - 2 * sizeof(Word) + first;
+}
+
+#endif
+
 /// The first byte from `at` on that is one of `bytes`, or `end`.
 template <typename... Byte>
 inline const char* findAny(const char* at, const char* end, Byte... bytes) {
 #if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
     for (; end - at >= 16; at += 16)
         if (const auto matches = matchBlock(at, bytes...)) return at + firstMatch(matches);
+    if (end - at >= 8) return findInEnds<std::uint64_t>(at, end, bytes...);
+    if (end - at >= 4) return findInEnds<std::uint32_t>(at, end, bytes...);
 #endif
     while (at != end && (... && (*at != bytes)))
         ++at;
@@ -63,7 +88,7 @@ inline const char* findAny(const char* at, const char* end, Byte... bytes) {
 
 /// Copies what stands before the first byte that is one of `bytes`, or before
 /// `end`, and moves `from` and `to` past it. `to` needs room for all bytes up to
-/// `end`: some may be written over what comes next there.
+/// `end`: more of them may be written than count.
 template <typename... Byte>
 inline void copyUntilAny(const char*& from, const char* end, char*& to, Byte... bytes) {
 #if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
@@ -76,8 +101,10 @@ inline void copyUntilAny(const char*& from, const char* end, char*& to, Byte... 
         return;
     }
 #endif
-    while (from != end && (... && (*from != bytes)))
-        *to++ = *from++;
+    const char* const stop = findAny(from, end, bytes...);
+    copyBytes(to, from, static_cast<std::size_t>(stop - from));
+    to += stop - from;
+    from = stop;
 }
 
 /// Whether `length` bytes are the same at both places. Names are short: two loads

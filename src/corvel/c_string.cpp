@@ -15,7 +15,10 @@ std::uint32_t QeCString::unitsFor(std::size_t length) {
 }
 
 char* QeCString::newBlock(std::uint32_t units) {
-    return static_cast<char*>(::operator new(UnitSize* units));
+    if (units < LargeUnits) return static_cast<char*>(::operator new(UnitSize* units));
+    char* const header = static_cast<char*>(::operator new(sizeof(LargeHeader) + UnitSize * units));
+    ::new (header) LargeHeader{1};
+    return header + sizeof(LargeHeader);
 }
 
 void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept {
@@ -27,10 +30,32 @@ void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) 
 }
 
 void QeCString::freeBlock() noexcept {
-    ::operator delete(heapData());
+    if (!isLarge()) return ::operator delete(heapData());
+    LargeHeader& header = largeHeader();
+    if (--header.owners == 0) ::operator delete(&header);
+}
+
+void QeCString::shareBlockOf(const QeCString& other) {
+    if (!other.isLarge()) {
+        *this = other;
+    } else if (data() != other.data()) {
+        ++other.largeHeader().owners;
+        releaseBlock();
+        std::memcpy(raw, other.raw, sizeof raw);
+    }
+}
+
+void QeCString::unshare() {
+    QeCString own(data(), length());
+    *this = std::move(own);
 }
 
 void QeCString::assignSlowly(const char* bytes, std::size_t length) {
+    if (isShared()) {
+        QeCString own(bytes, length);
+        *this = std::move(own);
+        return;
+    }
     if (length <= capacity()) {
         if (length != 0) std::memmove(mutableData(), bytes, length);
         setLength(length);
@@ -43,12 +68,14 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 }
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
+    if (isShared()) unshare();
     if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
     setLength(newLength);
     return mutableData();
 }
 
 void QeCString::reserve(std::size_t wanted) {
+    if (isShared()) unshare();
     if (wanted <= capacity()) return;
     const std::size_t oldLength = length();
     const std::uint32_t units = unitsFor(wanted);
@@ -60,12 +87,12 @@ void QeCString::reserve(std::size_t wanted) {
 void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     const std::size_t oldLength = length();
     const std::size_t newLength = count <= MaxLength ? oldLength + count : npos;
-    if (newLength <= capacity()) {
+    if (newLength <= capacity() && !isShared()) {
         if (count != 0) std::memmove(mutableData() + oldLength, bytes, count);
         setLength(newLength);
         return;
     }
-    const std::uint32_t units = unitsFor(std::max(newLength, std::min(oldLength + oldLength / 2, MaxLength)));
+    const std::uint32_t units = unitsFor(std::max(newLength, std::min(2 * oldLength, MaxLength)));
     char* block = newBlock(units);
     std::memcpy(block, data(), oldLength);
     std::memcpy(block + oldLength, bytes, count);
@@ -92,7 +119,8 @@ std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const
     return std::string_view(*this).find_first_of(set, from);
 }
 
-void QeCString::toUpper() noexcept {
+void QeCString::toUpper() {
+    if (isShared()) unshare();
     char* bytes = mutableData();
     for (std::size_t i = 0, count = length(); i < count; ++i)
         if (bytes[i] >= 'a' && bytes[i] <= 'z') bytes[i] = static_cast<char>(bytes[i] - 'a' + 'A');

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <unicode/ucnv.h>
 #include <voxal/converter.h>
 
@@ -22,6 +23,12 @@ std::string_view canonicalName(const QeCString& name) {
     return U_FAILURE(status) || canonical == nullptr ? std::string_view() : std::string_view(canonical);
 }
 
+// Running out of memory is not the document's fault.
+[[noreturn]] void raise(UErrorCode status, const QeCString& message) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    throw QeUConversionError(message);
+}
+
 bool bothIn(std::string_view family, std::string_view left, std::string_view right) {
     return left.starts_with(family) && right.starts_with(family);
 }
@@ -35,8 +42,7 @@ void QeUToUnicodeConverter::Close::operator()(UConverter* converter) const noexc
 QeUToUnicodeConverter::Handle QeUToUnicodeConverter::open(const char* name) {
     UErrorCode status = U_ZERO_ERROR;
     Handle converter(ucnv_open(name, &status));
-    if (U_FAILURE(status))
-        throw QeUConversionError(QeCString("no converter is known for it (") + u_errorName(status) + ")");
+    if (U_FAILURE(status)) raise(status, QeCString("no converter is known for it (") + u_errorName(status) + ")");
     return converter;
 }
 
@@ -45,7 +51,9 @@ QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
     source = open(name.data());
 }
 
+// Piece by piece, since ICU takes no more than 2 GB at once; it remembers a character that a piece cuts off.
 QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes) const {
+    constexpr std::ptrdiff_t PieceLength = 1 << 16;
     const Handle target = open("UTF-8");
     QeCString result;
     result.reserve(bytes.size());
@@ -56,14 +64,15 @@ QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes) const {
     const char* at = bytes.data();
     const char* const end = at + bytes.size();
     for (bool first = true;; first = false) {
+        const char* const pieceEnd = at + std::min(end - at, PieceLength);
         UErrorCode status = U_ZERO_ERROR;
         char* written = chunk;
-        ucnv_convertEx(target.get(), source.get(), &written, chunk + sizeof chunk, &at, end, pivot, &pivotRead,
-                       &pivotWrite, pivot + std::size(pivot), first, true, &status);
+        ucnv_convertEx(target.get(), source.get(), &written, chunk + sizeof chunk, &at, pieceEnd, pivot, &pivotRead,
+                       &pivotWrite, pivot + std::size(pivot), first, pieceEnd == end, &status);
         result.append(chunk, static_cast<std::size_t>(written - chunk));
         if (status == U_BUFFER_OVERFLOW_ERROR) continue;
-        if (U_FAILURE(status)) throw QeUConversionError(u_errorName(status));
-        return result;
+        if (U_FAILURE(status)) raise(status, u_errorName(status));
+        if (pieceEnd == end) return result;
     }
 }
 

@@ -16,6 +16,7 @@ struct Reason {
 
 constexpr Reason Reasons[] = {
     {U_ILLEGAL_CHAR_FOUND, "unknown character name"},
+    {U_ILLEGAL_ARGUMENT_ERROR, "unknown character property"},
     {U_REGEX_INTERNAL_ERROR, "groups or sets are nested too deeply"},
     {U_REGEX_RULE_SYNTAX, "this cannot stand here"},
     {U_REGEX_BAD_ESCAPE_SEQUENCE, "unknown escape sequence"},
@@ -91,7 +92,9 @@ QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(so
     const std::u16string_view units = pattern.empty() ? u"(?:)" : text.units();  // ICU refuses an empty one
     UParseError place{};
     UErrorCode status = U_ZERO_ERROR;
-    compiled.reset(uregex_open(units.data(), static_cast<std::int32_t>(units.size()), 0, &place, &status));
+    const auto length = static_cast<std::int32_t>(units.size());
+    // Other dialects' escapes would stand for their letters otherwise, and patterns silently mean something else.
+    compiled.reset(uregex_open(units.data(), length, UREGEX_ERROR_ON_UNKNOWN_ESCAPES, &place, &status));
     if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     if (U_FAILURE(status)) raiseInvalid(pattern, describePlace(place), describe(status));
 }

@@ -48,8 +48,9 @@ public:
     /// Throws `QeURegexError` when the search takes more than some ten million
     /// steps of backtracking and 64 a unit of text, or a stack of more than 8 MiB
     /// and 128 bytes a unit (at most 512 MiB): the first is what ends a search that
-    /// would take exponential time. Counted, not timed, so that the same search
-    /// always comes to the same end. The expression can be used again.
+    /// would take exponential time. Where a step can cost more than usual, fewer are
+    /// allowed. Counted, not timed, so that the same search always comes to the same
+    /// end. The expression can be used again.
     QeURegexResult search(const QeUString& text);
 
 private:

@@ -84,6 +84,39 @@ TEST(XmlReader, ShowsTheBindingsInForce) {
     EXPECT_EQ(reader->getURIForPrefix("p"), "");
 }
 
+// A long URI is not copied for each name: two of them, used in turn, would cost their length at every tag.
+TEST(XmlReader, SharesLongUrisAmongNames) {
+    const std::string uri(100'000, 'u'), other(100'000, 'v');
+    const Document document("<r xmlns:p='" + uri + "' xmlns:q='" + other +
+                            "'><p:a p:x=''/><q:a q:x='' p:y=''/><p:a p:x=''/><s xmlns:z='" + uri +
+                            "'><z:a></p:a></s></r>");
+    auto reader = document.open(Source::Span);
+    const auto address = [](const QeXmlName& name) {
+        return static_cast<const void*>(name.getNamespace().getURI().data());
+    };
+    reader->readElementStart("r");
+    reader->readElementStart("p:a");
+    const void* const first = address(reader->getLastName());
+    EXPECT_EQ(address(reader->getLastAttributes().begin()->getName()), first);
+    reader->readElementEnd();
+    reader->readElementStart("q:a");
+    EXPECT_NE(address(reader->getLastName()), first);
+    reader->readElementEnd();
+    reader->readElementStart("p:a");
+    EXPECT_EQ(address(reader->getLastName()), first);
+    QeXmlName copy = reader->getLastName();
+    QeXmlAttributeSet attributes = reader->getLastAttributes();
+    EXPECT_NE(address(copy), first);  // the caller's copy is its own
+    reader->readElementEnd();
+    reader->readElementStart("s");
+    reader->readElementStart(QeXmlName("a", QeXmlNamespace("z", QeCString(uri))));
+    EXPECT_EQ(address(reader->getLastName()), first);  // declared again: the same text
+    reader->readElementEnd("p:a");
+    reader.reset();
+    EXPECT_EQ(copy.getNamespace().getURI(), std::string_view(uri));
+    EXPECT_EQ(attributes.begin()->getName(), QeXmlName("x", QeXmlNamespace("p", QeCString(uri))));
+}
+
 TEST(XmlReader, ResolvesThroughBindingsOfTheCaller) {
     const Document document("<p:a><p:b/><p:c xmlns:p='own'/></p:a><p:d/>");
     const auto reader = document.open(Source::Span);

@@ -84,6 +84,13 @@ TEST(XmlReader, RefusesShortDocumentsAtTheirBeginning) {
         EXPECT_EQ(trace(xml), "!1:1 Premature EOF") << xml;
 }
 
+// A null buffer has no bytes, whatever its length is said to be.
+TEST(XmlReader, RefusesANullBuffer) {
+    for (const unsigned length : {0u, 4u, 1000u})
+        EXPECT_THROW(QeXmlReader(nullptr, length), QeXmlParseError) << length;
+    EXPECT_THROW(QeXmlReader(std::span<const unsigned char>()), QeXmlParseError);
+}
+
 TEST(XmlReader, RefusesADocumentWithoutRootElement) {
     EXPECT_EQ(trace("<?xml version='1.0'?>\n<!-- only -->\n"), "!3:1 Premature EOF");
 }

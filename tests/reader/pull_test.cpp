@@ -124,6 +124,8 @@ constexpr PullCase RawElements[] = {
     {"<a><a>x</a><b/></a>", "R F", "<<<a><a>x</a><b/></a>>><a>x</a><b/> eof"},
     {"<r>t<a>1</a>u<a>2</a></r>", "S R:a R:a E:r", "S <<t<a>1</a>>>1 <<u<a>2</a>>>2 E"},
     {"<a/>", "R", "<<<a/>>>"},
+    {"<a xmlns='u'/>", "R:", "<<<a xmlns='u'/>>>"},                       // the empty string asks for any, too
+    {"<r xmlns='u'><a/></r>", "S R:", "S !1:18 Expected , found a"},      // but not where it has a namespace
     {"<r>\n<a x='1' /></r>", "S R:a R E", "S <<\n<a x='1' />>> <<>> E"},  // none next: empty, and the end stays
     {"<r>t</r>", "S R V E", "S <<>> '' !1:9 Premature EOF"},              // the value takes the mark off
     {"<r><a/></r>", "S N:a R:a E:a E:r",
@@ -135,6 +137,9 @@ constexpr PullCase RawElements[] = {
     {"<a><b/><!-- c --></a>", "R", "<<<a><b/><!-- c --></a>>><b/>"},  // up to where the scan of the end began
     {"<a><b></a></b></a>", "R T", "<<<a><b></a>>><b> -b"},            // only names like its own count
     {"<a x='1'><b/></a>", "R:b", "!1:10 Expected b, found a"},
+    {"<a xmlns='u'/>", "R:", "<<<a xmlns='u'/>>>"},  // an empty string is the empty name, which asks for any
+    {"<r><p:a/></r>", "S R:p:", "S <<<p:a/>>>"},     // and so is a prefix that is not bound
+    {"<r xmlns='u'><a/></r>", "S R:", "S !1:18 Expected , found a"},  // but not where it has a namespace
     {"<a x='1'><b/>", "R:a", "!1:14 Premature EOF"},
     {"<a>\xC3\xA9<?xml version='1.0' encoding='ISO-8859-1'?>\xE9</a>", "R",
      "<<<a>\xC3\xA9<?xml version='1.0' encoding='ISO-8859-1'?>\xC3\xA9</a>>>\xC3\xA9<?xml version='1.0' "

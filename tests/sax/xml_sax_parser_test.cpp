@@ -79,6 +79,19 @@ TEST(XmlSAXParser, ReportsADocument) {
         EXPECT_EQ(parse(xml), events) << xml;
 }
 
+// URIs of every length around the one from which they are shared, in every nesting.
+TEST(XmlSAXParser, MatchesEndTagsByLongUris) {
+    for (const std::size_t length : {1u, 23u, 24u, 255u, 256u, 257u, 5000u}) {
+        const std::string u(length, 'u'), v(length, 'v');
+        const std::string declarations = " xmlns:p='" + u + "' xmlns:q='" + v + "' xmlns:r='" + u + "'";
+        const std::string ends = "+a[xmlns:p=" + u + " xmlns:q=" + v + " xmlns:r=" + u + "] +{" + u + "}p:b +{" + v +
+                                 "}q:b +c +{" + u + "}p:d -{" + u + "}r:d -c -{" + v + "}q:b -{" + u + "}r:b -a";
+        EXPECT_EQ(parse("<a" + declarations + "><p:b><q:b><c><p:d></r:d></c></q:b></r:b></a>"), ends);
+        EXPECT_NE(parse("<a" + declarations + "><p:b><q:b></q:b></q:b></a>").find("Unmatched start tag for q:b"),
+                  std::string::npos);
+    }
+}
+
 TEST(XmlSAXParser, LeavesReferencesOnRequest) {
     EXPECT_EQ(parse("<a x='&lt;'>&lt;</a>", false), "+a[x=&lt;] =< -a");
 }

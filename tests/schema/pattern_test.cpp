@@ -81,6 +81,9 @@ TEST(Patterns, NameWhatIsWrongWithThemAndWhere) {
         {"*a", "Invalid pattern '*a' at line 1, character 1: this cannot stand here"},
         {"\xC3\xA9*+*", "Invalid pattern '\xC3\xA9*+*' at line 1, character 4: this cannot stand here"},
         {"\\p{Nope}", "Invalid pattern '\\p{Nope}' at line 1, character 8: unknown character property"},
+        {"\\p{IsBasicLatin}", "Invalid pattern '\\p{IsBasicLatin}': unknown character property"},
+        {"a\\ib", "Invalid pattern 'a\\ib' at line 1, character 3: unknown escape sequence"},
+        {"[\\i]", "Invalid pattern '[\\i]' at line 1, character 3: unknown escape sequence"},
         {"\\N{NOPE}", "Invalid pattern '\\N{NOPE}': unknown character name"},
         {"\\", "Invalid pattern '\\' at line 1, character 1: unknown escape sequence"},
         {"\xC3\xA9\xEF\xBF\xBD\xF0\x9F\x98\x80\xE9",
@@ -122,7 +125,8 @@ TEST(Patterns, EndInAnErrorInsteadOfTakingForever) {
         {std::string(MiB / 8, 'a'), "(?x) (?:( ?=[a-c]*)a)*b"},
         {std::string(MiB / 8, 'a'), "(?>[a-c]+)d"},
         {std::string(MiB / 8, 'a'), "(a*)\\1b"},
-        {std::string(40, 'a'), manyGroups},  // saves two thousand groups in each step
+        {std::string(MiB / 8, 'a'), "(?<n>a*)\\k<n>b"},
+        {std::string(20, 'a'), manyGroups},  // few steps, each of which saves two thousand groups
     };
     for (const auto& [value, pattern] : Cases)
         EXPECT_NE(errorOf(value, pattern).find("takes too many steps on a text of"), std::string::npos)
@@ -141,6 +145,7 @@ TEST(Patterns, TakeTextsOfAMebibyte) {
     } Cases[] = {
         {letters, "^(a|b)*$", true},
         {letters, "^(a|b)*c$", false},
+        {letters, "^(?:b|c|d|e|f|g|h|i|j|k|l|m|n|o|p|a)*$", true},  // many steps a letter
         {letters, "^([a-z]{4})*$", true},
         {letters, "^(?:.|\\n)*$", true},
         {letters, "b", false},

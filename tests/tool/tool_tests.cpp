@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -172,10 +173,30 @@ const CommandCase Commands[] = {
     {"\"$TESSIT\" events bad 2>&-", Utf8 + "start bad {}\n", "", 1},
 };
 
-TEST_F(Tool, AnswersEachCommandLine) {
-    for (const auto& [command, output, errors, status] : Commands) {
+const CommandCase Comparisons[] = {
+    {"\"$TESSIT\" same good like", "", "", 0},
+    {"\"$TESSIT\" same like good", "", "", 0},
+    {"\"$TESSIT\" same good good", "", "", 0},
+    {"\"$TESSIT\" same good -", "good and <stdin> differ\n", "", 1},
+    {"\"$TESSIT\" same - good", "<stdin> and good differ\n", "", 1},
+    {"\"$TESSIT\" same - ./input", "", "", 0},
+    {"cp good 'a\nb' && \"$TESSIT\" same 'a\nb' input", "a\\nb and input differ\n", "", 1},
+    {"\"$TESSIT\" same bad good", "", "bad:1:6: error: Missing end tag for bad\n", 2},
+    {"\"$TESSIT\" same good bad", "", "bad:1:6: error: Missing end tag for bad\n", 2},
+    {"\"$TESSIT\" same bad none", "",
+     "bad:1:6: error: Missing end tag for bad\nnone: error: No such file or directory\n", 2},
+    {"\"$TESSIT\" same good .", "", ".: error: Is a directory\n", 2},
+    {"\"$TESSIT\" same - -", "", "<stdin>: error: It can be read only once\n", 2},
+    {"\"$TESSIT\" same good", "", "tessit: error: B is required" + See, 2},
+    {"\"$TESSIT\" same good like bad", "", "tessit: error: The following argument was not expected: bad" + See, 2},
+    {"\"$TESSIT\" same good - >/dev/full", "", "standard output: error: No space left on device\n", 2},
+};
+
+void expectAnswers(std::span<const CommandCase> cases) {
+    for (const auto& [command, output, errors, status] : cases) {
         SCOPED_TRACE(command);
         writeFile("good", "<good/>");
+        writeFile("like", "<?xml version='1.0'?>\n<good>\n</good>");
         writeFile("bad", "<bad>");
         const Outcome outcome = run(command, "<input/>");
         EXPECT_EQ(outcome.output, output);
@@ -184,13 +205,23 @@ TEST_F(Tool, AnswersEachCommandLine) {
     }
 }
 
+TEST_F(Tool, AnswersEachCommandLine) {
+    expectAnswers(Commands);
+}
+
+TEST_F(Tool, TellsWhetherDocumentsAreTheSame) {
+    expectAnswers(Comparisons);
+}
+
 TEST_F(Tool, ExplainsItself) {
     const Outcome tool = run("\"$TESSIT\" --help");
     EXPECT_NE(tool.output.find("events"), std::string::npos);
     EXPECT_NE(tool.output.find("Exit status"), std::string::npos);
     const Outcome events = run("\"$TESSIT\" events --help");
     EXPECT_NE(events.output.find("--raw-references"), std::string::npos);
-    EXPECT_EQ(tool.status + events.status, 0);
+    const Outcome same = run("\"$TESSIT\" same --help");
+    EXPECT_NE(same.output.find("1 when they differ"), std::string::npos);
+    EXPECT_EQ(tool.status + events.status + same.status, 0);
 }
 
 // Larger than any buffer or pipe, in many nodes and in one.

@@ -120,7 +120,7 @@ TEST(XmlWriter, PassesBytesOnAsAStringWhereTheSinkTakesNone) {
         const QeCString text(std::string_view(std::string(length, 'x')));
         writer.write(text, true);
         writer.write("y", true);
-        EXPECT_EQ(writer.calls, "|s:" + std::string(length, 'x') + "|s:y");
+        EXPECT_EQ(writer.calls, QeCString("|s:") + std::string(length, 'x') + "|s:y");
     }
 }
 
@@ -145,7 +145,7 @@ TEST(XmlWriter, EscapesValuesButNotTwice) {
     for (const auto& [value, written] : Values) {
         LoggingWriter writer;
         writer.writeAttribute("a", value, true);
-        EXPECT_EQ(writer.output, " a=\"" + std::string(written) + "\"");
+        EXPECT_EQ(writer.output, QeCString(" a=\"") + written + "\"");
     }
 }
 
@@ -165,7 +165,7 @@ TEST(XmlWriter, WritesLongValuesInOneCall) {
         writer.writeAttribute("a", QeCString(std::string_view(quotes)), true);
         writer.writeAttribute("a", QeCString(std::string_view(quotes)), false);
         writer.write(QeCString(std::string_view(quotes + "&")), true);
-        EXPECT_EQ(writer.calls, "|b: a=\"" + escaped + "\"|b: a=\"" + quotes + "\"|b:" + quotes + "&amp;");
+        EXPECT_EQ(writer.calls, QeCString("|b: a=\"") + escaped + "\"|b: a=\"" + quotes + "\"|b:" + quotes + "&amp;");
     }
 }
 
@@ -204,6 +204,31 @@ const NamespaceCase Namespaces[] = {
          empty(w, {"f", NsU});
      },
      "<e xmlns=\"u\"><p:f xmlns:p=\"u\"/>"},
+    {"also where a prefix is bound to it further out",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         start(w, {"f", DefaultU});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><f xmlns=\"u\"><p:g xmlns:p=\"u\"/>"},
+    {"a prefix that is hidden counts as bound",
+     [](QeXmlWriter& w) {
+         start(w, {"e", NsU});
+         start(w, {"f", {"p", "v"}});
+         empty(w, {"g", NsU});
+     },
+     "<p:e xmlns:p=\"u\"><p:f xmlns:p=\"v\"><p:g/>"},
+    {"the end of a default namespace is noticed when the writer is told",
+     [](QeXmlWriter& w) {
+         QeXmlAttributeSet set;
+         set.unsetDefaultNamespaceAttribute();
+         start(w, {"e", DefaultU});
+         start(w, {"f"}, set);
+         empty(w, {"g", DefaultU});
+         w.addNamespace(QeXmlNamespace::getEmptyNamespace());
+         empty(w, {"h", DefaultU});
+     },
+     "<e xmlns=\"u\"><f xmlns=\"\"><g/><h xmlns=\"u\"/>"},
     {"a URI bound to a prefix is declared as default",
      [](QeXmlWriter& w) {
          start(w, {"e", NsU});
@@ -351,11 +376,11 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
     for (const int padding : {0, 20}) {
         QeXmlAttributeSet set = attributes({{"a", "1", {}}, {"m", "2", {}}, {"n", "3", {"p", "u"}}});
         for (int i = 0; i < padding; ++i)
-            set.add(QeXmlName(QeCString(std::string_view("x" + std::to_string(100 + i)))), "");
+            set.add(QeXmlName(QeCString("x") + std::to_string(100 + i)), "");
         set.begin()->getName().setLocalName("z");
-        std::string tail;
+        QeCString tail;
         for (int i = 0; i < padding; ++i)
-            tail += " x" + std::to_string(100 + i) + "=\"\"";
+            tail += QeCString(" x") + std::to_string(100 + i) + "=\"\"";
 
         LoggingWriter writer;
         empty(writer, {"e"}, set);
@@ -373,12 +398,11 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
 
 TEST(XmlWriter, FindsDeclarationsInLargeSets) {
     QeXmlAttributeSet set;
-    std::string expected = "<p7:e";
+    QeCString expected = "<p7:e";
     for (int i = 0; i < 40; ++i)
-        set.addNamespaceAttribute({QeCString(std::string_view("p" + std::to_string(10 + i))),
-                                   "u" + QeCString(std::string_view(std::to_string(i)))});
+        set.addNamespaceAttribute({QeCString("p") + std::to_string(10 + i), QeCString("u") + std::to_string(i)});
     for (int i = 0; i < 40; ++i)
-        expected += " xmlns:p" + std::to_string(10 + i) + "=\"u" + std::to_string(i) + "\"";
+        expected += QeCString(" xmlns:p") + std::to_string(10 + i) + "=\"u" + std::to_string(i) + "\"";
     LoggingWriter writer;
     empty(writer, {"e", {"p7", "w"}}, set);
     EXPECT_EQ(writer.output, expected + " xmlns:p7=\"w\"/>");
@@ -522,7 +546,7 @@ private:
 TEST(XmlWriter, MayBeCalledByItsSink) {
     NestingWriter writer;
     empty(writer, {"e", NsU}, attributes({{"a", "a-value-of-more-than-23-bytes", {"m", "w"}}}));
-    const std::string nested =
+    const QeCString nested =
         "<r:an-element-name-that-needs-the-heap q:an-attribute-name-that-needs-the-heap=\"1\" "
         "xmlns:q=\"another-uri-that-needs-the-heap\" xmlns:r=\"v\"/>";
     EXPECT_EQ(writer.output, "<p:e" + nested + " m:a=\"a-value-of-more-than-23-bytes\"" + nested + " xmlns:m=\"w\"" +

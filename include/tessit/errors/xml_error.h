@@ -9,7 +9,9 @@
 /// Each class below is one reaction that a caller can have. It can be caught as
 /// `QeXmlError`, as `Qexmsg`, or as the standard exception that is its second
 /// base; `why()` and `what()` return the same text, which lives as long as the
-/// exception. Copying an exception copies strings and may throw `std::bad_alloc`.
+/// exception. Copying an exception copies strings and may throw `std::bad_alloc`;
+/// an assignment that does has changed nothing, or, of a `QeXmlParseError`, the
+/// text alone.
 class TESSIT_API QeXmlError : public Qexmsg {
 public:
     explicit QeXmlError(const QeCString& msg) : Qexmsg(msg.data()) {}

@@ -4,7 +4,9 @@
 
 /// A name and a value. The value is UTF-8 text without escapes.
 ///
-/// References from the accessors live as long as the object.
+/// References from the accessors live as long as the object. Storing a text can
+/// throw `std::bad_alloc`: what takes several (an assignment, a name) has then
+/// perhaps stored the first of them.
 class TESSIT_API QeXmlAttribute {
 public:
     QeXmlAttribute() = default;

@@ -136,6 +136,9 @@ private:
 
     void lookAtOrder() noexcept;
 
+    // Whether the names stand in order, each once.
+    bool isStrictlySorted() const noexcept;
+
     // Assignment that keeps the strings of the slots. After a throw, the set is empty.
     void assignInPlace(const QeXmlAttributeSet& other);
 

@@ -7,6 +7,8 @@
 /// Its identity is the URI: comparisons never look at the prefix. An empty
 /// prefix is a default namespace, an empty URI no namespace. All comparisons are
 /// exact, byte for byte. References from the accessors live as long as the object.
+/// Storing a text can throw `std::bad_alloc`: a setter then has changed nothing, an
+/// assignment perhaps the prefix.
 class TESSIT_API QeXmlNamespace {
 public:
     QeXmlNamespace() = default;

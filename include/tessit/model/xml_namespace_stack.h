@@ -104,12 +104,14 @@ private:
     void dropAll() noexcept;
     void dropBindings() noexcept;
     void forgetInnermost() noexcept;
-    void addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope);
+    void makeRoomInIndex();
     void buildIndex();
+    void clearIndex() noexcept;
 
     std::size_t depth = 0;
     QeSlotArray<DeclaringScope> declaring;  // outermost first
     std::size_t bindingCount = 0;           // in all scopes
     std::uint64_t lastState = 0;
-    std::unique_ptr<Index> index;  // only while many bindings are in force
+    bool indexed = false;          // while many bindings are in force
+    std::unique_ptr<Index> index;  // from the first time that there are many
 };

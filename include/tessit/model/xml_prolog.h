@@ -4,7 +4,9 @@
 
 /// The XML declaration: version, and optionally encoding and standalone.
 ///
-/// Nothing is validated or escaped. Accessors return copies.
+/// Nothing is validated or escaped. Accessors return copies. Storing a text can
+/// throw `std::bad_alloc`: a setter then has changed nothing, an assignment perhaps
+/// the version.
 class TESSIT_API QeXmlProlog {
 public:
     /// Version "1.0", no encoding, no standalone.

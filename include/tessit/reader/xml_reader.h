@@ -55,7 +55,7 @@ public:
 
     /// Reads `length` bytes in place: nothing is copied, written, or read outside
     /// them. They must stay alive and unchanged as long as the reader, unless the
-    /// document had to be converted to UTF-8.
+    /// document had to be converted to UTF-8. A null pointer stands for no bytes.
     QeXmlReader(unsigned char* bytes, unsigned int length);
 
     /// The same for bytes of any number that are constant.
@@ -108,11 +108,13 @@ public:
     bool isElementNext(const QeCString& qname);
 
     /// Takes a whole element and returns its markup as it stands in the document
-    /// (as UTF-8), with what was passed over in front of it. `NullName` takes any
-    /// element. The inner markup is then in `getLastContent()`, the attributes of
-    /// the start tag in `getLastAttributes()`.
+    /// (as UTF-8), with what was passed over in front of it. `NullName`, or a string
+    /// that means the same here, takes any element; another name than that of the
+    /// next element throws "Expected NAME, found NAME". The inner markup is then in
+    /// `getLastContent()`, the attributes of the start tag in `getLastAttributes()`.
     ///
-    /// When the next tag is no start tag it stays pending, and the result is empty.
+    /// When the next tag is no start tag it stays pending, and both the result and
+    /// `getLastContent()` are empty.
     /// A start tag that was pending is written anew: attributes in the set's order,
     /// values as stored, a space behind the name and behind each value.
     /// An empty-element tag is taken without its end, as by `readElementStart`:
@@ -200,8 +202,8 @@ private:
     };
 
     // An attribute as scanned. A value with references was expanded into
-    // `valueScratch` and stands there from `scratchStart`; `value.data()` is null
-    // until the whole tag was read, since the scratch may still move.
+    // `valueScratch`: from `scratchStart` to that of the next attribute. Its `value`
+    // is a null view until the whole tag was read, since the scratch may still move.
     struct RawAttribute {
         RawName name;
         std::string_view value;
@@ -312,6 +314,7 @@ private:
     const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
     void closeScope();
     void forgetWrittenNames() noexcept;
+    void forgetSlots() noexcept;
 
     // pull.cpp
     ExpectedName keepExpected(const QeXmlName& name);
@@ -325,7 +328,9 @@ private:
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
-    QeCString readRawElement(const ExpectedName* expected);
+    std::string_view uriOfExpected(const ExpectedName& expected) const noexcept;
+    bool asksForAny(const ExpectedName& expected) const noexcept;
+    QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
     QeCString rebuildTag() const;
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
@@ -348,7 +353,7 @@ private:
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
 
-    std::size_t conversionAllowance = 0;  // bytes that conversions may still produce
+    std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
 
     // The bindings of the element that the last tag closed: names in front of that
     // tag still resolve with them, the caller's lookups no longer.

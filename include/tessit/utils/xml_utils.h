@@ -57,8 +57,9 @@ public:
     ///
     /// When the new name is in a namespace that the start tag does not declare
     /// under a prefix, a declaration is added: of the name's prefix, or, when that
-    /// is empty, of the default namespace. Text that cannot be taken apart (no
-    /// leading '<', an empty-element tag, no end tag) is returned unchanged.
+    /// is empty, of the default namespace, unless the start tag has one of that,
+    /// which stays in force. Text that cannot be taken apart (no leading '<', an
+    /// empty-element tag, no end tag) is returned unchanged.
     ///
     /// A rewrite of text, not a parse: a '>' in an attribute value, or values in
     /// single quotes or with whitespace in them, are not understood. O(length).

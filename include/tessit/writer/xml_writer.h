@@ -1,12 +1,18 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string_view>
+#include <vector>
 
 #include <corvel/c_string.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
+
+namespace tessit {
+class PlainAttributes;
+}
 
 /// Writes markup: elements with their attributes, text, namespace declarations,
 /// escapes and, where asked for, indentation. The bytes go to a sink, which a
@@ -164,19 +170,27 @@ private:
         QeCString bytes;
         QeXmlAttributeSet completedAttributes;
         QeXmlAttributeSet typeAttribute;
+        std::vector<const QeXmlAttribute*> positions;
     };
 
-    void writeTag(const QeCString& opening, const QeXmlName& name, std::string_view closing);
+    enum class Tag : unsigned char { Start, End };
+
+    void writeTag(Tag kind, const QeXmlName& name);
+    void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
+    void writeAttributeSet(const QeXmlAttributeSet& attributes);
     void writeAttributeOfElement(const QeXmlAttribute& attribute);
     void writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
                                  bool escape);
     void writeToSinkInPieces(const char* bytes, std::size_t length);
     static void addTypeAttribute(QeXmlAttributeSet& attributes, const QeCString& typeName);
 
-    void addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
-    void addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
-    void addNamespacesOf(const QeXmlAttributeSet& attributes);
-    const QeXmlAttributeSet& getCompleteAttributeSet(const QeXmlAttributeSet& attributes, QeXmlAttributeSet& completed);
+    bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
+    bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
+    bool addNamespacesOf(const QeXmlAttributeSet& attributes);
+    std::span<const QeXmlNamespace> innermostBindings() const noexcept;
+    bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
+    void getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
+                                 QeXmlAttributeSet& completed) const;
 
     int currentIndent = 0;
     int indentSize = 2;

@@ -30,12 +30,18 @@ QeXmlAttribute* upperBound(QeXmlAttribute* first, const QeXmlAttribute* last, co
 
 QeXmlAttributeSet::~QeXmlAttributeSet() = default;
 
+// Whether the names stand in order, each once.
+bool QeXmlAttributeSet::isStrictlySorted() const noexcept {
+    return knownSorted ||
+           std::adjacent_find(begin(), end(), [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+               return left.compareTo(right) >= 0;
+           }) == end();
+}
+
 // Called after attributes were added or removed, which made the pointers that were
 // out void. Few attributes are scanned whatever their order.
 void QeXmlAttributeSet::lookAtOrder() noexcept {
-    if (knownSorted || attributes.size() <= LinearSearchLimit) return;
-    const auto less = [](const QeXmlAttribute& left, const QeXmlAttribute& right) { return left.compareTo(right) < 0; };
-    knownSorted = std::is_sorted(attributes.begin(), attributes.end(), less);
+    if (!knownSorted && attributes.size() > LinearSearchLimit) knownSorted = isStrictlySorted();
 }
 
 // The first attribute that matches; those that `isBefore` holds for stand before it as long as the order is right.

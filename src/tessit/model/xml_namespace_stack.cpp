@@ -1,69 +1,139 @@
-#include <map>
 #include <utility>
 #include <vector>
 
+#include <corvel/keyed_hash.h>
 #include <tessit/model/xml_namespace_stack.h>
 
-// Bindings by prefix and by URI, for stacks that hold many. An ordered map, not
-// a hash table: a hostile document could choose names that all hash alike.
+namespace {
+
+// Up to this many bindings a scan is faster than the index; it rests again at half as many.
+constexpr std::size_t IndexThreshold = 16;
+
+}  // namespace
+
+// Bindings by prefix and by URI, for stacks that hold many.
 //
-// Each list names, outermost first, the bindings that a lookup could return: the
-// first one of each scope with that prefix (or URI). Its last entry is the answer.
+// Scopes come and go last in, first out, and so do the entries of the index. Each
+// entry knows the older one of its bucket: dropping it brings that one back, and
+// nothing is allocated once the arrays have their size.
 struct QeXmlNamespaceStack::Index {
+    using Scopes = QeSlotArray<DeclaringScope>;
+
     struct Place {
         std::size_t scope;
         std::size_t binding;
     };
-    using Places = std::map<QeCString, std::vector<Place>, std::less<>>;
 
-    void add(std::string_view prefix, std::string_view uri, Place place) {
-        add(byPrefix, prefix, place);
-        add(byURI, uri, place);
+    template <const QeCString& (QeXmlNamespace::*key)() const noexcept>
+    class Table {
+    public:
+        // Lists the newest binding, unless its scope has a binding with the same key: a lookup returns the first one.
+        // There must be room for it.
+        void add(const Scopes& scopes, Place place) noexcept {
+            const QeCString& added = (bindingAt(scopes, place).*key)();
+            const std::uint64_t hash = tessit::keyedHash(added, secret);
+            const Entry* same = findEntry(scopes, added, hash, place.scope + 1);
+            if (same != nullptr && same->place.scope == place.scope) return;
+            entries.push_back({hash, place, 0});
+            link(entries.size());
+        }
+
+        // Makes sure that the next addition finds room.
+        void makeRoom() {
+            if (entries.size() == buckets.size()) growBuckets();
+            if (entries.size() == entries.capacity()) entries.reserve(2 * entries.size() + 1);
+        }
+
+        void dropScope(std::size_t scope) noexcept {
+            while (!entries.empty() && entries.back().place.scope == scope)
+                dropLast();
+        }
+
+        // Costs as much as the entries, not as the buckets, which once may have been many more.
+        void clear() noexcept {
+            while (!entries.empty())
+                dropLast();
+        }
+
+        // The innermost binding with that key in a scope before `scopeEnd`.
+        const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::size_t scopeEnd) const noexcept {
+            const Entry* found = findEntry(scopes, wanted, tessit::keyedHash(wanted, secret), scopeEnd);
+            return found == nullptr ? nullptr : &bindingAt(scopes, found->place);
+        }
+
+    private:
+        struct Entry {
+            std::uint64_t hash;
+            Place place;
+            std::size_t older;  // in the same bucket; from 1, and 0 for none
+        };
+
+        static const QeXmlNamespace& bindingAt(const Scopes& scopes, Place place) noexcept {
+            return scopes[place.scope].bindings[place.binding];
+        }
+
+        std::size_t bucketIndex(std::uint64_t hash) const noexcept { return hash & (buckets.size() - 1); }
+        std::size_t& bucketOf(std::uint64_t hash) noexcept { return buckets[bucketIndex(hash)]; }
+
+        const Entry* findEntry(const Scopes& scopes, std::string_view wanted, std::uint64_t hash,
+                               std::size_t scopeEnd) const noexcept {
+            if (buckets.empty()) return nullptr;
+            for (std::size_t at = buckets[bucketIndex(hash)]; at != 0; at = entries[at - 1].older) {
+                const Entry& entry = entries[at - 1];
+                if (entry.hash == hash && entry.place.scope < scopeEnd &&
+                    (bindingAt(scopes, entry.place).*key)() == wanted)
+                    return &entry;
+            }
+            return nullptr;
+        }
+
+        void dropLast() noexcept {
+            bucketOf(entries.back().hash) = entries.back().older;
+            entries.pop_back();
+        }
+
+        // Puts an entry in front of its bucket.
+        void link(std::size_t at) noexcept {
+            std::size_t& bucket = bucketOf(entries[at - 1].hash);
+            entries[at - 1].older = bucket;
+            bucket = at;
+        }
+
+        void growBuckets() {
+            std::vector<std::size_t> grown(buckets.empty() ? 4 * IndexThreshold : 2 * buckets.size());
+            buckets.swap(grown);
+            for (std::size_t at = 1; at <= entries.size(); ++at)
+                link(at);
+        }
+
+        const tessit::HashSecret secret = tessit::HashSecret::ofProcess();
+        std::vector<Entry> entries;        // outermost first
+        std::vector<std::size_t> buckets;  // the newest entry of each; their number is a power of two
+    };
+
+    void makeRoom() {
+        byPrefix.makeRoom();
+        byURI.makeRoom();
     }
 
-    // Forgets a binding of the innermost scope.
-    void drop(const QeXmlNamespace& binding, std::size_t scope) noexcept {
-        drop(byPrefix, binding.getPrefix(), scope);
-        drop(byURI, binding.getURI(), scope);
+    void add(const Scopes& scopes, Place place) noexcept {
+        byPrefix.add(scopes, place);
+        byURI.add(scopes, place);
     }
 
-    static void add(Places& places, std::string_view key, Place place) {
-        auto entry = places.lower_bound(key);
-        if (entry == places.end() || entry->first != key)
-            entry = places.emplace_hint(entry, QeCString(key), std::vector<Place>());
-        std::vector<Place>& list = entry->second;
-        if (list.empty() || list.back().scope != place.scope) list.push_back(place);
+    void dropScope(std::size_t scope) noexcept {
+        byPrefix.dropScope(scope);
+        byURI.dropScope(scope);
     }
 
-    // Does nothing when an equal key of the same scope was dropped already.
-    static void drop(Places& places, const QeCString& key, std::size_t scope) noexcept {
-        const auto found = places.find(key);
-        if (found == places.end()) return;
-        std::vector<Place>& list = found->second;
-        if (!list.empty() && list.back().scope == scope) list.pop_back();
-        if (list.empty()) places.erase(found);
+    void clear() noexcept {
+        byPrefix.clear();
+        byURI.clear();
     }
 
-    // The innermost place under `key` in a scope before `scopeEnd`, which is the last scope or the end of all.
-    static const Place* find(const Places& places, std::string_view key, std::size_t scopeEnd) noexcept {
-        const auto found = places.find(key);
-        if (found == places.end()) return nullptr;
-        const std::vector<Place>& list = found->second;
-        std::size_t count = list.size();
-        if (count > 0 && list[count - 1].scope >= scopeEnd) --count;
-        return count == 0 ? nullptr : &list[count - 1];
-    }
-
-    Places byPrefix;
-    Places byURI;
+    Table<&QeXmlNamespace::getPrefix> byPrefix;
+    Table<&QeXmlNamespace::getURI> byURI;
 };
-
-namespace {
-
-// Up to this many bindings a scan is faster than the index; it is dropped again at half as many.
-constexpr std::size_t IndexThreshold = 16;
-
-}  // namespace
 
 QeXmlNamespaceStack::QeXmlNamespaceStack() noexcept = default;
 QeXmlNamespaceStack::~QeXmlNamespaceStack() = default;
@@ -78,6 +148,7 @@ QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
       declaring(std::move(other.declaring)),
       bindingCount(std::exchange(other.bindingCount, 0)),
       lastState(other.lastState),
+      indexed(std::exchange(other.indexed, false)),
       index(std::move(other.index)) {}
 
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
@@ -89,6 +160,7 @@ QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other)
     declaring = std::move(other.declaring);
     bindingCount = std::exchange(other.bindingCount, 0);
     lastState = other.lastState;
+    indexed = std::exchange(other.indexed, false);
     index = std::move(other.index);
     return *this;
 }
@@ -106,17 +178,19 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     declaring.reserveSlots(scopeIndex + 1);
     DeclaringScope& scope = declaring[scopeIndex];
     if (opensDeclaring) scope.bindings.clear();
-    try {
-        addToIndex(prefix, uri, scopeIndex);
-        scope.bindings.append([=](QeXmlNamespace& slot) {
-            slot.prefix.assign(prefix);
+    if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
+    // A long URI that is bound already is shared, so that names can be compared by where it stands.
+    const QeXmlNamespace* same = uri.size() >= QeCString::LargeLength ? findURI(uri) : nullptr;
+    scope.bindings.append([=](QeXmlNamespace& slot) {
+        slot.prefix.assign(prefix);
+        if (same == nullptr) {
             slot.uri.assign(uri);
-        });
-    } catch (...) {
-        index.reset();  // it may know the binding already; the next one builds a new index
-        throw;
-    }
+        } else {
+            slot.uri.shareBlockOf(same->uri);
+        }
+    });
 
+    if (indexed) index->add(declaring, {scopeIndex, scope.bindings.size() - 1});
     if (depth == 0) pushScope();
     if (opensDeclaring) {
         scope.depth = depth;
@@ -126,22 +200,27 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     ++bindingCount;
 }
 
-void QeXmlNamespaceStack::addToIndex(std::string_view prefix, std::string_view uri, std::size_t scope) {
-    if (index == nullptr) {
-        if (bindingCount < IndexThreshold) return;
-        buildIndex();
-    }
-    index->add(prefix, uri, {scope, declaring[scope].bindings.size()});
+// Makes sure that there is an index, and that taking one more binding into it cannot fail.
+void QeXmlNamespaceStack::makeRoomInIndex() {
+    if (!indexed) buildIndex();
+    index->makeRoom();
 }
 
 void QeXmlNamespaceStack::buildIndex() {
-    auto built = std::make_unique<Index>();
-    for (std::size_t scope = 0; scope < declaring.size(); ++scope) {
-        std::size_t position = 0;
-        for (const QeXmlNamespace& binding : declaring[scope].bindings)
-            built->add(binding.getPrefix(), binding.getURI(), {scope, position++});
-    }
-    index = std::move(built);
+    if (index == nullptr) index = std::make_unique<Index>();
+    index->clear();
+    for (std::size_t scope = 0; scope < declaring.size(); ++scope)
+        for (std::size_t binding = 0; binding < declaring[scope].bindings.size(); ++binding) {
+            index->makeRoom();
+            index->add(declaring, {scope, binding});
+        }
+    indexed = true;
+}
+
+// Its storage stays for the next time.
+void QeXmlNamespaceStack::clearIndex() noexcept {
+    if (indexed) index->clear();
+    indexed = false;
 }
 
 void QeXmlNamespaceStack::dropBindings() noexcept {
@@ -152,14 +231,9 @@ void QeXmlNamespaceStack::dropBindings() noexcept {
 
 // Takes the bindings of the innermost scope out of the count and the index.
 void QeXmlNamespaceStack::forgetInnermost() noexcept {
-    const QeSlotArray<QeXmlNamespace>& bindings = declaring.back().bindings;
-    bindingCount -= bindings.size();
-    if (bindingCount <= IndexThreshold / 2) {
-        index.reset();
-    } else if (index != nullptr) {
-        for (const QeXmlNamespace& binding : bindings)
-            index->drop(binding, declaring.size() - 1);
-    }
+    bindingCount -= declaring.back().bindings.size();
+    if (indexed) index->dropScope(declaring.size() - 1);
+    if (bindingCount <= IndexThreshold / 2) clearIndex();
 }
 
 void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
@@ -183,7 +257,7 @@ void QeXmlNamespaceStack::takeScope(DeclaringScope& scope) noexcept {
 }
 
 void QeXmlNamespaceStack::dropAll() noexcept {
-    index.reset();
+    clearIndex();
     declaring.clear();
     bindingCount = 0;
     depth = 0;
@@ -192,18 +266,12 @@ void QeXmlNamespaceStack::dropAll() noexcept {
 const QeXmlNamespace* QeXmlNamespaceStack::findPrefix(std::string_view prefix, From from) const noexcept {
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
-    if (index != nullptr) {
-        const Index::Place* place = Index::find(index->byPrefix, prefix, scopeEnd);
-        return place == nullptr ? nullptr : &declaring[place->scope].bindings[place->binding];
-    }
+    if (indexed) return index->byPrefix.find(declaring, prefix, scopeEnd);
     return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
-    if (index != nullptr) {
-        const Index::Place* place = Index::find(index->byURI, uri, declaring.size());
-        return place == nullptr ? nullptr : &declaring[place->scope].bindings[place->binding];
-    }
+    if (indexed) return index->byURI.find(declaring, uri, declaring.size());
     return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
 }
 

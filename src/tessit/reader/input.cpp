@@ -20,8 +20,8 @@ namespace {
 // conversion can double it: a few of them would make a small document huge.
 // All conversions together may produce this many times the input's length, and
 // a constant for small documents; those with one declaration never come near it.
-constexpr std::size_t ConversionFactor = 16;
-constexpr std::size_t ConversionGrace = 4096;
+constexpr std::uint64_t ConversionFactor = 16;
+constexpr std::uint64_t ConversionGrace = 4096;
 constexpr char TooManyConversions[] = "the document's encoding declarations make it grow too much";
 
 }  // namespace
@@ -36,7 +36,7 @@ QeXmlReader::QeXmlReader(const QeCString& document) : ownedDocument(document) {
 }
 
 QeXmlReader::QeXmlReader(unsigned char* bytes, unsigned int length)
-    : QeXmlReader(std::span<const unsigned char>(bytes, length)) {}
+    : QeXmlReader(std::span<const unsigned char>(bytes, bytes == nullptr ? 0 : length)) {}
 
 QeXmlReader::QeXmlReader(std::span<const unsigned char> document) {
     takeInput({reinterpret_cast<const char*>(document.data()), document.size()});

@@ -187,7 +187,8 @@ void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName
         name.ns.prefix.assign(raw.prefix());
         name.ns.uri.clear();
     } else if (!sameNamespace) {
-        name.ns = *binding;
+        name.ns.prefix = binding->prefix;
+        name.ns.uri.shareBlockOf(binding->uri);
     }
     written = {raw.whole(), binding, state};
 }
@@ -214,8 +215,13 @@ void QeXmlReader::closeScope() {
 
 void QeXmlReader::forgetWrittenNames() noexcept {
     lastNameWritten = {};
-    attributesWritten.clear();
+    forgetSlots();
     for (TagShape& known : shapes)
         known.attributes.clear();
+}
+
+// For when the attributes in the slots are no longer those that were written there.
+void QeXmlReader::forgetSlots() noexcept {
+    attributesWritten.clear();
     slotsShape = nullptr;
 }

@@ -78,16 +78,24 @@ std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexce
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
+// The URI of an expected name: a string has the one that its prefix has in front of the last tag, which opened an
+// element.
+std::string_view QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
+    if (!expected.isString) return expected.uri;
+    using From = QeXmlNamespaceStack::From;
+    const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
+    return uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+}
+
 bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view found = lastName.getNamespace().getURI();
-    std::string_view uri = expected.uri;
-    if (expected.isString) {
-        using From = QeXmlNamespaceStack::From;
-        const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
-        uri = uriOf(namespaceStack.findPrefix(expected.prefix, infront));
-    }
-    return found == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+    const std::string_view uri = uriOfExpected(expected);
+    return lastName.getNamespace().getURI() == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+}
+
+// Whether the name is the empty one, which asks for any element.
+bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
+    return expected.local.empty() && uriOfExpected(expected).empty();
 }
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
@@ -170,16 +178,14 @@ bool QeXmlReader::eof() {
 }
 
 QeCString QeXmlReader::readElement(const QeXmlName& name) {
-    const ExpectedName expected = keepExpected(name);
-    return readRawElement(name == NullName ? nullptr : &expected);
+    return readRawElement(keepExpected(name));
 }
 
 QeCString QeXmlReader::readElement(const QeCString& qname) {
-    const ExpectedName expected = keepExpected(qname);
-    return readRawElement(&expected);
+    return readRawElement(keepExpected(qname));
 }
 
-QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
+QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
     RawCopy copy(*this);
     const bool wasPending = nodePending;
     if (!wasPending) takeNextNode();
@@ -191,7 +197,7 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
     QeCString front;
     if (wasPending) front = rebuildTag();  // it stands before the copy's begin
     nodePending = false;
-    if (expected != nullptr && !matchesStart(*expected)) raiseMismatch(*expected);
+    if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (lastNodeType == EmptyElement) {
         lastContent.clear();
         return copy.textAfter(std::move(front));
@@ -207,8 +213,10 @@ QeCString QeXmlReader::readRawElement(const ExpectedName* expected) {
 // Reads up to the end tag of the element that the last tag opened, and leaves that
 // tag's attributes in place. Returns where the scan of the end tag began.
 std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
-    const QeXmlName startName = lastName;
-    QeXmlAttributeSet attributes = lastAttributes;
+    QeXmlName startName(lastName.localName);
+    startName.ns.uri.shareBlockOf(lastName.ns.uri);
+    QeXmlAttributeSet attributes = std::move(lastAttributes);
+    forgetSlots();
     std::size_t contentEnd = copy.length();
     for (std::size_t level = 1;; contentEnd = copy.length()) {
         readNextNode();
@@ -216,8 +224,7 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
         if (lastNodeType == ElementEnd && lastName == startName && --level == 0) break;
     }
     lastAttributes = std::move(attributes);
-    attributesWritten.clear();
-    slotsShape = nullptr;
+    forgetSlots();
     return contentEnd;
 }
 

@@ -339,36 +339,58 @@ void QeXmlReader::readS() noexcept {
 
 namespace {
 
-// A predefined entity by its name and semicolon, compared as two words: most references are one of these.
+// A predefined entity by its name with the semicolon. The length is a constant of
+// its own, so that the comparison is one or two words.
+template <std::size_t Size>
 struct Entity {
-    char name[6];
-    std::uint8_t length;
+    char name[Size];
     char character;
+
+    static constexpr std::size_t length() { return Size - 1; }
+    bool standsAt(const char* at) const { return std::memcmp(at, name, length()) == 0; }
+    bool isNamed(std::string_view body) const { return body == std::string_view(name, length() - 1); }
 };
 
-constexpr Entity Entities[] = {
-    {"lt;", 3, '<'}, {"gt;", 3, '>'}, {"amp;", 4, '&'}, {"apos;", 5, '\''}, {"quot;", 5, '"'}};
+constexpr Entity<4> Lt{"lt;", '<'};
+constexpr Entity<4> Gt{"gt;", '>'};
+constexpr Entity<5> Amp{"amp;", '&'};
+constexpr Entity<6> Apos{"apos;", '\''};
+constexpr Entity<6> Quot{"quot;", '"'};
 
-template <const Entity& Wanted>
-bool standsAt(const char* at) {
-    return std::memcmp(at, Wanted.name, Wanted.length) == 0;
+// What is found of the entities: the character, and how many bytes its name and semicolon take; or 0.
+struct FoundEntity {
+    const char* character;
+    std::size_t length;
+};
+
+template <std::size_t Size>
+FoundEntity expectEntity(const Entity<Size>& entity, const char* at) {
+    return {&entity.character, entity.standsAt(at) ? entity.length() : 0};
 }
 
-// The predefined entity whose name and semicolon begin at `at`, where at least five bytes can be read; or null.
-const Entity* findEntity(const char* at) {
+// The entity whose name begins at `at`, where at least five bytes can be read.
+FoundEntity findEntity(const char* at) {
     switch (*at) {
         case 'l':
-            return standsAt<Entities[0]>(at) ? &Entities[0] : nullptr;
+            return expectEntity(Lt, at);
         case 'g':
-            return standsAt<Entities[1]>(at) ? &Entities[1] : nullptr;
+            return expectEntity(Gt, at);
         case 'a':
-            if (standsAt<Entities[2]>(at)) return &Entities[2];
-            return standsAt<Entities[3]>(at) ? &Entities[3] : nullptr;
+            return at[1] == 'm' ? expectEntity(Amp, at) : expectEntity(Apos, at);
         case 'q':
-            return standsAt<Entities[4]>(at) ? &Entities[4] : nullptr;
+            return expectEntity(Quot, at);
         default:
-            return nullptr;
+            return {nullptr, 0};
     }
+}
+
+// The character of the entity with that name, or null.
+const char* characterOf(std::string_view body) {
+    if (Lt.isNamed(body)) return &Lt.character;
+    if (Gt.isNamed(body)) return &Gt.character;
+    if (Amp.isNamed(body)) return &Amp.character;
+    if (Apos.isNamed(body)) return &Apos.character;
+    return Quot.isNamed(body) ? &Quot.character : nullptr;
 }
 
 }  // namespace
@@ -379,9 +401,9 @@ const Entity* findEntity(const char* at) {
 std::string_view QeXmlReader::readReference(char (&encoded)[4]) {
     constexpr std::ptrdiff_t LongestEntity = 5;
     if (bufferEnd - cursor >= LongestEntity) {
-        if (const Entity* entity = findEntity(cursor)) {
-            cursor += entity->length;
-            return {&entity->character, 1};
+        if (const FoundEntity entity = findEntity(cursor); entity.length != 0) {
+            cursor += entity.length;
+            return {entity.character, 1};
         }
     }
     const char* const semicolon = findByte(cursor, bufferEnd, ';');
@@ -390,8 +412,7 @@ std::string_view QeXmlReader::readReference(char (&encoded)[4]) {
     cursor = semicolon + 1;
     if (body.empty()) raise("Empty reference");
     if (body[0] == '#') return readNumericReference(body.substr(1), encoded);
-    for (const Entity& entity : Entities)
-        if (body == std::string_view(entity.name, entity.length - 1u)) return {&entity.character, 1};
+    if (const char* character = characterOf(body)) return {character, 1};
     return {body.data() - 1, body.size() + 2};
 }
 

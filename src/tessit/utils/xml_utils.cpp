@@ -71,11 +71,17 @@ bool declares(std::string_view token, std::string_view uri) {
     return token.substr(quote + 1, token.size() - quote - 2) == uri;
 }
 
+bool declaresDefault(std::string_view token) {
+    return QeXmlNamespace::getXmlns().getPrefix() == token.substr(0, token.find('='));
+}
+
 bool needsDeclaration(const QeXmlNamespace& ns, std::string_view tagText) {
     if (ns.getURI() == QeXmlNamespace::getEmptyNamespace().getURI()) return false;
     takeToken(tagText);  // the old element name
-    for (std::string_view token = takeToken(tagText); !token.empty(); token = takeToken(tagText))
+    for (std::string_view token = takeToken(tagText); !token.empty(); token = takeToken(tagText)) {
         if (declares(token, ns.getURI())) return false;
+        if (ns.getPrefix().empty() && declaresDefault(token)) return false;  // a second one would be malformed
+    }
     return true;
 }
 

@@ -80,8 +80,7 @@ char* writeEscaped(char* to, std::string_view text) {
     for (;;) {
         Escapes::copyRun(from, end, to);
         if (from == end) return to;
-        const std::string_view markup = Escapes::replacement(from++, end);
-        to += markup.copy(to, markup.size());
+        to = put(to, Escapes::replacement(from++, end));
     }
 }
 

@@ -15,7 +15,10 @@ namespace tessit {
 /// costs O(log n), whatever the set.
 class PlainAttributes {
 public:
-    explicit PlainAttributes(const QeXmlAttributeSet& set) : attributes(set) {
+    using Positions = std::vector<const QeXmlAttribute*>;
+
+    /// `storage` is an empty array, for large sets to be sorted in.
+    PlainAttributes(const QeXmlAttributeSet& set, Positions& storage) : attributes(set), byLocalName(storage) {
         if (set.size() > LinearSearchLimit) sortByLocalName();
     }
 
@@ -55,7 +58,7 @@ private:
     }
 
     const QeXmlAttributeSet& attributes;
-    std::vector<const QeXmlAttribute*> byLocalName;  // of large sets only
+    Positions& byLocalName;  // of large sets only
 };
 
 }  // namespace tessit

@@ -2,6 +2,7 @@
 #include <limits>
 #include <utility>
 
+#include <corvel/byte_copy.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/writer/pieces.h>
 #include <tessit/writer/xml_string_writer.h>
@@ -54,7 +55,7 @@ void QeXmlStringWriter::writeToSink(char byte) {
 void QeXmlStringWriter::writeToSink(const char* bytes, unsigned length) {
     if (length >= BufferSize - sinkLength) emptyBuffer();
     if (length >= BufferSize) return sinkText.append(bytes, length);
-    if (length != 0) std::memcpy(sinkBuffer + sinkLength, bytes, length);
+    tessit::copyBytes(sinkBuffer + sinkLength, bytes, length);
     sinkLength += length;
 }
 

@@ -3,16 +3,17 @@
 #include <span>
 #include <utility>
 
+#include <corvel/byte_copy.h>
 #include <tessit/writer/borrowed.h>
 #include <tessit/writer/escape.h>
 #include <tessit/writer/output_buffer.h>
 #include <tessit/writer/pieces.h>
 #include <tessit/writer/plain_attributes.h>
 #include <tessit/writer/xml_writer.h>
-
 using tessit::Borrowed;
 using tessit::OutputBuffer;
 using tessit::PlainAttributes;
+using tessit::put;
 using tessit::TextEscapes;
 using tessit::ValueEscapes;
 
@@ -54,8 +55,8 @@ private:
     QeXmlNamespaceStack* namespaces;
 };
 
-char* put(char* to, std::string_view text) {
-    return to + text.copy(to, text.size());
+char* putName(char* to, std::string_view prefix, std::string_view localName) {
+    return put(prefix.empty() ? to : put(put(to, prefix), ":"), localName);
 }
 
 // The room that `text` needs when escaped. Counted exactly only where the worst case would be much.
@@ -122,10 +123,11 @@ void QeXmlWriter::writeIndentChars() {
 void QeXmlWriter::write(const QeCString& text, bool escape) {
     writeIndentChars();
     if (!escape) return writeToSink(text);
-    if (TextEscapes::find(text.begin(), text.end()) == text.end())
-        return writeToSinkInPieces(text.data(), text.length());  // as it is: nothing to escape
+    const auto plainLength = static_cast<std::size_t>(TextEscapes::find(text.begin(), text.end()) - text.begin());
+    if (plainLength == text.length()) return writeToSinkInPieces(text.data(), plainLength);
     OutputBuffer buffer(roomFor<TextEscapes>(text));
-    const char* const end = tessit::writeEscaped<TextEscapes>(buffer.begin(), text);
+    char* end = put(buffer.begin(), text.substring(0, plainLength));
+    end = tessit::writeEscaped<TextEscapes>(end, text.substring(plainLength));
     writeToSinkInPieces(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
 }
 
@@ -142,8 +144,7 @@ void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_v
     const std::size_t room = escape ? roomFor<ValueEscapes>(value) : value.length();
     OutputBuffer buffer(prefix.size() + localName.size() + room + 5);  // with ` :=""`
     char* end = put(buffer.begin(), " ");
-    if (!prefix.empty()) end = put(put(end, prefix), ":");
-    end = put(put(end, localName), "=\"");
+    end = put(putName(end, prefix, localName), "=\"");
     end = escape ? tessit::writeEscaped<ValueEscapes>(end, value) : put(end, value);
     end = put(end, "\"");
     writeIndentChars();
@@ -155,13 +156,31 @@ void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_v
 void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     namespaces.pushScope();
     ScopeRollback scope(namespaces);
-    addNamespaceToScopeIfNecessary(name.getNamespace());
-    writeTag(StartTag, name, {});
-    Borrowed<QeXmlAttributeSet> completed(spare.completedAttributes);
-    for (const QeXmlAttribute& attribute : getCompleteAttributeSet(attributes, *completed))
-        writeAttributeOfElement(attribute);
+    const bool needsOwn = addNamespaceToScopeIfNecessary(name.getNamespace());
+    writeTag(Tag::Start, name);
+    const bool needsMore = addNamespacesOf(attributes);
+    if (!needsOwn && !needsMore && attributes.isStrictlySorted()) {
+        writeAttributeSet(attributes);
+    } else {
+        writeCompleteAttributeSet(attributes);
+    }
     write(empty ? UnpairedTag : EndTag, false);
     if (!empty) scope.dismiss();
+}
+
+// Writes the set, and with it the bindings of the innermost scope. One that was read has them all.
+void QeXmlWriter::writeCompleteAttributeSet(const QeXmlAttributeSet& attributes) {
+    Borrowed<PlainAttributes::Positions> positions(spare.positions);
+    const PlainAttributes declarations(attributes, *positions);
+    if (declaresInnermostBindings(declarations)) return writeAttributeSet(attributes);
+    Borrowed<QeXmlAttributeSet> completed(spare.completedAttributes);
+    getCompleteAttributeSet(attributes, declarations, *completed);
+    writeAttributeSet(*completed);
+}
+
+void QeXmlWriter::writeAttributeSet(const QeXmlAttributeSet& attributes) {
+    for (const QeXmlAttribute& attribute : attributes)
+        writeAttributeOfElement(attribute);
 }
 
 // The declaration of the empty prefix is the one whose name is written otherwise than it is made up.
@@ -174,7 +193,7 @@ void QeXmlWriter::writeAttributeOfElement(const QeXmlAttribute& attribute) {
 
 // The document's scope stays, however many ends are written.
 void QeXmlWriter::writeElementEnd(const QeXmlName& name) {
-    writeTag(StartEndTag, name, EndTag);
+    writeTag(Tag::End, name);
     if (namespaces.depth > 1) namespaces.popScope();
 }
 
@@ -207,16 +226,16 @@ void QeXmlWriter::addTypeAttribute(QeXmlAttributeSet& attributes, const QeCStrin
     attributes.attributes.append();
 }
 
-void QeXmlWriter::writeTag(const QeCString& opening, const QeXmlName& name, std::string_view closing) {
-    Borrowed<QeCString> tag(spare.tag);
+// The whole end tag, or the start tag up to where the attributes begin.
+void QeXmlWriter::writeTag(Tag kind, const QeXmlName& name) {
     const QeCString& prefix = name.getNamespace().getPrefix();
-    tag->append(opening);
-    if (!prefix.empty()) {
-        tag->append(prefix);
-        tag->append(Colon);
-    }
-    tag->append(name.getLocalName());
-    tag->append(closing);
+    OutputBuffer buffer(prefix.length() + name.getLocalName().length() + 4);  // with `</:>`
+    char* end = put(buffer.begin(), "<");
+    if (kind == Tag::End) end = put(end, "/");
+    end = putName(end, prefix, name.getLocalName());
+    if (kind == Tag::End) end = put(end, ">");
+    Borrowed<QeCString> tag(spare.tag);
+    tag->assign(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
     write(*tag, false);
 }
 
@@ -236,51 +255,57 @@ void QeXmlWriter::writeToSinkInPieces(const char* bytes, std::size_t length) {
 
 // --- Namespaces.
 
-void QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
-    addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI());
+bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
+    return addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI());
 }
 
-// A URI that is bound to another prefix counts as declared.
-void QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri) {
-    if (uri.empty()) return;
+// A URI that is bound to another prefix counts as declared. Returns whether the binding was added.
+bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri) {
+    if (uri.empty()) return false;
     const bool necessary =
         prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : namespaces.getPrefixForURI(uri).empty();
     if (necessary) namespaces.addBinding(prefix, uri);
-}
-
-// Adds to the scope what the attributes need, and returns them with the bindings
-// of the scope among them: the set itself where it has them all, else `completed`.
-const QeXmlAttributeSet& QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
-                                                              QeXmlAttributeSet& completed) {
-    addNamespacesOf(attributes);
-    const std::span bindings(namespaces.namespacesBegin(), namespaces.namespacesEnd());
-    if (bindings.empty()) return attributes;
-    const PlainAttributes declarations(attributes);
-    const auto isDeclared = [&](const QeXmlNamespace& binding) {
-        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
-        return declaration != nullptr && declaration->getValue() == binding.getURI();
-    };
-    if (std::all_of(bindings.begin(), bindings.end(), isDeclared)) return attributes;
-    completed.assignInPlace(attributes);
-    for (const QeXmlNamespace& binding : bindings) {
-        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
-        if (declaration != nullptr)
-            completed.attributes[static_cast<std::size_t>(declaration - attributes.begin())].setValue(binding.getURI());
-    }
-    for (const QeXmlNamespace& binding : bindings)
-        if (declarations.find(binding.getPrefix()) == nullptr) completed.addNamespaceAttribute(binding);
-    return completed;
+    return necessary;
 }
 
 // A declaration is an attribute in no namespace. The reverse is taken for granted
 // too: whatever attribute is in no namespace binds its local name to its value.
-void QeXmlWriter::addNamespacesOf(const QeXmlAttributeSet& attributes) {
+// Returns whether a binding was added that is not such an attribute's own.
+bool QeXmlWriter::addNamespacesOf(const QeXmlAttributeSet& attributes) {
+    bool added = false;
     for (const QeXmlAttribute& attribute : attributes) {
         const QeXmlName& name = attribute.getName();
-        if (QeXmlNamespace::matchXmlns(name.getNamespace())) {
+        if (name.getNamespace().getURI().empty()) {
             addNamespaceToScopeIfNecessary(name.getLocalName(), attribute.getValue());
         } else {
-            addNamespaceToScopeIfNecessary(name.getNamespace());
+            added |= addNamespaceToScopeIfNecessary(name.getNamespace());
         }
     }
+    return added;
+}
+
+std::span<const QeXmlNamespace> QeXmlWriter::innermostBindings() const noexcept {
+    return {namespaces.namespacesBegin(), namespaces.namespacesEnd()};
+}
+
+bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations) const {
+    const std::span bindings = innermostBindings();
+    return std::all_of(bindings.begin(), bindings.end(), [&](const QeXmlNamespace& binding) {
+        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
+        return declaration != nullptr && declaration->getValue() == binding.getURI();
+    });
+}
+
+// Makes `completed` the set with the bindings of the innermost scope among its
+// attributes. Of several bindings of one prefix the last one stays.
+void QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                          QeXmlAttributeSet& completed) const {
+    completed.assignInPlace(attributes);
+    for (const QeXmlNamespace& binding : innermostBindings()) {
+        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
+        if (declaration != nullptr)
+            completed.attributes[static_cast<std::size_t>(declaration - attributes.begin())].setValue(binding.getURI());
+    }
+    for (const QeXmlNamespace& binding : innermostBindings())
+        if (declarations.find(binding.getPrefix()) == nullptr) completed.addNamespaceAttribute(binding);
 }

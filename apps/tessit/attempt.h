@@ -1,0 +1,11 @@
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "console.h"
+
+/// Runs what reads a file. Complains, and returns false, when the file cannot be
+/// read, its document is refused, or memory does not suffice; a refusal has the
+/// given meaning. Output that cannot be written throws `WriteError`.
+bool attempt(Console& console, std::string_view file, ExitStatus refusal, const std::function<void()>& read);
