@@ -1,4 +1,4 @@
-# What scripts/run, scripts/test and .ci/run share; sourced by bash. Leaves the
+# What scripts/run, scripts/test, scripts/bench and .ci/run share; sourced by bash. Leaves the
 # shell strict and in the folder that it was in.
 
 set -euo pipefail
@@ -8,6 +8,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(g++ cmake ninja-build libicu-dev libcli11-dev)
 test_packages=(libgtest-dev locales tzdata)
 check_packages=(clang-format clang-tidy)
+bench_packages=(libbenchmark-dev libpugixml-dev librapidxml-dev libexpat1-dev libxml2-dev libtinyxml2-dev
+    libxerces-c-dev qt6-base-dev gnuplot-nox python3)
 
 step() {
     printf '\n== %s\n' "$*" >&2
