@@ -142,7 +142,8 @@ void QeXmlWriter::writeAttribute(const QeXmlName& name, const QeCString& value, 
 void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
                                           bool escape) {
     const std::size_t room = escape ? roomFor<ValueEscapes>(value) : value.length();
-    OutputBuffer buffer(prefix.size() + localName.size() + room + 5);  // with ` :=""`
+    const std::size_t nameLength = localName.size() + (prefix.empty() ? 0 : prefix.size() + 1);
+    OutputBuffer buffer(nameLength + room + 4);  // with ` =""`
     char* end = put(buffer.begin(), " ");
     end = put(putName(end, prefix, localName), "=\"");
     end = escape ? tessit::writeEscaped<ValueEscapes>(end, value) : put(end, value);
@@ -156,10 +157,11 @@ void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_v
 void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     namespaces.pushScope();
     ScopeRollback scope(namespaces);
-    const bool needsOwn = addNamespaceToScopeIfNecessary(name.getNamespace());
+    addNamespaceToScopeIfNecessary(name.getNamespace());
     writeTag(Tag::Start, name);
+    const bool bindsAlready = !innermostBindings().empty();  // what the name needs, or a sink that calls its writer
     const bool needsMore = addNamespacesOf(attributes);
-    if (!needsOwn && !needsMore && attributes.isStrictlySorted()) {
+    if (!bindsAlready && !needsMore && attributes.isStrictlySorted()) {
         writeAttributeSet(attributes);
     } else {
         writeCompleteAttributeSet(attributes);
