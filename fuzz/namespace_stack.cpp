@@ -58,12 +58,12 @@ struct Pair {
     }
 };
 
-// Few texts, so that they meet again; a quarter too long to be kept in place.
+// Few texts, so that they meet again; a quarter so long that they are shared.
 QeCString takeText(Input& input) {
     const unsigned choice = input.byte();
     if (choice == 0) return QeCString();
     const std::string number = std::to_string(choice % 32);
-    return QeCString(std::string_view((choice % 4 == 0 ? "a text of more than 23 bytes " : "t") + number));
+    return QeCString(std::string_view((choice % 4 == 0 ? std::string(130, 't') : "t") + number));
 }
 
 void call(Pair& one, Pair& other, Input& input) {

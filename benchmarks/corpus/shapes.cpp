@@ -89,7 +89,7 @@ constexpr const char* Prefixes[] = {"doc", "meta", "tbl", "draw", "style", "form
 constexpr const char* Locals[] = {"section", "cell", "span", "frame", "entry", "anchor", "property", "row"};
 
 std::string namespaceUri(const std::string& prefix, const std::string& variant) {
-    return "http://schemas.example.org/interchange/" + variant + "/specifications/" + prefix + "/2024/main";
+    return "http://schemas.example.org/interchange/" + variant + "/definitions/" + prefix + "/2024/main";
 }
 
 std::string namespaceDeclaration(const std::string& prefix, const std::string& variant) {

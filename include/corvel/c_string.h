@@ -13,8 +13,9 @@
 #include <tessit/export.h>
 
 namespace tessit {
+class LongUris;
 class OpenElements;
-}
+}  // namespace tessit
 
 /// An owned string of bytes: every name, URI, value and text of the library.
 ///
@@ -249,6 +250,7 @@ private:
     // They hand one long URI to many names, which must not cost its length each time.
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
+    friend class tessit::LongUris;
     friend class tessit::OpenElements;
 
     // The last byte tells the two layouts apart. Up to 23: the text is in place

@@ -9,6 +9,7 @@
 
 #include <corvel/keyed_hash.h>
 #include <tessit/model/xml_namespace_stack.h>
+#include <tessit/reader/xml_reader.h>
 
 namespace {
 
@@ -82,6 +83,18 @@ TEST(NamespaceIndex, SurvivesMovesAndManyBindings) {
     moved.addNamespace({"p", "u"});  // a stack that was moved from is empty and can be used
     EXPECT_EQ(moved.getURIForPrefix("p"), "u");
     EXPECT_EQ(moved.getURIForPrefix("p1"), "");
+}
+
+// A name given as a string is resolved without the declarations of the tag in front.
+TEST(NamespaceIndex, CanLookPastTheInnermostScope) {
+    QeCString document("<root xmlns:p='outer'");
+    for (unsigned i = 0; i < 30; ++i)
+        document += text(" xmlns:p", i) + "='u'";
+    document += "><p:child xmlns:p='inner'></p:child></root>";
+    QeXmlReader reader(document);
+    reader.readElementStart("root");
+    EXPECT_FALSE(reader.isElementNext("p:child"));
+    EXPECT_TRUE(reader.isElementNext(QeXmlName("child", QeXmlNamespace("", "inner"))));
 }
 
 // A key differs from every other one of its length, and from itself with zeros behind it, under any secret.

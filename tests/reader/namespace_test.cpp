@@ -48,8 +48,10 @@ constexpr NameCase Names[] = {
 }  // namespace
 
 TEST(XmlReader, ResolvesNames) {
-    for (const auto& [xml, nodes] : Names)
+    for (const auto& [xml, nodes] : Names) {
         EXPECT_EQ(trace(xml), nodes) << xml;
+        EXPECT_EQ(trace(withLongURIs(xml)), withLongURIs(nodes)) << xml;
+    }
 }
 
 // Many attributes go through the general sort, few through the ordered case: same result, whatever the order.

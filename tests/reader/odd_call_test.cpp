@@ -53,3 +53,22 @@ TEST(XmlReader, TakesItsOwnMembersAsExpectedNames) {
         }
     }
 }
+
+// Lines are counted on from the last error; the cursor can also have gone back since, or to another buffer.
+TEST(XmlReader, CountsLinesOverManyErrors) {
+    const Document document("<a>\n\n<1\n<2\n<?xml version='1' encoding='latin1'?>\n  <3");
+    const auto reader = document.open(Source::Span);
+    std::string errors;
+    while (!reader->eof())
+        try {
+            reader->readNextNode();
+        } catch (const QeXmlParseError& error) {
+            errors += describe(error).substr(0, 5);
+            try {
+                reader->err("here");
+            } catch (const QeXmlParseError& again) {
+                EXPECT_EQ(again.getColumnNumber(), error.getColumnNumber());
+            }
+        }
+    EXPECT_EQ(errors, "!3:3 !4:3 !2:5 ");
+}

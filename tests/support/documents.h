@@ -62,6 +62,16 @@ inline bool isUtf8(std::string_view text) {
     return true;
 }
 
+/// A document, or its trace, with the URIs u and v so long that names share them.
+inline std::string withLongURIs(std::string text) {
+    for (const std::string uri : {"u", "v"})
+        for (const std::string before : {"'", "{", "="})
+            for (const std::string after : {"'", "}", "]", " "})
+                for (std::size_t at = 0; (at = text.find(before + uri + after, at)) != std::string::npos; at += 300)
+                    text.replace(at + 1, 1, std::string(300, 'x') + uri);
+    return text;
+}
+
 /// Bytes in a heap block of exactly their size, so that a stray read is noticed, and readers over them.
 class Document {
 public:

@@ -173,7 +173,36 @@ TEST(CompareXml, ComparesLargeDocuments) {
     EXPECT_TRUE(compare(nested, repeat("<a>\n", Count) + repeat("</a>\t", Count)));
     for (const char* part : {"<b/> ", "<b></b> ", "<b> </b>", "<!-- --> ", "<?p?><b/>", "<b/>&#9;"})
         EXPECT_TRUE(compare("<r>x<b/>" + repeat(part, Count) + "</r>", "<r>x<b/>" + repeat(part, Count) + "</r>"));
+    const std::string uri(50 * Count, 'u');
+    const std::string underOneUri = "<r xmlns='" + uri + "' xmlns:p='" + uri + "'>" + repeat("<b/><p:b/>", Count);
+    EXPECT_TRUE(compare(underOneUri, underOneUri));
     EXPECT_TRUE(compare("<r><b></b>" + repeat(" ", 10 * Count) + "<b/></r>", "<r><b></b><b/></r>"));
+}
+
+// Names share the storage of a URI that is long enough; what they are taken for must not depend on it.
+TEST(CompareXml, TellsLongUrisApart) {
+    const std::string u(1000, 'u'), v = u.substr(1) + 'v';
+    const auto document = [](const std::string& first, const std::string& second, const std::string& inner) {
+        return "<r xmlns:p='" + first + "' xmlns:q='" + second + "'><p:a/><q:a p:x=''/>" +
+               repeat("<b xmlns='" + inner + "'><c/></b><p:c q:x=''></p:c>", 3) + "</r>";
+    };
+    EXPECT_TRUE(compare(document(u, v, v), document(u, v, v)));
+    EXPECT_TRUE(compare(document(u, u, u), document(u, u, u)));
+    EXPECT_FALSE(compare(document(u, v, v), document(u, v, u)));
+    EXPECT_FALSE(compare(document(u, v, v), document(u, u, v)));
+    const std::string declarations = "<r xmlns:p='" + u + "' xmlns:q='" + v + "' xmlns:s='" + u + "'>";
+    const auto wrap = [&](const std::string& content) { return declarations + content + "</r>"; };
+    EXPECT_TRUE(compare(wrap("<p:a/><q:a/><s:a/><p:a p:x=''/>"), wrap("<s:a/><q:a/><p:a/><s:a s:x=''/>")));
+    EXPECT_FALSE(compare(wrap("<p:a/><s:a/><q:a/>"), wrap("<s:a/><p:a/><p:a/>")));
+    EXPECT_FALSE(compare(wrap("<p:a/><p:a p:x=''/>"), wrap("<s:a/><p:a q:x=''/>")));
+    std::string left = "<r>", right = "<r>";
+    for (int i = 100; i < 200; ++i) {  // one after the other in the same storage
+        const std::string uri = u + std::to_string(i), other = v + std::to_string(i);
+        const std::string tag = "<b xmlns:p='" + uri + "' xmlns:q='" + other + "' xmlns:s='" + uri + "'>";
+        left += tag + "<p:c/></b>";
+        right += tag + "<s:c/></b>";
+    }
+    EXPECT_TRUE(compare(left + "</r>", right + "</r>"));
 }
 
 TEST(CompareAttributeSet, LooksAtNamesAndValuesButNotAtPrefixes) {

@@ -103,6 +103,20 @@ TEST(Allocations, TheStringGrowsByParts) {
     EXPECT_EQ(writer.getLength(), 10000000u);
 }
 
+// An attribute goes through the buffer of 1,024 bytes as long as its worst case fits: a name and its value, six bytes
+// each when escaped, and four around them.
+TEST(Allocations, AnAttributeOf1024BytesMakesNone) {
+    const QeCString name("a");
+    const QeCString fits(std::string_view(std::string(1019, 'v')));
+    const QeCString tooLong = fits + "v";
+    Discarding writer;
+    const std::size_t before = allocations;
+    writer.writeAttribute(name, fits, false);
+    EXPECT_EQ(allocations - before, 0u);
+    writer.writeAttribute(name, tooLong, false);
+    EXPECT_EQ(allocations - before, 1u);
+}
+
 // Whichever allocation fails, the call is as if it had not been made.
 TEST(Allocations, FailingOnesLeaveTheWriterUsable) {
     const QeXmlAttributeSet attributes = someAttributes();

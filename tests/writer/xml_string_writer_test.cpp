@@ -54,6 +54,7 @@ TEST(XmlStringWriter, BuffersBlocksUpToTheFreeSpace) {
         writer.writeToSink(block.data(), length);
         EXPECT_EQ(writer.flushes, flushes);
         writer.writeToSink('c');
+        EXPECT_EQ(writer.flushes, flushes) << "a block that fills the buffer does not go into it";
         EXPECT_EQ(text(writer), std::string(buffered, 'a') + block + "c");
     }
 }
@@ -132,6 +133,13 @@ TEST(XmlStringWriter, TakesTheLastByteBack) {
     writer.removeLastCharFromSink('\n');
     writer.removeLastCharFromSink('\n');
     EXPECT_EQ(text(writer), "x");
+    writer.write("yy", false);
+    EXPECT_EQ(text(writer), "xyy");
+    writer.writeToSink('y');
+    writer.removeLastCharFromSink('y');  // the one that is buffered, and no more
+    EXPECT_EQ(text(writer), "xyy");
+    writer.removeLastCharFromSink('y');
+    writer.removeLastCharFromSink('y');
     writer.removeLastCharFromSink('y');
     writer.removeLastCharFromSink('x');  // from the string: nothing is buffered
     writer.removeLastCharFromSink('x');

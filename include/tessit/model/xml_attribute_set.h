@@ -135,6 +135,10 @@ private:
     const QeXmlAttribute* findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept;
 
     void lookAtOrder() noexcept;
+    void lookAtLocalNames() noexcept;
+
+    // Adds an attribute behind all others.
+    void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
 
     // Whether the names stand in order, each once.
     bool isStrictlySorted() const noexcept;

@@ -186,7 +186,7 @@ public:
     void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
 
     /// Throws `QeXmlParseError` with this text and the reader's present position;
-    /// for callers who find the document wrong themselves. O(bytes read so far).
+    /// for callers who find the document wrong themselves. O(bytes read since the last error).
     [[noreturn]] void err(const QeCString& message) const;
 
 private:
@@ -237,6 +237,13 @@ private:
         const QeXmlNamespace* binding = nullptr;
     };
 
+    // The line feeds in front of a place in the buffer.
+    struct LineCount {
+        const char* upTo = nullptr;
+        const char* lineStart = nullptr;
+        std::size_t lines = 0;
+    };
+
     struct ExpectedName;
     class RawCopy;
 
@@ -250,6 +257,7 @@ private:
     QeCString transcodeUTF16BE() const;
     QeCString transcodeUTF16LE() const;
     QeCString transcodeOther(const QeCString& name) const;
+    const LineCount& countLines() const;
     [[noreturn]] void raiseTranscoding(const char* reason) const;
     [[noreturn]] void raise(const char* message) const;
     [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
@@ -352,6 +360,7 @@ private:
     NodeType lastNodeType = NoNode;
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
+    mutable LineCount counted;  // up to the last error
 
     std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
 

@@ -44,9 +44,9 @@ private:
 
     void emptyBuffer();
 
-    // The output is `sinkText`, then the first `sinkLength` bytes of the buffer. Both can
+    // The output is `sinkText`, then the first `bufferedBytes` bytes of the buffer. Both can
     // change when a constant writer is asked for its length.
     char sinkBuffer[BufferSize];
-    mutable std::size_t sinkLength = 0;
+    mutable std::size_t bufferedBytes = 0;
     mutable QeCString sinkText;
 };

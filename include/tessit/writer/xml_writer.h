@@ -171,6 +171,7 @@ private:
         QeXmlAttributeSet completedAttributes;
         QeXmlAttributeSet typeAttribute;
         std::vector<const QeXmlAttribute*> positions;
+        std::vector<const QeXmlNamespace*> bindings;
     };
 
     enum class Tag : unsigned char { Start, End };
@@ -182,7 +183,6 @@ private:
     void writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
                                  bool escape);
     void writeToSinkInPieces(const char* bytes, std::size_t length);
-    static void addTypeAttribute(QeXmlAttributeSet& attributes, const QeCString& typeName);
 
     bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
     bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
@@ -190,7 +190,11 @@ private:
     std::span<const QeXmlNamespace> innermostBindings() const noexcept;
     bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
     void getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                                 QeXmlAttributeSet& completed) const;
+                                 QeXmlAttributeSet& completed);
+    void addMissingDeclarations(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
+                                QeXmlAttributeSet& completed);
+    void completeOutOfOrder(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
+                            QeXmlAttributeSet& completed);
 
     int currentIndent = 0;
     int indentSize = 2;

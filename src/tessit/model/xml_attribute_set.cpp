@@ -44,6 +44,17 @@ void QeXmlAttributeSet::lookAtOrder() noexcept {
     if (!knownSorted && attributes.size() > LinearSearchLimit) knownSorted = isStrictlySorted();
 }
 
+// The same for attributes that stand in order of their local names. The URIs of
+// equal ones are not compared: they can be long, and the reader's are looked at
+// for every tag.
+void QeXmlAttributeSet::lookAtLocalNames() noexcept {
+    if (attributes.size() <= LinearSearchLimit) return;
+    const auto alike = [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+        return left.getName().getLocalName() == right.getName().getLocalName();
+    };
+    knownSorted = std::adjacent_find(attributes.begin(), attributes.end(), alike) == attributes.end();
+}
+
 // The first attribute that matches; those that `isBefore` holds for stand before it as long as the order is right.
 template <typename IsBefore, typename Matches>
 const QeXmlAttribute* QeXmlAttributeSet::findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept {
@@ -64,12 +75,18 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
         attributes.begin()[present - attributes.begin()].setValue(value);
         return;
     }
-    const QeXmlAttribute& added = attributes.append([&](QeXmlAttribute& slot) {
-        slot.setName(name);
+    append(name.getLocalName(), name.getNamespace(), value);
+    QeXmlAttribute* added = &attributes.back();
+    attributes.moveLastTo(upperBound(attributes.begin(), added, added->getName()));
+    lookAtOrder();
+}
+
+void QeXmlAttributeSet::append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value) {
+    attributes.append([&](QeXmlAttribute& slot) {
+        slot.getName().setLocalName(localName);
+        slot.getName().setNamespace(ns);
         slot.setValue(value);
     });
-    attributes.moveLastTo(upperBound(attributes.begin(), &added, added.getName()));
-    lookAtOrder();
 }
 
 void QeXmlAttributeSet::remove(const QeXmlName& name) noexcept {

@@ -14,10 +14,9 @@ const QeXmlName& QeXmlElementImp::getName() const {
     return ownName;
 }
 
-// `ns` may be the element's own namespace, or belong to one of its ownAttributes.
 void QeXmlElementImp::setAndAddNamespace(const QeXmlNamespace& ns) {
     setNamespace(ns);
-    ownAttributes.addNamespaceAttribute(ownName.getNamespace());
+    ownAttributes.addNamespaceAttribute(ns);
 }
 
 void QeXmlElementImp::addNamespaceAttribute(const QeXmlNamespace& ns) {

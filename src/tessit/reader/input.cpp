@@ -134,6 +134,7 @@ void QeXmlReader::replaceDocument(QeCString&& converted) {
     conversionAllowance -= converted.length();
     if (rawCopy != nullptr) rawCopy->keepUpTo(cursor);
     forgetWrittenNames();  // they point into the old buffer
+    counted = {};
     ownedDocument = std::move(converted);
     cursor = bufferStart = ownedDocument.begin();
     bufferEnd = ownedDocument.end();
@@ -175,15 +176,22 @@ std::string_view QeXmlReader::rd(std::size_t count) {
 }
 
 void QeXmlReader::err(const QeCString& message) const {
-    std::size_t lines = 0;
-    const char* lineStart = bufferStart;
-    for (const char* at = bufferStart; (at = tessit::findByte(at, cursor, '\n')) != cursor; lineStart = ++at)
-        ++lines;
+    const LineCount& here = countLines();
     const auto fromOne = [](std::size_t count) {
         return static_cast<unsigned>(std::min<std::size_t>(count, UINT_MAX - 1) + 1);
     };
-    const auto column = static_cast<std::size_t>(cursor - lineStart);
-    throw QeXmlParseError(message, QeCString(), fromOne(lines), fromOne(column));
+    const auto column = static_cast<std::size_t>(cursor - here.lineStart);
+    throw QeXmlParseError(message, QeCString(), fromOne(here.lines), fromOne(column));
+}
+
+// Goes on from where the last error was counted: a caller may raise any number of them.
+const QeXmlReader::LineCount& QeXmlReader::countLines() const {
+    const bool goesOn = counted.upTo != nullptr && counted.upTo <= cursor;
+    if (!goesOn) counted = {bufferStart, bufferStart, 0};
+    for (const char* at = counted.upTo; (at = tessit::findByte(at, cursor, '\n')) != cursor; counted.lineStart = ++at)
+        ++counted.lines;
+    counted.upTo = cursor;
+    return counted;
 }
 
 void QeXmlReader::raise(const char* message) const {

@@ -46,7 +46,7 @@ void QeXmlReader::fixupAttributes() {
     } else {
         fillAnew();
     }
-    lastAttributes.lookAtOrder();
+    lastAttributes.lookAtLocalNames();
 }
 
 void QeXmlReader::fillAnew() {
@@ -140,7 +140,7 @@ void QeXmlReader::writeAttributes() {
 void QeXmlReader::openSlots(std::size_t count) {
     if (attributesWritten.size() < count) attributesWritten.resize(count);
     lastAttributes.attributes.takeSlots(count);
-    lastAttributes.knownSorted = false;  // sorted by prefix, which need not be the order by URI
+    lastAttributes.knownSorted = false;  // where local names are equal, sorted by prefix, not by URI
 }
 
 void QeXmlReader::writeAttribute(std::size_t slot, const RawAttribute& attribute) {

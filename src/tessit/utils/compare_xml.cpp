@@ -1,20 +1,23 @@
 // The comparison of two documents: two readers side by side, one node at a time.
 
 #include <algorithm>
+#include <functional>
 #include <span>
 #include <string_view>
 
 #include <tessit/reader/xml_reader.h>
+#include <tessit/utils/long_uris.h>
 #include <tessit/utils/xml_utils.h>
 
-bool QeXmlUtils::compareAttributeSet(const QeXmlAttributeSet& left, const QeXmlAttributeSet& right) noexcept {
+namespace {
+
+template <typename SameName>
+bool sameAttributes(const QeXmlAttributeSet& left, const QeXmlAttributeSet& right, SameName sameName) {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](const QeXmlAttribute& mine, const QeXmlAttribute& theirs) {
-                          return mine.getName() == theirs.getName() && mine.getValue() == theirs.getValue();
+                      [&](const QeXmlAttribute& mine, const QeXmlAttribute& theirs) {
+                          return sameName(mine.getName(), theirs.getName()) && mine.getValue() == theirs.getValue();
                       });
 }
-
-namespace {
 
 std::span<const unsigned char> bytesOf(const QeCString& text) {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.length()};
@@ -30,6 +33,10 @@ bool standsOnBlankText(const QeXmlReader& reader) {
 }
 
 }  // namespace
+
+bool QeXmlUtils::compareAttributeSet(const QeXmlAttributeSet& left, const QeXmlAttributeSet& right) noexcept {
+    return sameAttributes(left, right, std::equal_to<QeXmlName>());
+}
 
 // Passes over blank text that the other document lacks. False where `reader` stands on anything else.
 bool QeXmlUtils::verifyEmptyData(QeXmlReader& reader, QeXmlReader& /*other*/) {
@@ -81,16 +88,27 @@ private:
         return passed && typesMatch() && sameNodes();
     }
 
+    // As `==`, but at the cost of a long URI only once for all names that have it.
+    bool sameName(const QeXmlName& left, const QeXmlName& right) {
+        return left.getLocalName() == right.getLocalName() &&
+               longUris.areEqual(left.getNamespace().getURI(), right.getNamespace().getURI());
+    }
+
+    bool sameTags() {
+        return sameName(a.getLastName(), b.getLastName()) &&
+               sameAttributes(a.getLastAttributes(), b.getLastAttributes(),
+                              [this](const QeXmlName& left, const QeXmlName& right) { return sameName(left, right); });
+    }
+
     bool sameNodes() {
         switch (a.getLastNodeType()) {
             case QeXmlReader::ElementStart:
             case QeXmlReader::EmptyElement:
                 lastTags = Tags::Start;
-                return a.getLastName() == b.getLastName() &&
-                       compareAttributeSet(a.getLastAttributes(), b.getLastAttributes());
+                return sameTags();
             case QeXmlReader::ElementEnd:
                 lastTags = Tags::End;
-                return a.getLastName() == b.getLastName();
+                return sameName(a.getLastName(), b.getLastName());
             case QeXmlReader::Content:
                 return lastTags != Tags::Start || a.getLastContent() == b.getLastContent();
             case QeXmlReader::NoNode:
@@ -101,6 +119,7 @@ private:
 
     QeXmlReader a;
     QeXmlReader b;
+    tessit::LongUris longUris;
     Tags lastTags = Tags::None;
 };
 

@@ -24,7 +24,7 @@ public:
 
     /// The first one in set order with that local name, or null.
     const QeXmlAttribute* find(const QeCString& localName) const noexcept {
-        return byLocalName.empty() ? findOneByOne(localName) : findSorted(localName);
+        return attributes.size() > LinearSearchLimit ? findSorted(localName) : findOneByOne(localName);
     }
 
 private:

@@ -11,15 +11,15 @@ QeXmlStringWriter::QeXmlStringWriter() = default;
 
 // Only the bytes in use are copied: the rest of the buffer was never written.
 QeXmlStringWriter::QeXmlStringWriter(const QeXmlStringWriter& other)
-    : QeXmlWriter(other), sinkLength(other.sinkLength), sinkText(other.sinkText) {
-    std::memcpy(sinkBuffer, other.sinkBuffer, sinkLength);
+    : QeXmlWriter(other), bufferedBytes(other.bufferedBytes), sinkText(other.sinkText) {
+    std::memcpy(sinkBuffer, other.sinkBuffer, bufferedBytes);
 }
 
 QeXmlStringWriter& QeXmlStringWriter::operator=(const QeXmlStringWriter& other) {
     QeCString copied(other.sinkText);
     QeXmlWriter::operator=(other);
-    std::memmove(sinkBuffer, other.sinkBuffer, other.sinkLength);
-    sinkLength = other.sinkLength;
+    std::memmove(sinkBuffer, other.sinkBuffer, other.bufferedBytes);
+    bufferedBytes = other.bufferedBytes;
     sinkText = std::move(copied);
     return *this;
 }
@@ -40,23 +40,23 @@ unsigned QeXmlStringWriter::getLength() const {
 }
 
 void QeXmlStringWriter::removeLastCharFromSink(char byte) {
-    if (sinkLength != 0) {
-        if (sinkBuffer[sinkLength - 1] == byte) --sinkLength;
+    if (bufferedBytes != 0) {
+        if (sinkBuffer[bufferedBytes - 1] == byte) --bufferedBytes;
     } else if (!sinkText.empty() && sinkText[sinkText.length() - 1] == byte) {
         sinkText.truncate(sinkText.length() - 1);
     }
 }
 
 void QeXmlStringWriter::writeToSink(char byte) {
-    if (sinkLength == BufferSize) emptyBuffer();
-    sinkBuffer[sinkLength++] = byte;
+    if (bufferedBytes == BufferSize) emptyBuffer();
+    sinkBuffer[bufferedBytes++] = byte;
 }
 
 void QeXmlStringWriter::writeToSink(const char* bytes, unsigned length) {
-    if (length >= BufferSize - sinkLength) emptyBuffer();
+    if (length >= BufferSize - bufferedBytes) emptyBuffer();
     if (length >= BufferSize) return sinkText.append(bytes, length);
-    tessit::copyBytes(sinkBuffer + sinkLength, bytes, length);
-    sinkLength += length;
+    tessit::copyBytes(sinkBuffer + bufferedBytes, bytes, length);
+    bufferedBytes += length;
 }
 
 void QeXmlStringWriter::writeToSink(const QeCString& string) {
@@ -65,8 +65,8 @@ void QeXmlStringWriter::writeToSink(const QeCString& string) {
 }
 
 void QeXmlStringWriter::flush() {
-    sinkText.append(sinkBuffer, sinkLength);
-    sinkLength = 0;
+    sinkText.append(sinkBuffer, bufferedBytes);
+    bufferedBytes = 0;
 }
 
 void QeXmlStringWriter::emptyBuffer() {

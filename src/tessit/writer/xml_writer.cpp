@@ -142,7 +142,8 @@ void QeXmlWriter::writeAttribute(const QeXmlName& name, const QeCString& value, 
 void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
                                           bool escape) {
     const std::size_t room = escape ? roomFor<ValueEscapes>(value) : value.length();
-    OutputBuffer buffer(prefix.size() + localName.size() + room + 5);  // with ` :=""`
+    const std::size_t nameLength = localName.size() + (prefix.empty() ? 0 : prefix.size() + 1);
+    OutputBuffer buffer(nameLength + room + 4);  // with ` =""`
     char* end = put(buffer.begin(), " ");
     end = put(putName(end, prefix, localName), "=\"");
     end = escape ? tessit::writeEscaped<ValueEscapes>(end, value) : put(end, value);
@@ -156,10 +157,11 @@ void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_v
 void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     namespaces.pushScope();
     ScopeRollback scope(namespaces);
-    const bool needsOwn = addNamespaceToScopeIfNecessary(name.getNamespace());
+    addNamespaceToScopeIfNecessary(name.getNamespace());
     writeTag(Tag::Start, name);
+    const bool bindsAlready = !innermostBindings().empty();  // what the name needs, or a sink that calls its writer
     const bool needsMore = addNamespacesOf(attributes);
-    if (!needsOwn && !needsMore && attributes.isStrictlySorted()) {
+    if (!bindsAlready && !needsMore && attributes.isStrictlySorted()) {
         writeAttributeSet(attributes);
     } else {
         writeCompleteAttributeSet(attributes);
@@ -200,7 +202,7 @@ void QeXmlWriter::writeElementEnd(const QeXmlName& name) {
 void QeXmlWriter::writeSimpleElement(const QeXmlName& name, const QeCString& content, const QeCString& typeName,
                                      bool withType) {
     Borrowed<QeXmlAttributeSet> attributes(spare.typeAttribute);
-    if (withType) addTypeAttribute(*attributes, typeName);
+    if (withType) attributes->append("type", QeXmlNamespace::getXsi(), typeName);
     writeElementStart(name, *attributes, content.empty());
     if (!content.empty()) {
         ScopeRollback scope(namespaces);
@@ -214,16 +216,6 @@ void QeXmlWriter::writeSimpleElement(const QeXmlName& name, const QeCString& con
 void QeXmlWriter::writeSimpleElement(const QeCString& name, const QeCString& content, const QeCString& typeName,
                                      bool withType) {
     writeSimpleElement(QeXmlName(name), content, typeName, withType);
-}
-
-// Writes into the slot that the last call left, so that nothing is allocated for the long URI.
-void QeXmlWriter::addTypeAttribute(QeXmlAttributeSet& attributes, const QeCString& typeName) {
-    attributes.attributes.reserveSlots(1);
-    QeXmlAttribute& type = attributes.attributes[0];
-    type.getName().setLocalName("type");
-    type.getName().setNamespace(QeXmlNamespace::getXsi());
-    type.setValue(typeName);
-    attributes.attributes.append();
 }
 
 // The whole end tag, or the start tag up to where the attributes begin.
@@ -299,7 +291,42 @@ bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations)
 // Makes `completed` the set with the bindings of the innermost scope among its
 // attributes. Of several bindings of one prefix the last one stays.
 void QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
-                                          QeXmlAttributeSet& completed) const {
+                                          QeXmlAttributeSet& completed) {
+    if (!attributes.isStrictlySorted()) return completeOutOfOrder(attributes, declarations, completed);
+    addMissingDeclarations(attributes, declarations, completed);
+    for (const QeXmlNamespace& binding : innermostBindings())
+        completed.addNamespaceAttribute(binding);  // its entry is there: sets the value
+}
+
+// A merge: an insertion for each declaration would move what stands behind it, over and over.
+void QeXmlWriter::addMissingDeclarations(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                         QeXmlAttributeSet& completed) {
+    Borrowed<std::vector<const QeXmlNamespace*>> missing(spare.bindings);
+    for (const QeXmlNamespace& binding : innermostBindings())
+        if (declarations.find(binding.getPrefix()) == nullptr) missing->push_back(&binding);
+    std::sort(missing->begin(), missing->end(), [](const QeXmlNamespace* left, const QeXmlNamespace* right) {
+        return left->getPrefix() < right->getPrefix();
+    });
+    const auto samePrefix = [](const QeXmlNamespace* left, const QeXmlNamespace* right) {
+        return left->getPrefix() == right->getPrefix();
+    };
+    missing->erase(std::unique(missing->begin(), missing->end(), samePrefix), missing->end());
+
+    completed.attributes.reserveSlots(attributes.size() + missing->size());
+    auto next = missing->begin();
+    for (const QeXmlAttribute& attribute : attributes) {
+        for (; next != missing->end() && (*next)->getPrefix() <= attribute.getName().getLocalName(); ++next)
+            completed.append((*next)->getPrefix(), QeXmlNamespace::getXmlns(), (*next)->getURI());
+        completed.append(attribute.getName().getLocalName(), attribute.getName().getNamespace(), attribute.getValue());
+    }
+    for (; next != missing->end(); ++next)
+        completed.append((*next)->getPrefix(), QeXmlNamespace::getXmlns(), (*next)->getURI());
+}
+
+// A set out of order keeps what order it has: values are replaced where they stand,
+// and what is missing goes where an addition puts it.
+void QeXmlWriter::completeOutOfOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                     QeXmlAttributeSet& completed) {
     completed.assignInPlace(attributes);
     for (const QeXmlNamespace& binding : innermostBindings()) {
         const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <map>
+#include <string_view>
+#include <unordered_map>
+
+#include <corvel/c_string.h>
+
+namespace tessit {
+
+/// Tells whether URIs are equal, and looks at each long one only once.
+///
+/// The names that a reader hands out share a long URI with the binding that they
+/// were resolved by, so that it is known again by where it stands. All that were
+/// seen are kept: as long as they are shared, they neither move nor change.
+class LongUris {
+public:
+    bool areEqual(const QeCString& left, const QeCString& right) {
+        if (left.length() != right.length() || left.length() < QeCString::LargeLength) return left == right;
+        return firstEqual(left) == firstEqual(right);
+    }
+
+private:
+    struct Known {
+        QeCString uri;
+        const char* firstEqual;
+    };
+
+    // Where the first of all equal URIs stands. O(length) for one that is new, and
+    // O(log of their number) comparisons: an ordered map, for which no document can
+    // choose URIs that make it slow.
+    const char* firstEqual(const QeCString& uri) {
+        const auto [entry, isNew] = known.try_emplace(uri.data());
+        if (isNew) {
+            entry->second.uri.shareBlockOf(uri);
+            entry->second.firstEqual = firsts.try_emplace(uri, uri.data()).first->second;
+        }
+        return entry->second.firstEqual;
+    }
+
+    std::unordered_map<const char*, Known> known;
+    std::map<std::string_view, const char*> firsts;
+};
+
+}  // namespace tessit
