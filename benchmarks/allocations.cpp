@@ -52,7 +52,12 @@ Allocations stopCountingAllocations() {
 }  // namespace tessit::benchmarks
 
 // The address sanitizer has its own allocator in this place; nothing is counted then.
-#if !defined(__SANITIZE_ADDRESS__)
+#if defined(__has_feature)
+#define TESSIT_HAS_FEATURE(name) __has_feature(name)
+#else
+#define TESSIT_HAS_FEATURE(name) 0
+#endif
+#if !defined(__SANITIZE_ADDRESS__) && !TESSIT_HAS_FEATURE(address_sanitizer)
 
 // The C library's own allocator, by the names that it keeps for those who replace the usual ones.
 extern "C" {

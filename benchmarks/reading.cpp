@@ -69,15 +69,20 @@ void Reading::registerBenchmarks(std::vector<Measurement>& measurements) {
         addMeasurements(measurements, corpus);
 }
 
-void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader& reader, Measurement& measurement) {
-    const Tally expected = expectationOf(corpus).of(reader);
-    ReadyDocuments& documents = documentsOf(corpus);
+namespace {
+
+Allocations allocationsOf(ReadyDocuments& documents, const Reader& reader) {
     documents.renew();
-    if (!measurement.allocations) {
-        documents.read(reader);  // what is made once in a process counts for no document
-        documents.renew();
-        measurement.allocations = countAllocations([&] { documents.read(reader); });
-    }
+    documents.read(reader);  // what is made once in a process counts for no document
+    documents.renew();
+    return countAllocations([&] { documents.read(reader); });
+}
+
+}  // namespace
+
+void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader& reader, Measurement& measurement) {
+    ReadyDocuments& documents = documentsOf(corpus);
+    if (!measurement.allocations) measurement.allocations = allocationsOf(documents, reader);
     for ([[maybe_unused]] const auto& iteration : state) {
         documents.renew();
         if (corpora[corpus].freshMemory) releaseFreedMemory();
@@ -85,25 +90,30 @@ void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader&
         const Tally found = documents.read(reader);
         state.SetIterationTime(clock.seconds());
         measurement.nodes = found.nodes();
-        const std::string fault = reader.counts ? difference(found, expected) : std::string();
+        const std::string fault = faultOf(found, corpus, reader);
         if (!fault.empty()) state.SkipWithError(fault.c_str());
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(measurement.bytes));
 }
 
+std::string Reading::faultOf(const Tally& found, std::size_t corpus, const Reader& reader) {
+    return reader.counts ? difference(found, expectationOf(corpus).of(reader)) : std::string();
+}
+
 bool Reading::check() {
     bool good = true;
     for (std::size_t corpus = 0; corpus < corpora.size(); ++corpus)
-        for (const Reader& reader : readers) {
-            if (!reader.counts || !reads(reader, corpora[corpus])) continue;
-            ReadyDocuments& documents = documentsOf(corpus);
-            documents.renew();
-            const std::string fault = difference(documents.read(reader), expectationOf(corpus).of(reader));
-            if (fault.empty()) continue;
-            std::cerr << reader.name << " on " << corpora[corpus].name << ": " << fault << '\n';
-            good = false;
-        }
+        for (const Reader& reader : readers)
+            if (reads(reader, corpora[corpus]) && !checkReader(corpus, reader)) good = false;
     return good;
+}
+
+bool Reading::checkReader(std::size_t corpus, const Reader& reader) {
+    ReadyDocuments& documents = documentsOf(corpus);
+    documents.renew();
+    const std::string fault = faultOf(documents.read(reader), corpus, reader);
+    if (!fault.empty()) std::cerr << reader.name << " on " << corpora[corpus].name << ": " << fault << '\n';
+    return fault.empty();
 }
 
 }  // namespace tessit::benchmarks

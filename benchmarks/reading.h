@@ -46,6 +46,8 @@ public:
 private:
     void addMeasurements(std::vector<Measurement>& measurements, std::size_t corpus);
     void measure(benchmark::State& state, std::size_t corpus, const Reader& reader, Measurement& measurement);
+    bool checkReader(std::size_t corpus, const Reader& reader);
+    std::string faultOf(const Tally& found, std::size_t corpus, const Reader& reader);
     const Expectation& expectationOf(std::size_t corpus);
     ReadyDocuments& documentsOf(std::size_t corpus);
 

@@ -174,13 +174,13 @@ def throughput(figures, corpora):
     return table(['MB/s'] + corpora, rows)
 
 
-def ratios(figures):
+def ratios(figures, corpora):
     rows = []
     for peer in figures.libraries('peer'):
-        values = [figures.ratio(corpus, peer) for corpus in COMPARED]
+        values = [figures.ratio(corpus, peer) for corpus in corpora]
         mean = geometric_mean([value for value in values if value is not None])
         rows.append([peer] + ['–' if value is None else f'{value:.2f}' for value in values] + [f'{mean:.2f}'])
-    return table(['times as fast as'] + COMPARED + ['geometric mean'], rows)
+    return table(['times as fast as'] + corpora + ['geometric mean'], rows)
 
 
 def not_first(figures):
@@ -331,6 +331,9 @@ and `records-64k`; the fastest peer is the fastest of those that replace referen
 How many times as fast the pull loop is as each peer:
 
 {ratios}
+And on small documents, in other encodings, and in fresh memory:
+
+{other_ratios}
 Throughput, in the best round and in the median one:
 
 {large}
@@ -404,7 +407,8 @@ def page(figures):
         share=f'{share:.0%}', provisional=PROVISIONAL if share < 0.9 else '',
         processor=figures.facts['processor'], memory=gibibytes(figures.facts['memory']), system=figures.facts['system'],
         compiler=figures.facts['compiler'], reader_object=figures.facts['reader object'], versions=versions(figures),
-        rounds=figures.rows[0]['rounds'], targets=targets(figures), ratios=ratios(figures),
+        rounds=figures.rows[0]['rounds'], targets=targets(figures), ratios=ratios(figures, COMPARED),
+        other_ratios=ratios(figures, ['records-200', 'records-fresh', 'records-utf16', 'records-latin1']),
         large=throughput(figures, LARGE), variations=throughput(figures, VARIATIONS), not_first=not_first(figures),
         omissions=omissions(), writing=writing(figures), allocations=allocations(figures),
         memory_table=peak_memory(figures), corpora=corpora_list(figures))

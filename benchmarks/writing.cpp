@@ -11,21 +11,24 @@ namespace {
 constexpr std::uint64_t Seed = 20240229;
 constexpr char CorpusName[] = "orders";
 
+using Node = ComposedNode<std::string>;
+
+void countStart(Tally& tally, const std::vector<ComposedName<std::string>>& names, const Node& node) {
+    tally.element(std::string_view(names[node.name].qualified));
+    tally.addUri(std::string_view(names[node.name].uri));
+    for (const auto& [index, value] : node.attributes) {
+        tally.attribute(std::string_view(names[index].qualified), std::string_view(value));
+        tally.addUri(std::string_view(names[index].uri));
+    }
+}
+
 Tally countOf(const Composition<std::string>& composition) {
-    using Kind = ComposedNode<std::string>::Kind;
     Tally tally;
-    for (const ComposedNode<std::string>& node : composition.nodes) {
-        const ComposedName<std::string>& name = composition.names[node.name];
-        if (node.kind == Kind::Text) tally.text(std::string_view(node.text));
-        if (node.kind == Kind::End) tally.elementEnd();
-        if (node.kind != Kind::Start && node.kind != Kind::Empty) continue;
-        tally.element(std::string_view(name.qualified));
-        tally.addUri(std::string_view(name.uri));
-        for (const auto& [index, value] : node.attributes) {
-            const ComposedName<std::string>& attribute = composition.names[index];
-            tally.attribute(std::string_view(attribute.qualified), std::string_view(value));
-            tally.addUri(std::string_view(attribute.uri));
-        }
+    for (const Node& node : composition.nodes) {
+        if (node.kind == Node::Kind::Text) tally.text(std::string_view(node.text));
+        if (node.kind == Node::Kind::End) tally.elementEnd();
+        if (node.kind == Node::Kind::Start || node.kind == Node::Kind::Empty)
+            countStart(tally, composition.names, node);
     }
     return tally;
 }
