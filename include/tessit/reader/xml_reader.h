@@ -202,12 +202,16 @@ private:
     };
 
     // An attribute as scanned. A value with references was expanded into
-    // `valueScratch`: from `scratchStart` to that of the next attribute. Its `value`
-    // is a null view until the whole tag was read, since the scratch may still move.
+    // `valueScratch`, which may still move: `value` is a null view then, and
+    // `expanded` says where the value stands there.
+    struct ScratchRange {
+        std::size_t start = 0;
+        std::size_t length = 0;
+    };
     struct RawAttribute {
         RawName name;
         std::string_view value;
-        std::size_t scratchStart;
+        ScratchRange expanded;
         std::size_t position;  // in the tag
     };
 
@@ -290,8 +294,8 @@ private:
     void closeEmptyTag(const RawName& name);
     void readAttribute();
     RawName readAttributeName();
-    std::string_view readValue(char quote, std::size_t& scratchStart);
-    std::string_view expandValue(const char* start, char quote, std::size_t& scratchStart);
+    void readValue(char quote, RawAttribute& attribute);
+    ScratchRange expandValue(const char* start, char quote);
     void readContent();
     void readContentPieces();
     void appendText();

@@ -33,7 +33,7 @@ void QeXmlReader::declareNamespace(const RawAttribute& attribute) {
 
 std::string_view QeXmlReader::valueOf(const RawAttribute& attribute) const noexcept {
     if (attribute.value.data() != nullptr) return attribute.value;
-    return valueScratch.substring(attribute.scratchStart, attribute.value.size());
+    return valueScratch.substring(attribute.expanded.start, attribute.expanded.length);
 }
 
 // Called once the whole tag was read: turns the attributes as scanned into the

@@ -114,13 +114,13 @@ void QeXmlReader::closeEmptyTag(const RawName& name) {
 }
 
 void QeXmlReader::readAttribute() {
-    RawAttribute attribute{readAttributeName(), {}, 0, rawAttributes.size()};
+    RawAttribute attribute{readAttributeName(), {}, {}, rawAttributes.size()};
     readS();
     if (rd() != '=') raise("Invalid character in attribute definition");
     readS();
     const char quote = rd();
     if (quote != '"' && quote != '\'') raise("invalid character in attribute definition");
-    attribute.value = readValue(quote, attribute.scratchStart);
+    readValue(quote, attribute);
     addAttribute(attribute);
 }
 
@@ -143,20 +143,22 @@ QeXmlReader::RawName QeXmlReader::readAttributeName() {
 }
 
 // Passes the value and its closing quote. A value without references is a view of the document.
-std::string_view QeXmlReader::readValue(char quote, std::size_t& scratchStart) {
+void QeXmlReader::readValue(char quote, RawAttribute& attribute) {
     const char* const start = cursor;
     const char* const stop = findAny(start, bufferEnd, quote, '<', expandAttributeReference ? '&' : quote);
     cursor = stop;
-    if (rd() == quote) return {start, static_cast<std::size_t>(stop - start)};
-    if (*stop == '<') raise("Syntax error: unterminated attribute value");
-    return expandValue(start, quote, scratchStart);
+    const char byte = rd();
+    if (byte == '<') raise("Syntax error: unterminated attribute value");
+    if (byte == quote) {
+        attribute.value = {start, static_cast<std::size_t>(stop - start)};
+    } else {
+        attribute.expanded = expandValue(start, quote);
+    }
 }
 
-// Entered behind the first '&' of the value that begins at `start`. The value is
-// expanded at the end of `valueScratch`; the result is a view without data, of the
-// right length.
-std::string_view QeXmlReader::expandValue(const char* start, char quote, std::size_t& scratchStart) {
-    scratchStart = valueScratch.length();
+// Entered behind the first '&' of the value that begins at `start`. The value is expanded at the end of `valueScratch`.
+QeXmlReader::ScratchRange QeXmlReader::expandValue(const char* start, char quote) {
+    const std::size_t scratchStart = valueScratch.length();
     {
         tessit::TextBuilder value(valueScratch);
         value.put({start, static_cast<std::size_t>(cursor - 1 - start)});
@@ -169,7 +171,7 @@ std::string_view QeXmlReader::expandValue(const char* start, char quote, std::si
             if (stop == '<') raise("Syntax error: unterminated attribute value");
         }
     }
-    return {nullptr, valueScratch.length() - scratchStart};
+    return {scratchStart, valueScratch.length() - scratchStart};
 }
 
 // Leaves the cursor on the '<' of the next tag. Most texts are one run up to there.
