@@ -63,7 +63,7 @@ public:
     friend std::strong_ordering operator<=>(const QeDateTime&, const QeDateTime&) noexcept = default;
 
 private:
-    std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
+    TESSIT_NO_EXPORT std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
 
     // In UTC. Apart, they span more years than one count of milliseconds could.
     std::int64_t day = 0;  // since 1 January 1970

@@ -125,14 +125,14 @@ private:
 
     static std::uint32_t toCount(unsigned long count) noexcept;
 
-    bool take(Scan& scan, char byte) noexcept;
-    void takeDigitOrDesignator(Scan& scan, char byte) noexcept;
-    void verifyAndAssign(ParseState previous, ParseState current, bool seenP, bool seenT,
-                         std::string_view digits) noexcept;
-    void clear() noexcept;
-    std::uint32_t& countOf(ParseState field) noexcept;
-    bool hasTime() const noexcept;
-    double approximateSeconds() const noexcept;
+    TESSIT_NO_EXPORT bool take(Scan& scan, char byte) noexcept;
+    TESSIT_NO_EXPORT void takeDigitOrDesignator(Scan& scan, char byte) noexcept;
+    TESSIT_NO_EXPORT void verifyAndAssign(ParseState previous, ParseState current, bool seenP, bool seenT,
+                                          std::string_view digits) noexcept;
+    TESSIT_NO_EXPORT void clear() noexcept;
+    TESSIT_NO_EXPORT std::uint32_t& countOf(ParseState field) noexcept;
+    TESSIT_NO_EXPORT bool hasTime() const noexcept;
+    TESSIT_NO_EXPORT double approximateSeconds() const noexcept;
 
     std::uint32_t years = 0;
     std::uint32_t months = 0;

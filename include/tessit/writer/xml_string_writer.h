@@ -42,7 +42,7 @@ public:
 private:
     static constexpr std::size_t BufferSize = 1024;
 
-    void emptyBuffer();
+    TESSIT_NO_EXPORT void emptyBuffer();
 
     // The output is `sinkText`, then the first `bufferedBytes` bytes of the buffer. Both can
     // change when a constant writer is asked for its length.

@@ -176,25 +176,27 @@ private:
 
     enum class Tag : unsigned char { Start, End };
 
-    void writeTag(Tag kind, const QeXmlName& name);
-    void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
-    void writeAttributeSet(const QeXmlAttributeSet& attributes);
-    void writeAttributeOfElement(const QeXmlAttribute& attribute);
-    void writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
-                                 bool escape);
-    void writeToSinkInPieces(const char* bytes, std::size_t length);
+    TESSIT_NO_EXPORT void writeTag(Tag kind, const QeXmlName& name);
+    TESSIT_NO_EXPORT void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT void writeAttributeSet(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT void writeAttributeOfElement(const QeXmlAttribute& attribute);
+    TESSIT_NO_EXPORT void writeQualifiedAttribute(std::string_view prefix, std::string_view localName,
+                                                  const QeCString& value, bool escape);
+    TESSIT_NO_EXPORT void writeToSinkInPieces(const char* bytes, std::size_t length);
 
-    bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
-    bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
-    bool addNamespacesOf(const QeXmlAttributeSet& attributes);
-    std::span<const QeXmlNamespace> innermostBindings() const noexcept;
-    bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
-    void getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                                 QeXmlAttributeSet& completed);
-    void addMissingDeclarations(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                                QeXmlAttributeSet& completed);
-    void completeOutOfOrder(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                            QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
+    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
+    TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT std::span<const QeXmlNamespace> innermostBindings() const noexcept;
+    TESSIT_NO_EXPORT bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
+    TESSIT_NO_EXPORT void getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
+                                                  const tessit::PlainAttributes& declarations,
+                                                  QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT void addMissingDeclarations(const QeXmlAttributeSet& attributes,
+                                                 const tessit::PlainAttributes& declarations,
+                                                 QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT void completeOutOfOrder(const QeXmlAttributeSet& attributes,
+                                             const tessit::PlainAttributes& declarations, QeXmlAttributeSet& completed);
 
     int currentIndent = 0;
     int indentSize = 2;
