@@ -11,6 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <tessit/version.h>
+
 namespace {
 
 using namespace std::string_literals;
@@ -163,7 +165,7 @@ const CommandCase Commands[] = {
     {"\"$TESSIT\" events bad none >/dev/null", "",
      "bad:1:6: error: Missing end tag for bad\nnone: error: No such file or directory\n", 2},
     {"\"$TESSIT\" events <&-", "", "<stdin>: error: Bad file descriptor\n", 2},
-    {"\"$TESSIT\" --version", "tessit " TESSIT_VERSION "\n", "", 0},
+    {"\"$TESSIT\" --version", "tessit " TESSIT_VERSION_STRING "\n", "", 0},
     {"\"$TESSIT\"", "", "tessit: error: A subcommand is required" + See, 2},
     {"\"$TESSIT\" nothing", "", "tessit: error: The following argument was not expected: nothing" + See, 2},
     {"\"$TESSIT\" events --nothing", "", "tessit: error: The following argument was not expected: --nothing" + See, 2},
