@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <regex>
+#include <set>
 #include <span>
 #include <sstream>
 #include <string>
@@ -224,6 +226,59 @@ TEST_F(Tool, ExplainsItself) {
     const Outcome same = run("\"$TESSIT\" same --help");
     EXPECT_NE(same.output.find("1 when they differ"), std::string::npos);
     EXPECT_EQ(tool.status + events.status + same.status, 0);
+}
+
+// The subcommands, and the options of all of them, that the tool's help names.
+std::set<std::string> namedByHelp() {
+    const std::regex subcommand("\\n  ([a-z]+) +[A-Z]"), option("--([a-z-]+)");
+    const auto addAll = [](std::set<std::string>& names, const std::string& text, const std::regex& name) {
+        for (std::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at)
+            names.insert((*at)[1]);
+    };
+    std::set<std::string> subcommands, names;
+    const std::string help = run("\"$TESSIT\" --help").output;
+    addAll(subcommands, help, subcommand);
+    addAll(names, help, option);
+    for (const std::string& name : subcommands)
+        addAll(names, run("\"$TESSIT\" " + name + " --help").output, option);
+    names.merge(subcommands);
+    return names;
+}
+
+TEST_F(Tool, HasNothingThatItsManualAndCompletionsLack) {
+    const std::set<std::string> names = namedByHelp();
+    EXPECT_TRUE(names.contains("same") && names.contains("raw-references") && names.contains("version"));
+    for (const char* file : {"tessit.1", "completions/tessit.bash", "completions/_tessit", "completions/tessit.fish"}) {
+        std::string text = contentOf((TESSIT_TOOL_SOURCES "/"s + file).c_str());
+        std::erase(text, '\\');  // hyphens of a manual page are escaped
+        for (const std::string& name : names)
+            EXPECT_NE(text.find(name), std::string::npos) << file << " lacks " << name;
+    }
+}
+
+struct CompletionCase {
+    std::string words;  // behind the tool's name
+    std::string candidates;
+};
+
+const CompletionCase Completions[] = {
+    {"\"\"", "events same --help --version\n"},
+    {"events -", "--raw-references --help\n"},
+    {"same --h", "--help\n"},
+    {"same li", "like\n"},  // a file
+    {"events good l", "like\n"},
+};
+
+TEST_F(Tool, IsCompletedByBash) {
+    writeFile("like", "");
+    writeFile("completing", ". " TESSIT_TOOL_SOURCES
+                            "/completions/tessit.bash\n"
+                            "complete() { COMP_WORDS=(tessit \"$@\") COMP_CWORD=$#; _tessit tessit \"${@: -1}\"; }\n");
+    for (const auto& [words, candidates] : Completions) {
+        const Outcome outcome = run("bash -c '. ./completing; complete " + words + "; echo \"${COMPREPLY[@]}\"'");
+        EXPECT_EQ(outcome.output, candidates) << words;
+        EXPECT_EQ(outcome.errors, "") << words;
+    }
 }
 
 // Larger than any buffer or pipe, in many nodes and in one.
