@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -96,6 +98,29 @@ TEST(Docs, ShowWhatIsThere) {
             ++count;
         }
     EXPECT_GE(count, 10u);
+}
+
+// The classes that the public headers define, but for the container that stands behind members of others.
+std::set<std::string> publicClasses() {
+    const std::regex definition("\\nclass (?:TESSIT_API )?(Qe\\w+)[^;]*?\\{");
+    std::set<std::string> found;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(Root / "include")) {
+        const std::string text = entry.is_regular_file() ? contentOf(entry.path()) : "";
+        for (std::sregex_iterator at(text.begin(), text.end(), definition), end; at != end; ++at)
+            found.insert((*at)[1]);
+    }
+    found.erase("QeSlotArray");
+    return found;
+}
+
+TEST(Docs, HaveAnExampleOfEachClass) {
+    std::string examples;
+    for (const fs::directory_entry& entry : fs::directory_iterator(Root / "examples"))
+        examples += contentOf(entry.path());
+    const std::set<std::string> classes = publicClasses();
+    EXPECT_GE(classes.size(), 30u);
+    for (const std::string& name : classes)
+        EXPECT_TRUE(std::regex_search(examples, std::regex("\\b" + name + "\\b"))) << "no example of " << name;
 }
 
 TEST(Docs, OpenWithTheProgramThatDemandsAnElement) {

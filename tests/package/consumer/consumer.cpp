@@ -55,6 +55,7 @@ bool catchesByType() {
     return throwsAs<QeXmlParseError, std::domain_error>([] { QeXmlReader(QeCString("<a")).readNextNode(); }) &&
            throwsAs<QeXmlLengthError, QeXmlError>([] { QeThrow(QeXmlLengthError(QeCString("too long"))); }) &&
            throwsAs<QeValueError, std::invalid_argument>([] { QeDate(30, 2, 2003); }) &&
+           throwsAs<Qexmsg, Qexmsg>([] { QeXmlValidator("item").checkPattern("a", "("); }) &&
            throwsAs<QeBoundsError, std::out_of_range>([] { static_cast<void>(QeCString("a")[1]); });
 }
 
