@@ -43,7 +43,7 @@ public:
     int hourGMT() const noexcept { return hour(QeZone::utc()); }
     int minuteGMT() const noexcept { return minute(QeZone::utc()); }
 
-    // Zones are whole minutes apart, so that these are the same in all of them.
+    /// The same in all zones, as they are whole minutes apart; so is the millisecond.
     int second() const noexcept;
     int milliSecond() const noexcept;
 

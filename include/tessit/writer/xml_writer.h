@@ -60,10 +60,11 @@ public:
     QeXmlWriter& operator=(const QeXmlWriter& other);
     virtual ~QeXmlWriter();
 
-    // --- Elements and text.
-    //
-    // Whatever these write first is preceded by the indentation, when it stands at
-    // the start of a line that `writeNewLine` has begun.
+    /// @name Elements and text
+    ///
+    /// Whatever these write first is preceded by the indentation, when it stands at
+    /// the start of a line that `writeNewLine` has begun.
+    /// @{
 
     /// Writes a start tag, or with `empty` an empty-element tag, and opens the
     /// element's scope. Attributes come in the set's order, their values escaped as
@@ -120,7 +121,9 @@ public:
     /// namespace for declared from then on.
     void addNamespace(const QeXmlNamespace& ns) { namespaces.addNamespace(ns); }
 
-    // --- Layout.
+    /// @}
+    /// @name Layout
+    /// @{
 
     /// Writes a line feed; what is written next is indented.
     void writeNewLine();
@@ -142,10 +145,12 @@ public:
     /// One step less; never below 0.
     void decrementIndent() noexcept;
 
-    // --- The sink: what a derived class supplies.
-    //
-    // Who overrides some overloads of `writeToSink` hides the others: bring them
-    // back with `using QeXmlWriter::writeToSink;`.
+    /// @}
+    /// @name The sink: what a derived class supplies
+    ///
+    /// Who overrides some overloads of `writeToSink` hides the others: bring them
+    /// back with `using QeXmlWriter::writeToSink;`.
+    /// @{
 
     /// Appends one byte. Line feeds and indentation come this way.
     virtual void writeToSink(char byte) = 0;
@@ -161,6 +166,8 @@ public:
 
     /// Makes what was written so far visible in the sink's result. The writer never calls it.
     virtual void flush() = 0;
+
+    /// @}
 
 private:
     // Storage that is kept from call to call. It is taken out while in use, so that
