@@ -315,6 +315,22 @@ private:
     TESSIT_NO_EXPORT void shareBlockOf(const QeCString& other);
     void unshare();
 
+    // `assign` where `Window` bytes can be read from `bytes` on, none of them the
+    // string's own: texts that fit are moved as a whole, without a branch on their length.
+    static constexpr std::size_t Window = 2 * UnitSize;  // no block is smaller
+    void assignFromWindow(const char* bytes, std::size_t length) {
+        if (length > InlineCapacity || !isInline()) return assignFromWindowSlowly(bytes, length);
+        std::memcpy(raw, bytes, sizeof raw);
+        raw[length] = '\0';
+        setInlineLength(length);
+    }
+    void assignFromWindowSlowly(const char* bytes, std::size_t length) {
+        if (length >= Window || isInline() || isShared()) return assign(bytes, length);
+        std::memcpy(heapData(), bytes, Window);
+        heapData()[length] = '\0';
+        setHeapLength(length);
+    }
+
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
     }

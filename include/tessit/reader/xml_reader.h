@@ -130,7 +130,10 @@ public:
     void readNextNode();
 
     /// Whether the document is exhausted. Outside the root element skips whitespace first.
-    bool eof();
+    bool eof() noexcept {
+        if (depth == 0) readS();
+        return cursor == bufferEnd;
+    }
 
     NodeType getLastNodeType() const noexcept { return lastNodeType; }
 
@@ -215,23 +218,27 @@ private:
         std::size_t position;  // in the tag
     };
 
-    // The attributes of an earlier tag as they were written, and the slots that they
-    // went to. Where the next tag of that name has the same ones in the same order,
-    // as most have, they need neither be scanned byte by byte nor sorted again.
-    struct TagShape {
-        struct Attribute {
-            RawName name;
-            std::size_t slot;
-        };
-        std::vector<Attribute> attributes;  // in the order of the document; no declarations
-    };
-
     // What a name in the last-node members was written from: a name that is
     // there already is not written again. Empty raw bytes: not known.
     struct WrittenName {
         std::string_view raw;
         const QeXmlNamespace* binding = nullptr;
         std::uint64_t state = 0;
+    };
+
+    // The attributes of an earlier tag as they were written, and the slots that they
+    // went to. Where the next tag of that name has the same ones in the same order,
+    // as most have, names are only compared, and values go to the slots at once.
+    struct TagShape {
+        struct Attribute {
+            RawName name;
+            std::size_t slot;
+        };
+        std::vector<Attribute> attributes;   // in the order of the document; no declarations
+        std::vector<WrittenName> written;    // by slot
+        QeSlotArray<QeXmlAttribute> parked;  // the slots, unless `lastAttributes` has them
+        std::uint64_t state = 0;             // of the namespace stack, when the slots were written
+        bool isInSlots = false;              // whether they have the names of `attributes`
     };
 
     // A prefix of up to seven bytes with its length, and the binding it has in one state of the namespace stack.
@@ -286,21 +293,25 @@ private:
     void readCDATA();
 
     // scanner.cpp
-    void readTag();
     void readStartTag();
     void readEndTag();
     bool takeLastNameAgain() noexcept;
     void closeStartTag(const RawName& name);
-    void closeEmptyTag(const RawName& name);
+    bool readIntoSlots();
+    bool passExpectedName(const RawName& expected) noexcept;
+    bool readValueInto(QeCString& value);
+    void readAttributes();
     void readAttribute();
     RawName readAttributeName();
     void readValue(char quote, RawAttribute& attribute);
-    ScratchRange expandValue(const char* start, char quote);
-    void readContent();
+    void expandValue(QeCString& target, const char* start, char quote);
+    void scanContent();
+    bool readShortContent();
     void readContentPieces();
     void appendText();
     bool readMarkupInContent();
     RawName readName();
+    RawName readLongName();
     RawName readNameSlowly(const char* from, std::size_t localStart);
     const char* passCharacter(const char* at, std::uint32_t& codePoint);
     void readS() noexcept;
@@ -311,7 +322,7 @@ private:
     void addAttribute(const RawAttribute& attribute);
     void declareNamespace(const RawAttribute& attribute);
     std::string_view valueOf(const RawAttribute& attribute) const noexcept;
-    void expectShapeOf(const RawName& element) noexcept;
+    void expectShapeOf(const RawName& element);
     bool keepsShape() const noexcept;
     void fixupAttributes();
     void fillShape();
@@ -376,17 +387,15 @@ private:
     std::vector<RawAttribute> rawAttributes;
     QeCString valueScratch;
 
-    // What the tag that is being read is expected to hold. `shapeNext` is the next
+    // What the tags that are read are expected to hold, by the name of the element;
+    // `shape` is that of the last tag with attributes. `shapeNext` is the next
     // attribute of it, or null once one came that differs.
-    static constexpr std::size_t ShapeCount = 8;
-    TagShape shapes[ShapeCount];
+    static constexpr std::size_t ShapeCount = 16;
+    std::vector<TagShape> shapes;
     TagShape* shape = nullptr;
     const TagShape::Attribute* shapeNext = nullptr;
-    const TagShape* slotsShape = nullptr;  // whose names `lastAttributes` holds
-    std::uint64_t slotsState = 0;          // and in which state they were resolved
 
     WrittenName lastNameWritten;
-    std::vector<WrittenName> attributesWritten;  // by slot of lastAttributes
     CachedPrefix prefixCache[16];
     QeXmlName expectedName;      // what the caller demands; working storage of one call
     RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making

@@ -40,7 +40,7 @@ std::string_view QeXmlReader::valueOf(const RawAttribute& attribute) const noexc
 // set. They are put in order before they are written, so that each string is
 // written once, into its final place.
 void QeXmlReader::fixupAttributes() {
-    if (rawAttributes.empty()) return lastAttributes.clear();  // what the slots hold is still known
+    if (rawAttributes.empty()) return lastAttributes.clear();
     if (keepsShape()) {
         fillShape();
     } else {
@@ -50,7 +50,7 @@ void QeXmlReader::fixupAttributes() {
 }
 
 void QeXmlReader::fillAnew() {
-    slotsShape = nullptr;  // until all is written: an assignment can throw
+    shape->isInSlots = false;  // until all is written: an assignment can throw
     for (RawAttribute& attribute : rawAttributes)
         attribute.value = valueOf(attribute);
     const std::size_t count = rawAttributes.size();
@@ -59,32 +59,30 @@ void QeXmlReader::fillAnew() {
     if (count == rawAttributes.size()) learnShape();
 }
 
-void QeXmlReader::expectShapeOf(const RawName& element) noexcept {
+// The slots of one shape are those of `lastAttributes`; those of the others are parked.
+void QeXmlReader::expectShapeOf(const RawName& element) {
+    if (shapes.empty()) shapes.resize(ShapeCount);
     const auto first = static_cast<unsigned char>(element.data[0]);
     const auto last = static_cast<unsigned char>(element.data[element.length - 1]);
-    shape = &shapes[(element.length + first * 3u + last * 5u) % ShapeCount];
-    shapeNext = shape->attributes.empty() ? nullptr : shape->attributes.data();
+    TagShape* const expected = &shapes[(element.length + first * 3u + last * 5u) % ShapeCount];
+    if (expected == shape) return;
+    if (shape != nullptr) lastAttributes.attributes.swap(shape->parked);
+    lastAttributes.attributes.swap(expected->parked);
+    shape = expected;
 }
 
 bool QeXmlReader::keepsShape() const noexcept {
     return shapeNext != nullptr && shapeNext == shape->attributes.data() + shape->attributes.size();
 }
 
-// Writes the attributes of a tag that kept its shape; where the set still has that shape, only the values.
+// Writes the attributes of a tag that kept its shape, whose names may have come to mean something else.
 void QeXmlReader::fillShape() {
-    const std::uint64_t state = namespaceStack.state();
-    if (slotsShape == shape && slotsState == state) {
-        openSlots(rawAttributes.size());
-        for (const RawAttribute& attribute : rawAttributes)
-            lastAttributes.attributes[shape->attributes[attribute.position].slot].value.assign(valueOf(attribute));
-        return;
-    }
-    slotsShape = nullptr;  // until all is written: an assignment can throw
+    shape->isInSlots = false;  // until all is written: an assignment can throw
     openSlots(rawAttributes.size());
     for (const RawAttribute& attribute : rawAttributes)
         writeAttribute(shape->attributes[attribute.position].slot, attribute);
-    slotsShape = shape;
-    slotsState = state;
+    shape->isInSlots = true;
+    shape->state = namespaceStack.state();
 }
 
 namespace {
@@ -138,7 +136,7 @@ void QeXmlReader::writeAttributes() {
 
 // Gives the set that many attributes, with what earlier tags left in them.
 void QeXmlReader::openSlots(std::size_t count) {
-    if (attributesWritten.size() < count) attributesWritten.resize(count);
+    if (shape->written.size() < count) shape->written.resize(count);
     lastAttributes.attributes.takeSlots(count);
     lastAttributes.knownSorted = false;  // where local names are equal, sorted by prefix, not by URI
 }
@@ -146,7 +144,7 @@ void QeXmlReader::openSlots(std::size_t count) {
 void QeXmlReader::writeAttribute(std::size_t slot, const RawAttribute& attribute) {
     const std::string_view prefix = attribute.name.prefix();
     QeXmlAttribute& target = lastAttributes.attributes[slot];
-    writeName(target.name, attributesWritten[slot], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
+    writeName(target.name, shape->written[slot], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
     target.value.assign(valueOf(attribute));
 }
 
@@ -161,8 +159,8 @@ void QeXmlReader::learnShape() {
     shape->attributes.resize(count);
     for (std::size_t slot = 0; slot < count; ++slot)
         shape->attributes[rawAttributes[slot].position] = {rawAttributes[slot].name, slot};
-    slotsShape = shape;
-    slotsState = namespaceStack.state();
+    shape->isInSlots = true;
+    shape->state = namespaceStack.state();
 }
 
 void QeXmlReader::writeElementName(const RawName& name) {
@@ -215,13 +213,16 @@ void QeXmlReader::closeScope() {
 
 void QeXmlReader::forgetWrittenNames() noexcept {
     lastNameWritten = {};
-    forgetSlots();
-    for (TagShape& known : shapes)
+    for (TagShape& known : shapes) {
         known.attributes.clear();
+        known.written.clear();
+        known.isInSlots = false;
+    }
 }
 
 // For when the attributes in the slots are no longer those that were written there.
 void QeXmlReader::forgetSlots() noexcept {
-    attributesWritten.clear();
-    slotsShape = nullptr;
+    if (shape == nullptr) return;
+    shape->written.clear();
+    shape->isInSlots = false;
 }
