@@ -159,6 +159,24 @@ inline bool sameBytes(std::string_view left, std::string_view right) {
     return left.size() == right.size() && sameBytes(left.data(), right.data(), left.size());
 }
 
+/// The first eight bytes of a text as a number, in the order of the texts; zeros
+/// stand for what a shorter one lacks. Bytes up to `readableEnd` can be read: where
+/// there are eight, no branch depends on the length.
+inline std::uint64_t firstBytes(std::string_view text, const char* readableEnd) {
+    constexpr std::size_t Size = sizeof(std::uint64_t);
+    const std::size_t count = text.size() < Size ? text.size() : Size;
+    if (count == 0) return 0;
+    std::uint64_t bytes = 0;
+    if (static_cast<std::size_t>(readableEnd - text.data()) >= Size) {
+        std::memcpy(&bytes, text.data(), Size);
+    } else {
+        std::memcpy(&bytes, text.data(), count);
+    }
+    if constexpr (std::endian::native == std::endian::little) bytes = __builtin_bswap64(bytes);
+    const std::size_t unused = 8 * (Size - count);
+    return bytes >> unused << unused;
+}
+
 /// The first `byte` from `at` on, or `end`.
 inline const char* findByte(const char* at, const char* end, char byte) {
     const void* found = at == end ? nullptr : std::memchr(at, byte, static_cast<std::size_t>(end - at));

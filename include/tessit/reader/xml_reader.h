@@ -13,6 +13,10 @@
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
 
+namespace tessit {
+class OpenElements;
+}  // namespace tessit
+
 /// A pull reader: hands out a document one node at a time, and lets the caller
 /// demand the elements it expects.
 ///
@@ -193,6 +197,8 @@ public:
     [[noreturn]] void err(const QeCString& message) const;
 
 private:
+    friend class tessit::OpenElements;
+
     // A name as written. `localStart` is 0 without a colon, else the position behind the first.
     struct RawName {
         const char* data;
@@ -215,7 +221,12 @@ private:
         RawName name;
         std::string_view value;
         ScratchRange expanded;
-        std::size_t position;  // in the tag
+    };
+
+    // An attribute in the order of the set; `key` is the beginning of its local name.
+    struct Ordered {
+        std::uint64_t key;
+        RawAttribute* attribute;
     };
 
     // What a name in the last-node members was written from: a name that is
@@ -238,7 +249,15 @@ private:
         std::vector<WrittenName> written;    // by slot
         QeSlotArray<QeXmlAttribute> parked;  // the slots, unless `lastAttributes` has them
         std::uint64_t state = 0;             // of the namespace stack, when the slots were written
+        unsigned pause = 0;                  // of so many tags, none is expected to be like this one
+        unsigned lastPause = 0;              // grows with each tag that turned out different
         bool isInSlots = false;              // whether they have the names of `attributes`
+
+        void forget() noexcept {
+            attributes.clear();
+            written.clear();
+            isInSlots = false;
+        }
     };
 
     // A prefix of up to seven bytes with its length, and the binding it has in one state of the namespace stack.
@@ -300,7 +319,7 @@ private:
     bool readIntoSlots();
     bool passExpectedName(const RawName& expected) noexcept;
     bool readValueInto(QeCString& value);
-    void readAttributes();
+    void readAttributes(bool expectsShape);
     void readAttribute();
     RawName readAttributeName();
     void readValue(char quote, RawAttribute& attribute);
@@ -322,18 +341,22 @@ private:
     void addAttribute(const RawAttribute& attribute);
     void declareNamespace(const RawAttribute& attribute);
     std::string_view valueOf(const RawAttribute& attribute) const noexcept;
+    TagShape* shapeNumber(std::size_t number);
     void expectShapeOf(const RawName& element);
     bool keepsShape() const noexcept;
+    bool expectsShape() noexcept;
+    void noteMiss() noexcept;
     void fixupAttributes();
     void fillShape();
     void fillAnew();
-    void sortAttributes();
-    void writeAttributes();
+    std::span<Ordered> putInOrder(std::span<Ordered> ordered);
+    void writeAttributes(std::span<const Ordered> ordered);
     void openSlots(std::size_t count);
     void writeAttribute(std::size_t slot, const RawAttribute& attribute);
-    void learnShape();
+    void learnShape(std::span<const Ordered> ordered);
     void writeElementName(const RawName& name);
     void writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding);
+    void writeLocalName(QeXmlName& name, const RawName& raw);
     const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
     void closeScope();
     void forgetWrittenNames() noexcept;
@@ -385,18 +408,22 @@ private:
 
     // Working storage of a tag, kept between tags so that it is allocated once.
     std::vector<RawAttribute> rawAttributes;
+    std::vector<Ordered> manyOrdered;
     QeCString valueScratch;
 
     // What the tags that are read are expected to hold, by the name of the element;
     // `shape` is that of the last tag with attributes. `shapeNext` is the next
     // attribute of it, or null once one came that differs.
     static constexpr std::size_t ShapeCount = 16;
+    TagShape firstShape;           // of tags that are the first of their name
+    std::uint32_t shapesSeen = 0;  // a bit each
     std::vector<TagShape> shapes;
     TagShape* shape = nullptr;
     const TagShape::Attribute* shapeNext = nullptr;
 
     WrittenName lastNameWritten;
     CachedPrefix prefixCache[16];
-    QeXmlName expectedName;      // what the caller demands; working storage of one call
-    RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
+    QeXmlName expectedName;                        // what the caller demands; working storage of one call
+    RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
+    tessit::OpenElements* openElements = nullptr;  // the names that the SAX parser keeps of this document
 };
