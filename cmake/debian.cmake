@@ -21,8 +21,8 @@ set(library_package libtessit${PROJECT_VERSION_MAJOR})
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "Compact XML library
- Reads, writes and compares XML documents with namespaces: a pull reader, a
- SAX parser, a writer, and the values of XML Schema's types.")
+Reads, writes and compares XML documents with namespaces: a pull reader, a
+SAX parser, a writer, and the values of XML Schema's types.")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
@@ -30,13 +30,13 @@ set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtessit-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION}), libicu-dev")
 set(CPACK_COMPONENT_DEV_DESCRIPTION "Compact XML library, development files
- Headers, and the files by which CMake and pkg-config find the library.")
+Headers, and the files by which CMake and pkg-config find the library.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME tessit)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION text)
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${library_package} (>= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "Command line tool for XML documents
- Prints the nodes of documents, one to a line, and tells whether two documents
- say the same thing.")
+Prints the nodes of documents, one to a line, and tells whether two documents
+say the same thing.")
 
 include(CPack)
