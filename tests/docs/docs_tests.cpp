@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -100,17 +99,33 @@ TEST(Docs, ShowWhatIsThere) {
     EXPECT_GE(count, 10u);
 }
 
+// The class that a line of a header begins to define; empty when it does not.
+std::string classDefinedBy(const std::string& line) {
+    if (!line.starts_with("class ") || line.ends_with(';')) return {};
+    std::istringstream words(line);
+    std::string word;
+    words >> word >> word;
+    if (word == "TESSIT_API") words >> word;
+    return word;
+}
+
 // The classes that the public headers define, but for the container that stands behind members of others.
 std::set<std::string> publicClasses() {
-    const std::regex definition("\\nclass (?:TESSIT_API )?(Qe\\w+)[^;]*?\\{");
     std::set<std::string> found;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(Root / "include")) {
-        const std::string text = entry.is_regular_file() ? contentOf(entry.path()) : "";
-        for (std::sregex_iterator at(text.begin(), text.end(), definition), end; at != end; ++at)
-            found.insert((*at)[1]);
+        std::ifstream in(entry.path());
+        for (std::string line; std::getline(in, line);)
+            found.insert(classDefinedBy(line));
     }
+    found.erase("");
     found.erase("QeSlotArray");
     return found;
+}
+
+bool isWordOf(const std::string& text, const std::string& word) {
+    for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos; ++at)
+        if (!std::isalnum(static_cast<unsigned char>(text[at + word.size()]))) return true;
+    return false;
 }
 
 TEST(Docs, HaveAnExampleOfEachClass) {
@@ -120,7 +135,7 @@ TEST(Docs, HaveAnExampleOfEachClass) {
     const std::set<std::string> classes = publicClasses();
     EXPECT_GE(classes.size(), 30u);
     for (const std::string& name : classes)
-        EXPECT_TRUE(std::regex_search(examples, std::regex("\\b" + name + "\\b"))) << "no example of " << name;
+        EXPECT_TRUE(isWordOf(examples, name)) << "no example of " << name;
 }
 
 TEST(Docs, OpenWithTheProgramThatDemandsAnElement) {

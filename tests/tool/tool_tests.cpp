@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <span>
 #include <sstream>
@@ -228,20 +227,28 @@ TEST_F(Tool, ExplainsItself) {
     EXPECT_EQ(tool.status + events.status + same.status, 0);
 }
 
+constexpr char Letters[] = "abcdefghijklmnopqrstuvwxyz-";
+
+// What follows `mark` in the text, wherever letters do.
+std::set<std::string> namesBehind(const std::string& mark, const std::string& text) {
+    std::set<std::string> names;
+    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos;) {
+        at += mark.size();
+        names.insert(text.substr(at, text.find_first_not_of(Letters, at) - at));
+    }
+    names.erase("");
+    return names;
+}
+
 // The subcommands, and the options of all of them, that the tool's help names.
 std::set<std::string> namedByHelp() {
-    const std::regex subcommand("\\n  ([a-z]+) +[A-Z]"), option("--([a-z-]+)");
-    const auto addAll = [](std::set<std::string>& names, const std::string& text, const std::regex& name) {
-        for (std::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at)
-            names.insert((*at)[1]);
-    };
-    std::set<std::string> subcommands, names;
     const std::string help = run("\"$TESSIT\" --help").output;
-    addAll(subcommands, help, subcommand);
-    addAll(names, help, option);
-    for (const std::string& name : subcommands)
-        addAll(names, run("\"$TESSIT\" " + name + " --help").output, option);
-    names.merge(subcommands);
+    std::set<std::string> names = namesBehind("--", help);
+    for (const std::string& name : namesBehind("\n  ", help)) {
+        if (name[0] == '-') continue;
+        names.insert(name);
+        names.merge(namesBehind("--", run("\"$TESSIT\" " + name + " --help").output));
+    }
     return names;
 }
 
