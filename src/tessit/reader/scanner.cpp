@@ -1,6 +1,8 @@
 // The markup scanner: one function per construct, each entered and left as its
 // comment says. Hot loops run over plain bytes to the first that needs thought.
 
+#include <array>
+#include <bit>
 #include <cstring>
 
 #include <corvel/byte_scan.h>
@@ -420,71 +422,68 @@ void QeXmlReader::readS() noexcept {
 
 namespace {
 
-// A predefined entity by its name with the semicolon. The length is a constant of
-// its own, so that the comparison is one or two words.
-template <std::size_t Size>
+// A predefined entity by its name with the semicolon, and as a word in which the bytes behind it count for nothing.
 struct Entity {
-    char name[Size];
-    char character;
+    static constexpr std::size_t WordSize = sizeof(std::uint64_t);
 
-    static constexpr std::size_t length() { return Size - 1; }
-    bool standsAt(const char* at) const { return std::memcmp(at, name, length()) == 0; }
-    bool isNamed(std::string_view body) const { return body == std::string_view(name, length() - 1); }
+    consteval Entity(std::string_view withSemicolon, char standsFor)
+        : name(withSemicolon), character(standsFor), word(0), mask(0) {
+        std::array<char, WordSize> bytes{}, ones{};
+        for (std::size_t i = 0; i < name.size(); ++i) {
+            bytes[i] = name[i];
+            ones[i] = static_cast<char>(0xFF);
+        }
+        word = std::bit_cast<std::uint64_t>(bytes);
+        mask = std::bit_cast<std::uint64_t>(ones);
+    }
+
+    std::string_view name;
+    char character;
+    std::uint64_t word;
+    std::uint64_t mask;
 };
 
-constexpr Entity<4> Lt{"lt;", '<'};
-constexpr Entity<4> Gt{"gt;", '>'};
-constexpr Entity<5> Amp{"amp;", '&'};
-constexpr Entity<6> Apos{"apos;", '\''};
-constexpr Entity<6> Quot{"quot;", '"'};
+constexpr Entity Entities[] = {{"lt;", '<'}, {"gt;", '>'}, {"amp;", '&'}, {"apos;", '\''}, {"quot;", '"'}};
 
 // What is found of the entities: the character, and how many bytes its name and semicolon take; or 0.
 struct FoundEntity {
-    const char* character;
+    char character;
     std::size_t length;
 };
 
-template <std::size_t Size>
-FoundEntity expectEntity(const Entity<Size>& entity, const char* at) {
-    return {&entity.character, entity.standsAt(at) ? entity.length() : 0};
-}
-
-// The entity whose name begins at `at`, where at least five bytes can be read.
+// The entity whose name begins at `at`, where a word can be read. Which one comes
+// next is hard to predict: all are tried, without a branch.
 FoundEntity findEntity(const char* at) {
-    switch (*at) {
-        case 'l':
-            return expectEntity(Lt, at);
-        case 'g':
-            return expectEntity(Gt, at);
-        case 'a':
-            return at[1] == 'm' ? expectEntity(Amp, at) : expectEntity(Apos, at);
-        case 'q':
-            return expectEntity(Quot, at);
-        default:
-            return {nullptr, 0};
+    std::uint64_t word;
+    std::memcpy(&word, at, sizeof word);
+    unsigned character = 0;
+    std::size_t length = 0;
+    for (const Entity& entity : Entities) {
+        const std::size_t all = -static_cast<std::size_t>((word & entity.mask) == entity.word);
+        character |= static_cast<unsigned char>(entity.character) & static_cast<unsigned>(all);
+        length |= entity.name.size() & all;
     }
+    return {static_cast<char>(character), length};
 }
 
 // The character of the entity with that name, or null.
 const char* characterOf(std::string_view body) {
-    if (Lt.isNamed(body)) return &Lt.character;
-    if (Gt.isNamed(body)) return &Gt.character;
-    if (Amp.isNamed(body)) return &Amp.character;
-    if (Apos.isNamed(body)) return &Apos.character;
-    return Quot.isNamed(body) ? &Quot.character : nullptr;
+    for (const Entity& entity : Entities)
+        if (entity.name.substr(0, entity.name.size() - 1) == body) return &entity.character;
+    return nullptr;
 }
 
 }  // namespace
 
 // Entered just after the '&'; returns what the reference stands for. An unknown
 // entity is no error: it stands for its reference as written. `encoded` is room
-// for the character of a numeric one.
+// for the character.
 std::string_view QeXmlReader::readReference(char (&encoded)[4]) {
-    constexpr std::ptrdiff_t LongestEntity = 5;
-    if (bufferEnd - cursor >= LongestEntity) {
+    if (bufferEnd - cursor >= std::ptrdiff_t{Entity::WordSize}) {
         if (const FoundEntity entity = findEntity(cursor); entity.length != 0) {
             cursor += entity.length;
-            return {entity.character, 1};
+            encoded[0] = entity.character;
+            return {encoded, 1};
         }
     }
     const char* const semicolon = findByte(cursor, bufferEnd, ';');
