@@ -137,6 +137,8 @@ private:
     TESSIT_NO_EXPORT void lookAtOrder() noexcept;
     TESSIT_NO_EXPORT void lookAtLocalNames() noexcept;
 
+    TESSIT_NO_EXPORT void addToFew(const QeXmlName& name, const QeCString& value);
+
     // Adds an attribute behind all others.
     TESSIT_NO_EXPORT void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
 

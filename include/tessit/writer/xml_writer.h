@@ -129,7 +129,9 @@ public:
     void writeNewLine();
 
     /// Writes the indentation, space by space, if nothing has been written since `writeNewLine`.
-    void writeIndentChars();
+    void writeIndentChars() {
+        if (atLineStart) indent();
+    }
 
     /// The number of spaces that lines begin with; a negative one counts as 0.
     void setCurrentIndent(int spaces) noexcept;
@@ -183,11 +185,25 @@ private:
 
     enum class Tag : unsigned char { Start, End };
 
+    class Output;
+
+    TESSIT_NO_EXPORT QeCString* ownText();
+    TESSIT_NO_EXPORT static char* putString(char* to, const QeCString& text) noexcept;
+    TESSIT_NO_EXPORT static char* putName(char* to, const QeCString& prefix, const QeCString& localName) noexcept;
+    TESSIT_NO_EXPORT static char* putAttribute(char* to, const QeCString& prefix, const QeCString& localName,
+                                               const QeCString& value, bool escape) noexcept;
+    template <typename Escapes>
+    TESSIT_NO_EXPORT static char* putEscaped(char* to, const QeCString& text) noexcept;
+
+    void indent();
+    TESSIT_NO_EXPORT void writeRepeated(char byte, int count);
+    TESSIT_NO_EXPORT void writeString(const QeCString& text);
+    TESSIT_NO_EXPORT void writeLongText(const QeCString& text);
+    TESSIT_NO_EXPORT void writePlain(const QeCString& text);
     TESSIT_NO_EXPORT void writeTag(Tag kind, const QeXmlName& name);
     TESSIT_NO_EXPORT void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
     TESSIT_NO_EXPORT void writeAttributeSet(const QeXmlAttributeSet& attributes);
-    TESSIT_NO_EXPORT void writeAttributeOfElement(const QeXmlAttribute& attribute);
-    TESSIT_NO_EXPORT void writeQualifiedAttribute(std::string_view prefix, std::string_view localName,
+    TESSIT_NO_EXPORT void writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName,
                                                   const QeCString& value, bool escape);
     TESSIT_NO_EXPORT void writeToSinkInPieces(const char* bytes, std::size_t length);
 
