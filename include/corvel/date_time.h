@@ -43,7 +43,7 @@ public:
     int hourGMT() const noexcept { return hour(QeZone::utc()); }
     int minuteGMT() const noexcept { return minute(QeZone::utc()); }
 
-    // Zones are whole minutes apart, so that these are the same in all of them.
+    /// The same in all zones, as they are whole minutes apart; so is the millisecond.
     int second() const noexcept;
     int milliSecond() const noexcept;
 
@@ -63,7 +63,7 @@ public:
     friend std::strong_ordering operator<=>(const QeDateTime&, const QeDateTime&) noexcept = default;
 
 private:
-    std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
+    TESSIT_NO_EXPORT std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
 
     // In UTC. Apart, they span more years than one count of milliseconds could.
     std::int64_t day = 0;  // since 1 January 1970

@@ -12,7 +12,8 @@
 /// since a month has no fixed number of days. Counts are 32 bits wide; what is
 /// larger becomes 4294967295. Nothing here throws over a value: a malformed text
 /// leaves a duration that says so in `isValid()`, and still compares and adds with
-/// the counts that it has.
+/// the counts that it has. Setting a count makes no invalid duration valid and
+/// changes no direction.
 ///
 /// A class may derive from this one and replace the virtual operations.
 class TESSIT_API QeXmlDuration {
@@ -42,7 +43,6 @@ public:
     unsigned long getMinutes() const noexcept { return minutes; }
     double getSeconds() const noexcept { return seconds; }
 
-    // None of these makes an invalid duration valid, or changes its direction.
     void setYears(unsigned long count) noexcept { years = toCount(count); }
     void setMonths(unsigned long count) noexcept { months = toCount(count); }
     void setDays(unsigned long count) noexcept { days = toCount(count); }
@@ -61,7 +61,7 @@ public:
     /// counts, so that -P1D and P1D are equal.
     virtual int compareTo(const QeXmlDuration& other);
 
-    // The same for constant objects, by the rule of this class.
+    /// The same for constant objects, by the rule of this class; so is the next.
     bool isEqual(const QeXmlDuration& other) const noexcept { return compareTo(other) == 0; }
     int compareTo(const QeXmlDuration& other) const noexcept;
 
@@ -125,14 +125,14 @@ private:
 
     static std::uint32_t toCount(unsigned long count) noexcept;
 
-    bool take(Scan& scan, char byte) noexcept;
-    void takeDigitOrDesignator(Scan& scan, char byte) noexcept;
-    void verifyAndAssign(ParseState previous, ParseState current, bool seenP, bool seenT,
-                         std::string_view digits) noexcept;
-    void clear() noexcept;
-    std::uint32_t& countOf(ParseState field) noexcept;
-    bool hasTime() const noexcept;
-    double approximateSeconds() const noexcept;
+    TESSIT_NO_EXPORT bool take(Scan& scan, char byte) noexcept;
+    TESSIT_NO_EXPORT void takeDigitOrDesignator(Scan& scan, char byte) noexcept;
+    TESSIT_NO_EXPORT void verifyAndAssign(ParseState previous, ParseState current, bool seenP, bool seenT,
+                                          std::string_view digits) noexcept;
+    TESSIT_NO_EXPORT void clear() noexcept;
+    TESSIT_NO_EXPORT std::uint32_t& countOf(ParseState field) noexcept;
+    TESSIT_NO_EXPORT bool hasTime() const noexcept;
+    TESSIT_NO_EXPORT double approximateSeconds() const noexcept;
 
     std::uint32_t years = 0;
     std::uint32_t months = 0;

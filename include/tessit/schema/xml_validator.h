@@ -105,20 +105,20 @@ private:
     // The patterns that were checked last, compiled. Each validator has its own: a copy starts without any.
     class CompiledPatterns {
     public:
-        CompiledPatterns() noexcept;
-        CompiledPatterns(const CompiledPatterns&) noexcept;
+        TESSIT_NO_EXPORT CompiledPatterns() noexcept;
+        TESSIT_NO_EXPORT CompiledPatterns(const CompiledPatterns&) noexcept;
         CompiledPatterns& operator=(const CompiledPatterns&) noexcept { return *this; }
-        ~CompiledPatterns();
+        TESSIT_NO_EXPORT ~CompiledPatterns();
 
-        bool match(const QeCString& value, const QeCString& pattern);
+        TESSIT_NO_EXPORT bool match(const QeCString& value, const QeCString& pattern);
 
     private:
         class Cache;
         std::unique_ptr<Cache> cache;
     };
 
-    void recordFacet(const char* label, const QeCString& value, const QeCString& facetValue);
-    bool requireMatch(bool checked, bool matched, const char* label);
+    TESSIT_NO_EXPORT void recordFacet(const char* label, const QeCString& value, const QeCString& facetValue);
+    TESSIT_NO_EXPORT bool requireMatch(bool checked, bool matched, const char* label);
 
     QeCString name;
     std::vector<QeXmlSchemaError> errors;
