@@ -81,17 +81,19 @@ TEST(Patterns, NameWhatIsWrongWithThemAndWhere) {
         {"*a", "Invalid pattern '*a' at line 1, character 1: this cannot stand here"},
         {"\xC3\xA9*+*", "Invalid pattern '\xC3\xA9*+*' at line 1, character 4: this cannot stand here"},
         {"\\p{Nope}", "Invalid pattern '\\p{Nope}' at line 1, character 8: unknown character property"},
-        {"\\p{IsBasicLatin}", "Invalid pattern '\\p{IsBasicLatin}': unknown character property"},
+        {"a\n\xF0\x9F\x98\x80\\p{IsBasicLatin}(",
+         "Invalid pattern 'a\n\xF0\x9F\x98\x80\\p{IsBasicLatin}(' at line 2, character 17: unknown character property"},
         {"a\\ib", "Invalid pattern 'a\\ib' at line 1, character 3: unknown escape sequence"},
         {"[\\i]", "Invalid pattern '[\\i]' at line 1, character 3: unknown escape sequence"},
-        {"\\N{NOPE}", "Invalid pattern '\\N{NOPE}': unknown character name"},
+        {"a\\N{NOPE}b", "Invalid pattern 'a\\N{NOPE}b' at line 1, character 9: unknown character name"},
         {"\\", "Invalid pattern '\\' at line 1, character 1: unknown escape sequence"},
         {"\xC3\xA9\xEF\xBF\xBD\xF0\x9F\x98\x80\xE9",
          "Invalid pattern '\xC3\xA9\xEF\xBF\xBD\xF0\x9F\x98\x80\xE9' at byte 9: malformed UTF-8"},
     };
     for (const auto& row : Cases)
         EXPECT_EQ(errorOf("a", row.pattern), row.error);
-    EXPECT_EQ(errorOf("a", std::string(65537, 'a')), "Invalid pattern: its 65537 bytes are more than 65536");
+    EXPECT_EQ(errorOf("a", repeat("\xC3\xA9,", 65537)), "Invalid pattern '" + repeat("\xC3\xA9,", 63) +
+                                                            "...' at byte 65536: its 65538 bytes are more than 65536");
     EXPECT_EQ(errorOf("a", std::string(65536, 'a')), "");
     for (const char* opener : {"(", "[", "(?:", "(?=", "(?<=", "(a|"})
         EXPECT_NE(errorOf("a", repeat(opener, 60'000)), "") << opener;
