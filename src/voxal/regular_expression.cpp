@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unicode/uregex.h>
+#include <voxal/one_pass_search.h>
 #include <voxal/regular_expression.h>
 
 #include <corvel/value_message.h>
@@ -212,9 +213,14 @@ QeURegexResult QeURegularExpression::search(const QeUString& text) {
     const bool found = uregex_find(compiled.get(), 0, &status);
     releaseText();
     if (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW)
-        throw QeURegexError("Pattern " + quote(pattern) + " takes too " +
-                            (status == U_REGEX_TIME_OUT ? "many steps" : "much memory") + " on a text of " +
-                            std::to_string(units.size()) + " UTF-16 units");
+        return searchWithoutBacktracking(units, status == U_REGEX_TIME_OUT ? "many steps" : "much memory");
     requireSuccess(status);
     return QeURegexResult(found);
+}
+
+QeURegexResult QeURegularExpression::searchWithoutBacktracking(std::u16string_view text, const char* excess) const {
+    std::optional<voxal::PlainPattern> plain = voxal::readPlainPattern(QeUString(pattern).units());
+    if (plain) return QeURegexResult(voxal::searchInOnePass(*plain, text));
+    throw QeURegexError("Pattern " + quote(pattern) + " takes too " + excess + " on a text of " +
+                        std::to_string(text.size()) + " UTF-16 units");
 }
