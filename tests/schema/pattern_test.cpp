@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <support/messages.h>
 
 #include <tessit/schema/xml_validator.h>
 
@@ -21,14 +22,8 @@ bool matches(std::string_view value, std::string_view pattern) {
     return QeXmlValidator("v").checkPattern(QeCString(value), QeCString(pattern));
 }
 
-// The text of the error that a check ends in; empty when it does not.
 std::string errorOf(QeXmlValidator& validator, std::string_view value, std::string_view pattern) {
-    try {
-        validator.checkPattern(QeCString(value), QeCString(pattern));
-        return "";
-    } catch (const Qexmsg& error) {
-        return error.why();
-    }
+    return messageOf<Qexmsg>([&] { validator.checkPattern(QeCString(value), QeCString(pattern)); });
 }
 
 std::string errorOf(std::string_view value, std::string_view pattern) {
