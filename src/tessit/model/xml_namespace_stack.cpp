@@ -180,7 +180,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     if (opensDeclaring) scope.bindings.clear();
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
     // A long URI that is bound already is shared, so that names can be compared by where it stands.
-    const QeXmlNamespace* same = uri.size() >= QeCString::LargeLength ? findURI(uri) : nullptr;
+    const QeXmlNamespace* same = uri.size() >= QeCString::LongLength ? findURI(uri) : nullptr;
     scope.bindings.append([=](QeXmlNamespace& slot) {
         slot.prefix.assign(prefix);
         if (same == nullptr) {

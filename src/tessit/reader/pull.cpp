@@ -60,14 +60,14 @@ void QeXmlReader::takeNextNode() {
         nodePending = false;
         return;
     }
-    readContent();
+    scanContent();
     readNextNode();
 }
 
 // An empty-element tag whose end was not taken yet is what comes next itself.
 void QeXmlReader::lookAhead() {
     if (nodePending || lastNodeType == EmptyElement) return;
-    readContent();
+    scanContent();
     readNextNode();
     nodePending = true;
 }
@@ -155,7 +155,11 @@ void QeXmlReader::readElementEnd(const QeCString& qname) {
 }
 
 const QeCString& QeXmlReader::readElementValue() {
-    readContent();
+    if (nodePending) {
+        nodePending = false;
+    } else {
+        scanContent();
+    }
     return lastContent;
 }
 
@@ -170,11 +174,6 @@ bool QeXmlReader::isElementNext(const QeXmlName& name) {
 
 bool QeXmlReader::isElementNext(const QeCString& qname) {
     return startsNext(keepExpected(qname));
-}
-
-bool QeXmlReader::eof() {
-    if (depth == 0) readS();
-    return cursor == bufferEnd;
 }
 
 QeCString QeXmlReader::readElement(const QeXmlName& name) {
