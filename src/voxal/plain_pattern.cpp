@@ -112,14 +112,14 @@ private:
         if (rest.empty() || !isDigit(rest[0])) giveUp();
         std::size_t number = 0;
         for (; !rest.empty() && isDigit(rest[0]); skip(1))
-            number = std::min(number * 10 + (rest[0] - u'0'), PlainPattern::MostInstructions);
+            number = std::min(number * 10 + (rest[0] - u'0'), PlainPattern::MostInstructions + 1);
         return number;
     }
 
     Block repeat(const Block& once, Repetition times) {
         Block block;
-        const std::size_t copies = times.most == Endless ? times.least + 1 : times.most;
-        if (copies * (once.size() + 2) > PlainPattern::MostInstructions) {
+        const std::size_t choices = times.most == Endless ? 1 : times.most - times.least;
+        if (times.least * once.size() + choices * (once.size() + 2) > PlainPattern::MostInstructions) {
             giveUp();
             return block;
         }
