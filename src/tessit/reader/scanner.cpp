@@ -135,7 +135,6 @@ bool QeXmlReader::readValueInto(QeCString& value) {
     if (quote != '"' && quote != '\'') return false;
     const char* const start = cursor;
     const char reference = expandAttributeReference ? '&' : quote;
-#if defined(TESSIT_SCAN_BLOCKS)
     if (bufferEnd - start >= 32) {
         const std::size_t length = tessit::findIn32(start, quote, '<', reference);
         if (length != 32 && start[length] == quote) {
@@ -144,7 +143,6 @@ bool QeXmlReader::readValueInto(QeCString& value) {
             return true;
         }
     }
-#endif
     const char* const stop = findAny(start, bufferEnd, quote, '<', reference);
     if (stop == bufferEnd || *stop == '<') return false;
     cursor = stop + 1;
@@ -245,7 +243,6 @@ void QeXmlReader::scanContent() {
 // length: such lengths differ from text to text, and are mostly mispredicted.
 // Else does nothing.
 bool QeXmlReader::readShortContent() {
-#if defined(TESSIT_SCAN_BLOCKS)
     constexpr std::ptrdiff_t WindowSize = 32;
     if (bufferEnd - cursor <= WindowSize + 1) return false;
     const bool startsWithLine = cursor[0] == '\r' && cursor[1] == '\n';
@@ -256,9 +253,6 @@ bool QeXmlReader::readShortContent() {
     lastContent.assignFromWindow(start, length);
     cursor = stop;
     return true;
-#else
-    return false;
-#endif
 }
 
 // Goes on with a text, from what is not plain in it.
@@ -316,15 +310,13 @@ bool QeXmlReader::readMarkupInContent() {
 // Passes a name. The first character is examined by its class; of the others,
 // everything past ASCII belongs to the name.
 QeXmlReader::RawName QeXmlReader::readName() {
-#if defined(TESSIT_SCAN_BLOCKS)
-    if (bufferEnd - cursor >= 16) {
+    if (bufferEnd - cursor >= tessit::NameBlock::Size) {
         const tessit::NameBlock block(cursor);
         if (block.isWhole()) {
             cursor += block.length();
             return {cursor - block.length(), block.length(), block.localStart()};
         }
     }
-#endif
     return readLongName();
 }
 
