@@ -73,13 +73,15 @@ public:
     /// Lenient: an empty text is the span of no length; bytes without a designator
     /// behind them are passed over at the end; a designator may be repeated, the
     /// last value counts. A field of more than 19 characters is an error. On an
-    /// error `isValid()` is false, and fields hold what was read. O(length), no
-    /// allocation.
+    /// error `isValid()` is false, and fields hold what was read. Seconds past the
+    /// range of a double (PT1e400S) are infinite, as `strtod` has them, and no error.
+    /// O(length), no allocation.
     virtual void extract(const QeCString& text);
 
     /// The span as a text that `extract` reads: all the fields of the date, and all
     /// those of the time unless they are 0 (P0Y0M1D, P0Y0M0DT1H0M6.5S). Seconds have
-    /// at most six significant digits. Empty when the duration is not valid.
+    /// at most six significant digits; infinite ones are written "inf", which
+    /// `extract` does not read. Empty when the duration is not valid.
     virtual QeCString asString() const;
 
     /// Turns this very object round, and returns it.
@@ -94,8 +96,8 @@ public:
     /// Years and months are added first, and a day that the month found does not
     /// have becomes its last; then the rest is added, exactly. Digits of the seconds
     /// past the milliseconds are dropped from the sum. A result that the calendar
-    /// does not reach lies on its first or last day; no number of seconds counts
-    /// for more than 10^18. O(1).
+    /// does not reach is its first or last instant; seconds that are no number count
+    /// as 0. O(1).
     QeDateTime operator+(const QeDateTime& start) const;
 
 protected:

@@ -35,6 +35,8 @@ public:
     static QeCString ConvertTypeToString(unsigned int value, const QeCString& typeName);
     static QeCString ConvertTypeToString(long value, const QeCString& typeName);
     static QeCString ConvertTypeToString(unsigned long value, const QeCString& typeName);
+    static QeCString ConvertTypeToString(long long value, const QeCString& typeName);
+    static QeCString ConvertTypeToString(unsigned long long value, const QeCString& typeName);
 
     /// As printf's "%e": 1.500000e+00. Seven significant digits; infinities and what
     /// is no number read "inf" and "nan", which XML Schema spells otherwise. A
