@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 #include <unicode/uregex.h>
-#include <voxal/one_pass_search.h>
 #include <voxal/regular_expression.h>
 
 #include <corvel/value_message.h>
@@ -176,7 +175,10 @@ std::int32_t timeLimit(std::string_view pattern, std::int64_t textLength) {
     constexpr std::int64_t StepsPerUnitOfTime = 10'000;
     constexpr std::int64_t Steps = 10'000'000, StepsPerUnitOfText = 64;
     constexpr std::int64_t FarSightedVisits = 4'000'000'000;  // units of text looked at, in all steps together
-    std::int64_t steps = Steps + StepsPerUnitOfText * textLength;
+    constexpr std::int64_t StepsPerPair = 4;                  // of units: for what is tried at each place, to the end
+    constexpr std::int64_t MostForPairs = 256'000'000;
+    const std::int64_t pairs = textLength < 8'000 ? StepsPerPair * textLength * textLength : MostForPairs;
+    std::int64_t steps = std::max(Steps + StepsPerUnitOfText * textLength, pairs);
     if (looksFar(pattern)) steps = std::min(steps, FarSightedVisits / std::max<std::int64_t>(textLength, 1));
     const std::int64_t limit = steps / stepWeight(pattern) / StepsPerUnitOfTime;
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(limit, 1, std::numeric_limits<std::int32_t>::max()));
@@ -213,14 +215,9 @@ QeURegexResult QeURegularExpression::search(const QeUString& text) {
     const bool found = uregex_find(compiled.get(), 0, &status);
     releaseText();
     if (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW)
-        return searchWithoutBacktracking(units, status == U_REGEX_TIME_OUT ? "many steps" : "much memory");
+        throw QeURegexError("Pattern " + quote(pattern) + " takes too " +
+                            (status == U_REGEX_TIME_OUT ? "many steps" : "much memory") + " on a text of " +
+                            std::to_string(units.size()) + " UTF-16 units");
     requireSuccess(status);
     return QeURegexResult(found);
-}
-
-QeURegexResult QeURegularExpression::searchWithoutBacktracking(std::u16string_view text, const char* excess) const {
-    std::optional<voxal::PlainPattern> plain = voxal::readPlainPattern(QeUString(pattern).units());
-    if (plain) return QeURegexResult(voxal::searchInOnePass(*plain, text));
-    throw QeURegexError("Pattern " + quote(pattern) + " takes too " + excess + " on a text of " +
-                        std::to_string(text.size()) + " UTF-16 units");
 }

@@ -45,19 +45,13 @@ public:
     /// Patterns are ICU regular expressions; nothing depends on the locale. In the
     /// value, malformed UTF-8 counts as U+FFFD.
     ///
-    /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid,
-    /// malformed UTF-8 or longer than 64 KiB (the text names the pattern and the
-    /// place), and when matching takes too many steps or too much memory.
-    ///
-    /// Matching takes time linear in the value, whatever the value is, for patterns
-    /// made of characters, sets, groups, alternatives, repetitions and anchors: there
-    /// is no error for these. Look-around, word boundaries, back references, atomic
-    /// groups, repetitions that give nothing back, flags (but "(?i)" and "(?s)" in
-    /// front) and more than a thousand characters and repetitions, counted with each
-    /// repetition written out, leave only backtracking, whose steps are limited: a
-    /// pattern that takes quadratic time reaches the limit on some thousand
-    /// characters. Backtracking takes up to 8 MiB and 128 bytes for each UTF-16 unit
-    /// of the value, at most 512 MiB.
+    /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid or
+    /// malformed UTF-8 (the text names the pattern and the place), when it is longer than 64 KiB, and when matching
+    /// takes too many steps or too much memory, as a pattern does that would take exponential time. Patterns that begin
+    /// with '^' mostly take time linear in the value. Others are tried at each place of it: one that begins with a
+    /// repetition takes quadratic time where it does not match, and reaches the limit on values of ten to twenty
+    /// thousand characters. The limits grow with the value, and allow 8 MiB and 128 bytes for each UTF-16 unit of it,
+    /// up to 512 MiB, while matching.
     ///
     /// The last few patterns stay compiled, so that checking value after value
     /// against the same ones compiles nothing.
