@@ -67,7 +67,8 @@ private:
 
     bool hasUri(const Element& element, const QeCString& uri) const noexcept {
         if (element.uri.length != uri.length()) return false;
-        if (uri.length() >= QeCString::LargeLength) return longUris[element.uri.longUris - 1] == uri;
+        // Equal long URIs that are bound at the same time are one. Of others, bytes need not be compared.
+        if (uri.length() >= QeCString::LargeLength) return longUris[element.uri.longUris - 1].data() == uri.data();
         return uri == bytes.substring(element.uri.start, element.uri.length);
     }
 
