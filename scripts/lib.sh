@@ -1,5 +1,5 @@
-# What scripts/run, scripts/test, scripts/bench, scripts/fuzz and .ci/run share; sourced by bash. Leaves
-# the shell strict and in the folder that it was in.
+# What the scripts and .ci/run share; sourced by bash. Leaves the shell strict and in the folder
+# that it was in.
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -9,6 +9,7 @@ build_packages=(g++ cmake ninja-build libicu-dev libcli11-dev)
 test_packages=(libgtest-dev locales tzdata)
 check_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
+coverage_packages=(gcovr)
 bench_packages=(libbenchmark-dev libpugixml-dev librapidxml-dev libexpat1-dev libxml2-dev libtinyxml2-dev
     libxerces-c-dev qt6-base-dev gnuplot-nox python3)
 
