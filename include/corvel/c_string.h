@@ -14,7 +14,6 @@
 
 namespace tessit {
 class LongUris;
-class OpenElements;
 }  // namespace tessit
 
 /// An owned string of bytes: every name, URI, value and text of the library.
@@ -251,7 +250,6 @@ private:
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
     friend class tessit::LongUris;
-    friend class tessit::OpenElements;
 
     // The last byte tells the two layouts apart. Up to 23: the text is in place
     // and this is the room left, so that a full string's tag is its terminator.
@@ -267,13 +265,14 @@ private:
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
 
-    // A large block has a count of its owners in front. Sharing is the library's own
-    // affair, among the strings of one object: every copy that a user makes is one.
-    struct LargeHeader {
+    // A block has a count of its owners in front. Sharing is the library's own affair,
+    // among the strings of one object: every copy that a user makes is one.
+    struct Header {
         alignas(UnitSize) std::size_t owners;
     };
-    static constexpr std::uint32_t LargeUnits = 16;
-    static constexpr std::size_t LargeLength = LargeUnits * UnitSize;  // texts of so many bytes have a large block
+
+    // Shared texts of so many bytes and more are looked for, to be compared by where they stand.
+    static constexpr std::size_t LongLength = 256;
 
     // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
     static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
@@ -304,16 +303,34 @@ private:
     }
     std::size_t heapCapacity() const noexcept { return heapUnits() * UnitSize - 1; }
 
-    bool isLarge() const noexcept { return !isInline() && heapUnits() >= LargeUnits; }
-    LargeHeader& largeHeader() const noexcept {
-        return *std::launder(reinterpret_cast<LargeHeader*>(heapData() - sizeof(LargeHeader)));
-    }
-    bool isShared() const noexcept { return isLarge() && largeHeader().owners > 1; }
+    Header& header() const noexcept { return *std::launder(reinterpret_cast<Header*>(heapData() - sizeof(Header))); }
+    bool isShared() const noexcept { return !isInline() && header().owners > 1; }
 
-    // Becomes equal to `other`, in O(1) when that is large: both then have one block,
-    // and whichever changes first gets another.
-    void shareBlockOf(const QeCString& other);
+    // Becomes equal to `other` in O(1): both then have one block, and whichever
+    // changes first gets another.
+    void shareBlockOf(const QeCString& other) noexcept {
+        if (data() == other.data()) return;
+        if (!other.isInline()) ++other.header().owners;
+        releaseBlock();
+        std::memcpy(raw, other.raw, sizeof raw);
+    }
     void unshare();
+
+    // `assign` where `Window` bytes can be read from `bytes` on, none of them the
+    // string's own: texts that fit are moved as a whole, without a branch on their length.
+    static constexpr std::size_t Window = 2 * UnitSize;  // no block is smaller
+    void assignFromWindow(const char* bytes, std::size_t length) {
+        if (length > InlineCapacity || !isInline()) return assignFromWindowSlowly(bytes, length);
+        std::memcpy(raw, bytes, sizeof raw);
+        raw[length] = '\0';
+        setInlineLength(length);
+    }
+    void assignFromWindowSlowly(const char* bytes, std::size_t length) {
+        if (length >= Window || isInline() || isShared()) return assign(bytes, length);
+        std::memcpy(heapData(), bytes, Window);
+        heapData()[length] = '\0';
+        setHeapLength(length);
+    }
 
     void setHeapLength(std::size_t length) noexcept {
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
@@ -342,7 +359,7 @@ private:
     }
 
     void releaseBlock() noexcept {
-        if (!isInline()) freeBlock();
+        if (!isInline() && --header().owners == 0) freeBlock();
     }
 
     void dropBlock() noexcept {

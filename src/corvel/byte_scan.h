@@ -9,10 +9,10 @@
 #include <corvel/byte_copy.h>
 
 #if !defined(TESSIT_SCALAR) && defined(__SSE2__)
-#define TESSIT_SCAN_SSE2
+#define TESSIT_SCAN_BLOCKS
 #include <emmintrin.h>
 #elif !defined(TESSIT_SCALAR) && defined(__aarch64__)
-#define TESSIT_SCAN_NEON
+#define TESSIT_SCAN_BLOCKS
 #include <arm_neon.h>
 #endif
 
@@ -20,38 +20,67 @@
 /// machine's baseline has the instructions; no byte at or past `end` is read.
 namespace tessit {
 
-#if defined(TESSIT_SCAN_SSE2)
+#if defined(TESSIT_SCAN_BLOCKS)
 
-// One bit per byte that matched, the lowest for the first byte.
-template <typename... Byte>
-inline unsigned matchBlock(const char* at, Byte... bytes) {
-    __m128i block;
+// Sixteen bytes that are looked at together. Comparing gives all ones where it is true.
+using Block [[gnu::vector_size(16)]] = unsigned char;
+
+inline Block blockAt(const char* at) {
+    Block block;
     std::memcpy(&block, at, sizeof block);
-    const __m128i matches = (_mm_cmpeq_epi8(block, _mm_set1_epi8(bytes)) | ...);
-    return static_cast<unsigned>(_mm_movemask_epi8(matches));
+    return block;
 }
 
-inline std::size_t firstMatch(unsigned matches) {
-    return static_cast<std::size_t>(std::countr_zero(matches));
+#if defined(__SSE2__)
+
+// One bit per byte of a comparison that is true, the lowest for the first byte.
+using Matches = unsigned;
+constexpr std::size_t BitsOfMatch = 1;
+
+template <typename Comparison>
+inline Matches matchesOf(Comparison comparison) {
+    return static_cast<unsigned>(_mm_movemask_epi8(reinterpret_cast<__m128i>(comparison)));
 }
 
-#elif defined(TESSIT_SCAN_NEON)
+#else
 
-// Four bits per byte that matched, the lowest for the first byte.
-template <typename... Byte>
-inline std::uint64_t matchBlock(const char* at, Byte... bytes) {
-    const uint8x16_t block = vld1q_u8(reinterpret_cast<const std::uint8_t*>(at));
-    const uint8x16_t matches = (vceqq_u8(block, vdupq_n_u8(static_cast<std::uint8_t>(bytes))) | ...);
-    return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(vreinterpretq_u16_u8(matches), 4)), 0);
-}
+// Four bits per byte of a comparison that is true, the lowest for the first byte.
+using Matches = std::uint64_t;
+constexpr std::size_t BitsOfMatch = 4;
 
-inline std::size_t firstMatch(std::uint64_t matches) {
-    return static_cast<std::size_t>(std::countr_zero(matches)) / 4;
+template <typename Comparison>
+inline Matches matchesOf(Comparison comparison) {
+    const auto bits = reinterpret_cast<uint16x8_t>(comparison);
+    return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(bits, 4)), 0);
 }
 
 #endif
 
-#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+// Which of the sixteen bytes are one of `bytes`.
+template <typename... Byte>
+inline Matches matchBlock(const char* at, Byte... bytes) {
+    const Block block = blockAt(at);
+    return matchesOf(((block == static_cast<unsigned char>(bytes)) | ...));
+}
+
+inline std::size_t firstMatch(Matches matches) {
+    return static_cast<std::size_t>(std::countr_zero(matches)) / BitsOfMatch;
+}
+
+// The place of the first of 32 bytes that is one of `bytes`; 32 when none is.
+template <typename... Byte>
+inline std::size_t findIn32(const char* at, Byte... bytes) {
+    const Matches low = matchBlock(at, bytes...), high = matchBlock(at + 16, bytes...);
+    if constexpr (BitsOfMatch == 1) {  // without a branch
+        return static_cast<std::size_t>(std::countr_zero(low | std::uint64_t{high} << 16 | std::uint64_t{1} << 32));
+    } else {
+        return low != 0 ? firstMatch(low) : high != 0 ? 16 + firstMatch(high) : 32;
+    }
+}
+
+#endif
+
+#if defined(TESSIT_SCAN_BLOCKS)
 
 // `findAny` for at least one and at most two words: the first and the last one,
 // which may overlap, fill a block.
@@ -75,7 +104,7 @@ inline const char* findInEnds(const char* at, const char* end, Byte... bytes) {
 /// The first byte from `at` on that is one of `bytes`, or `end`.
 template <typename... Byte>
 inline const char* findAny(const char* at, const char* end, Byte... bytes) {
-#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+#if defined(TESSIT_SCAN_BLOCKS)
     for (; end - at >= 16; at += 16)
         if (const auto matches = matchBlock(at, bytes...)) return at + firstMatch(matches);
     if (end - at >= 8) return findInEnds<std::uint64_t>(at, end, bytes...);
@@ -91,7 +120,7 @@ inline const char* findAny(const char* at, const char* end, Byte... bytes) {
 /// `end`: more of them may be written than count.
 template <typename... Byte>
 inline void copyUntilAny(const char*& from, const char* end, char*& to, Byte... bytes) {
-#if defined(TESSIT_SCAN_SSE2) || defined(TESSIT_SCAN_NEON)
+#if defined(TESSIT_SCAN_BLOCKS)
     for (; end - from >= 16; from += 16, to += 16) {
         const auto matches = matchBlock(from, bytes...);
         std::memcpy(to, from, 16);
@@ -128,6 +157,24 @@ inline bool sameBytes(const char* left, const char* right, std::size_t length) {
 
 inline bool sameBytes(std::string_view left, std::string_view right) {
     return left.size() == right.size() && sameBytes(left.data(), right.data(), left.size());
+}
+
+/// The first eight bytes of a text as a number, in the order of the texts; zeros
+/// stand for what a shorter one lacks. Bytes up to `readableEnd` can be read: where
+/// there are eight, no branch depends on the length.
+inline std::uint64_t firstBytes(std::string_view text, const char* readableEnd) {
+    constexpr std::size_t Size = sizeof(std::uint64_t);
+    const std::size_t count = text.size() < Size ? text.size() : Size;
+    if (count == 0) return 0;
+    std::uint64_t bytes = 0;
+    if (static_cast<std::size_t>(readableEnd - text.data()) >= Size) {
+        std::memcpy(&bytes, text.data(), Size);
+    } else {
+        std::memcpy(&bytes, text.data(), count);
+    }
+    if constexpr (std::endian::native == std::endian::little) bytes = __builtin_bswap64(bytes);
+    const std::size_t unused = 8 * (Size - count);
+    return bytes >> unused << unused;
 }
 
 /// The first `byte` from `at` on, or `end`.

@@ -15,10 +15,9 @@ std::uint32_t QeCString::unitsFor(std::size_t length) {
 }
 
 char* QeCString::newBlock(std::uint32_t units) {
-    if (units < LargeUnits) return static_cast<char*>(::operator new(UnitSize* units));
-    char* const header = static_cast<char*>(::operator new(sizeof(LargeHeader) + UnitSize * units));
-    ::new (header) LargeHeader{1};
-    return header + sizeof(LargeHeader);
+    char* const block = static_cast<char*>(::operator new(sizeof(Header) + UnitSize * units));
+    ::new (block) Header{1};
+    return block + sizeof(Header);
 }
 
 void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept {
@@ -30,19 +29,7 @@ void QeCString::adoptBlock(char* data, std::size_t length, std::uint32_t units) 
 }
 
 void QeCString::freeBlock() noexcept {
-    if (!isLarge()) return ::operator delete(heapData());
-    LargeHeader& header = largeHeader();
-    if (--header.owners == 0) ::operator delete(&header);
-}
-
-void QeCString::shareBlockOf(const QeCString& other) {
-    if (!other.isLarge()) {
-        *this = other;
-    } else if (data() != other.data()) {
-        ++other.largeHeader().owners;
-        releaseBlock();
-        std::memcpy(raw, other.raw, sizeof raw);
-    }
+    ::operator delete(&header());
 }
 
 void QeCString::unshare() {

@@ -176,9 +176,9 @@ const PlantedCase Planted[] = {
     {"src/tessit/reader/input.cpp", "#include <tessit/reader/nothing.h>", "may not include a foreign header"},
     {"src/tessit/reader/input.cpp", "#include HEADER", "includes what cannot be read"},
     {"src/elsewhere/file.cpp", "#include <vector>", "is on no floor"},
-    {"apps/tessit/events.cpp", "#include <tessit/sax/open_elements.h>", "may not include a private header"},
+    {"apps/tessit/events.cpp", "#include <tessit/reader/open_elements.h>", "may not include a private header"},
     {"apps/tessit/events.cpp", "#include \"console.h\"", ""},
-    {"apps/tessit/events.cpp", "#include \"../../src/tessit/sax/open_elements.h\"", "may not include in quotes"},
+    {"apps/tessit/events.cpp", "#include \"../../src/tessit/reader/open_elements.h\"", "may not include in quotes"},
 };
 
 TEST(Includes, AreRefusedWherePlanted) {

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
-#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -13,6 +12,10 @@
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
+
+namespace tessit {
+class OpenElements;
+}  // namespace tessit
 
 /// A pull reader: hands out a document one node at a time, and lets the caller
 /// demand the elements it expects.
@@ -131,7 +134,10 @@ public:
     void readNextNode();
 
     /// Whether the document is exhausted. Outside the root element skips whitespace first.
-    bool eof();
+    bool eof() noexcept {
+        if (depth == 0) readS();
+        return cursor == bufferEnd;
+    }
 
     NodeType getLastNodeType() const noexcept { return lastNodeType; }
 
@@ -191,6 +197,8 @@ public:
     [[noreturn]] void err(const QeCString& message) const;
 
 private:
+    friend class tessit::OpenElements;
+
     // A name as written. `localStart` is 0 without a colon, else the position behind the first.
     struct RawName {
         const char* data;
@@ -213,18 +221,12 @@ private:
         RawName name;
         std::string_view value;
         ScratchRange expanded;
-        std::size_t position;  // in the tag
     };
 
-    // The attributes of an earlier tag as they were written, and the slots that they
-    // went to. Where the next tag of that name has the same ones in the same order,
-    // as most have, they need neither be scanned byte by byte nor sorted again.
-    struct TagShape {
-        struct Attribute {
-            RawName name;
-            std::size_t slot;
-        };
-        std::vector<Attribute> attributes;  // in the order of the document; no declarations
+    // An attribute in the order of the set; `key` is the beginning of its local name.
+    struct Ordered {
+        std::uint64_t key;
+        RawAttribute* attribute;
     };
 
     // What a name in the last-node members was written from: a name that is
@@ -233,6 +235,29 @@ private:
         std::string_view raw;
         const QeXmlNamespace* binding = nullptr;
         std::uint64_t state = 0;
+    };
+
+    // The attributes of an earlier tag as they were written, and the slots that they
+    // went to. Where the next tag of that name has the same ones in the same order,
+    // as most have, names are only compared, and values go to the slots at once.
+    struct TagShape {
+        struct Attribute {
+            RawName name;
+            std::size_t slot;
+        };
+        std::vector<Attribute> attributes;   // in the order of the document; no declarations
+        std::vector<WrittenName> written;    // by slot
+        QeSlotArray<QeXmlAttribute> parked;  // the slots, unless `lastAttributes` has them
+        std::uint64_t state = 0;             // of the namespace stack, when the slots were written
+        unsigned pause = 0;                  // of so many tags, none is expected to be like this one
+        unsigned lastPause = 0;              // grows with each tag that turned out different
+        bool isInSlots = false;              // whether they have the names of `attributes`
+
+        void forget() noexcept {
+            attributes.clear();
+            written.clear();
+            isInSlots = false;
+        }
     };
 
     // A prefix of up to seven bytes with its length, and the binding it has in one state of the namespace stack.
@@ -287,21 +312,25 @@ private:
     void readCDATA();
 
     // scanner.cpp
-    void readTag();
     void readStartTag();
     void readEndTag();
     bool takeLastNameAgain() noexcept;
     void closeStartTag(const RawName& name);
-    void closeEmptyTag(const RawName& name);
+    bool readIntoSlots();
+    bool passExpectedName(const RawName& expected) noexcept;
+    bool readValueInto(QeCString& value);
+    void readAttributes(bool expectsShape);
     void readAttribute();
     RawName readAttributeName();
     void readValue(char quote, RawAttribute& attribute);
-    ScratchRange expandValue(const char* start, char quote);
-    void readContent();
+    void expandValue(QeCString& target, const char* start, char quote);
+    void scanContent();
+    bool readShortContent();
     void readContentPieces();
     void appendText();
     bool readMarkupInContent();
     RawName readName();
+    RawName readLongName();
     RawName readNameSlowly(const char* from, std::size_t localStart);
     const char* passCharacter(const char* at, std::uint32_t& codePoint);
     void readS() noexcept;
@@ -312,18 +341,22 @@ private:
     void addAttribute(const RawAttribute& attribute);
     void declareNamespace(const RawAttribute& attribute);
     std::string_view valueOf(const RawAttribute& attribute) const noexcept;
-    void expectShapeOf(const RawName& element) noexcept;
+    TagShape* shapeNumber(std::size_t number);
+    void expectShapeOf(const RawName& element);
     bool keepsShape() const noexcept;
+    bool expectsShape() noexcept;
+    void noteMiss() noexcept;
     void fixupAttributes();
     void fillShape();
     void fillAnew();
-    void sortAttributes();
-    void writeAttributes();
+    std::span<Ordered> putInOrder(std::span<Ordered> ordered);
+    void writeAttributes(std::span<const Ordered> ordered);
     void openSlots(std::size_t count);
     void writeAttribute(std::size_t slot, const RawAttribute& attribute);
-    void learnShape();
+    void learnShape(std::span<const Ordered> ordered);
     void writeElementName(const RawName& name);
     void writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding);
+    void writeLocalName(QeXmlName& name, const RawName& raw);
     const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
     void closeScope();
     void forgetWrittenNames() noexcept;
@@ -335,14 +368,13 @@ private:
     void takeNextNode();
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
-    const QeCString& uriInsideTag(std::string_view prefix) const noexcept;
-    bool matchesStart(const ExpectedName& expected);
-    bool matchesEnd(const ExpectedName& expected);
-    bool isLastUri(const QeCString& uri);
+    std::string_view uriInsideTag(std::string_view prefix) const noexcept;
+    bool matchesStart(const ExpectedName& expected) const noexcept;
+    bool matchesEnd(const ExpectedName& expected) const noexcept;
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
-    const QeCString& uriOfExpected(const ExpectedName& expected) const noexcept;
+    std::string_view uriOfExpected(const ExpectedName& expected) const noexcept;
     bool asksForAny(const ExpectedName& expected) const noexcept;
     QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
@@ -376,21 +408,22 @@ private:
 
     // Working storage of a tag, kept between tags so that it is allocated once.
     std::vector<RawAttribute> rawAttributes;
+    std::vector<Ordered> manyOrdered;
     QeCString valueScratch;
 
-    // What the tag that is being read is expected to hold. `shapeNext` is the next
+    // What the tags that are read are expected to hold, by the name of the element;
+    // `shape` is that of the last tag with attributes. `shapeNext` is the next
     // attribute of it, or null once one came that differs.
-    static constexpr std::size_t ShapeCount = 8;
-    TagShape shapes[ShapeCount];
+    static constexpr std::size_t ShapeCount = 16;
+    TagShape firstShape;           // of tags that are the first of their name
+    std::uint32_t shapesSeen = 0;  // a bit each
+    std::vector<TagShape> shapes;
     TagShape* shape = nullptr;
     const TagShape::Attribute* shapeNext = nullptr;
-    const TagShape* slotsShape = nullptr;  // whose names `lastAttributes` holds
-    std::uint64_t slotsState = 0;          // and in which state they were resolved
 
     WrittenName lastNameWritten;
-    std::vector<WrittenName> attributesWritten;  // by slot of lastAttributes
     CachedPrefix prefixCache[16];
-    std::unique_ptr<tessit::LongUris> longUris;  // those that names were held against
-    QeXmlName expectedName;                      // what the caller demands; working storage of one call
-    RawCopy* rawCopy = nullptr;                  // the copy that `readElement` is making
+    QeXmlName expectedName;                        // what the caller demands; working storage of one call
+    RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
+    tessit::OpenElements* openElements = nullptr;  // the names that the SAX parser keeps of this document
 };

@@ -72,7 +72,9 @@ struct QeXmlNamespaceStack::Index {
             return scopes[place.scope].bindings[place.binding];
         }
 
-        std::size_t bucketIndex(std::uint64_t hash) const noexcept { return hash & (buckets.size() - 1); }
+        std::size_t bucketIndex(std::uint64_t hash) const noexcept {
+            return static_cast<std::size_t>(hash) & (buckets.size() - 1);
+        }
         std::size_t& bucketOf(std::uint64_t hash) noexcept { return buckets[bucketIndex(hash)]; }
 
         const Entry* findEntry(const Scopes& scopes, std::string_view wanted, std::uint64_t hash,
@@ -180,7 +182,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     if (opensDeclaring) scope.bindings.clear();
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
     // A long URI that is bound already is shared, so that names can be compared by where it stands.
-    const QeXmlNamespace* same = uri.size() >= QeCString::LargeLength ? findURI(uri) : nullptr;
+    const QeXmlNamespace* same = uri.size() >= QeCString::LongLength ? findURI(uri) : nullptr;
     scope.bindings.append([=](QeXmlNamespace& slot) {
         slot.prefix.assign(prefix);
         if (same == nullptr) {

@@ -8,7 +8,7 @@
 #include <voxal/converter.h>
 
 #include <corvel/byte_scan.h>
-#include <tessit/model/long_uris.h>
+#include <tessit/reader/open_elements.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/transcode.h>
 #include <tessit/reader/xml_reader.h>
@@ -134,6 +134,7 @@ void QeXmlReader::replaceDocument(QeCString&& converted) {
     if (converted.length() > conversionAllowance) raiseTranscoding(TooManyConversions);
     conversionAllowance -= converted.length();
     if (rawCopy != nullptr) rawCopy->keepUpTo(cursor);
+    if (openElements != nullptr) openElements->keepNames();
     forgetWrittenNames();  // they point into the old buffer
     counted = {};
     ownedDocument = std::move(converted);

@@ -36,11 +36,9 @@ std::string_view QeXmlReader::valueOf(const RawAttribute& attribute) const noexc
     return valueScratch.substring(attribute.expanded.start, attribute.expanded.length);
 }
 
-// Called once the whole tag was read: turns the attributes as scanned into the
-// set. They are put in order before they are written, so that each string is
-// written once, into its final place.
+// Called once the whole tag was read: turns the attributes as scanned into the set.
 void QeXmlReader::fixupAttributes() {
-    if (rawAttributes.empty()) return lastAttributes.clear();  // what the slots hold is still known
+    if (rawAttributes.empty()) return lastAttributes.clear();
     if (keepsShape()) {
         fillShape();
     } else {
@@ -49,42 +47,70 @@ void QeXmlReader::fixupAttributes() {
     lastAttributes.lookAtLocalNames();
 }
 
+// The attributes are put in order before they are written, so that each string is
+// written once, into its final place.
 void QeXmlReader::fillAnew() {
-    slotsShape = nullptr;  // until all is written: an assignment can throw
-    for (RawAttribute& attribute : rawAttributes)
-        attribute.value = valueOf(attribute);
+    shape->isInSlots = false;  // until all is written: an assignment can throw
+    if (!valueScratch.empty())
+        for (RawAttribute& attribute : rawAttributes)
+            attribute.value = valueOf(attribute);
+    constexpr std::size_t Few = 8;
+    Ordered few[Few];
     const std::size_t count = rawAttributes.size();
-    if (count > 1) sortAttributes();
-    writeAttributes();
-    if (count == rawAttributes.size()) learnShape();
+    if (count > Few) manyOrdered.resize(count);
+    const std::span<Ordered> ordered = putInOrder({count > Few ? manyOrdered.data() : few, count});
+    writeAttributes(ordered);
+    if (shape->pause == 0 && shape != &firstShape && ordered.size() == count) learnShape(ordered);
 }
 
-void QeXmlReader::expectShapeOf(const RawName& element) noexcept {
+// A tag that is the first of its name may be the only one, in a small document:
+// nothing is learnt from it.
+QeXmlReader::TagShape* QeXmlReader::shapeNumber(std::size_t number) {
+    const std::uint32_t bit = std::uint32_t{1} << number;
+    if ((shapesSeen & bit) == 0) {
+        shapesSeen |= bit;
+        return &firstShape;
+    }
+    if (shapes.empty()) shapes.resize(ShapeCount);
+    return &shapes[number];
+}
+
+// The slots of one shape are those of `lastAttributes`; those of the others are parked.
+void QeXmlReader::expectShapeOf(const RawName& element) {
     const auto first = static_cast<unsigned char>(element.data[0]);
     const auto last = static_cast<unsigned char>(element.data[element.length - 1]);
-    shape = &shapes[(element.length + first * 3u + last * 5u) % ShapeCount];
-    shapeNext = shape->attributes.empty() ? nullptr : shape->attributes.data();
+    TagShape* const expected = shapeNumber((element.length + first * 3u + last * 5u) % ShapeCount);
+    if (expected == shape) return;
+    if (shape != nullptr) lastAttributes.attributes.swap(shape->parked);
+    lastAttributes.attributes.swap(expected->parked);
+    shape = expected;
 }
 
 bool QeXmlReader::keepsShape() const noexcept {
     return shapeNext != nullptr && shapeNext == shape->attributes.data() + shape->attributes.size();
 }
 
-// Writes the attributes of a tag that kept its shape; where the set still has that shape, only the values.
+// Writes the attributes of a tag that kept its shape, whose names may have come to mean something else.
 void QeXmlReader::fillShape() {
-    const std::uint64_t state = namespaceStack.state();
-    if (slotsShape == shape && slotsState == state) {
-        openSlots(rawAttributes.size());
-        for (const RawAttribute& attribute : rawAttributes)
-            lastAttributes.attributes[shape->attributes[attribute.position].slot].value.assign(valueOf(attribute));
-        return;
-    }
-    slotsShape = nullptr;  // until all is written: an assignment can throw
+    shape->isInSlots = false;  // until all is written: an assignment can throw
     openSlots(rawAttributes.size());
-    for (const RawAttribute& attribute : rawAttributes)
-        writeAttribute(shape->attributes[attribute.position].slot, attribute);
-    slotsShape = shape;
-    slotsState = state;
+    for (std::size_t position = 0; position < rawAttributes.size(); ++position)
+        writeAttribute(shape->attributes[position].slot, rawAttributes[position]);
+    shape->isInSlots = true;
+    shape->state = namespaceStack.state();
+}
+
+// Whether this tag is expected to look like the last one of its name. Where tags
+// often turned out different, most are not even compared.
+bool QeXmlReader::expectsShape() noexcept {
+    if (shape->pause == 0) return !shape->attributes.empty();
+    --shape->pause;
+    return false;
+}
+
+void QeXmlReader::noteMiss() noexcept {
+    constexpr unsigned LongestPause = 31;
+    shape->pause = shape->lastPause = std::min(2 * shape->lastPause + 1, LongestPause);
 }
 
 namespace {
@@ -105,40 +131,40 @@ int compareAsWritten(const Attribute& left, const Attribute& right) {
 
 // Puts the attributes in order, each name once: of equal ones, the first one's
 // name and the last one's value count.
-void QeXmlReader::sortAttributes() {
-    const auto ascending = [](const RawAttribute& left, const RawAttribute& right) {
-        return compareAsWritten(left, right) < 0;
-    };
-    const auto unsorted = [&](const RawAttribute& left, const RawAttribute& right) { return !ascending(left, right); };
-    if (std::adjacent_find(rawAttributes.begin(), rawAttributes.end(), unsorted) == rawAttributes.end()) return;
+std::span<QeXmlReader::Ordered> QeXmlReader::putInOrder(std::span<Ordered> ordered) {
+    for (std::size_t i = 0; i < ordered.size(); ++i)
+        ordered[i] = {tessit::firstBytes(rawAttributes[i].name.local(), bufferEnd), &rawAttributes[i]};
+    if (ordered.size() == 1) return ordered;
 
-    std::sort(rawAttributes.begin(), rawAttributes.end(), [](const RawAttribute& left, const RawAttribute& right) {
-        const int order = compareAsWritten(left, right);
-        return order != 0 ? order < 0 : left.name.data < right.name.data;  // equal ones as in the document
+    const auto compare = [](const Ordered& left, const Ordered& right) {
+        if (left.key != right.key) return left.key < right.key ? -1 : 1;
+        return compareAsWritten(*left.attribute, *right.attribute);
+    };
+    std::sort(ordered.begin(), ordered.end(), [&](const Ordered& left, const Ordered& right) {
+        const int order = compare(left, right);
+        return order != 0 ? order < 0 : left.attribute < right.attribute;  // equal ones as in the document
     });
-    auto out = rawAttributes.begin();
-    for (auto first = out; first != rawAttributes.end(); ++out) {
-        const auto next = std::find_if(first + 1, rawAttributes.end(),
-                                       [&](const RawAttribute& other) { return compareAsWritten(*first, other) != 0; });
-        const std::string_view value = (next - 1)->value;
+    auto out = ordered.begin();
+    for (auto first = out; first != ordered.end(); ++out) {
+        const auto next =
+            std::find_if(first + 1, ordered.end(), [&](const Ordered& other) { return compare(*first, other) != 0; });
+        first->attribute->value = (next - 1)->attribute->value;
         *out = *first;
-        out->value = value;
         first = next;
     }
-    rawAttributes.erase(out, rawAttributes.end());
+    return {ordered.begin(), out};
 }
 
 // Fills the set in place, over what the last tag left in its slots.
-void QeXmlReader::writeAttributes() {
-    openSlots(rawAttributes.size());
-    std::size_t slot = 0;
-    for (const RawAttribute& attribute : rawAttributes)
-        writeAttribute(slot++, attribute);
+void QeXmlReader::writeAttributes(std::span<const Ordered> ordered) {
+    openSlots(ordered.size());
+    for (std::size_t slot = 0; slot < ordered.size(); ++slot)
+        writeAttribute(slot, *ordered[slot].attribute);
 }
 
 // Gives the set that many attributes, with what earlier tags left in them.
 void QeXmlReader::openSlots(std::size_t count) {
-    if (attributesWritten.size() < count) attributesWritten.resize(count);
+    if (shape->written.size() < count) shape->written.resize(count);
     lastAttributes.attributes.takeSlots(count);
     lastAttributes.knownSorted = false;  // where local names are equal, sorted by prefix, not by URI
 }
@@ -146,23 +172,24 @@ void QeXmlReader::openSlots(std::size_t count) {
 void QeXmlReader::writeAttribute(std::size_t slot, const RawAttribute& attribute) {
     const std::string_view prefix = attribute.name.prefix();
     QeXmlAttribute& target = lastAttributes.attributes[slot];
-    writeName(target.name, attributesWritten[slot], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
+    writeName(target.name, shape->written[slot], attribute.name, prefix.empty() ? &NoNamespace : bindingFor(prefix));
     target.value.assign(valueOf(attribute));
 }
 
 // Keeps the tag that was just written as what the next one of its name is
 // expected to look like. A tag that declares namespaces is none to expect again;
 // one with very many attributes is not worth the memory.
-void QeXmlReader::learnShape() {
+void QeXmlReader::learnShape(std::span<const Ordered> ordered) {
     constexpr std::size_t MostAttributes = 64;
-    const std::size_t count = rawAttributes.size();
+    const std::size_t count = ordered.size();
     shape->attributes.clear();
     if (count > MostAttributes || namespaceStack.innermostDeclares()) return;
     shape->attributes.resize(count);
     for (std::size_t slot = 0; slot < count; ++slot)
-        shape->attributes[rawAttributes[slot].position] = {rawAttributes[slot].name, slot};
-    slotsShape = shape;
-    slotsState = namespaceStack.state();
+        shape->attributes[static_cast<std::size_t>(ordered[slot].attribute - rawAttributes.data())] = {
+            ordered[slot].attribute->name, slot};
+    shape->isInSlots = true;
+    shape->state = namespaceStack.state();
 }
 
 void QeXmlReader::writeElementName(const RawName& name) {
@@ -177,20 +204,35 @@ void QeXmlReader::writeElementName(const RawName& name) {
 // `written` says what that is.
 void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding) {
     const std::uint64_t state = namespaceStack.state();
-    const bool sameBinding = binding == written.binding;
+    const bool sameBinding = binding == written.binding && !written.raw.empty();
     const bool sameNamespace = sameBinding && binding != nullptr && (written.state == state || binding == &NoNamespace);
-    if ((sameNamespace || (sameBinding && binding == nullptr)) && tessit::sameBytes(written.raw, raw.whole())) return;
+    if (sameNamespace) {
+        writeLocalName(name, raw);
+        written.raw = raw.whole();
+        written.state = state;
+        return;
+    }
+    if (sameBinding && binding == nullptr && tessit::sameBytes(written.raw, raw.whole())) return;
 
     written = {};  // until all is there: an assignment can throw
-    name.localName.assign(raw.local());
+    writeLocalName(name, raw);
     if (binding == nullptr) {
         name.ns.prefix.assign(raw.prefix());
         name.ns.uri.clear();
-    } else if (!sameNamespace) {
+    } else {
         name.ns.prefix = binding->prefix;
         name.ns.uri.shareBlockOf(binding->uri);
     }
     written = {raw.whole(), binding, state};
+}
+
+void QeXmlReader::writeLocalName(QeXmlName& name, const RawName& raw) {
+    const std::string_view local = raw.local();
+    if (static_cast<std::size_t>(bufferEnd - local.data()) >= QeCString::Window) {
+        name.localName.assignFromWindow(local.data(), local.size());
+    } else {
+        name.localName.assign(local);
+    }
 }
 
 // The binding of a prefix, or null. Short prefixes go through a small cache, which
@@ -200,9 +242,7 @@ const QeXmlNamespace* QeXmlReader::bindingFor(std::string_view prefix) noexcept 
     const std::uint64_t state = namespaceStack.state();
     if (state == 0) return nullptr;  // nothing is bound at all
     if (prefix.size() > LongestCached) return namespaceStack.findPrefix(prefix);
-    std::uint64_t key = prefix.size();
-    for (const char byte : prefix)
-        key = key << 8 | static_cast<unsigned char>(byte);
+    const std::uint64_t key = tessit::firstBytes(prefix, bufferEnd);
     CachedPrefix& cached = prefixCache[(key * 0x9E3779B97F4A7C15u) >> 60];
     if (cached.key != key || cached.state != state) cached = {key, state, namespaceStack.findPrefix(prefix)};
     return cached.binding;
@@ -215,13 +255,12 @@ void QeXmlReader::closeScope() {
 
 void QeXmlReader::forgetWrittenNames() noexcept {
     lastNameWritten = {};
-    forgetSlots();
+    firstShape.forget();
     for (TagShape& known : shapes)
-        known.attributes.clear();
+        known.forget();
 }
 
 // For when the attributes in the slots are no longer those that were written there.
 void QeXmlReader::forgetSlots() noexcept {
-    attributesWritten.clear();
-    slotsShape = nullptr;
+    if (shape != nullptr) shape->forget();
 }

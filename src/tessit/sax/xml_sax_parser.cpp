@@ -1,7 +1,7 @@
 #include <span>
 
+#include <tessit/reader/open_elements.h>
 #include <tessit/reader/xml_reader.h>
-#include <tessit/sax/open_elements.h>
 #include <tessit/sax/xml_sax_parser.h>
 
 void QeXmlContentHandler::prolog(const QeXmlProlog&) {}
@@ -21,9 +21,7 @@ std::span<const unsigned char> bytesOf(const QeCString& text) {
 }
 
 void closeElement(tessit::OpenElements& open, const QeXmlReader& reader) {
-    const QeXmlName& name = reader.getLastName();
-    if (open.empty() || !open.innermostIs(name)) reader.err("Unmatched start tag for " + name.asString());
-    open.pop();
+    if (!open.close()) reader.err("Unmatched start tag for " + reader.getLastName().asString());
 }
 
 }  // namespace
@@ -31,7 +29,7 @@ void closeElement(tessit::OpenElements& open, const QeXmlReader& reader) {
 void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
     QeXmlReader reader(bytesOf(text));
     reader.setExpandAttributeReference(expandAttributeReference);
-    tessit::OpenElements open;
+    tessit::OpenElements open(reader);
     if (contentHandler != nullptr && !reader.getVersion().empty()) contentHandler->prolog(prologOf(reader));
 
     while (!reader.eof()) {
@@ -39,7 +37,7 @@ void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
         const QeXmlName& name = reader.getLastName();
         switch (reader.getLastNodeType()) {
             case QeXmlReader::ElementStart:
-                open.push(name);
+                open.push();
                 if (contentHandler != nullptr) contentHandler->elementStart(name, reader.getLastAttributes());
                 break;
             case QeXmlReader::ElementEnd:

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include <tessit/reader/xml_reader.h>
-#include <tessit/model/long_uris.h>
+#include <tessit/utils/long_uris.h>
 #include <tessit/utils/xml_utils.h>
 
 namespace {

@@ -16,7 +16,7 @@ namespace tessit {
 class LongUris {
 public:
     bool areEqual(const QeCString& left, const QeCString& right) {
-        if (left.length() != right.length() || left.length() < QeCString::LargeLength) return left == right;
+        if (left.length() != right.length() || left.length() < QeCString::LongLength) return left == right;
         return firstEqual(left) == firstEqual(right);
     }
 

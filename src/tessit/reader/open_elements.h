@@ -1,0 +1,69 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <corvel/byte_scan.h>
+#include <tessit/reader/xml_reader.h>
+
+namespace tessit {
+
+/// The names of the elements that a reader has opened, to hold end tags against.
+///
+/// Kept as written, as views of the document: most end tags are written like their
+/// start tags, and need no look at namespaces. Where an XML declaration replaces the
+/// document, the names of its open elements are copied, each once.
+class OpenElements {
+public:
+    /// From now on, the reader knows of the names.
+    explicit OpenElements(QeXmlReader& source) noexcept : reader(source) { reader.openElements = this; }
+    ~OpenElements() { reader.openElements = nullptr; }
+    OpenElements(const OpenElements&) = delete;
+    OpenElements& operator=(const OpenElements&) = delete;
+
+    /// Takes in the last tag, a start tag.
+    void push() { names.push_back(reader.lastNameWritten.raw); }
+
+    /// Whether the last tag, an end tag, closes the innermost element: local name
+    /// and URI are the same. If so, drops that element.
+    bool close() noexcept {
+        if (names.empty() || !(isWrittenAlike() || isSameName())) return false;
+        names.pop_back();
+        keptCount = std::min(keptCount, names.size());
+        return true;
+    }
+
+    /// Copies the names that still stand in the document, which is about to go.
+    void keepNames() {
+        std::string& copy = kept.emplace_back();
+        for (std::size_t i = keptCount; i < names.size(); ++i)
+            copy += names[i];
+        const char* at = copy.data();
+        for (; keptCount < names.size(); at += names[keptCount++].size())
+            names[keptCount] = {at, names[keptCount].size()};
+    }
+
+private:
+    bool isWrittenAlike() const noexcept { return sameBytes(names.back(), reader.lastNameWritten.raw); }
+
+    // The prefixes may differ. Both names stand in the scope of the element that closes.
+    bool isSameName() const noexcept {
+        const std::string_view name = names.back();
+        const std::size_t colon = name.find(':');
+        const std::string_view prefix = name.substr(0, colon == std::string_view::npos ? 0 : colon);
+        const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
+        return reader.lastName.getLocalName() == local &&
+               reader.lastName.getNamespace().getURI() == reader.uriInsideTag(prefix);
+    }
+
+    QeXmlReader& reader;
+    std::vector<std::string_view> names;  // outermost first
+    std::size_t keptCount = 0;            // so many of them stand in `kept`
+    std::deque<std::string> kept;
+};
+
+}  // namespace tessit
