@@ -20,7 +20,7 @@ namespace tessit {
 class OpenElements {
 public:
     /// From now on, the reader knows of the names.
-    explicit OpenElements(QeXmlReader& source) noexcept : reader(source) { reader.openElements = this; }
+    explicit OpenElements(QeXmlReader& source) : reader(source) { reader.openElements = this; }
     ~OpenElements() { reader.openElements = nullptr; }
     OpenElements(const OpenElements&) = delete;
     OpenElements& operator=(const OpenElements&) = delete;
