@@ -198,6 +198,11 @@ Text differentLongURIs(std::size_t parts) {
     return underLongURIs("1", "2", "<a></a><p:a></p:a>", parts);
 }
 
+// End tags with another prefix than their start tags.
+Text changingPrefixes(std::size_t parts) {
+    return underLongURIs("", "", "<a></p:a><p:a></a>", parts);
+}
+
 Text nestedUnderLongURIs(std::size_t parts) {
     return underLongURIs("1", "2", "<a><p:a></p:a></a>", parts);
 }
@@ -267,6 +272,7 @@ const CostCase Cases[] = {
     {"TakeMarkupUnderEqualLongURIs", Many, equalLongURIs, inPlace<takeMarkup>},
     {"TakeMarkupUnderDifferentLongURIs", Many, differentLongURIs, inPlace<takeMarkup>},
     {"TakeMarkupOfChildrenUnderLongURIs", Many, equalLongURIs, inPlace<takeMarkupOfChildren>},
+    {"ParseChangingPrefixes", Many, changingPrefixes, parse},
     {"ParseUnderLongURIs", Many, nestedUnderLongURIs, parse},
     {"WalkAttributesWithLongURI", Many, attributesWithLongURI, inPlace<walk>},
     {"WalkTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<walk>},
