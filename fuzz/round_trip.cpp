@@ -20,13 +20,14 @@ struct Copy {
 };
 
 // The reader lets names pass that are none: with nothing in front of the colon, or
-// what cannot start a name behind it, or under a prefix that is bound to nothing.
-// These are other names, or equal ones, when they are written.
+// what cannot start a name behind it, or under a prefix that is bound to nothing, or
+// where "xmlns" is bound. These are other names, or equal ones, when they are written.
 bool isName(const QeXmlName& name) {
     const QeCString &local = name.getLocalName(), &prefix = name.getNamespace().getPrefix();
     if (local.empty() || !std::isalpha(static_cast<unsigned char>(local[0]))) return false;
     if (local.find(":") != QeCString::npos) return false;
-    return prefix.empty() || prefix == "xmlns" || !name.getNamespace().getURI().empty();
+    const bool isBound = !name.getNamespace().getURI().empty();
+    return prefix.empty() || (prefix == "xmlns" ? !isBound && local != "xmlns" : isBound);
 }
 
 // Whether the tag names its attributes, and no two of them by equal names: the

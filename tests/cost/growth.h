@@ -69,7 +69,7 @@ void inOddOrder(std::size_t count, const Visit& visit) {
         visit(std::to_string(i * Prime % count));
 }
 
-inline std::string repeat(std::string_view part, std::size_t count) {
+inline std::string repeated(std::string_view part, std::size_t count) {
     std::string text;
     text.reserve(part.size() * count);
     for (std::size_t i = 0; i < count; ++i)

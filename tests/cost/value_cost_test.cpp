@@ -101,7 +101,7 @@ constexpr CostCase Cases[] = {
 TEST(Cost, OfValuesGrowsWithTheirText) {
     for (const auto& [name, before, part, behind, use] : Cases) {
         const auto make = [&](std::size_t count) {
-            return QeCString(std::string_view(before + repeat(part, count) + behind));
+            return QeCString(std::string_view(before + repeated(part, count) + behind));
         };
         expectLinearGrowth(name, 20'000, make, use, [](const QeCString& text) { return text.length(); });
     }
