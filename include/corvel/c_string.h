@@ -230,7 +230,12 @@ public:
     void readFile(std::istream& in);
 
     /// A negative number, 0 or a positive number: bytes as unsigned, a proper prefix first.
-    int compare(std::string_view other) const noexcept { return std::string_view(*this).compare(other); }
+    int compare(std::string_view other) const noexcept {
+        const std::string_view text(*this);
+        if (text.empty() || other.empty() || text[0] == other[0]) return text.compare(other);
+        return static_cast<unsigned char>(text[0]) < static_cast<unsigned char>(other[0]) ? -1
+                                                                                          : 1;  // mostly known here
+    }
 
     friend bool operator==(const QeCString& left, const QeCString& right) noexcept {
         return left.equals(right.data(), right.length());
@@ -249,6 +254,7 @@ private:
     // They hand one long URI to many names, which must not cost its length each time.
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
+    friend class QeXmlWriter;  // copies short strings as a whole
     friend class tessit::LongUris;
 
     // The last byte tells the two layouts apart. Up to 23: the text is in place
@@ -367,9 +373,27 @@ private:
         forgetBlock();
     }
 
+    // Names and URIs of one length mostly differ in their last bytes.
     bool equals(const char* bytes, std::size_t count) const noexcept {
         if (length() != count) return false;
-        return count == 0 || data() == bytes || std::memcmp(data(), bytes, count) == 0;
+        const char* const mine = data();
+        if (count >= 8) return sameEnds<8>(mine, bytes, count) && (count <= 16 || std::memcmp(mine, bytes, count) == 0);
+        if (count >= 4) return sameEnds<4>(mine, bytes, count);
+        for (std::size_t i = 0; i < count; ++i)
+            if (mine[i] != bytes[i]) return false;
+        return true;
+    }
+
+    // Whether the last and the first Size bytes, which may overlap, are the same.
+    template <std::size_t Size>
+    static bool sameEnds(const char* left, const char* right, std::size_t length) noexcept {
+        using Word = std::conditional_t<Size == 8, std::uint64_t, std::uint32_t>;
+        Word words[4];
+        std::memcpy(&words[0], left + length - Size, Size);
+        std::memcpy(&words[1], right + length - Size, Size);
+        std::memcpy(&words[2], left, Size);
+        std::memcpy(&words[3], right, Size);
+        return words[0] == words[1] && words[2] == words[3];
     }
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each

@@ -18,10 +18,18 @@ inline void copyEnds(char* to, const char* from, std::size_t length) {
     std::memcpy(to + length - sizeof tail, &tail, sizeof tail);
 }
 
-/// Copies `length` bytes between ranges that do not overlap; without a call for less than 16.
+/// Copies `length` bytes between ranges that do not overlap; up to 64 of them without a call.
 inline void copyBytes(char* to, const char* from, std::size_t length) {
-    if (length >= 16) {
+    struct Block {
+        char bytes[16];
+    };
+    if (length > 64) {
         std::memcpy(to, from, length);
+    } else if (length > 32) {
+        copyEnds<Block>(to, from, 32);
+        copyEnds<Block>(to + length - 32, from + length - 32, 32);
+    } else if (length >= 16) {
+        copyEnds<Block>(to, from, length);
     } else if (length >= 8) {
         copyEnds<std::uint64_t>(to, from, length);
     } else if (length >= 4) {

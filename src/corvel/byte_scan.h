@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -67,7 +68,7 @@ inline std::size_t firstMatch(Matches matches) {
     return static_cast<std::size_t>(std::countr_zero(matches)) / BitsOfMatch;
 }
 
-// The place of the first of 32 bytes that is one of `bytes`; 32 when none is.
+/// The place of the first of 32 bytes that is one of `bytes`; 32 when none is.
 template <typename... Byte>
 inline std::size_t findIn32(const char* at, Byte... bytes) {
     const Matches low = matchBlock(at, bytes...), high = matchBlock(at + 16, bytes...);
@@ -76,6 +77,32 @@ inline std::size_t findIn32(const char* at, Byte... bytes) {
     } else {
         return low != 0 ? firstMatch(low) : high != 0 ? 16 + firstMatch(high) : 32;
     }
+}
+
+/// Whether none of the first `length` bytes is one of `bytes`. Reads 24 bytes, whatever the length.
+template <typename... Byte>
+inline bool areNone(const char* at, std::size_t length, Byte... bytes) {
+    const Matches head = matchBlock(at, bytes...), tail = matchBlock(at + 8, bytes...);
+    if constexpr (BitsOfMatch == 1) {  // without a branch
+        return ((head | tail << 8) & ((1u << length) - 1)) == 0;
+    } else {
+        return (head == 0 || firstMatch(head) >= length) && (tail == 0 || 8 + firstMatch(tail) >= length);
+    }
+}
+
+#else
+
+template <typename... Byte>
+inline std::size_t findIn32(const char* at, Byte... bytes) {
+    std::size_t place = 0;
+    while (place != 32 && (... && (at[place] != bytes)))
+        ++place;
+    return place;
+}
+
+template <typename... Byte>
+inline bool areNone(const char* at, std::size_t length, Byte... bytes) {
+    return std::none_of(at, at + length, [=](char byte) { return (... || (byte == bytes)); });
 }
 
 #endif

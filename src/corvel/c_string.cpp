@@ -56,7 +56,7 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
 
 char* QeCString::resizeForOverwrite(std::size_t newLength) {
     if (isShared()) unshare();
-    if (newLength > capacity()) reserve(std::max(newLength, length() + length() / 2));
+    if (newLength > capacity()) reserve(std::max(newLength, std::min(2 * length(), MaxLength)));
     setLength(newLength);
     return mutableData();
 }

@@ -68,6 +68,12 @@ constexpr SaxCase Documents[] = {
     {"<a><b>", "+a +b"},  // open ends are no error
     {"<a></a></a>", "+a -a !1:12 Unmatched start tag for a"},
     {"</a>", "!1:5 Unmatched start tag for a"},
+    // A declaration inside replaces the document, and with it the names of what is open.
+    {"<a><p:b xmlns:p='u'><?xml version='1.0' encoding='ISO-8859-1'?><c/></p:b></a>",
+     "+a +{u}p:b[xmlns:p=u] +c -c -{u}p:b -a"},
+    {"<a><b></b><c><?xml version='1.0' encoding='ISO-8859-1'?></c><d><?xml version='1.0' "
+     "encoding='ISO-8859-2'?></d></c>",
+     "+a +b -b +c -c +d -d !1:11 Unmatched start tag for c"},
     {"<a/><!-- c -->", "+a -a !1:15 Premature EOF"},
     {"x<a/>", "!1:2 First non-ws character in document wasn't '<'"},
 };

@@ -137,6 +137,8 @@ private:
     void lookAtOrder() noexcept;
     void lookAtLocalNames() noexcept;
 
+    void addToFew(const QeXmlName& name, const QeCString& value);
+
     // Adds an attribute behind all others.
     void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
 

@@ -36,8 +36,9 @@ class OpenElements;
 ///
 /// Reading a whole document of n bytes costs O(n) time in all, plus sorting the
 /// attributes of each tag, whatever the bytes; memory beyond the input is the
-/// largest node and a few bytes per open element that declares namespaces. One
-/// thread at a time; no two readers share anything.
+/// largest text, the largest tags of up to 17 names, and a few bytes per open
+/// element that declares namespaces. One thread at a time; no two readers share
+/// anything.
 class TESSIT_API QeXmlReader {
 public:
     enum NodeType {

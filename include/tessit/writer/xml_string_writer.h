@@ -40,6 +40,8 @@ public:
     void flush() override;
 
 private:
+    friend class QeXmlWriter;  // writes into the text of what is exactly a string writer
+
     static constexpr std::size_t BufferSize = 1024;
 
     void emptyBuffer();

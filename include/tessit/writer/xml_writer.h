@@ -126,7 +126,9 @@ public:
     void writeNewLine();
 
     /// Writes the indentation, space by space, if nothing has been written since `writeNewLine`.
-    void writeIndentChars();
+    void writeIndentChars() {
+        if (atLineStart) indent();
+    }
 
     /// The number of spaces that lines begin with; a negative one counts as 0.
     void setCurrentIndent(int spaces) noexcept;
@@ -176,11 +178,25 @@ private:
 
     enum class Tag : unsigned char { Start, End };
 
+    class Output;
+
+    QeCString* ownText();
+    static char* putString(char* to, const QeCString& text) noexcept;
+    static char* putName(char* to, const QeCString& prefix, const QeCString& localName) noexcept;
+    static char* putAttribute(char* to, const QeCString& prefix, const QeCString& localName, const QeCString& value,
+                              bool escape) noexcept;
+    template <typename Escapes>
+    static char* putEscaped(char* to, const QeCString& text) noexcept;
+
+    void indent();
+    void writeRepeated(char byte, int count);
+    void writeString(const QeCString& text);
+    void writeLongText(const QeCString& text);
+    void writePlain(const QeCString& text);
     void writeTag(Tag kind, const QeXmlName& name);
     void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
     void writeAttributeSet(const QeXmlAttributeSet& attributes);
-    void writeAttributeOfElement(const QeXmlAttribute& attribute);
-    void writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
+    void writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName, const QeCString& value,
                                  bool escape);
     void writeToSinkInPieces(const char* bytes, std::size_t length);
 

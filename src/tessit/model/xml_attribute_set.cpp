@@ -70,6 +70,7 @@ const QeXmlAttribute* QeXmlAttributeSet::find(const QeXmlName& name) const noexc
 }
 
 void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
+    if (knownSorted && attributes.size() <= LinearSearchLimit) return addToFew(name, value);
     const QeXmlAttribute* present = std::as_const(*this).find(name);
     if (present != attributes.end()) {
         attributes.begin()[present - attributes.begin()].setValue(value);
@@ -79,6 +80,18 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
     QeXmlAttribute* added = &attributes.back();
     attributes.moveLastTo(upperBound(attributes.begin(), added, added->getName()));
     lookAtOrder();
+}
+
+// Most attributes are added in order, so that one comparison finds their place.
+void QeXmlAttributeSet::addToFew(const QeXmlName& name, const QeCString& value) {
+    std::size_t place = attributes.size();
+    for (; place > 0; --place) {
+        const int order = name.compareTo(attributes[place - 1].getName());
+        if (order > 0) break;
+        if (order == 0) return attributes[place - 1].setValue(value);
+    }
+    append(name.getLocalName(), name.getNamespace(), value);
+    if (place + 1 < attributes.size()) attributes.moveLastTo(attributes.begin() + place);
 }
 
 void QeXmlAttributeSet::append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value) {

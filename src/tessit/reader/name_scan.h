@@ -8,37 +8,58 @@
 /// classifying sixteen bytes at once.
 namespace tessit {
 
-#if defined(TESSIT_SCAN_BLOCKS)
-
 /// The name at the front of sixteen bytes. Says what `nameByte` would, byte by byte.
 class NameBlock {
 public:
+    static constexpr std::ptrdiff_t Size = 16;
+
     explicit NameBlock(const char* at) {
+        const Found found = find(at);
+        name = found.length;
+        local = found.localStart;
+        isPlain = name != Size && nameByte(at[name]) == EndsName && nameByte(*at) == StartsName;
+    }
+
+    /// Whether the name ends in the block and has nothing in it that needs thought.
+    bool isWhole() const { return isPlain; }
+    std::size_t length() const { return name; }
+
+    /// Where the local name starts: behind the first colon, or at 0.
+    std::size_t localStart() const { return local; }
+
+private:
+    struct Found {
+        std::size_t length;  // up to what is not ASCII of a name; `Size` where all is
+        std::size_t localStart;
+    };
+
+#if defined(TESSIT_SCAN_BLOCKS)
+    static Found find(const char* at) {
         const Block block = blockAt(at);
         const Block letters = (block | 0x20) - 'a', others = block - '-';  // below '-' wraps around
         const auto isName = (letters <= 'z' - 'a') | ((others <= ':' - '-') & (block != '/')) | (block == '_');
         const Matches ends = ~matchesOf(isName) & AllBytes;
         const Matches inFront = (ends & (0 - ends)) - 1;
-        colons = matchesOf(block == ':') & inFront;
-        size = firstMatch(ends);
-        isPlain = ends != 0 && static_cast<signed char>(at[size]) >= 0 && nameByte(*at) == StartsName;
+        const Matches colons = matchesOf(block == ':') & inFront;
+        return {ends == 0 ? Size : firstMatch(ends), colons == 0 ? 0 : firstMatch(colons) + 1};
     }
 
-    /// Whether the name ends in the block and has nothing in it that needs thought.
-    bool isWhole() const { return isPlain; }
-    std::size_t length() const { return size; }
-
-    /// Where the local name starts: behind the first colon, or at 0.
-    std::size_t localStart() const { return colons == 0 ? 0 : firstMatch(colons) + 1; }
-
-private:
     static constexpr Matches AllBytes = BitsOfMatch == 1 ? Matches{0xFFFF} : ~Matches{0};
+#else
+    static Found find(const char* at) {
+        Found found{0, 0};
+        for (; found.length != Size; ++found.length) {
+            const NameByte kind = nameByte(at[found.length]);
+            if (kind == EndsName || kind == MultiByteName) break;
+            if (kind == SplitsName && found.localStart == 0) found.localStart = found.length + 1;
+        }
+        return found;
+    }
+#endif
 
-    Matches colons;
-    std::size_t size;
+    std::size_t name;
+    std::size_t local;
     bool isPlain;
 };
-
-#endif
 
 }  // namespace tessit

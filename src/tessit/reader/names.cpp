@@ -209,7 +209,6 @@ void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName
     if (sameNamespace) {
         writeLocalName(name, raw);
         written.raw = raw.whole();
-        written.state = state;
         return;
     }
     if (sameBinding && binding == nullptr && tessit::sameBytes(written.raw, raw.whole())) return;

@@ -1,6 +1,8 @@
 // The markup scanner: one function per construct, each entered and left as its
 // comment says. Hot loops run over plain bytes to the first that needs thought.
 
+#include <array>
+#include <bit>
 #include <cstring>
 
 #include <corvel/byte_scan.h>
@@ -135,7 +137,6 @@ bool QeXmlReader::readValueInto(QeCString& value) {
     if (quote != '"' && quote != '\'') return false;
     const char* const start = cursor;
     const char reference = expandAttributeReference ? '&' : quote;
-#if defined(TESSIT_SCAN_BLOCKS)
     if (bufferEnd - start >= 32) {
         const std::size_t length = tessit::findIn32(start, quote, '<', reference);
         if (length != 32 && start[length] == quote) {
@@ -144,7 +145,6 @@ bool QeXmlReader::readValueInto(QeCString& value) {
             return true;
         }
     }
-#endif
     const char* const stop = findAny(start, bufferEnd, quote, '<', reference);
     if (stop == bufferEnd || *stop == '<') return false;
     cursor = stop + 1;
@@ -245,7 +245,6 @@ void QeXmlReader::scanContent() {
 // length: such lengths differ from text to text, and are mostly mispredicted.
 // Else does nothing.
 bool QeXmlReader::readShortContent() {
-#if defined(TESSIT_SCAN_BLOCKS)
     constexpr std::ptrdiff_t WindowSize = 32;
     if (bufferEnd - cursor <= WindowSize + 1) return false;
     const bool startsWithLine = cursor[0] == '\r' && cursor[1] == '\n';
@@ -256,9 +255,6 @@ bool QeXmlReader::readShortContent() {
     lastContent.assignFromWindow(start, length);
     cursor = stop;
     return true;
-#else
-    return false;
-#endif
 }
 
 // Goes on with a text, from what is not plain in it.
@@ -316,15 +312,13 @@ bool QeXmlReader::readMarkupInContent() {
 // Passes a name. The first character is examined by its class; of the others,
 // everything past ASCII belongs to the name.
 QeXmlReader::RawName QeXmlReader::readName() {
-#if defined(TESSIT_SCAN_BLOCKS)
-    if (bufferEnd - cursor >= 16) {
+    if (bufferEnd - cursor >= tessit::NameBlock::Size) {
         const tessit::NameBlock block(cursor);
         if (block.isWhole()) {
             cursor += block.length();
             return {cursor - block.length(), block.length(), block.localStart()};
         }
     }
-#endif
     return readLongName();
 }
 
@@ -428,71 +422,68 @@ void QeXmlReader::readS() noexcept {
 
 namespace {
 
-// A predefined entity by its name with the semicolon. The length is a constant of
-// its own, so that the comparison is one or two words.
-template <std::size_t Size>
+// A predefined entity by its name with the semicolon, and as a word in which the bytes behind it count for nothing.
 struct Entity {
-    char name[Size];
-    char character;
+    static constexpr std::size_t WordSize = sizeof(std::uint64_t);
 
-    static constexpr std::size_t length() { return Size - 1; }
-    bool standsAt(const char* at) const { return std::memcmp(at, name, length()) == 0; }
-    bool isNamed(std::string_view body) const { return body == std::string_view(name, length() - 1); }
+    consteval Entity(std::string_view withSemicolon, char standsFor)
+        : name(withSemicolon), character(standsFor), word(0), mask(0) {
+        std::array<char, WordSize> bytes{}, ones{};
+        for (std::size_t i = 0; i < name.size(); ++i) {
+            bytes[i] = name[i];
+            ones[i] = static_cast<char>(0xFF);
+        }
+        word = std::bit_cast<std::uint64_t>(bytes);
+        mask = std::bit_cast<std::uint64_t>(ones);
+    }
+
+    std::string_view name;
+    char character;
+    std::uint64_t word;
+    std::uint64_t mask;
 };
 
-constexpr Entity<4> Lt{"lt;", '<'};
-constexpr Entity<4> Gt{"gt;", '>'};
-constexpr Entity<5> Amp{"amp;", '&'};
-constexpr Entity<6> Apos{"apos;", '\''};
-constexpr Entity<6> Quot{"quot;", '"'};
+constexpr Entity Entities[] = {{"lt;", '<'}, {"gt;", '>'}, {"amp;", '&'}, {"apos;", '\''}, {"quot;", '"'}};
 
 // What is found of the entities: the character, and how many bytes its name and semicolon take; or 0.
 struct FoundEntity {
-    const char* character;
+    char character;
     std::size_t length;
 };
 
-template <std::size_t Size>
-FoundEntity expectEntity(const Entity<Size>& entity, const char* at) {
-    return {&entity.character, entity.standsAt(at) ? entity.length() : 0};
-}
-
-// The entity whose name begins at `at`, where at least five bytes can be read.
+// The entity whose name begins at `at`, where a word can be read. Which one comes
+// next is hard to predict: all are tried, without a branch.
 FoundEntity findEntity(const char* at) {
-    switch (*at) {
-        case 'l':
-            return expectEntity(Lt, at);
-        case 'g':
-            return expectEntity(Gt, at);
-        case 'a':
-            return at[1] == 'm' ? expectEntity(Amp, at) : expectEntity(Apos, at);
-        case 'q':
-            return expectEntity(Quot, at);
-        default:
-            return {nullptr, 0};
+    std::uint64_t word;
+    std::memcpy(&word, at, sizeof word);
+    unsigned character = 0;
+    std::size_t length = 0;
+    for (const Entity& entity : Entities) {
+        const std::size_t all = -static_cast<std::size_t>((word & entity.mask) == entity.word);
+        character |= static_cast<unsigned char>(entity.character) & static_cast<unsigned>(all);
+        length |= entity.name.size() & all;
     }
+    return {static_cast<char>(character), length};
 }
 
 // The character of the entity with that name, or null.
 const char* characterOf(std::string_view body) {
-    if (Lt.isNamed(body)) return &Lt.character;
-    if (Gt.isNamed(body)) return &Gt.character;
-    if (Amp.isNamed(body)) return &Amp.character;
-    if (Apos.isNamed(body)) return &Apos.character;
-    return Quot.isNamed(body) ? &Quot.character : nullptr;
+    for (const Entity& entity : Entities)
+        if (entity.name.substr(0, entity.name.size() - 1) == body) return &entity.character;
+    return nullptr;
 }
 
 }  // namespace
 
 // Entered just after the '&'; returns what the reference stands for. An unknown
 // entity is no error: it stands for its reference as written. `encoded` is room
-// for the character of a numeric one.
+// for the character.
 std::string_view QeXmlReader::readReference(char (&encoded)[4]) {
-    constexpr std::ptrdiff_t LongestEntity = 5;
-    if (bufferEnd - cursor >= LongestEntity) {
+    if (bufferEnd - cursor >= std::ptrdiff_t{Entity::WordSize}) {
         if (const FoundEntity entity = findEntity(cursor); entity.length != 0) {
             cursor += entity.length;
-            return {entity.character, 1};
+            encoded[0] = entity.character;
+            return {encoded, 1};
         }
     }
     const char* const semicolon = findByte(cursor, bufferEnd, ';');

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
+#include <corvel/byte_copy.h>
 #include <corvel/byte_scan.h>
 #include <corvel/c_string.h>
 
@@ -29,7 +29,7 @@ public:
 
     void put(std::string_view piece) {
         need(piece.size());
-        std::memcpy(out, piece.data(), piece.size());
+        copyBytes(out, piece.data(), piece.size());
         out += piece.size();
     }
 

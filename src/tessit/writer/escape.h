@@ -44,6 +44,7 @@ struct TextEscapes {
     static void copyRun(const char*& from, const char* end, char*& to) {
         copyUntilAny(from, end, to, '\r', '&', '<', '>');
     }
+    static bool arePlain(const char* at, std::size_t length) { return areNone(at, length, '\r', '&', '<', '>'); }
     static std::string_view replacement(const char* at, const char* /*end*/) { return markupFor(*at); }
 };
 
@@ -56,6 +57,7 @@ struct ValueEscapes {
     static void copyRun(const char*& from, const char* end, char*& to) {
         copyUntilAny(from, end, to, '"', '\'', '<', '>', '&');
     }
+    static bool arePlain(const char* at, std::size_t length) { return areNone(at, length, '"', '\'', '<', '>', '&'); }
     static std::string_view replacement(const char* at, const char* end) {
         const bool stays = *at == '&' && startsWithReference({at, static_cast<std::size_t>(end - at)});
         return stays ? "&" : markupFor(*at);

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <span>
+#include <typeinfo>
 #include <utility>
 
 #include <corvel/byte_copy.h>
@@ -9,7 +11,9 @@
 #include <tessit/writer/output_buffer.h>
 #include <tessit/writer/pieces.h>
 #include <tessit/writer/plain_attributes.h>
+#include <tessit/writer/xml_string_writer.h>
 #include <tessit/writer/xml_writer.h>
+
 using tessit::Borrowed;
 using tessit::OutputBuffer;
 using tessit::PlainAttributes;
@@ -55,10 +59,6 @@ private:
     QeXmlNamespaceStack* namespaces;
 };
 
-char* putName(char* to, std::string_view prefix, std::string_view localName) {
-    return put(prefix.empty() ? to : put(put(to, prefix), ":"), localName);
-}
-
 // The room that `text` needs when escaped. Counted exactly only where the worst case would be much.
 template <typename Escapes>
 std::size_t roomFor(std::string_view text) {
@@ -67,6 +67,88 @@ std::size_t roomFor(std::string_view text) {
 }
 
 }  // namespace
+
+// Room for the bytes of one sink call, which are put there and then sent.
+//
+// A string writer that is no more than that has no override that could see the
+// call: its bytes are put where they belong, at the end of its text.
+class QeXmlWriter::Output {
+public:
+    Output(QeXmlWriter& sender, std::size_t size)
+        : writer(sender), text(sender.ownText()), buffer(text == nullptr ? size : 0) {
+        if (text == nullptr) {
+            start = buffer.begin();
+        } else {
+            oldLength = text->length();
+            start = text->resizeForOverwrite(oldLength + size + OutputBuffer::Slack) + oldLength;
+        }
+    }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    ~Output() {
+        if (text != nullptr) text->truncate(oldLength);
+    }
+
+    char* begin() noexcept { return start; }
+
+    /// Sends what ends at `end` through the bytes slot.
+    void sendBytes(const char* end) {
+        if (!isInPlace(end)) writer.writeToSinkInPieces(start, lengthTo(end));
+    }
+
+    /// Sends what ends at `end` through the string slot.
+    void sendString(const char* end) {
+        if (isInPlace(end)) return;
+        Borrowed<QeCString> string(writer.spare.tag);
+        string->assign(start, lengthTo(end));
+        writer.writeToSink(*string);
+    }
+
+private:
+    std::size_t lengthTo(const char* end) const noexcept { return static_cast<std::size_t>(end - start); }
+
+    bool isInPlace(const char* end) noexcept {
+        if (text == nullptr) return false;
+        oldLength += lengthTo(end);
+        return true;
+    }
+
+    QeXmlWriter& writer;
+    QeCString* text;
+    OutputBuffer buffer;
+    char* start;
+    std::size_t oldLength = 0;
+};
+
+// The text of a string writer, unless a class that is derived from it may want to see the sink calls.
+QeCString* QeXmlWriter::ownText() {
+    if (typeid(*this) != typeid(QeXmlStringWriter)) return nullptr;
+    auto& self = static_cast<QeXmlStringWriter&>(*this);
+    if (self.bufferedBytes != 0) self.QeXmlStringWriter::flush();
+    return &self.sinkText;
+}
+
+// Short strings are copied with what stands behind them, which the room has slack for.
+char* QeXmlWriter::putString(char* to, const QeCString& text) noexcept {
+    if (!text.isInline()) return put(to, text);
+    std::memcpy(to, text.raw, sizeof text.raw);
+    return to + text.length();
+}
+
+char* QeXmlWriter::putName(char* to, const QeCString& prefix, const QeCString& localName) noexcept {
+    if (!prefix.empty()) {
+        to = putString(to, prefix);
+        *to++ = ':';
+    }
+    return putString(to, localName);
+}
+
+// Most values are short and have nothing to escape: that is found out without a branch on their length.
+template <typename Escapes>
+char* QeXmlWriter::putEscaped(char* to, const QeCString& text) noexcept {
+    if (text.isInline() && Escapes::arePlain(text.raw, text.length())) return putString(to, text);
+    return tessit::writeEscaped<Escapes>(to, text);
+}
 
 QeXmlWriter::QeXmlWriter() {
     namespaces.pushScope();
@@ -107,49 +189,94 @@ void QeXmlWriter::decrementIndent() noexcept {
 }
 
 void QeXmlWriter::writeNewLine() {
-    writeToSink('\n');
+    writeRepeated('\n', 1);
     atLineStart = true;
 }
 
-void QeXmlWriter::writeIndentChars() {
-    if (!atLineStart) return;
-    for (int i = 0; i < currentIndent; ++i)
-        writeToSink(' ');
+void QeXmlWriter::indent() {
+    writeRepeated(' ', currentIndent);
     atLineStart = false;
+}
+
+// One call of the byte slot for each.
+void QeXmlWriter::writeRepeated(char byte, int count) {
+    const auto length = static_cast<std::size_t>(count);
+    if (QeCString* const text = ownText()) {
+        const std::size_t oldLength = text->length();
+        std::memset(text->resizeForOverwrite(oldLength + length) + oldLength, byte, length);
+    } else {
+        for (int i = 0; i < count; ++i)
+            writeToSink(byte);
+    }
 }
 
 // --- Text and attributes.
 
 void QeXmlWriter::write(const QeCString& text, bool escape) {
     writeIndentChars();
-    if (!escape) return writeToSink(text);
+    if (!escape) return writeString(text);
+    if (text.length() > OutputBuffer::LocalSize / TextEscapes::Longest) return writeLongText(text);
+    Output output(*this, text.length() * TextEscapes::Longest);
+    output.sendBytes(putEscaped<TextEscapes>(output.begin(), text));
+}
+
+void QeXmlWriter::writeString(const QeCString& text) {
+    if (QeCString* const own = ownText()) {
+        own->append(text);
+    } else {
+        writeToSink(text);
+    }
+}
+
+void QeXmlWriter::writeLongText(const QeCString& text) {
     const auto plainLength = static_cast<std::size_t>(TextEscapes::find(text.begin(), text.end()) - text.begin());
-    if (plainLength == text.length()) return writeToSinkInPieces(text.data(), plainLength);
-    OutputBuffer buffer(roomFor<TextEscapes>(text));
-    char* end = put(buffer.begin(), text.substring(0, plainLength));
-    end = tessit::writeEscaped<TextEscapes>(end, text.substring(plainLength));
-    writeToSinkInPieces(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
+    if (plainLength == text.length()) return writePlain(text);
+    Output output(*this, tessit::escapedLength<TextEscapes>(text));
+    char* const end = put(output.begin(), text.substring(0, plainLength));
+    output.sendBytes(tessit::writeEscaped<TextEscapes>(end, text.substring(plainLength)));
+}
+
+void QeXmlWriter::writePlain(const QeCString& text) {
+    if (QeCString* const own = ownText()) {
+        own->append(text);
+    } else {
+        writeToSinkInPieces(text.data(), text.length());
+    }
 }
 
 void QeXmlWriter::writeAttribute(const QeCString& name, const QeCString& value, bool escape) {
-    writeQualifiedAttribute({}, name, value, escape);
+    writeQualifiedAttribute(QeXmlAttributeSet::EmptyString, name, value, escape);
 }
 
 void QeXmlWriter::writeAttribute(const QeXmlName& name, const QeCString& value, bool escape) {
     writeQualifiedAttribute(name.getNamespace().getPrefix(), name.getLocalName(), value, escape);
 }
 
-void QeXmlWriter::writeQualifiedAttribute(std::string_view prefix, std::string_view localName, const QeCString& value,
+namespace {
+
+std::size_t roomForAttribute(const QeCString& prefix, const QeCString& localName, const QeCString& value, bool escape) {
+    const std::size_t nameLength = localName.length() + (prefix.empty() ? 0 : prefix.length() + 1);
+    return nameLength + (escape ? roomFor<ValueEscapes>(value) : value.length()) + 4;  // with ` =""`
+}
+
+}  // namespace
+
+char* QeXmlWriter::putAttribute(char* to, const QeCString& prefix, const QeCString& localName, const QeCString& value,
+                                bool escape) noexcept {
+    *to++ = ' ';
+    to = putName(to, prefix, localName);
+    *to++ = '=';
+    *to++ = '"';
+    to = escape ? putEscaped<ValueEscapes>(to, value) : putString(to, value);
+    *to++ = '"';
+    return to;
+}
+
+void QeXmlWriter::writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName, const QeCString& value,
                                           bool escape) {
-    const std::size_t room = escape ? roomFor<ValueEscapes>(value) : value.length();
-    const std::size_t nameLength = localName.size() + (prefix.empty() ? 0 : prefix.size() + 1);
-    OutputBuffer buffer(nameLength + room + 4);  // with ` =""`
-    char* end = put(buffer.begin(), " ");
-    end = put(putName(end, prefix, localName), "=\"");
-    end = escape ? tessit::writeEscaped<ValueEscapes>(end, value) : put(end, value);
-    end = put(end, "\"");
     writeIndentChars();
-    writeToSinkInPieces(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
+    Output output(*this, roomForAttribute(prefix, localName, value, escape));
+    output.sendBytes(putAttribute(output.begin(), prefix, localName, value, escape));
 }
 
 // --- Elements.
@@ -180,17 +307,44 @@ void QeXmlWriter::writeCompleteAttributeSet(const QeXmlAttributeSet& attributes)
     writeAttributeSet(*completed);
 }
 
-void QeXmlWriter::writeAttributeSet(const QeXmlAttributeSet& attributes) {
-    for (const QeXmlAttribute& attribute : attributes)
-        writeAttributeOfElement(attribute);
-}
+namespace {
+
+struct WrittenName {
+    const QeCString& prefix;
+    const QeCString& localName;
+};
 
 // The declaration of the empty prefix is the one whose name is written otherwise than it is made up.
-void QeXmlWriter::writeAttributeOfElement(const QeXmlAttribute& attribute) {
-    const QeXmlName& name = attribute.getName();
-    const bool declaresDefault = name.getLocalName().empty() && name.getNamespace().getPrefix() == XmlNamespaceTag;
-    if (declaresDefault) return writeAttribute(XmlNamespaceTag, attribute.getValue(), true);
-    writeAttribute(name, attribute.getValue(), true);
+WrittenName nameAsWritten(const QeXmlAttribute& attribute) {
+    const QeCString& prefix = attribute.getName().getNamespace().getPrefix();
+    const QeCString& localName = attribute.getName().getLocalName();
+    if (localName.empty() && prefix == QeXmlWriter::XmlNamespaceTag) return {localName, prefix};
+    return {prefix, localName};
+}
+
+}  // namespace
+
+// Where no sink can tell, all attributes are put in one go.
+void QeXmlWriter::writeAttributeSet(const QeXmlAttributeSet& attributes) {
+    if (ownText() == nullptr) {
+        for (const QeXmlAttribute& attribute : attributes) {
+            const WrittenName name = nameAsWritten(attribute);
+            writeQualifiedAttribute(name.prefix, name.localName, attribute.getValue(), true);
+        }
+        return;
+    }
+    std::size_t room = 0;
+    for (const QeXmlAttribute& attribute : attributes) {
+        const QeXmlName& name = attribute.getName();
+        room += roomForAttribute(name.getNamespace().getPrefix(), name.getLocalName(), attribute.getValue(), true);
+    }
+    Output output(*this, room);
+    char* end = output.begin();
+    for (const QeXmlAttribute& attribute : attributes) {
+        const WrittenName name = nameAsWritten(attribute);
+        end = putAttribute(end, name.prefix, name.localName, attribute.getValue(), true);
+    }
+    output.sendBytes(end);
 }
 
 // The document's scope stays, however many ends are written.
@@ -220,15 +374,15 @@ void QeXmlWriter::writeSimpleElement(const QeCString& name, const QeCString& con
 
 // The whole end tag, or the start tag up to where the attributes begin.
 void QeXmlWriter::writeTag(Tag kind, const QeXmlName& name) {
+    writeIndentChars();
     const QeCString& prefix = name.getNamespace().getPrefix();
-    OutputBuffer buffer(prefix.length() + name.getLocalName().length() + 4);  // with `</:>`
-    char* end = put(buffer.begin(), "<");
-    if (kind == Tag::End) end = put(end, "/");
+    Output output(*this, prefix.length() + name.getLocalName().length() + 4);  // with `</:>`
+    char* end = output.begin();
+    *end++ = '<';
+    if (kind == Tag::End) *end++ = '/';
     end = putName(end, prefix, name.getLocalName());
-    if (kind == Tag::End) end = put(end, ">");
-    Borrowed<QeCString> tag(spare.tag);
-    tag->assign(buffer.begin(), static_cast<std::size_t>(end - buffer.begin()));
-    write(*tag, false);
+    if (kind == Tag::End) *end++ = '>';
+    output.sendString(end);
 }
 
 // --- The sink.
