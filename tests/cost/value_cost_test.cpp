@@ -99,10 +99,10 @@ constexpr CostCase Cases[] = {
 }  // namespace
 
 TEST(Cost, OfValuesGrowsWithTheirText) {
-    for (const auto& [name, before, part, behind, use] : Cases) {
+    for (const CostCase& row : Cases) {
         const auto make = [&](std::size_t count) {
-            return QeCString(std::string_view(before + repeated(part, count) + behind));
+            return QeCString(std::string_view(row.before + repeated(row.part, count) + row.behind));
         };
-        expectLinearGrowth(name, 20'000, make, use, [](const QeCString& text) { return text.length(); });
+        expectLinearGrowth(row.name, 20'000, make, row.use, [](const QeCString& text) { return text.length(); });
     }
 }
