@@ -6,8 +6,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # Debian's packages by what they are needed for.
 build_packages=(g++ cmake ninja-build libicu-dev libcli11-dev)
-test_packages=(libgtest-dev locales tzdata)
-check_packages=(clang-format clang-tidy)
+test_packages=(libgtest-dev locales tzdata clang pkgconf dpkg-dev file)  # the last four: of what is installed
+check_packages=(clang-format clang-tidy doxygen)
 fuzz_packages=(clang libclang-rt-14-dev)
 coverage_packages=(gcovr)
 bench_packages=(libbenchmark-dev libpugixml-dev librapidxml-dev libexpat1-dev libxml2-dev libtinyxml2-dev

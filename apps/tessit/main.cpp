@@ -5,6 +5,8 @@
 #include <csignal>
 #include <system_error>
 
+#include <tessit/version.h>
+
 #include "command.h"
 #include "console.h"
 
@@ -18,7 +20,7 @@ void refuseUsage(Console& console, const std::string& reason) {
 
 void runCommand(int argc, char** argv, Console& console) {
     CLI::App tool("Reads and compares XML documents", std::string(ToolName));
-    tool.set_version_flag("--version", std::string(ToolName) + " " TESSIT_VERSION);
+    tool.set_version_flag("--version", std::string(ToolName) + " " + tessit::versionString());
     tool.footer(
         "Exit status: 0 when every document was read, 1 when one was refused,\n"
         "2 for wrong usage or a file that cannot be read or written;\n"

@@ -4,6 +4,7 @@
 
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_sax_parser.h>
+#include <tessit/version.h>
 #include <tessit/writer/xml_string_writer.h>
 
 namespace tessit::benchmarks {
@@ -172,7 +173,7 @@ private:
 }  // namespace
 
 void addTessit(Contestants& all) {
-    const std::string version = TESSIT_VERSION;
+    const std::string version = versionString();
     // A name with the prefix "xml" is in no namespace unless the document declares one.
     const Delivery delivery{.xmlPrefix = false};
     all.readers.push_back({"tessit pull", version, Role::Ours, delivery, pullFromBuffer});

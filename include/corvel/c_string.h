@@ -425,14 +425,14 @@ private:
         std::memcpy(to + length - Size, &tail, Size);
     }
 
-    static std::uint32_t unitsFor(std::size_t length);
-    static char* newBlock(std::uint32_t units);
+    TESSIT_NO_EXPORT static std::uint32_t unitsFor(std::size_t length);
+    TESSIT_NO_EXPORT static char* newBlock(std::uint32_t units);
     static QeCString concatenate(std::string_view left, std::string_view right);
 
     void appendSlowly(const char* bytes, std::size_t count);
     void assignSlowly(const char* bytes, std::size_t length);
     void freeBlock() noexcept;
-    void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
+    TESSIT_NO_EXPORT void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
     [[noreturn]] void raiseIndex(std::size_t index) const;
 
     alignas(std::size_t) char raw[InlineCapacity + 1];

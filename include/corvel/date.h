@@ -12,7 +12,8 @@
 /// 1 BC. A plain value; every operation is O(1).
 class TESSIT_API QeDate {
 public:
-    /// The last year that a date can lie in; the first is `-MaxYear`.
+    /// The last year that a date can be made in; the first is `-MaxYear`. Only as the
+    /// day of an instant (`QeDateTime::date`), a date can lie up to two days beyond.
     static constexpr std::int64_t MaxYear = 999'999'999'999;
 
     /// 1 January 1970.
@@ -38,5 +39,7 @@ public:
     friend std::strong_ordering operator<=>(const QeDate&, const QeDate&) noexcept = default;
 
 private:
+    friend class QeDateTime;
+
     std::int64_t number = 0;
 };

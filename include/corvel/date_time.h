@@ -29,7 +29,8 @@ public:
     /// to 59, the millisecond within 0 to 999.
     QeDateTime(const QeDate& date, int hour, int minute, int second, int millisecond, const QeZone& zone);
 
-    /// The day on the calendar in `zone`.
+    /// The day on the calendar in `zone`. For an instant at an end of the calendar, the
+    /// zone may have a day of the year before or after it.
     QeDate date(const QeZone& zone) const noexcept;
     std::int64_t year(const QeZone& zone) const noexcept { return date(zone).year(); }
     int month(const QeZone& zone) const noexcept { return date(zone).month(); }
@@ -43,7 +44,7 @@ public:
     int hourGMT() const noexcept { return hour(QeZone::utc()); }
     int minuteGMT() const noexcept { return minute(QeZone::utc()); }
 
-    // Zones are whole minutes apart, so that these are the same in all of them.
+    /// The same in all zones, as they are whole minutes apart; so is the millisecond.
     int second() const noexcept;
     int milliSecond() const noexcept;
 
@@ -52,10 +53,17 @@ public:
     /// at least four digits, and a minus sign before the year 0.
     QeCString asString(Format format, const QeLocale& locale, const QeZone& zone) const;
 
-    /// Date and time in a format as `strftime` has them, with all the directives of
-    /// POSIX. "%Y" has at least four digits; "%Z" is the zone's designator; "E" and
-    /// "O" change nothing; what is no directive is copied as it stands. The locale
-    /// of the process has no say. O(length of the format).
+    /// Date and time in a format as `strftime` has them, with the directives of POSIX
+    /// but "%s": % A a B b C c D d e F G g H h I j M m n p R r S T t U u V W w X x Y y Z z.
+    /// "%Y" has at least four digits; "%Z" is the zone's designator; "E" and "O" in
+    /// front of a letter change nothing. The locale of the process has no say.
+    ///
+    /// In front of C, F, G and Y there may be a flag, "0" or "+", and the least number
+    /// of bytes, of up to three digits: "%010Y", "%+5Y", "%012F". It counts a sign, and
+    /// takes the place of the usual least number; "+" writes the sign of years from 0
+    /// on as well, where they take more than their usual four digits (of "%C", two).
+    /// Without both, "%F" writes no plus sign. What is no directive is copied as it
+    /// stands. O(length of the format and of the text).
     QeCString asString(const QeCString& format, const QeLocale& locale, const QeZone& zone) const;
 
     /// Earlier instants are less.
@@ -63,7 +71,7 @@ public:
     friend std::strong_ordering operator<=>(const QeDateTime&, const QeDateTime&) noexcept = default;
 
 private:
-    std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
+    TESSIT_NO_EXPORT std::int64_t minuteOfDay(const QeZone& zone) const noexcept;
 
     // In UTC. Apart, they span more years than one count of milliseconds could.
     std::int64_t day = 0;  // since 1 January 1970

@@ -26,5 +26,6 @@
 #include <tessit/schema/xml_schema_utils.h>
 #include <tessit/schema/xml_validator.h>
 #include <tessit/utils/xml_utils.h>
+#include <tessit/version.h>
 #include <tessit/writer/xml_string_writer.h>
 #include <tessit/writer/xml_writer.h>

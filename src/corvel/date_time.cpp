@@ -41,7 +41,9 @@ QeDateTime::QeDateTime(const QeDate& date, int hour, int minute, int second, int
 
 QeDate QeDateTime::date(const QeZone& zone) const noexcept {
     const std::int64_t local = millisecondOfDay + zone.offsetInMinutes() * MillisecondsInMinute;
-    return QeDate::fromDayNumber(day + corvel::floorQuotient(local, MillisecondsInDay));
+    QeDate shown;
+    shown.number = day + corvel::floorQuotient(local, MillisecondsInDay);  // cut short, it would be a day off
+    return shown;
 }
 
 std::int64_t QeDateTime::minuteOfDay(const QeZone& zone) const noexcept {

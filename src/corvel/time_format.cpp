@@ -81,6 +81,30 @@ const Directive* findDirective(const Directive (&directives)[Count], char letter
     return found == directives + Count ? nullptr : found;
 }
 
+// What stands behind a '%'. Only years have a flag and a width.
+struct Directive {
+    std::size_t length;     // of all of it, the '%' included
+    char letter;            // '%' too when the format ends before there is one
+    char flag = 0;          // '0' or '+'
+    std::size_t width = 0;  // 0 for the usual one
+
+    bool hasYearForm() const { return flag != 0 || width != 0; }
+};
+
+Directive readDirective(std::string_view format) {
+    constexpr std::size_t MostWidthDigits = 3;
+    std::size_t at = 1;
+    Directive directive{};
+    if (at < format.size() && (format[at] == '0' || format[at] == '+')) directive.flag = format[at++];
+    for (const std::size_t end = std::min(at + MostWidthDigits, format.size());
+         at < end && format[at] >= '0' && format[at] <= '9'; ++at)
+        directive.width = directive.width * 10 + static_cast<std::size_t>(format[at] - '0');
+    if (at < format.size() && (format[at] == 'E' || format[at] == 'O')) ++at;
+    directive.length = std::min(at + 1, format.size());
+    directive.letter = format[directive.length - 1];
+    return directive;
+}
+
 class TimeFormatter {
 public:
     TimeFormatter(QeCString& out, const Fields& instant, const QeLocale& words, const QeZone& place)
@@ -98,10 +122,35 @@ public:
 private:
     // Returns the length of the directive at the front of `format`.
     std::size_t appendDirective(std::string_view format) {
-        const bool modified = format.size() > 1 && (format[1] == 'E' || format[1] == 'O');
-        const std::size_t length = std::min<std::size_t>(modified ? 3 : 2, format.size());
-        if (!appendValue(format[length - 1])) text += format.substr(0, length);
-        return length;
+        const Directive directive = readDirective(format);
+        const bool known = directive.hasYearForm() ? appendYear(directive) : appendValue(directive.letter);
+        if (!known) text += format.substr(0, directive.length);
+        return directive.length;
+    }
+
+    // A directive with a flag or a width; false for one that has neither.
+    bool appendYear(const Directive& directive) {
+        if (directive.letter == 'F') {
+            constexpr std::size_t MonthAndDay = 6;  // "-05-20"
+            const std::size_t width =
+                directive.width == 0 ? 0 : std::max(directive.width, MonthAndDay + 1) - MonthAndDay;
+            appendYear({0, 'Y', directive.flag, width});
+            append("-%m-%d");
+            return true;
+        }
+        if (std::string_view("CGY").find(directive.letter) == std::string_view::npos) return false;
+        const NumberDirective& number = *findDirective(Numbers, directive.letter);
+        appendYear(number.value(fields), number.width, directive);
+        return true;
+    }
+
+    void appendYear(std::int64_t year, std::size_t usualWidth, const Directive& directive) {
+        const std::size_t digits = decimalText(year).length() - (year < 0 ? 1 : 0);
+        const bool plus = directive.flag == '+' && year >= 0 && std::max(digits, directive.width) > usualWidth;
+        if (plus) text += '+';
+        const bool signCounts = directive.width != 0 && (plus || year < 0);
+        const std::size_t width = directive.width == 0 ? usualWidth : directive.width;
+        appendDecimal(text, year, signCounts ? width - 1 : width);
     }
 
     bool appendValue(char letter) {

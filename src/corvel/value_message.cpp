@@ -11,7 +11,8 @@ bool continuesCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-// The front of the text, cut between two characters of UTF-8.
+}  // namespace
+
 std::string_view front(std::string_view text) {
     if (text.size() <= LongestQuote) return text;
     std::size_t length = LongestQuote;
@@ -19,8 +20,6 @@ std::string_view front(std::string_view text) {
         --length;
     return text.substr(0, length);
 }
-
-}  // namespace
 
 QeCString quoted(std::string_view text) {
     const std::string_view shown = front(text);

@@ -6,6 +6,9 @@
 
 namespace corvel {
 
+/// The front of a text for a message: 64 bytes at most, whole characters of UTF-8.
+std::string_view front(std::string_view text);
+
 /// A text in double quotes, for a message: cut short when it is long, with '?' for
 /// control characters (a NUL would end the message).
 QeCString quoted(std::string_view text);

@@ -5,7 +5,10 @@
 #include <string>
 #include <string_view>
 #include <unicode/uregex.h>
+#include <voxal/one_pass_search.h>
 #include <voxal/regular_expression.h>
+
+#include <corvel/value_message.h>
 
 namespace {
 
@@ -49,10 +52,50 @@ QeCString quote(const QeCString& pattern) {
     throw QeURegexError("Invalid pattern " + quote(pattern) + place + ": " + reason);
 }
 
-// ICU does not know the place of every error; lines and characters count from 1.
-std::string describePlace(const UParseError& error) {
-    if (error.line < 1) return "";
-    return " at line " + std::to_string(error.line) + ", character " + std::to_string(error.offset);
+[[noreturn]] void raiseTooLong(const QeCString& pattern) {
+    constexpr std::size_t Limit = QeURegularExpression::LongestPattern;
+    const QeCString begin(corvel::front(pattern));
+    const std::string place = "at byte " + std::to_string(Limit), length = std::to_string(pattern.length());
+    throw QeURegexError("Invalid pattern '" + begin + "...' " + place + ": its " + length + " bytes are more than " +
+                        std::to_string(Limit));
+}
+
+URegularExpression* open(std::u16string_view pattern, UParseError& place, UErrorCode& status) {
+    // Other dialects' escapes would stand for their letters otherwise, and patterns silently mean something else.
+    constexpr std::uint32_t Flags = UREGEX_ERROR_ON_UNKNOWN_ESCAPES;
+    return uregex_open(pattern.data(), static_cast<std::int32_t>(pattern.size()), Flags, &place, &status);
+}
+
+// The length of the shortest front of an invalid pattern that is invalid for the
+// same reason. Compiles some ten to twenty of them.
+std::size_t failingLength(std::u16string_view pattern, UErrorCode reason) {
+    std::size_t valid = 0, failing = pattern.size();
+    while (failing - valid > 1) {
+        const std::size_t length = valid + (failing - valid) / 2;
+        UParseError place{};
+        UErrorCode status = U_ZERO_ERROR;
+        uregex_close(open(pattern.substr(0, length), place, status));
+        (status == reason ? failing : valid) = length;
+    }
+    return failing;
+}
+
+std::int32_t toCount(std::ptrdiff_t count) {
+    return static_cast<std::int32_t>(count);
+}
+
+// ICU does not know the place of every error, such as an unknown name.
+void findPlace(UParseError& place, std::u16string_view pattern, UErrorCode reason) {
+    const std::u16string_view failing = pattern.substr(0, failingLength(pattern, reason));
+    const std::u16string_view line = failing.substr(failing.rfind(u'\n') + 1);
+    const auto continues = [](char16_t unit) { return (unit & 0xFC00) == 0xDC00; };  // a surrogate pair
+    place.line = 1 + toCount(std::ranges::count(failing, u'\n'));
+    place.offset = toCount(std::ssize(line) - std::ranges::count_if(line, continues));
+}
+
+// Lines and characters count from 1.
+std::string describePlace(const UParseError& place) {
+    return " at line " + std::to_string(place.line) + ", character " + std::to_string(place.offset);
 }
 
 // How many bytes a unit takes in UTF-8. Of a surrogate pair's four, each has two.
@@ -84,19 +127,17 @@ void QeURegularExpression::Close::operator()(URegularExpression* expression) con
 }
 
 QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(source) {
-    if (pattern.length() > LongestPattern)
-        throw QeURegexError(QeCString(std::string_view("Invalid pattern: its " + std::to_string(pattern.length()) +
-                                                       " bytes are more than " + std::to_string(LongestPattern))));
+    if (pattern.length() > LongestPattern) raiseTooLong(pattern);
     const QeUString text(pattern);
     requireUtf8(pattern, text.units());
     const std::u16string_view units = pattern.empty() ? u"(?:)" : text.units();  // ICU refuses an empty one
     UParseError place{};
     UErrorCode status = U_ZERO_ERROR;
-    const auto length = static_cast<std::int32_t>(units.size());
-    // Other dialects' escapes would stand for their letters otherwise, and patterns silently mean something else.
-    compiled.reset(uregex_open(units.data(), length, UREGEX_ERROR_ON_UNKNOWN_ESCAPES, &place, &status));
+    compiled.reset(open(units, place, status));
     if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-    if (U_FAILURE(status)) raiseInvalid(pattern, describePlace(place), describe(status));
+    if (U_SUCCESS(status)) return;
+    if (place.line < 1) findPlace(place, units, status);
+    raiseInvalid(pattern, describePlace(place), describe(status));
 }
 
 namespace {
@@ -172,9 +213,14 @@ QeURegexResult QeURegularExpression::search(const QeUString& text) {
     const bool found = uregex_find(compiled.get(), 0, &status);
     releaseText();
     if (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW)
-        throw QeURegexError("Pattern " + quote(pattern) + " takes too " +
-                            (status == U_REGEX_TIME_OUT ? "many steps" : "much memory") + " on a text of " +
-                            std::to_string(units.size()) + " UTF-16 units");
+        return searchWithoutBacktracking(units, status == U_REGEX_TIME_OUT ? "many steps" : "much memory");
     requireSuccess(status);
     return QeURegexResult(found);
+}
+
+QeURegexResult QeURegularExpression::searchWithoutBacktracking(std::u16string_view text, const char* excess) const {
+    std::optional<voxal::PlainPattern> plain = voxal::readPlainPattern(QeUString(pattern).units());
+    if (plain) return QeURegexResult(voxal::searchInOnePass(*plain, text));
+    throw QeURegexError("Pattern " + quote(pattern) + " takes too " + excess + " on a text of " +
+                        std::to_string(text.size()) + " UTF-16 units");
 }

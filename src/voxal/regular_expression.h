@@ -45,12 +45,13 @@ public:
 
     /// Whether the pattern matches anywhere in the text.
     ///
-    /// Throws `QeURegexError` when the search takes more than some ten million
-    /// steps of backtracking and 64 a unit of text, or a stack of more than 8 MiB
-    /// and 128 bytes a unit (at most 512 MiB): the first is what ends a search that
-    /// would take exponential time. Where a step can cost more than usual, fewer are
-    /// allowed. Counted, not timed, so that the same search always comes to the same
-    /// end. The expression can be used again.
+    /// Backtracks at first, which is quick for most texts, but quadratic for some and
+    /// exponential for others. It ends after some ten million steps and 64 a unit of
+    /// text, or with a stack of 8 MiB and 128 bytes a unit (at most 512 MiB); where a
+    /// step can cost more than usual, after fewer. Plain patterns (`readPlainPattern`)
+    /// are then searched for in one pass over the text, in time linear in it; for
+    /// others, `QeURegexError` is thrown. Counted, not timed, so that the same search
+    /// always comes to the same end. The expression can be used again.
     QeURegexResult search(const QeUString& text);
 
 private:
@@ -60,6 +61,7 @@ private:
 
     void setLimits(std::size_t textLength);
     void releaseText() noexcept;
+    QeURegexResult searchWithoutBacktracking(std::u16string_view text, const char* excess) const;
 
     QeCString pattern;
     std::unique_ptr<URegularExpression, Close> compiled;

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -96,6 +97,45 @@ TEST(Docs, ShowWhatIsThere) {
             ++count;
         }
     EXPECT_GE(count, 10u);
+}
+
+// The class that a line of a header begins to define; empty when it does not.
+std::string classDefinedBy(const std::string& line) {
+    if (!line.starts_with("class ") || line.ends_with(';')) return {};
+    std::istringstream words(line);
+    std::string word;
+    words >> word >> word;
+    if (word == "TESSIT_API") words >> word;
+    return word;
+}
+
+// The classes that the public headers define, but for the container that stands behind members of others.
+std::set<std::string> publicClasses() {
+    std::set<std::string> found;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(Root / "include")) {
+        std::ifstream in(entry.path());
+        for (std::string line; std::getline(in, line);)
+            found.insert(classDefinedBy(line));
+    }
+    found.erase("");
+    found.erase("QeSlotArray");
+    return found;
+}
+
+bool isWordOf(const std::string& text, const std::string& word) {
+    for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos; ++at)
+        if (!std::isalnum(static_cast<unsigned char>(text[at + word.size()]))) return true;
+    return false;
+}
+
+TEST(Docs, HaveAnExampleOfEachClass) {
+    std::string examples;
+    for (const fs::directory_entry& entry : fs::directory_iterator(Root / "examples"))
+        examples += contentOf(entry.path());
+    const std::set<std::string> classes = publicClasses();
+    EXPECT_GE(classes.size(), 30u);
+    for (const std::string& name : classes)
+        EXPECT_TRUE(isWordOf(examples, name)) << "no example of " << name;
 }
 
 TEST(Docs, OpenWithTheProgramThatDemandsAnElement) {

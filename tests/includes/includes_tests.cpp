@@ -43,7 +43,7 @@ const std::vector<Floor> Floors = {
     {"sax", room("tessit/sax"), {"corvel", "errors", "model", "reader"}},
     {"comparison", {"src/tessit/utils/*compar*"}, {"corvel", "errors", "model", "utils", "reader"}},
     {"umbrella",
-     {"include/tessit/tessit.h"},
+     {"include/tessit/tessit.h", "src/tessit/version.cpp"},
      {"corvel", "errors", "model", "utils", "writer", "reader", "schema", "sax"}},
     {"apps",
      {"apps/*"},
@@ -73,6 +73,11 @@ std::string fileOf(const std::string& header) {
     return {};
 }
 
+// Made by the build, of no room's making.
+bool isGenerated(const std::string& header) {
+    return header == "tessit/export.h" || header == "tessit/version.h";
+}
+
 bool isStandard(const std::string& header) {
     return header.find_first_not_of("abcdefghijklmnopqrstuvwxyz_") == std::string::npos;
 }
@@ -81,7 +86,7 @@ bool isStandard(const std::string& header) {
 std::string complaintAbout(const std::string& file, const std::string& header) {
     const Floor* floor = floorOf(file);
     if (floor == nullptr) return "is on no floor";
-    if (header == "tessit/export.h" || isStandard(header)) return {};
+    if (isGenerated(header) || isStandard(header)) return {};
     const bool isPublic = file.starts_with("include/");
     const std::string target = fileOf(header);
     if (target.empty())

@@ -11,13 +11,6 @@ namespace {
 
 const std::string Long(100, 'l');  // more than a string holds in place
 
-std::string repeat(std::string_view part, std::size_t count) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i)
-        text += part;
-    return text;
-}
-
 // Declarations of `count` prefixes, more than are looked up one by one when there are twenty.
 std::string declarations(std::size_t count) {
     std::string text;

@@ -8,14 +8,6 @@ using namespace tessit::test;
 
 namespace {
 
-std::string repeat(std::string_view part, std::size_t count) {
-    std::string text;
-    text.reserve(part.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        text += part;
-    return text;
-}
-
 // Reads to the end, or to an error; gives the number of nodes read.
 std::size_t countNodes(const std::string& xml) {
     const Document document(xml);

@@ -80,6 +80,10 @@ TEST(DurationAddition, FindsTheInstant) {
         {"2000-01-31T00:00:00Z", "P4294967295M", "357915941-04-30T00:00:00Z"},
         {"1970-01-01T00:00:00Z", "P4294967295D", "11761191-01-20T00:00:00Z"},
         {"1970-01-01T00:00:00Z", "-P4294967295D", "-11757252-12-13T00:00:00Z"},
+        {"1970-01-01T00:00:00Z", "PT31536e15S", "999336059520-10-22T00:00:00Z"},
+        {"1970-01-01T00:00:07Z", "PT3155688980304961e4S", "999998031027-02-08T00:27:51Z"},
+        {"1970-01-01T00:00:07Z", "-PT3e19S", "-950662153235-08-28T18:40:07Z"},
+        {"1970-01-01T00:00:59Z", "PT9223372036854775807S", "292277026596-12-04T15:31:07Z"},
     };
     for (const auto& [start, duration, result] : cases)
         EXPECT_EQ(write(QeXmlDuration(duration) + read(start)), result) << start << " + " << duration;
@@ -112,19 +116,17 @@ TEST(DurationAddition, StaysOnTheCalendarWhateverTheSeconds) {
     const QeDateTime start = read("2000-01-01T00:00:00Z");
     EXPECT_EQ(seconds(std::numeric_limits<double>::quiet_NaN()) + start, start);
     EXPECT_EQ(seconds(-1.5) + start, read("1999-12-31T23:59:58.500"));
-    EXPECT_EQ(seconds(Infinity) + start, seconds(1e18) + start);
     EXPECT_EQ(seconds(-Infinity) + start, -QeXmlDuration("PT1e300S") + start);
     EXPECT_EQ((seconds(1e17) + start).yearGMT(), 3'168'875'850);
 
-    QeDateTime late = start;
-    QeDateTime early = start;
-    for (int i = 0; i < 100; ++i) {
-        late = seconds(Infinity) + late;
-        early = seconds(-Infinity) + early;
-    }
-    late = QeXmlDuration(UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX) + late;
-    EXPECT_EQ(late.date(QeZone::utc()), QeDate(31, 12, QeDate::MaxYear));
-    EXPECT_EQ(early.date(QeZone::utc()), QeDate(1, 1, -QeDate::MaxYear));
+    const QeDateTime last(QeDate(31, 12, QeDate::MaxYear), 23, 59, 59, 999, QeZone::utc());
+    const QeDateTime first(QeDate(1, 1, -QeDate::MaxYear), 0, 0, 0, 0, QeZone::utc());
+    EXPECT_EQ(seconds(Infinity) + start, last);
+    EXPECT_EQ(seconds(Infinity) + first, last);
+    EXPECT_EQ(seconds(-Infinity) + last, first);
+    EXPECT_EQ(QeXmlDuration(UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX, UINT32_MAX) + last, last);
+    EXPECT_EQ(seconds(0.001) + last, last);
+    EXPECT_EQ(seconds(-0.001) + first, first);
 }
 
 }  // namespace

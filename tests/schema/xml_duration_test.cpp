@@ -75,7 +75,8 @@ TEST(XmlDuration, ReadsItsLexicalForm) {
         {"P0000000000000000001D", "0 0 1 0 0 0"},    // 19 characters
         {"P00000000000000000001D", "!0 0 0 0 0 0"},  // 20
         {"P00000000000000000001", "0 0 0 0 0 0"},    // passed over, whatever its length
-        {"PT1e999S", "0 0 0 0 0 1.79769e+308"},
+        {"PT1e308S", "0 0 0 0 0 1e+308"},
+        {"PT1e400S", "0 0 0 0 0 inf"},
         {"P\xC3\xA9"
          "1Y",
          "!0 0 0 0 0 0"},
@@ -113,6 +114,7 @@ TEST(XmlDuration, WritesItsLexicalForm) {
         {QeXmlDuration(0, 0, 0, 0, 0, 1234567), "P0Y0M0DT0H0M1.23457e+06S"},
         {QeXmlDuration(0, 0, 0, 2'147'483'648, 2'147'483'648), "P0Y0M0DT2147483648H2147483648M0S"},
         {QeXmlDuration(5'000'000'000), "P4294967295Y0M0D"},
+        {QeXmlDuration("PT1e400S"), "P0Y0M0DT0H0MinfS"},
     };
     for (const auto& [duration, text] : cases)
         EXPECT_EQ(duration.asString(), text);
@@ -177,6 +179,9 @@ TEST(XmlDuration, OrdersAsXmlSchemaDoes) {
         {"P4294967294Y", "P4294967295Y", Less},  // far years are not cut short
         {"P4294967294M", "P4294967295M", Less},
         {"PT4294967294H", "PT4294967295H", Less},
+        {"PT31e18S", "PT31000000000001e6S", Less},  // nor are seconds, up to the calendar's end
+        {"PT1e20S", "PT1e400S", Neither},
+        {"-PT31000000000001e6S", "-PT31e18S", Less},
     };
     for (const auto& [left, right, order] : cases) {
         EXPECT_EQ(QeXmlDuration(left) < QeXmlDuration(right), order == Less) << left << " < " << right;

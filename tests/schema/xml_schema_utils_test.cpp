@@ -35,8 +35,10 @@ TEST(XmlSchemaUtils, ConvertsTextsBooleansAndWholeNumbers) {
     EXPECT_EQ(convert(-5), "-5");
     EXPECT_EQ(convert(std::numeric_limits<int>::min()), "-2147483648");
     EXPECT_EQ(convert(4294967295U), "4294967295");
-    EXPECT_EQ(convert(std::numeric_limits<long>::min()), "-9223372036854775808");
-    EXPECT_EQ(convert(std::numeric_limits<unsigned long>::max()), "18446744073709551615");
+    EXPECT_EQ(convert(-2147483648L), "-2147483648");
+    EXPECT_EQ(convert(4294967295UL), "4294967295");
+    EXPECT_EQ(convert(std::numeric_limits<long long>::min()), "-9223372036854775808");
+    EXPECT_EQ(convert(std::numeric_limits<unsigned long long>::max()), "18446744073709551615");
     EXPECT_EQ(convert(static_cast<short>(-1)), "-1");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -17,6 +18,31 @@ constexpr Source Sources[] = {Source::Stream, Source::String, Source::Buffer, So
 enum class Encoding { Utf8, Utf16LE, Utf16BE };
 constexpr Encoding Encodings[] = {Encoding::Utf8, Encoding::Utf16LE, Encoding::Utf16BE};
 
+/// The code points of UTF-8; nothing when the text is not UTF-8.
+inline std::optional<std::u32string> decode(std::string_view text) {
+    constexpr unsigned Least[] = {0, 0, 0x80, 0x800, 0x10000};
+    std::u32string codes;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4 || i + length > text.size()) return std::nullopt;
+        unsigned code = length == 1 ? lead : lead & (0x7Fu >> length);
+        for (std::size_t k = 1; k < length; ++k) {
+            if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) return std::nullopt;
+            code = code << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3Fu);
+        }
+        if (code < Least[length] || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) return std::nullopt;
+        codes += code;
+        i += length;
+    }
+    return codes;
+}
+
+/// Whether the text is UTF-8, so that it can be put into another encoding.
+inline bool isUtf8(std::string_view text) {
+    return decode(text).has_value();
+}
+
 /// UTF-8 text in another encoding, with a byte-order mark unless it stays UTF-8.
 inline std::string encode(std::string_view text, Encoding encoding) {
     if (encoding == Encoding::Utf8) return std::string(text);
@@ -27,39 +53,20 @@ inline std::string encode(std::string_view text, Encoding encoding) {
         bytes += encoding == Encoding::Utf16BE ? low : high;
     };
     put(0xFEFF);
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        unsigned code = length == 1 ? lead : lead & (0x7Fu >> length);
-        for (std::size_t k = 1; k < length; ++k)
-            code = code << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3Fu);
-        i += length;
-        if (code < 0x10000) {
-            put(code);
-        } else {
-            put(0xD800 + ((code - 0x10000) >> 10));
-            put(0xDC00 + ((code - 0x10000) & 0x3FF));
-        }
+    const std::u32string codes = decode(text).value();
+    for (const char32_t code : codes) {
+        if (code >= 0x10000) put(0xD800 + ((code - 0x10000) >> 10));
+        put(code < 0x10000 ? code : 0xDC00 + ((code - 0x10000) & 0x3FF));
     }
     return bytes;
 }
 
-/// Whether the text is UTF-8, so that it can be put into another encoding.
-inline bool isUtf8(std::string_view text) {
-    constexpr unsigned Least[] = {0, 0, 0x80, 0x800, 0x10000};
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4 || i + length > text.size()) return false;
-        unsigned code = length == 1 ? lead : lead & (0x7Fu >> length);
-        for (std::size_t k = 1; k < length; ++k) {
-            if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) return false;
-            code = code << 6 | (static_cast<unsigned char>(text[i + k]) & 0x3Fu);
-        }
-        if (code < Least[length] || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) return false;
-        i += length;
-    }
-    return true;
+inline std::string repeat(std::string_view part, std::size_t count) {
+    std::string text;
+    text.reserve(part.size() * count);
+    for (std::size_t i = 0; i < count; ++i)
+        text += part;
+    return text;
 }
 
 /// A document, or its trace, with the URIs u and v so long that names share them, and the same but for the last byte.

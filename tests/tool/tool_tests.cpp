@@ -4,12 +4,15 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <set>
 #include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <tessit/version.h>
 
 namespace {
 
@@ -163,7 +166,7 @@ const CommandCase Commands[] = {
     {"\"$TESSIT\" events bad none >/dev/null", "",
      "bad:1:6: error: Missing end tag for bad\nnone: error: No such file or directory\n", 2},
     {"\"$TESSIT\" events <&-", "", "<stdin>: error: Bad file descriptor\n", 2},
-    {"\"$TESSIT\" --version", "tessit " TESSIT_VERSION "\n", "", 0},
+    {"\"$TESSIT\" --version", "tessit " TESSIT_VERSION_STRING "\n", "", 0},
     {"\"$TESSIT\"", "", "tessit: error: A subcommand is required" + See, 2},
     {"\"$TESSIT\" nothing", "", "tessit: error: The following argument was not expected: nothing" + See, 2},
     {"\"$TESSIT\" events --nothing", "", "tessit: error: The following argument was not expected: --nothing" + See, 2},
@@ -222,6 +225,67 @@ TEST_F(Tool, ExplainsItself) {
     const Outcome same = run("\"$TESSIT\" same --help");
     EXPECT_NE(same.output.find("1 when they differ"), std::string::npos);
     EXPECT_EQ(tool.status + events.status + same.status, 0);
+}
+
+constexpr char Letters[] = "abcdefghijklmnopqrstuvwxyz-";
+
+// What follows `mark` in the text, wherever letters do.
+std::set<std::string> namesBehind(const std::string& mark, const std::string& text) {
+    std::set<std::string> names;
+    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos;) {
+        at += mark.size();
+        names.insert(text.substr(at, text.find_first_not_of(Letters, at) - at));
+    }
+    names.erase("");
+    return names;
+}
+
+// The subcommands, and the options of all of them, that the tool's help names.
+std::set<std::string> namedByHelp() {
+    const std::string help = run("\"$TESSIT\" --help").output;
+    std::set<std::string> names = namesBehind("--", help);
+    for (const std::string& name : namesBehind("\n  ", help)) {
+        if (name[0] == '-') continue;
+        names.insert(name);
+        names.merge(namesBehind("--", run("\"$TESSIT\" " + name + " --help").output));
+    }
+    return names;
+}
+
+TEST_F(Tool, HasNothingThatItsManualAndCompletionsLack) {
+    const std::set<std::string> names = namedByHelp();
+    EXPECT_TRUE(names.contains("same") && names.contains("raw-references") && names.contains("version"));
+    for (const char* file : {"tessit.1", "completions/tessit.bash", "completions/_tessit", "completions/tessit.fish"}) {
+        std::string text = contentOf((TESSIT_TOOL_SOURCES "/"s + file).c_str());
+        std::erase(text, '\\');  // hyphens of a manual page are escaped
+        for (const std::string& name : names)
+            EXPECT_NE(text.find(name), std::string::npos) << file << " lacks " << name;
+    }
+}
+
+struct CompletionCase {
+    std::string words;  // behind the tool's name
+    std::string candidates;
+};
+
+const CompletionCase Completions[] = {
+    {"\"\"", "events same --help --version\n"},
+    {"events -", "--raw-references --help\n"},
+    {"same --h", "--help\n"},
+    {"same li", "like\n"},  // a file
+    {"events good l", "like\n"},
+};
+
+TEST_F(Tool, IsCompletedByBash) {
+    writeFile("like", "");
+    writeFile("completing", ". " TESSIT_TOOL_SOURCES
+                            "/completions/tessit.bash\n"
+                            "complete() { COMP_WORDS=(tessit \"$@\") COMP_CWORD=$#; _tessit tessit \"${@: -1}\"; }\n");
+    for (const auto& [words, candidates] : Completions) {
+        const Outcome outcome = run("bash -c '. ./completing; complete " + words + "; echo \"${COMPREPLY[@]}\"'");
+        EXPECT_EQ(outcome.output, candidates) << words;
+        EXPECT_EQ(outcome.errors, "") << words;
+    }
 }
 
 // Larger than any buffer or pipe, in many nodes and in one.

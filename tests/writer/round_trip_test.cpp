@@ -1,6 +1,7 @@
 // What the writer wrote, read again, is what was written.
 
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 
 #include <tessit/reader/xml_reader.h>
@@ -31,27 +32,11 @@ void expectReadBack(const QeCString& text) {
 }
 
 TEST(RoundTrip, KeepsAwkwardTexts) {
-    for (const char* text : {"",
-                             " ",
-                             "\n",
-                             "\t \n",
-                             "]]>",
-                             "<![CDATA[x]]>",
-                             "<!--x-->",
-                             "<?x?>",
-                             "&",
-                             "&&",
-                             "& amp;",
-                             "&#13;",
-                             "&nbsp;",
-                             "&&amp",
-                             "\"'",
-                             "'\"'\"",
-                             "<>",
-                             "></",
-                             "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
-                             "a=\"b\" c='d'"})
-        expectReadBack(text);
+    std::istringstream texts(
+        "| |\n|\t \n|]]>|<![CDATA[x]]>|<!--x-->|<?x?>|&|&&|& amp;|&#13;|&nbsp;|&&amp|\"'|'\"'\"|<>|></|"
+        "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80|a=\"b\" c='d'");
+    for (std::string text; std::getline(texts, text, '|');)
+        expectReadBack(QeCString(std::string_view(text)));
 }
 
 // Each special byte at each place around the blocks that are copied at once.

@@ -15,28 +15,17 @@ struct CallCase {
 };
 
 const CallCase Calls[] = {
-    {"a tag is one string",
-     [](QeXmlWriter& w) {
-         start(w, {"e", NsU}, declaring({NsU}));
-     },
-     "|s:<p:e|b: xmlns:p=\"u\"|s:>"},
-    {"attributes come in the set's order",
-     [](QeXmlWriter& w) {
-         empty(w, {"e"}, attributes({{"b", "2", {}}, {"a", "1", {}}}));
-     },
+    {"a tag is one string", [](QeXmlWriter& w) { run(w, "+{u}p:e[xmlns:p=u]"); }, "|s:<p:e|b: xmlns:p=\"u\"|s:>"},
+    {"attributes come in the set's order", [](QeXmlWriter& w) { run(w, "/e[b=2,a=1]"); },
      "|s:<e|b: a=\"1\"|b: b=\"2\"|s:/>"},
-    {"an end tag is one string",
-     [](QeXmlWriter& w) {
-         w.writeElementEnd({"e", NsU});
-     },
-     "|s:</p:e>"},
+    {"an end tag is one string", [](QeXmlWriter& w) { run(w, "-{u}p:e"); }, "|s:</p:e>"},
     {"escaped text is one call", [](QeXmlWriter& w) { w.write("a<b & c>d\r", true); }, "|b:a&lt;b &amp; c&gt;d&#xD;"},
     {"so is text with nothing to escape", [](QeXmlWriter& w) { w.write("\"it's\"\t\n\xC3\xA9", true); },
      "|b:\"it's\"\t\n\xC3\xA9"},
     {"and so is no text", [](QeXmlWriter& w) { w.write("", true); }, "|b:"},
     {"other text is passed on", [](QeXmlWriter& w) { w.write("<!--&-->", false); }, "|s:<!--&-->"},
     {"attribute by string", [](QeXmlWriter& w) { w.writeAttribute("p:a", "<", true); }, "|b: p:a=\"&lt;\""},
-    {"attribute by name declares nothing", [](QeXmlWriter& w) { w.writeAttribute(QeXmlName("a", NsU), "v", true); },
+    {"attribute by name declares nothing", [](QeXmlWriter& w) { w.writeAttribute(nameOf("{u}p:a"), "v", true); },
      "|b: p:a=\"v\""},
     {"attribute not escaped", [](QeXmlWriter& w) { w.writeAttribute("a", "\"&", false); }, "|b: a=\"\"&\""},
     {"a line feed is a byte, and nothing is indented by 0",
@@ -63,9 +52,9 @@ const CallCase Calls[] = {
          w.writeNewLine();
          w.write("t", false);
          w.writeNewLine();
-         empty(w, {"e"}, attributes({{"a", "1", {}}}));
+         run(w, "/e[a=1]");
          w.writeNewLine();
-         w.writeElementEnd({"e"});
+         run(w, "-e");
      },
      "|c:\n|c: |b: a=\"1\"|c:\n|c: |s:t|c:\n|c: |s:<e|b: a=\"1\"|s:/>|c:\n|c: |s:</e>"},
     {"a simple element", [](QeXmlWriter& w) { w.writeSimpleElement("e", "a<b", "", false); },
@@ -74,10 +63,10 @@ const CallCase Calls[] = {
      "|s:<flag|s:/>|c:\n"},
     {"a simple element inside another, and behind it",
      [](QeXmlWriter& w) {
-         start(w, {"e", NsU});
-         w.writeSimpleElement(QeXmlName("f", NsU), "1", "", false);
-         w.writeSimpleElement(QeXmlName("g", NsU), "", "", false);
-         empty(w, {"h", NsU});
+         run(w, "+{u}p:e");
+         w.writeSimpleElement(nameOf("{u}p:f"), "1", "", false);
+         w.writeSimpleElement(nameOf("{u}p:g"), "", "", false);
+         run(w, "/{u}p:h");
      },
      "|s:<p:e|b: xmlns:p=\"u\"|s:>|s:<p:f|s:>|b:1|s:</p:f>|c:\n|s:<p:g|s:/>|c:\n|s:<p:h|s:/>"},
     {"a simple element with a name that looks qualified",
@@ -181,20 +170,20 @@ TEST(XmlWriter, CopiesShareNothing) {
     LoggingWriter original;
     original.setCurrentIndent(1);
     original.setSizeOfIndent(4);
-    start(original, {"e", NsU});
+    run(original, "+{u}p:e");
     original.writeNewLine();
 
     LoggingWriter copy(original), assigned;
     assigned = original;
-    original.writeElementEnd({"e", NsU});
+    run(original, "-{u}p:e");
     for (LoggingWriter* writer : {&copy, &assigned}) {
         writer->calls.clear();
         EXPECT_EQ(writer->getSizeOfIndent(), 4);
-        empty(*writer, {"f", NsU});
+        run(*writer, "/{u}p:f");
         EXPECT_EQ(writer->calls, "|c: |s:<p:f|s:/>");
     }
     original.output.clear();
-    empty(original, {"g", NsU});
+    run(original, "/{u}p:g");
     EXPECT_EQ(original.output, "<p:g xmlns:p=\"u\"/>");
 }
 
@@ -207,17 +196,9 @@ TEST(XmlWriter, CountsACallThatFailsAsNotMade) {
         const char* after;  // the start of a child in namespace u, then of its parent's sibling
     };
     constexpr FailureCase Failures[] = {
-        {"start",
-         [](QeXmlWriter& w) {
-             start(w, {"e", NsU}, attributes({{"a", "1", {}}}));
-         },
-         "<p:f/></p:e><p:g xmlns:p=\"u\"/>"},
-        {"empty",
-         [](QeXmlWriter& w) {
-             empty(w, {"e", NsU}, attributes({{"a", "1", {}}}));
-         },
-         "<p:f xmlns:p=\"u\"/></p:e><p:g xmlns:p=\"u\"/>"},
-        {"simple", [](QeXmlWriter& w) { w.writeSimpleElement(QeXmlName("e", NsU), "text", "t", true); },
+        {"start", [](QeXmlWriter& w) { run(w, "+{u}p:e[a=1]"); }, "<p:f/></p:e><p:g xmlns:p=\"u\"/>"},
+        {"empty", [](QeXmlWriter& w) { run(w, "/{u}p:e[a=1]"); }, "<p:f xmlns:p=\"u\"/></p:e><p:g xmlns:p=\"u\"/>"},
+        {"simple", [](QeXmlWriter& w) { w.writeSimpleElement(nameOf("{u}p:e"), "text", "t", true); },
          "<p:f xmlns:p=\"u\"/></p:e><p:g xmlns:p=\"u\"/>"},
     };
     for (const auto& [reason, write, after] : Failures) {
@@ -238,9 +219,7 @@ TEST(XmlWriter, CountsACallThatFailsAsNotMade) {
             }
             writer.callsUntilFailure = -1;
             writer.output.clear();
-            empty(writer, {"f", NsU});
-            writer.writeElementEnd({"e", NsU});
-            empty(writer, {"g", NsU});
+            run(writer, "/{u}p:f -{u}p:e /{u}p:g");
             EXPECT_EQ(writer.output.substr(writer.output.find('<')), after);
             if (!failed) break;
         }
@@ -249,13 +228,11 @@ TEST(XmlWriter, CountsACallThatFailsAsNotMade) {
 
 TEST(XmlWriter, KeepsAnElementOpenWhoseEndFailed) {
     LoggingWriter writer;
-    start(writer, {"e", NsU});
+    run(writer, "+{u}p:e");
     writer.callsUntilFailure = 0;
-    EXPECT_THROW(writer.writeElementEnd({"e", NsU}), std::runtime_error);
+    EXPECT_THROW(run(writer, "-{u}p:e"), std::runtime_error);
     writer.output.clear();
-    empty(writer, {"f", NsU});
-    writer.writeElementEnd({"e", NsU});
-    empty(writer, {"g", NsU});
+    run(writer, "/{u}p:f -{u}p:e /{u}p:g");
     EXPECT_EQ(writer.output, "<p:f/></p:e><p:g xmlns:p=\"u\"/>");
 }
 
@@ -294,7 +271,7 @@ private:
 
 TEST(XmlWriter, MayBeCalledByItsSink) {
     NestingWriter writer;
-    empty(writer, {"e", NsU}, attributes({{"a", "a-value-of-more-than-23-bytes", {"m", "w"}}}));
+    run(writer, "/{u}p:e[{w}m:a=a-value-of-more-than-23-bytes]");
     const QeCString nested =
         "<r:an-element-name-that-needs-the-heap q:an-attribute-name-that-needs-the-heap=\"1\" "
         "xmlns:q=\"another-uri-that-needs-the-heap\" xmlns:r=\"v\"/>";
@@ -303,33 +280,14 @@ TEST(XmlWriter, MayBeCalledByItsSink) {
 }
 
 TEST(XmlWriter, OffersTheseConstants) {
-    struct ConstantCase {
-        const QeCString& constant;
-        const char* value;
-    };
-    const ConstantCase Constants[] = {
-        {QeXmlWriter::StartTag, "<"},
-        {QeXmlWriter::EndTag, ">"},
-        {QeXmlWriter::StartEndTag, "</"},
-        {QeXmlWriter::UnpairedTag, "/>"},
-        {QeXmlWriter::EqualToAndQuotes, "=\""},
-        {QeXmlWriter::Quotes, "\""},
-        {QeXmlWriter::MarkupLt, "&lt;"},
-        {QeXmlWriter::MarkupGt, "&gt;"},
-        {QeXmlWriter::MarkupAmpersand, "&amp;"},
-        {QeXmlWriter::MarkupQuotes, "&quot;"},
-        {QeXmlWriter::MarkupApos, "&apos;"},
-        {QeXmlWriter::MarkupCR, "&#xD;"},
-        {QeXmlWriter::XmlNamespaceTag, "xmlns"},
-        {QeXmlWriter::TrueValue, "1"},
-        {QeXmlWriter::FalseValue, "0"},
-        {QeXmlWriter::Blank, " "},
-        {QeXmlWriter::WhiteSpace, " "},
-        {QeXmlWriter::Colon, ":"},
-        {QeXmlWriter::Newline, "\n"},
-    };
-    for (const auto& [constant, value] : Constants)
-        EXPECT_EQ(constant, value);
+    using Writer = QeXmlWriter;
+    EXPECT_EQ(Writer::StartTag + "," + Writer::EndTag + "," + Writer::StartEndTag + "," + Writer::UnpairedTag + "," +
+                  Writer::EqualToAndQuotes + "," + Writer::Quotes + "," + Writer::MarkupLt + "," + Writer::MarkupGt +
+                  "," + Writer::MarkupAmpersand + "," + Writer::MarkupQuotes + "," + Writer::MarkupApos + "," +
+                  Writer::MarkupCR + "," + Writer::XmlNamespaceTag + "," + Writer::TrueValue + "," +
+                  Writer::FalseValue + "," + Writer::Blank + "," + Writer::WhiteSpace + "," + Writer::Colon + "," +
+                  Writer::Newline,
+              "<,>,</,/>,=\",\",&lt;,&gt;,&amp;,&quot;,&apos;,&#xD;,xmlns,1,0, , ,:,\n");
 }
 
 }  // namespace

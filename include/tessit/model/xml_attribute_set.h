@@ -134,19 +134,19 @@ private:
     template <typename IsBefore, typename Matches>
     const QeXmlAttribute* findFirst(const IsBefore& isBefore, const Matches& matches) const noexcept;
 
-    void lookAtOrder() noexcept;
-    void lookAtLocalNames() noexcept;
+    TESSIT_NO_EXPORT void lookAtOrder() noexcept;
+    TESSIT_NO_EXPORT void lookAtLocalNames() noexcept;
 
-    void addToFew(const QeXmlName& name, const QeCString& value);
+    TESSIT_NO_EXPORT void addToFew(const QeXmlName& name, const QeCString& value);
 
     // Adds an attribute behind all others.
-    void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
+    TESSIT_NO_EXPORT void append(const QeCString& localName, const QeXmlNamespace& ns, const QeCString& value);
 
     // Whether the names stand in order, each once.
-    bool isStrictlySorted() const noexcept;
+    TESSIT_NO_EXPORT bool isStrictlySorted() const noexcept;
 
     // Assignment that keeps the strings of the slots. After a throw, the set is empty.
-    void assignInPlace(const QeXmlAttributeSet& other);
+    TESSIT_NO_EXPORT void assignInPlace(const QeXmlAttributeSet& other);
 
     QeSlotArray<QeXmlAttribute> attributes;
     bool knownSorted = true;

@@ -86,27 +86,28 @@ private:
     // Where a lookup begins: with the innermost scope, or with the one around it.
     enum class From : unsigned char { Innermost, AroundInnermost };
 
-    const QeXmlNamespace* findPrefix(std::string_view prefix, From from = From::Innermost) const noexcept;
-    const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
+    TESSIT_NO_EXPORT const QeXmlNamespace* findPrefix(std::string_view prefix,
+                                                      From from = From::Innermost) const noexcept;
+    TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
 
     template <typename Matches>
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
-    void addBinding(std::string_view prefix, std::string_view uri);
+    TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri);
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
-    void popScopeInto(QeXmlNamespaceStack& closed);
-    void takeScope(DeclaringScope& scope) noexcept;
+    TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);
+    TESSIT_NO_EXPORT void takeScope(DeclaringScope& scope) noexcept;
     void clear() noexcept {
         if (depth != 0) dropAll();
     }
 
     void dropAll() noexcept;
     void dropBindings() noexcept;
-    void forgetInnermost() noexcept;
-    void makeRoomInIndex();
-    void buildIndex();
-    void clearIndex() noexcept;
+    TESSIT_NO_EXPORT void forgetInnermost() noexcept;
+    TESSIT_NO_EXPORT void makeRoomInIndex();
+    TESSIT_NO_EXPORT void buildIndex();
+    TESSIT_NO_EXPORT void clearIndex() noexcept;
 
     std::size_t depth = 0;
     QeSlotArray<DeclaringScope> declaring;  // outermost first

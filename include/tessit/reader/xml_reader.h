@@ -39,7 +39,9 @@ class OpenElements;
 /// largest text, the largest tags of up to 17 names, and a few bytes per open
 /// element that declares namespaces. One thread at a time; no two readers share
 /// anything.
-class TESSIT_API QeXmlReader {
+//
+// Exported member by member: most of what is private is a matter of the library alone.
+class QeXmlReader {
 public:
     enum NodeType {
         ElementStart = 0,  ///< a start tag
@@ -50,68 +52,69 @@ public:
     };
 
     /// The empty name: asks `readElement` for any element.
-    static const QeXmlName NullName;
+    TESSIT_API static const QeXmlName NullName;
 
     /// Reads the stream to its end, into memory of the reader's own. A stream that
     /// cannot be read counts as empty.
-    explicit QeXmlReader(std::istream& in);
+    TESSIT_API explicit QeXmlReader(std::istream& in);
 
     /// Reads a copy of the text.
-    explicit QeXmlReader(const QeCString& document);
+    TESSIT_API explicit QeXmlReader(const QeCString& document);
 
     /// Reads `length` bytes in place: nothing is copied, written, or read outside
     /// them. They must stay alive and unchanged as long as the reader, unless the
     /// document had to be converted to UTF-8. A null pointer stands for no bytes.
-    QeXmlReader(unsigned char* bytes, unsigned int length);
+    TESSIT_API QeXmlReader(unsigned char* bytes, unsigned int length);
 
     /// The same for bytes of any number that are constant.
-    explicit QeXmlReader(std::span<const unsigned char> document);
+    TESSIT_API explicit QeXmlReader(std::span<const unsigned char> document);
 
     QeXmlReader(const QeXmlReader&) = delete;
     QeXmlReader& operator=(const QeXmlReader&) = delete;
-    ~QeXmlReader();
+    TESSIT_API ~QeXmlReader();
 
-    // --- Demanding what comes next.
-    //
-    // Text, comments and processing instructions in front of the tag are passed
-    // over; the text is left in `getLastContent()`. The node that turns out wrong
-    // has been consumed when the error is thrown.
-    //
-    // An expected name matches when local name and URI are those of the tag;
-    // prefixes do not count. A `QeXmlName` whose URI is empty stands for the URI
-    // that its prefix has inside the tag, the tag's own declarations included. A
-    // name given as a string means what it would mean written in front of the tag
-    // that it is held against: before a start tag without that tag's own
-    // declarations (unless its prefix is bound by them alone), before an end tag
-    // with those of the element that closes. It may be a reference that the reader
-    // returned: what it shows at the call counts.
+    /// @name Demanding what comes next
+    ///
+    /// Text, comments and processing instructions in front of the tag are passed
+    /// over; the text is left in `getLastContent()`. The node that turns out wrong
+    /// has been consumed when the error is thrown.
+    ///
+    /// An expected name matches when local name and URI are those of the tag;
+    /// prefixes do not count. A `QeXmlName` whose URI is empty stands for the URI
+    /// that its prefix has inside the tag, the tag's own declarations included. A
+    /// name given as a string means what it would mean written in front of the tag
+    /// that it is held against: before a start tag without that tag's own
+    /// declarations (unless its prefix is bound by them alone), before an end tag
+    /// with those of the element that closes. It may be a reference that the reader
+    /// returned: what it shows at the call counts.
+    /// @{
 
     /// Takes the next tag, which must open an element; else "Couldn't find start tag".
-    void readElementStart();
+    TESSIT_API void readElementStart();
 
     /// Takes the next tag, which must open the element of that name; else "Expected
     /// NAME, found NAME". Returns its attributes, as `getLastAttributes()`.
-    const QeXmlAttributeSet& readElementStart(const QeXmlName& name);
-    const QeXmlAttributeSet& readElementStart(const QeCString& qname);
+    TESSIT_API const QeXmlAttributeSet& readElementStart(const QeXmlName& name);
+    TESSIT_API const QeXmlAttributeSet& readElementStart(const QeCString& qname);
 
     /// Takes the next tag, which must close an element; else "Couldn't find end
     /// tag". Right after an empty-element tag, that tag is its own end.
-    void readElementEnd();
+    TESSIT_API void readElementEnd();
 
     /// The same, and the name must be that one: `QeXmlName` equality for a name.
-    void readElementEnd(const QeXmlName& name);
-    void readElementEnd(const QeCString& qname);
+    TESSIT_API void readElementEnd(const QeXmlName& name);
+    TESSIT_API void readElementEnd(const QeCString& qname);
 
     /// Takes the text up to the next tag and returns it, as `getLastContent()`;
     /// empty when a tag comes at once. When the next tag was looked at already, the
     /// text in front of it is returned and the tag counts as taken.
-    const QeCString& readElementValue();
+    TESSIT_API const QeCString& readElementValue();
 
     /// Whether the next tag opens an element of that name. Scans up to that tag at
     /// most once: the tag stays pending, and the next reading call takes it. Right
     /// after an empty-element tag nothing is scanned, and the answer is about it.
-    bool isElementNext(const QeXmlName& name);
-    bool isElementNext(const QeCString& qname);
+    TESSIT_API bool isElementNext(const QeXmlName& name);
+    TESSIT_API bool isElementNext(const QeCString& qname);
 
     /// Takes a whole element and returns its markup as it stands in the document
     /// (as UTF-8), with what was passed over in front of it. `NullName`, or a string
@@ -125,15 +128,17 @@ public:
     /// values as stored, a space behind the name and behind each value.
     /// An empty-element tag is taken without its end, as by `readElementStart`:
     /// `readElementEnd` takes that. O(bytes of the element).
-    QeCString readElement(const QeXmlName& name);
-    QeCString readElement(const QeCString& qname);
+    TESSIT_API QeCString readElement(const QeXmlName& name);
+    TESSIT_API QeCString readElement(const QeCString& qname);
 
-    // --- Node by node.
+    /// @}
+    /// @name Node by node
+    /// @{
 
     /// Scans the next node, whatever it is; `getLastNodeType()` tells. Tags are not
     /// checked to pair up. At the end of the input throws "Premature EOF": test
     /// `eof()` first.
-    void readNextNode();
+    TESSIT_API void readNextNode();
 
     /// Whether the document is exhausted. Outside the root element skips whitespace first.
     bool eof() noexcept {
@@ -153,7 +158,9 @@ public:
     /// them, sorted by local name, then by prefix as written.
     const QeXmlAttributeSet& getLastAttributes() const noexcept { return lastAttributes; }
 
-    // --- Namespaces.
+    /// @}
+    /// @name Namespaces
+    /// @{
 
     /// Binds a prefix for the element that is open, until it ends; before the first
     /// start tag, for the whole document. Names read from then on can resolve
@@ -172,7 +179,9 @@ public:
         return namespaceStack.getPrefixForURI(uri);
     }
 
-    // --- The XML declaration.
+    /// @}
+    /// @name The XML declaration
+    /// @{
 
     /// The version; empty when there is no declaration.
     const QeCString& getVersion() const noexcept { return version; }
@@ -187,7 +196,9 @@ public:
     bool hasEncoding() const noexcept { return encodingDeclared; }
     bool hasStandalone() const noexcept { return standaloneDeclared; }
 
-    // --- Options.
+    /// @}
+    /// @name Options
+    /// @{
 
     /// Whether references in attribute values are replaced by what they stand for
     /// (the default) or left as written. Applies to tags scanned from then on.
@@ -196,7 +207,9 @@ public:
 
     /// Throws `QeXmlParseError` with this text and the reader's present position;
     /// for callers who find the document wrong themselves. O(bytes read since the last error).
-    [[noreturn]] void err(const QeCString& message) const;
+    [[noreturn]] TESSIT_API void err(const QeCString& message) const;
+
+    /// @}
 
 private:
     friend class tessit::OpenElements;
@@ -293,7 +306,7 @@ private:
     [[noreturn]] void raiseTranscoding(const char* reason) const;
     [[noreturn]] void raise(const char* message) const;
     [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
-    [[noreturn]] void raiseEnd();
+    [[noreturn]] TESSIT_API void raiseEnd();
     char rd() {
         if (cursor == bufferEnd) raiseEnd();
         return *cursor++;
@@ -335,7 +348,7 @@ private:
     RawName readLongName();
     RawName readNameSlowly(const char* from, std::size_t localStart);
     const char* passCharacter(const char* at, std::uint32_t& codePoint);
-    void readS() noexcept;
+    TESSIT_API void readS() noexcept;
     std::string_view readReference(char (&encoded)[4]);
     std::string_view readNumericReference(std::string_view body, char (&encoded)[4]) const;
 

@@ -12,7 +12,8 @@
 /// since a month has no fixed number of days. Counts are 32 bits wide; what is
 /// larger becomes 4294967295. Nothing here throws over a value: a malformed text
 /// leaves a duration that says so in `isValid()`, and still compares and adds with
-/// the counts that it has.
+/// the counts that it has. Setting a count makes no invalid duration valid and
+/// changes no direction.
 ///
 /// A class may derive from this one and replace the virtual operations.
 class TESSIT_API QeXmlDuration {
@@ -42,7 +43,6 @@ public:
     unsigned long getMinutes() const noexcept { return minutes; }
     double getSeconds() const noexcept { return seconds; }
 
-    // None of these makes an invalid duration valid, or changes its direction.
     void setYears(unsigned long count) noexcept { years = toCount(count); }
     void setMonths(unsigned long count) noexcept { months = toCount(count); }
     void setDays(unsigned long count) noexcept { days = toCount(count); }
@@ -61,7 +61,7 @@ public:
     /// counts, so that -P1D and P1D are equal.
     virtual int compareTo(const QeXmlDuration& other);
 
-    // The same for constant objects, by the rule of this class.
+    /// The same for constant objects, by the rule of this class; so is the next.
     bool isEqual(const QeXmlDuration& other) const noexcept { return compareTo(other) == 0; }
     int compareTo(const QeXmlDuration& other) const noexcept;
 
@@ -73,15 +73,17 @@ public:
     /// Lenient: an empty text is the span of no length; bytes without a designator
     /// behind them are passed over at the end; a designator may be repeated, the
     /// last value counts. A field of more than 19 characters is an error. On an
-    /// error `isValid()` is false, and fields hold what was read. O(length), no
-    /// allocation.
+    /// error `isValid()` is false, and fields hold what was read. Seconds past the
+    /// range of a double (PT1e400S) are infinite, as `strtod` has them, and no error.
+    /// O(length), no allocation.
     virtual void extract(const QeCString& text);
 
     /// The span as a text that `extract` reads: all the fields of the date, and all
     /// those of the time unless they are 0 (P0Y0M1D, P0Y0M0DT1H0M6.5S). Seconds have
     /// at most six significant digits, and an exponent below 0.0001 and from a million
     /// on. `extract` reads all of these but negative exponents, whose minus sign ends a
-    /// duration. Empty when the duration is not valid. O(1).
+    /// duration, and infinite ones, which are written "inf". Empty when the duration is
+    /// not valid. O(1).
     virtual QeCString asString() const;
 
     /// Turns this very object round, and returns it.
@@ -96,8 +98,8 @@ public:
     /// Years and months are added first, and a day that the month found does not
     /// have becomes its last; then the rest is added, exactly. Digits of the seconds
     /// past the milliseconds are dropped from the sum. A result that the calendar
-    /// does not reach lies on its first or last day; no number of seconds counts
-    /// for more than 10^18. O(1).
+    /// does not reach is its first or last instant; seconds that are no number count
+    /// as 0. O(1).
     QeDateTime operator+(const QeDateTime& start) const;
 
 protected:
@@ -127,14 +129,14 @@ private:
 
     static std::uint32_t toCount(unsigned long count) noexcept;
 
-    bool take(Scan& scan, char byte) noexcept;
-    void takeDigitOrDesignator(Scan& scan, char byte) noexcept;
-    void verifyAndAssign(ParseState previous, ParseState current, bool seenP, bool seenT,
-                         std::string_view digits) noexcept;
-    void clear() noexcept;
-    std::uint32_t& countOf(ParseState field) noexcept;
-    bool hasTime() const noexcept;
-    double approximateSeconds() const noexcept;
+    TESSIT_NO_EXPORT bool take(Scan& scan, char byte) noexcept;
+    TESSIT_NO_EXPORT void takeDigitOrDesignator(Scan& scan, char byte) noexcept;
+    TESSIT_NO_EXPORT void verifyAndAssign(ParseState previous, ParseState current, bool seenP, bool seenT,
+                                          std::string_view digits) noexcept;
+    TESSIT_NO_EXPORT void clear() noexcept;
+    TESSIT_NO_EXPORT std::uint32_t& countOf(ParseState field) noexcept;
+    TESSIT_NO_EXPORT bool hasTime() const noexcept;
+    TESSIT_NO_EXPORT double approximateSeconds() const noexcept;
 
     std::uint32_t years = 0;
     std::uint32_t months = 0;

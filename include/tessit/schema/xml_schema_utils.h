@@ -6,17 +6,20 @@
 #include <tessit/schema/xml_duration.h>
 
 /// Helpers for values of XML Schema's types, all static.
+///
+/// The names are those of the attributes of the instance namespace, as
+/// `QeXmlNamespace::getXsi()` has it at the start of the program. They may be used
+/// before `main`.
+///
+/// `ConvertTypeToString` gives the lexical form of a value. `typeName` is the name
+/// of the schema type that it is written as; only the form of a date-time depends
+/// on it. No locale has a say.
 class TESSIT_API QeXmlSchemaUtils {
 public:
-    // The attributes of the instance namespace, as `QeXmlNamespace::getXsi()` has it
-    // at the start of the program. They may be used before `main`.
     static const QeXmlName XsiTypeAttributeName;                       ///< xsi:type
     static const QeXmlName XsiNilAttributeName;                        ///< xsi:nil
     static const QeXmlName XsiSchemaLocationAttributeName;             ///< xsi:schemaLocation
     static const QeXmlName XsiNoNamespaceSchemaLocationAttributeName;  ///< xsi:noNamespaceSchemaLocation
-
-    // The lexical form of a value. `typeName` is the name of the schema type that it
-    // is written as; only the form of a date-time depends on it. No locale has a say.
 
     /// The value itself.
     static QeCString ConvertTypeToString(const QeCString& value, const QeCString& typeName);
@@ -27,14 +30,17 @@ public:
     /// "1" or "0".
     static QeCString ConvertTypeToString(bool value, const QeCString& typeName);
 
-    // Decimal digits, with a minus sign when the value is negative.
+    /// Decimal digits, with a minus sign when the value is negative; so are those of the next three.
     static QeCString ConvertTypeToString(int value, const QeCString& typeName);
     static QeCString ConvertTypeToString(unsigned int value, const QeCString& typeName);
     static QeCString ConvertTypeToString(long value, const QeCString& typeName);
     static QeCString ConvertTypeToString(unsigned long value, const QeCString& typeName);
+    static QeCString ConvertTypeToString(long long value, const QeCString& typeName);
+    static QeCString ConvertTypeToString(unsigned long long value, const QeCString& typeName);
 
-    // As printf's "%e": 1.500000e+00. Seven significant digits; infinities and what
-    // is no number read "inf" and "nan", which XML Schema spells otherwise.
+    /// As printf's "%e": 1.500000e+00. Seven significant digits; infinities and what
+    /// is no number read "inf" and "nan", which XML Schema spells otherwise. A
+    /// `double` is written in the same way.
     static QeCString ConvertTypeToString(float value, const QeCString& typeName);
     static QeCString ConvertTypeToString(double value, const QeCString& typeName);
 

@@ -45,15 +45,19 @@ public:
     /// Patterns are ICU regular expressions; nothing depends on the locale. In the
     /// value, malformed UTF-8 counts as U+FFFD.
     ///
-    /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid or
-    /// malformed UTF-8 (the text names the pattern and, where it is known, the
-    /// place), when it is longer than 64 KiB, and when matching takes too many steps
-    /// or too much memory, as a pattern does that would take exponential time.
-    /// Patterns that begin with '^' mostly take time linear in the value. Others are
-    /// tried at each place of it: one that begins with a repetition takes quadratic
-    /// time where it does not match, and reaches the limit on values of some
-    /// thousand characters. The limits grow with the value, and allow 8 MiB and 128
-    /// bytes for each UTF-16 unit of it, up to 512 MiB, while matching.
+    /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid,
+    /// malformed UTF-8 or longer than 64 KiB (the text names the pattern and the
+    /// place), and when matching takes too many steps or too much memory.
+    ///
+    /// Matching takes time linear in the value, whatever the value is, for patterns
+    /// made of characters, sets, groups, alternatives, repetitions and anchors: there
+    /// is no error for these. Look-around, word boundaries, back references, atomic
+    /// groups, repetitions that give nothing back, flags (but "(?i)" and "(?s)" in
+    /// front) and more than a thousand characters and repetitions, counted with each
+    /// repetition written out, leave only backtracking, whose steps are limited: a
+    /// pattern that takes quadratic time reaches the limit on some thousand
+    /// characters. Backtracking takes up to 8 MiB and 128 bytes for each UTF-16 unit
+    /// of the value, at most 512 MiB.
     ///
     /// The last few patterns stay compiled, so that checking value after value
     /// against the same ones compiles nothing.
@@ -105,20 +109,20 @@ private:
     // The patterns that were checked last, compiled. Each validator has its own: a copy starts without any.
     class CompiledPatterns {
     public:
-        CompiledPatterns() noexcept;
-        CompiledPatterns(const CompiledPatterns&) noexcept;
+        TESSIT_NO_EXPORT CompiledPatterns() noexcept;
+        TESSIT_NO_EXPORT CompiledPatterns(const CompiledPatterns&) noexcept;
         CompiledPatterns& operator=(const CompiledPatterns&) noexcept { return *this; }
-        ~CompiledPatterns();
+        TESSIT_NO_EXPORT ~CompiledPatterns();
 
-        bool match(const QeCString& value, const QeCString& pattern);
+        TESSIT_NO_EXPORT bool match(const QeCString& value, const QeCString& pattern);
 
     private:
         class Cache;
         std::unique_ptr<Cache> cache;
     };
 
-    void recordFacet(const char* label, const QeCString& value, const QeCString& facetValue);
-    bool requireMatch(bool checked, bool matched, const char* label);
+    TESSIT_NO_EXPORT void recordFacet(const char* label, const QeCString& value, const QeCString& facetValue);
+    TESSIT_NO_EXPORT bool requireMatch(bool checked, bool matched, const char* label);
 
     QeCString name;
     std::vector<QeXmlSchemaError> errors;

@@ -126,6 +126,6 @@ public:
 private:
     class Comparison;
 
-    static bool verifyEmptyTag(QeXmlReader& reader, QeXmlReader& other);
-    static bool verifyEmptyData(QeXmlReader& reader, QeXmlReader& other);
+    TESSIT_NO_EXPORT static bool verifyEmptyTag(QeXmlReader& reader, QeXmlReader& other);
+    TESSIT_NO_EXPORT static bool verifyEmptyData(QeXmlReader& reader, QeXmlReader& other);
 };

@@ -26,10 +26,10 @@ public:
     /// Takes back the last byte written, if it is `byte`. O(1).
     void removeLastCharFromSink(char byte);
 
-    // Each of these has the strong guarantee, except that bytes may have moved from
-    // the buffer to the string. Amortised O(bytes). A full buffer is emptied through
-    // the slot of `flush`; where an override leaves it full, it is emptied all the same.
-
+    /// This and the next ones have the strong guarantee, except that bytes may have
+    /// moved from the buffer to the string. Amortised O(bytes). A full buffer is
+    /// emptied through the slot of `flush`; where an override leaves it full, it is
+    /// emptied all the same.
     void writeToSink(char byte) override;
     void writeToSink(const char* bytes, unsigned length) override;
 
@@ -44,7 +44,7 @@ private:
 
     static constexpr std::size_t BufferSize = 1024;
 
-    void emptyBuffer();
+    TESSIT_NO_EXPORT void emptyBuffer();
 
     // The output is `sinkText`, then the first `bufferedBytes` bytes of the buffer. Both can
     // change when a constant writer is asked for its length.

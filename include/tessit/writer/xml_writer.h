@@ -60,10 +60,11 @@ public:
     QeXmlWriter& operator=(const QeXmlWriter& other);
     virtual ~QeXmlWriter();
 
-    // --- Elements and text.
-    //
-    // Whatever these write first is preceded by the indentation, when it stands at
-    // the start of a line that `writeNewLine` has begun.
+    /// @name Elements and text
+    ///
+    /// Whatever these write first is preceded by the indentation, when it stands at
+    /// the start of a line that `writeNewLine` has begun.
+    /// @{
 
     /// Writes a start tag, or with `empty` an empty-element tag, and opens the
     /// element's scope. Attributes come in the set's order, their values escaped as
@@ -120,7 +121,9 @@ public:
     /// namespace for declared from then on.
     void addNamespace(const QeXmlNamespace& ns) { namespaces.addNamespace(ns); }
 
-    // --- Layout.
+    /// @}
+    /// @name Layout
+    /// @{
 
     /// Writes a line feed; what is written next is indented.
     void writeNewLine();
@@ -144,10 +147,12 @@ public:
     /// One step less; never below 0.
     void decrementIndent() noexcept;
 
-    // --- The sink: what a derived class supplies.
-    //
-    // Who overrides some overloads of `writeToSink` hides the others: bring them
-    // back with `using QeXmlWriter::writeToSink;`.
+    /// @}
+    /// @name The sink: what a derived class supplies
+    ///
+    /// Who overrides some overloads of `writeToSink` hides the others: bring them
+    /// back with `using QeXmlWriter::writeToSink;`.
+    /// @{
 
     /// Appends one byte. Line feeds and indentation come this way.
     virtual void writeToSink(char byte) = 0;
@@ -163,6 +168,8 @@ public:
 
     /// Makes what was written so far visible in the sink's result. The writer never calls it.
     virtual void flush() = 0;
+
+    /// @}
 
 private:
     // Storage that is kept from call to call. It is taken out while in use, so that
@@ -180,37 +187,39 @@ private:
 
     class Output;
 
-    QeCString* ownText();
-    static char* putString(char* to, const QeCString& text) noexcept;
-    static char* putName(char* to, const QeCString& prefix, const QeCString& localName) noexcept;
-    static char* putAttribute(char* to, const QeCString& prefix, const QeCString& localName, const QeCString& value,
-                              bool escape) noexcept;
+    TESSIT_NO_EXPORT QeCString* ownText();
+    TESSIT_NO_EXPORT static char* putString(char* to, const QeCString& text) noexcept;
+    TESSIT_NO_EXPORT static char* putName(char* to, const QeCString& prefix, const QeCString& localName) noexcept;
+    TESSIT_NO_EXPORT static char* putAttribute(char* to, const QeCString& prefix, const QeCString& localName,
+                                               const QeCString& value, bool escape) noexcept;
     template <typename Escapes>
-    static char* putEscaped(char* to, const QeCString& text) noexcept;
+    TESSIT_NO_EXPORT static char* putEscaped(char* to, const QeCString& text) noexcept;
 
     void indent();
-    void writeRepeated(char byte, int count);
-    void writeString(const QeCString& text);
-    void writeLongText(const QeCString& text);
-    void writePlain(const QeCString& text);
-    void writeTag(Tag kind, const QeXmlName& name);
-    void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
-    void writeAttributeSet(const QeXmlAttributeSet& attributes);
-    void writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName, const QeCString& value,
-                                 bool escape);
-    void writeToSinkInPieces(const char* bytes, std::size_t length);
+    TESSIT_NO_EXPORT void writeRepeated(char byte, int count);
+    TESSIT_NO_EXPORT void writeString(const QeCString& text);
+    TESSIT_NO_EXPORT void writeLongText(const QeCString& text);
+    TESSIT_NO_EXPORT void writePlain(const QeCString& text);
+    TESSIT_NO_EXPORT void writeTag(Tag kind, const QeXmlName& name);
+    TESSIT_NO_EXPORT void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT void writeAttributeSet(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT void writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName,
+                                                  const QeCString& value, bool escape);
+    TESSIT_NO_EXPORT void writeToSinkInPieces(const char* bytes, std::size_t length);
 
-    bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
-    bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
-    bool addNamespacesOf(const QeXmlAttributeSet& attributes);
-    std::span<const QeXmlNamespace> innermostBindings() const noexcept;
-    bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
-    void getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                                 QeXmlAttributeSet& completed);
-    void addMissingDeclarations(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                                QeXmlAttributeSet& completed);
-    void completeOutOfOrder(const QeXmlAttributeSet& attributes, const tessit::PlainAttributes& declarations,
-                            QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
+    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
+    TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT std::span<const QeXmlNamespace> innermostBindings() const noexcept;
+    TESSIT_NO_EXPORT bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
+    TESSIT_NO_EXPORT void getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
+                                                  const tessit::PlainAttributes& declarations,
+                                                  QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT void addMissingDeclarations(const QeXmlAttributeSet& attributes,
+                                                 const tessit::PlainAttributes& declarations,
+                                                 QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT void completeOutOfOrder(const QeXmlAttributeSet& attributes,
+                                             const tessit::PlainAttributes& declarations, QeXmlAttributeSet& completed);
 
     int currentIndent = 0;
     int indentSize = 2;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <deque>
+#include <forward_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +20,10 @@ namespace tessit {
 class OpenElements {
 public:
     /// From now on, the reader knows of the names.
-    explicit OpenElements(QeXmlReader& source) : reader(source) { reader.openElements = this; }
+    explicit OpenElements(QeXmlReader& source) : reader(source) {
+        names.reserve(16);
+        reader.openElements = this;
+    }
     ~OpenElements() { reader.openElements = nullptr; }
     OpenElements(const OpenElements&) = delete;
     OpenElements& operator=(const OpenElements&) = delete;
@@ -39,7 +42,7 @@ public:
 
     /// Copies the names that still stand in the document, which is about to go.
     void keepNames() {
-        std::string& copy = kept.emplace_back();
+        std::string& copy = kept.emplace_front();
         for (std::size_t i = keptCount; i < names.size(); ++i)
             copy += names[i];
         const char* at = copy.data();
@@ -48,7 +51,12 @@ public:
     }
 
 private:
-    bool isWrittenAlike() const noexcept { return sameBytes(names.back(), reader.lastNameWritten.raw); }
+    // The end of an element without children has the very name of its start, taken again.
+    bool isWrittenAlike() const noexcept {
+        const std::string_view name = reader.lastNameWritten.raw, innermost = names.back();
+        return name.size() == innermost.size() &&
+               (name.data() == innermost.data() || sameBytes(name.data(), innermost.data(), name.size()));
+    }
 
     // The prefixes may differ. Both names stand in the scope of the element that closes.
     bool isSameName() const {
@@ -62,7 +70,7 @@ private:
     QeXmlReader& reader;
     std::vector<std::string_view> names;  // outermost first
     std::size_t keptCount = 0;            // so many of them stand in `kept`
-    std::deque<std::string> kept;
+    std::forward_list<std::string> kept;
 };
 
 }  // namespace tessit

@@ -1,22 +1,25 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdint>
 
 #include <corvel/calendar.h>
 #include <tessit/schema/xml_duration.h>
 
-// Counts have 32 bits. The sums below are of a few of them and of years, and the
-// products multiply them by no more than 1000: 64 bits hold all of it.
-static_assert(sizeof(long) == 8);
+// Counts have 32 bits, years and the days of any number of seconds fewer than 51: 64
+// bits hold the sums of a few of them, where a `long` need not.
 
 namespace {
 
-constexpr double MaxSeconds = 1e18;
+// More than the calendar has, from its first day to its last.
+constexpr double MaxSeconds = 1e20;
+constexpr double SecondsInDay = 24 * 60 * 60;
 
-// What seconds add to a time. Whole seconds and milliseconds may have either sign.
+// What seconds add to a time: days and a rest of little more than one, each of either sign.
 struct Seconds {
-    long whole;
-    long milliseconds;
+    std::int64_t days;
+    std::int64_t seconds;
+    std::int64_t milliseconds;
 };
 
 // The part of `seconds` past the whole ones, in milliseconds. Few decimals have an
@@ -29,17 +32,20 @@ double fractionInMilliseconds(double seconds) {
 }
 
 // The sum of a time's second and a span, its milliseconds cut off towards zero.
-Seconds addSeconds(long second, double span) {
+Seconds addSeconds(int second, double span) {
     const double bounded = std::isnan(span) ? 0 : std::clamp(span, -MaxSeconds, MaxSeconds);
-    const long whole = second + static_cast<long>(bounded);
+    const double sum = second + std::trunc(bounded);
     const double fraction = fractionInMilliseconds(bounded);
-    const double kept = whole > 0 ? std::floor(fraction) : whole < 0 ? std::ceil(fraction) : std::trunc(fraction);
-    return {whole, static_cast<long>(kept)};
+    const double kept = sum > 0 ? std::floor(fraction) : sum < 0 ? std::ceil(fraction) : std::trunc(fraction);
+    const double days = std::trunc(bounded / SecondsInDay);
+    // Exact, whichever way the quotient was rounded.
+    const double rest = std::fma(-days, SecondsInDay, std::trunc(bounded));
+    return {static_cast<std::int64_t>(days), second + static_cast<std::int64_t>(rest), static_cast<std::int64_t>(kept)};
 }
 
 // Leaves 0 to size - 1 of `field`, and returns what it takes out of it, in units of `size`.
-long takeCarry(long& field, long size) {
-    const long carry = corvel::floorQuotient(field, size);
+std::int64_t takeCarry(std::int64_t& field, std::int64_t size) {
+    const std::int64_t carry = corvel::floorQuotient(field, size);
     field -= carry * size;
     return carry;
 }
@@ -51,27 +57,39 @@ long difference(long a, long b) {
 }
 
 long truncated(double value) {
+    constexpr double Limit = -static_cast<double>(LONG_MIN);
     if (std::isnan(value)) return 0;
-    if (value >= 0x1p63) return LONG_MAX;
-    return value < -0x1p63 ? LONG_MIN : static_cast<long>(value);
+    if (value >= Limit) return LONG_MAX;
+    return value < -Limit ? LONG_MIN : static_cast<long>(value);
+}
+
+QeDateTime lastInstant() {
+    return QeDateTime(QeDate(31, 12, QeDate::MaxYear), 23, 59, 59, 999, QeZone::utc());
+}
+
+QeDateTime firstInstant() {
+    return QeDateTime(QeDate(1, 1, -QeDate::MaxYear), 0, 0, 0, 0, QeZone::utc());
 }
 
 }  // namespace
 
 QeDateTime QeXmlDuration::operator+(const QeDateTime& start) const {
-    const long sign = negative ? -1 : 1;
-    long monthFrom0 = start.monthGMT() - 1 + sign * months;
-    const long year = start.yearGMT() + sign * years + takeCarry(monthFrom0, 12);
+    const std::int64_t sign = negative ? -1 : 1;
+    std::int64_t monthFrom0 = start.monthGMT() - 1 + sign * months;
+    const std::int64_t year = start.yearGMT() + sign * years + takeCarry(monthFrom0, 12);
     const int month = static_cast<int>(monthFrom0) + 1;
-    const int day = std::min(start.dayOfMonthGMT(), static_cast<int>(maxDaysInMonth(year, month)));
+    const int day = std::min(start.dayOfMonthGMT(), corvel::daysInMonth(year, month));
 
-    auto [second, millisecond] = addSeconds(start.second(), negative ? -seconds : seconds);
+    auto [daysOfSeconds, second, millisecond] = addSeconds(start.second(), negative ? -seconds : seconds);
     millisecond += start.milliSecond();
     second += takeCarry(millisecond, 1000);
-    long minute = start.minuteGMT() + sign * minutes + takeCarry(second, 60);
-    long hour = start.hourGMT() + sign * hours + takeCarry(minute, 60);
-    const long daysAfter = sign * days + takeCarry(hour, 24);
-    const QeDate date = QeDate::fromDayNumber(corvel::dayNumber({year, month, day}) + daysAfter);
+    std::int64_t minute = start.minuteGMT() + sign * minutes + takeCarry(second, 60);
+    std::int64_t hour = start.hourGMT() + sign * hours + takeCarry(minute, 60);
+    const std::int64_t daysAfter = sign * days + daysOfSeconds + takeCarry(hour, 24);
+
+    const std::int64_t number = corvel::dayNumber({year, month, day}) + daysAfter;
+    const QeDate date = QeDate::fromDayNumber(number);
+    if (date.dayNumber() != number) return number > 0 ? lastInstant() : firstInstant();
     return QeDateTime(date, static_cast<int>(hour), static_cast<int>(minute), static_cast<int>(second),
                       static_cast<int>(millisecond), QeZone::utc());
 }

@@ -20,6 +20,12 @@ bool startsNumber(std::string_view field, std::string_view firstBytes) noexcept 
     return !field.empty() && firstBytes.find(field.front()) != std::string_view::npos;
 }
 
+// What the C library reads for a number that is too large.
+template <typename Number>
+constexpr Number PastTheTop = std::numeric_limits<Number>::max();
+template <>
+constexpr double PastTheTop<double> = std::numeric_limits<double>::infinity();
+
 template <typename Number>
 FieldNumber<Number> readNumber(std::string_view field, std::string_view firstBytes) noexcept {
     const std::string_view digits = withoutBlanksAndPlus(field);
@@ -29,7 +35,7 @@ FieldNumber<Number> readNumber(std::string_view field, std::string_view firstByt
     const auto [stop, error] = std::from_chars(digits.data(), end, value);
     if (error == std::errc::invalid_argument) return {0, false, field};
     // No exponent is negative, since a minus sign ends a duration: so this is past the top.
-    if (error == std::errc::result_out_of_range) value = std::numeric_limits<Number>::max();
+    if (error == std::errc::result_out_of_range) value = PastTheTop<Number>;
     return {value, true, {stop, static_cast<std::size_t>(end - stop)}};
 }
 

@@ -19,7 +19,7 @@ struct FieldNumber {
 FieldNumber<std::uint32_t> readCount(std::string_view field) noexcept;
 
 /// A decimal number, with fraction and exponent or without; past the range of a
-/// double, the largest.
+/// double, infinity.
 FieldNumber<double> readSeconds(std::string_view field) noexcept;
 
 /// The bytes of one field of a duration, up to its designator.

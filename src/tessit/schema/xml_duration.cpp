@@ -68,7 +68,7 @@ QeXmlDuration::QeXmlDuration(const QeCString& text) {
 QeXmlDuration::~QeXmlDuration() = default;
 
 std::uint32_t QeXmlDuration::toCount(unsigned long count) noexcept {
-    return count > UINT32_MAX ? UINT32_MAX : static_cast<std::uint32_t>(count);
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(count, UINT32_MAX));  // a `long` may have 32 bits itself
 }
 
 void QeXmlDuration::clear() noexcept {

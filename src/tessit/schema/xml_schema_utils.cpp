@@ -63,6 +63,14 @@ QeCString QeXmlSchemaUtils::ConvertTypeToString(unsigned long value, const QeCSt
     return corvel::decimalText(value);
 }
 
+QeCString QeXmlSchemaUtils::ConvertTypeToString(long long value, const QeCString&) {
+    return corvel::decimalText(value);
+}
+
+QeCString QeXmlSchemaUtils::ConvertTypeToString(unsigned long long value, const QeCString&) {
+    return corvel::decimalText(value);
+}
+
 QeCString QeXmlSchemaUtils::ConvertTypeToString(float value, const QeCString&) {
     return exponentText(value);
 }

@@ -1,0 +1,82 @@
+// A program that uses the library from outside: exits with 0 when all of it works, and each error arrives as
+// what it is.
+
+#include <cstdio>
+#include <sstream>
+
+#include <tessit/tessit.h>
+
+namespace {
+
+bool readsWhatItWrote() {
+    QeXmlStringWriter writer;
+    const QeXmlName order("order", QeXmlNamespace("o", "urn:example:orders"));
+    writer.writeElementStart(order, QeXmlAttributeSet(), false);
+    writer.writeSimpleElement(QeXmlName("when"), "2003-05-20", "", false);
+    writer.writeElementEnd(order);
+
+    QeXmlReader reader(writer.getString());
+    reader.readElementStart(order);
+    reader.readElementStart("when");
+    return QeXmlUtils::convertISODateStringToDate(reader.readElementValue()) == QeDate(20, 5, 2003);
+}
+
+// ICU at work, which a static library leaves to the program to link.
+bool readsWindows1252() {
+    std::istringstream in("<?xml version='1.0' encoding='windows-1252'?><price>\x80</price>");
+    QeXmlReader reader(in);
+    reader.readElementStart("price");
+    return reader.readElementValue() == "\xE2\x82\xAC";
+}
+
+// Whether what `action` throws in the library is caught here by its class, and by each base that it has.
+template <typename Error, typename Base>
+bool throwsAs(void (*action)()) {
+    int caught = 0;
+    try {
+        action();
+    } catch (const Error&) {
+        ++caught;
+    }
+    try {
+        action();
+    } catch (const Base&) {
+        ++caught;
+    }
+    try {
+        action();
+    } catch (const Qexmsg&) {
+        ++caught;
+    }
+    return caught == 3;
+}
+
+bool catchesByType() {
+    return throwsAs<QeXmlParseError, std::domain_error>([] { QeXmlReader(QeCString("<a")).readNextNode(); }) &&
+           throwsAs<QeXmlLengthError, QeXmlError>([] { QeThrow(QeXmlLengthError(QeCString("too long"))); }) &&
+           throwsAs<QeValueError, std::invalid_argument>([] { QeDate(30, 2, 2003); }) &&
+           throwsAs<Qexmsg, Qexmsg>([] { QeXmlValidator("item").checkPattern("a", "("); }) &&
+           throwsAs<QeBoundsError, std::out_of_range>([] { static_cast<void>(QeCString("a")[1]); });
+}
+
+bool hasOneVersion() {
+    return tessit::version() == TESSIT_VERSION && std::string_view(tessit::versionString()) == TESSIT_VERSION_STRING;
+}
+
+bool report(const char* what, bool works) {
+    std::printf("%s: %s\n", what, works ? "works" : "FAILS");
+    return works;
+}
+
+}  // namespace
+
+int main() {
+    const bool works[] = {
+        report("reading what was written", readsWhatItWrote()),
+        report("reading windows-1252", readsWindows1252()),
+        report("catching errors by type", catchesByType()),
+        report("the version", hasOneVersion()),
+    };
+    for (const bool one : works)
+        if (!one) return 1;
+}
