@@ -1,5 +1,5 @@
-# What scripts/run, scripts/test, scripts/bench and .ci/run share; sourced by bash. Leaves the
-# shell strict and in the folder that it was in.
+# What the scripts and .ci/run share; sourced by bash. Leaves the shell strict and in the folder
+# that it was in.
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -8,6 +8,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(g++ cmake ninja-build libicu-dev libcli11-dev)
 test_packages=(libgtest-dev locales tzdata clang pkgconf dpkg-dev file)  # the last four: of what is installed
 check_packages=(clang-format clang-tidy doxygen)
+fuzz_packages=(clang libclang-rt-14-dev)
+coverage_packages=(gcovr)
 bench_packages=(libbenchmark-dev libpugixml-dev librapidxml-dev libexpat1-dev libxml2-dev libtinyxml2-dev
     libxerces-c-dev qt6-base-dev gnuplot-nox python3)
 

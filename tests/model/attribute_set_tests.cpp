@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <ctime>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -165,39 +164,6 @@ TEST(XmlAttributeSet, BehavesLikeALinearScanWhateverTheOrder) {
             ASSERT_EQ(constant.findNamespaceAttribute(each.getLocalName()), first) << "step " << step;
         }
     }
-}
-
-// In ascending order, and of one length, so that a comparison costs something.
-QeXmlName numbered(int number) {
-    return QeXmlName(QeCString(("a-local-name-that-fills-a-block-" + std::to_string(1'000'000 + number)).c_str()));
-}
-
-// None of these moves an attribute, so what they cost is comparisons. On a set whose order was broken for a while.
-TEST(XmlAttributeSet, NeverComparesQuadratically) {
-    const auto processorTime = [](int n) {
-        const std::clock_t start = std::clock();
-        QeXmlAttributeSet set;
-        for (int i = 0; i < 20; ++i)
-            set.add(numbered(i), "");
-        set.begin()->setName(numbered(n));
-        set.remove(set.begin());
-        for (int i = 20; i < n; ++i)
-            set.add(numbered(i), "");
-        for (int i = 1; i < n; ++i)
-            EXPECT_TRUE(set.contains(numbered(i)) &&
-                        std::as_const(set).findNamespaceAttribute(numbered(i).getLocalName())->getValue().empty());
-        for (int i = n; i-- > n / 2;)
-            set.remove(numbered(i));
-        while (set.size() > 0)
-            set.remove(set.end() - 1);
-        return static_cast<double>(std::clock() - start);
-    };
-    double few = processorTime(2000), many = processorTime(16'000);
-    for (int run = 0; run < 2; ++run) {
-        few = std::min(few, processorTime(2000));
-        many = std::min(many, processorTime(16'000));
-    }
-    EXPECT_LT(many, 24 * few);  // quadratic: 64 times
 }
 
 }  // namespace

@@ -54,7 +54,14 @@ TEST(XmlElementImp, KeepsNamespaceAndDeclarationsApart) {
     EXPECT_EQ(element.getNamespace().getURI(), "");
     EXPECT_EQ(list(element), "xmlns:p=v ");
     element.addNamespaceAttribute(NsU);
-    EXPECT_EQ(element.findNamespaceAttribute(QeXmlNamespace("a", "other")), element.attributesBegin());
+    const Element& constant = element;
+    for (const QeXmlNamespace& ns : {QeXmlNamespace("a", "other"), QeXmlNamespace("b", "")}) {
+        const QeXmlAttribute* const found = ns.getPrefix() == "a" ? element.attributesBegin() : element.attributesEnd();
+        EXPECT_EQ(element.findNamespaceAttribute(ns), found);
+        EXPECT_EQ(constant.findNamespaceAttribute(ns), found);
+        EXPECT_EQ(constant.findNamespaceAttribute(ns.getPrefix()), found);
+        EXPECT_EQ(constant.getAttributes().findNamespaceAttribute(ns), found);
+    }
     element.removeNamespaceAttribute(QeXmlNamespace("p", ""));
     EXPECT_EQ(list(element), "xmlns:a=u ");
     element.removeNamespaceAttribute("a");
@@ -106,6 +113,7 @@ TEST(XmlElementImp, FindsByNameWhateverTheValue) {
     EXPECT_EQ(element.findAttribute(other), element.attributesBegin());
     EXPECT_EQ(constant.findAttribute(other), constant.attributesBegin());
     EXPECT_EQ(constant.findAttribute(QeXmlName("absent")), constant.attributesEnd());
+    EXPECT_EQ(element.findAttribute(QeXmlName("absent")), element.attributesEnd());
     element.removeAttribute(QeXmlName("absent"));
     element.removeAttribute(other);
     EXPECT_EQ(list(element), "y=y ");

@@ -136,6 +136,10 @@ constexpr PullCase RawElements[] = {
      "<<<a>&lt;\r\n<![CDATA[]]><!-- c --></a>>>&lt;\r\n<![CDATA[]]><!-- c -->"},
     {"<a><b/><!-- c --></a>", "R", "<<<a><b/><!-- c --></a>>><b/>"},  // up to where the scan of the end began
     {"<a><b></a></b></a>", "R T", "<<<a><b></a>>><b> -b"},            // only names like its own count
+    {"<p:a xmlns:p='u' xmlns:q='v'><q:a></q:a></p:a>", "R F",
+     "<<<p:a xmlns:p='u' xmlns:q='v'><q:a></q:a></p:a>>><q:a></q:a> eof"},
+    {"<p:a xmlns:p='u'></b><x xmlns:p='u'></p:a>", "R F",  // bound anew, after an end too many
+     "<<<p:a xmlns:p='u'></b><x xmlns:p='u'></p:a>>></b><x xmlns:p='u'> eof"},
     {"<a x='1'><b/></a>", "R:b", "!1:10 Expected b, found a"},
     {"<r><p:a/></r>", "S R:p:", "S <<<p:a/>>>"},  // and so is a prefix that is not bound
     {"<a x='1'><b/>", "R:a", "!1:14 Premature EOF"},
@@ -145,8 +149,11 @@ constexpr PullCase RawElements[] = {
 };
 
 void check(std::span<const PullCase> cases) {
-    for (const auto& [xml, calls, results] : cases)
+    for (const auto& [xml, calls, results] : cases) {
         EXPECT_EQ(run(xml, calls), results) << xml << "\n" << calls;
+        if (std::string_view(results).find('!') != std::string_view::npos) continue;  // columns differ
+        EXPECT_EQ(run(withLongURIs(xml).c_str(), withLongURIs(calls).c_str()), withLongURIs(results)) << xml;
+    }
 }
 
 }  // namespace

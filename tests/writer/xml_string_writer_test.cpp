@@ -89,6 +89,7 @@ TEST(XmlStringWriter, SplitsWhatTheBytesSlotCannotCount) {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "takes half a gigabyte of the sanitizer's own memory";
 #endif
+    if (sizeof(std::size_t) == sizeof(unsigned)) GTEST_SKIP() << "no text is as long here";
     class Lengths : public QeXmlStringWriter {
     public:
         using QeXmlStringWriter::writeToSink;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -382,13 +383,14 @@ private:
     void takeNextNode();
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
-    std::string_view uriInsideTag(std::string_view prefix) const noexcept;
-    bool matchesStart(const ExpectedName& expected) const noexcept;
-    bool matchesEnd(const ExpectedName& expected) const noexcept;
+    const QeCString& uriInsideTag(std::string_view prefix) const noexcept;
+    bool matchesStart(const ExpectedName& expected);
+    bool matchesEnd(const ExpectedName& expected);
+    bool isLastUri(const QeCString& uri);
     const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
     void demandEnd(const ExpectedName& expected);
     bool startsNext(const ExpectedName& expected);
-    std::string_view uriOfExpected(const ExpectedName& expected) const noexcept;
+    const QeCString& uriOfExpected(const ExpectedName& expected) const noexcept;
     bool asksForAny(const ExpectedName& expected) const noexcept;
     QeCString readRawElement(const ExpectedName& expected);
     std::size_t skipToMatchingEnd(const RawCopy& copy);
@@ -437,6 +439,7 @@ private:
 
     WrittenName lastNameWritten;
     CachedPrefix prefixCache[16];
+    std::unique_ptr<tessit::LongUris> longUris;    // those that names were held against
     QeXmlName expectedName;                        // what the caller demands; working storage of one call
     RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
     tessit::OpenElements* openElements = nullptr;  // the names that the SAX parser keeps of this document

@@ -80,8 +80,10 @@ public:
 
     /// The span as a text that `extract` reads: all the fields of the date, and all
     /// those of the time unless they are 0 (P0Y0M1D, P0Y0M0DT1H0M6.5S). Seconds have
-    /// at most six significant digits; infinite ones are written "inf", which
-    /// `extract` does not read. Empty when the duration is not valid.
+    /// at most six significant digits, and an exponent below 0.0001 and from a million
+    /// on. `extract` reads all of these but negative exponents, whose minus sign ends a
+    /// duration, and infinite ones, which are written "inf". Empty when the duration is
+    /// not valid. O(1).
     virtual QeCString asString() const;
 
     /// Turns this very object round, and returns it.

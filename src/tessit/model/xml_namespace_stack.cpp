@@ -72,7 +72,9 @@ struct QeXmlNamespaceStack::Index {
             return scopes[place.scope].bindings[place.binding];
         }
 
-        std::size_t bucketIndex(std::uint64_t hash) const noexcept { return hash & (buckets.size() - 1); }
+        std::size_t bucketIndex(std::uint64_t hash) const noexcept {
+            return static_cast<std::size_t>(hash) & (buckets.size() - 1);
+        }
         std::size_t& bucketOf(std::uint64_t hash) noexcept { return buckets[bucketIndex(hash)]; }
 
         const Entry* findEntry(const Scopes& scopes, std::string_view wanted, std::uint64_t hash,

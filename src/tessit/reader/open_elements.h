@@ -33,7 +33,7 @@ public:
 
     /// Whether the last tag, an end tag, closes the innermost element: local name
     /// and URI are the same. If so, drops that element.
-    bool close() noexcept {
+    bool close() {
         if (names.empty() || !(isWrittenAlike() || isSameName())) return false;
         names.pop_back();
         keptCount = std::min(keptCount, names.size());
@@ -59,13 +59,12 @@ private:
     }
 
     // The prefixes may differ. Both names stand in the scope of the element that closes.
-    bool isSameName() const noexcept {
+    bool isSameName() const {
         const std::string_view name = names.back();
         const std::size_t colon = name.find(':');
         const std::string_view prefix = name.substr(0, colon == std::string_view::npos ? 0 : colon);
         const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
-        return reader.lastName.getLocalName() == local &&
-               reader.lastName.getNamespace().getURI() == reader.uriInsideTag(prefix);
+        return reader.lastName.getLocalName() == local && reader.isLastUri(reader.uriInsideTag(prefix));
     }
 
     QeXmlReader& reader;

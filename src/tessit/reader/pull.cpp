@@ -1,6 +1,7 @@
 // The pull interface: drives the scanner and holds the node that it finds against
 // what the caller expects.
 
+#include <tessit/model/long_uris.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/xml_reader.h>
@@ -10,12 +11,9 @@
 // the tag stands.
 struct QeXmlReader::ExpectedName {
     explicit ExpectedName(const QeXmlName& name)
-        : prefix(name.getNamespace().getPrefix()),
-          local(name.getLocalName()),
-          uri(name.getNamespace().getURI()),
-          isString(false) {}
+        : prefix(name.getNamespace().getPrefix()), local(name.getLocalName()), uri(&name.getNamespace().getURI()) {}
 
-    explicit ExpectedName(const QeCString& qname) : isString(true) {
+    explicit ExpectedName(const QeCString& qname) : uri(nullptr) {
         const std::string_view text(qname);
         const std::size_t colon = text.find(':');
         if (colon != std::string_view::npos) prefix = text.substr(0, colon);
@@ -31,14 +29,13 @@ struct QeXmlReader::ExpectedName {
 
     std::string_view prefix;
     std::string_view local;
-    std::string_view uri;  // of a name only
-    bool isString;
+    const QeCString* uri;  // of a name; null for a string
 };
 
 namespace {
 
-std::string_view uriOf(const QeXmlNamespace* binding) {
-    return binding == nullptr ? std::string_view() : std::string_view(binding->getURI());
+const QeCString& uriOf(const QeXmlNamespace* binding) {
+    return binding == nullptr ? QeXmlAttributeSet::EmptyString : binding->getURI();
 }
 
 }  // namespace
@@ -73,24 +70,24 @@ void QeXmlReader::lookAhead() {
 }
 
 // What a prefix is bound to inside the last tag, the tag's own declarations included.
-std::string_view QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
+const QeCString& QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
     if (const QeXmlNamespace* own = closedScope.findPrefix(prefix)) return own->getURI();
     return uriOf(namespaceStack.findPrefix(prefix));
 }
 
 // The URI of an expected name: a string has the one that its prefix has in front of the last tag, which opened an
 // element.
-std::string_view QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
-    if (!expected.isString) return expected.uri;
+const QeCString& QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
+    if (expected.uri != nullptr) return *expected.uri;
     using From = QeXmlNamespaceStack::From;
     const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
     return uriOf(namespaceStack.findPrefix(expected.prefix, infront));
 }
 
-bool QeXmlReader::matchesStart(const ExpectedName& expected) const noexcept {
+bool QeXmlReader::matchesStart(const ExpectedName& expected) {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view uri = uriOfExpected(expected);
-    return lastName.getNamespace().getURI() == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+    const QeCString& uri = uriOfExpected(expected);
+    return isLastUri(uri.empty() ? uriInsideTag(expected.prefix) : uri);
 }
 
 // Whether the name is the empty one, which asks for any element.
@@ -98,10 +95,19 @@ bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
     return expected.local.empty() && uriOfExpected(expected).empty();
 }
 
-bool QeXmlReader::matchesEnd(const ExpectedName& expected) const noexcept {
+bool QeXmlReader::matchesEnd(const ExpectedName& expected) {
     if (lastName.getLocalName() != expected.local) return false;
-    const std::string_view uri = expected.isString ? uriInsideTag(expected.prefix) : expected.uri;
-    return lastName.getNamespace().getURI() == uri;
+    return isLastUri(expected.uri == nullptr ? uriInsideTag(expected.prefix) : *expected.uri);
+}
+
+// Two long URIs of the document can differ in their last byte, and be compared for
+// every tag: each is looked at only once. The caller's own costs its length.
+bool QeXmlReader::isLastUri(const QeCString& uri) {
+    const QeCString& last = lastName.ns.uri;
+    const bool isShort = uri.length() < QeCString::LongLength || uri.length() != last.length();
+    if (isShort || &uri == &expectedName.ns.uri) return last == uri;
+    if (longUris == nullptr) longUris = std::make_unique<tessit::LongUris>();
+    return longUris->areEqual(last, uri);
 }
 
 void QeXmlReader::raiseMismatch(const ExpectedName& expected) const {
@@ -217,10 +223,12 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
     QeXmlAttributeSet attributes = std::move(lastAttributes);
     forgetSlots();
     std::size_t contentEnd = copy.length();
-    for (std::size_t level = 1;; contentEnd = copy.length()) {
+    for (std::ptrdiff_t level = 1;; contentEnd = copy.length()) {
         readNextNode();
-        if (lastNodeType == ElementStart && lastName == startName) ++level;
-        if (lastNodeType == ElementEnd && lastName == startName && --level == 0) break;
+        if (lastNodeType != ElementStart && lastNodeType != ElementEnd) continue;
+        if (lastName.localName != startName.localName || !isLastUri(startName.ns.uri)) continue;
+        level += lastNodeType == ElementStart ? 1 : -1;
+        if (level == 0) break;
     }
     lastAttributes = std::move(attributes);
     forgetSlots();

@@ -1,0 +1,171 @@
+// Attribute sets and namespace stacks filled by hand: what n operations cost grows
+// with n, give or take a logarithm. Adding attributes in any but ascending order
+// moves those behind, and is no part of this.
+
+#include <utility>
+#include <vector>
+
+#include <tessit/model/xml_attribute_set.h>
+#include <tessit/model/xml_namespace_stack.h>
+
+#include "cost/growth.h"
+
+using namespace tessit::test;
+
+namespace {
+
+using Texts = std::vector<QeCString>;
+
+Texts ascending(std::size_t count) {
+    Texts texts;
+    for (std::size_t i = 0; i < count; ++i)
+        texts.emplace_back(std::string_view(std::to_string(1'000'000 + i)));
+    return texts;
+}
+
+Texts odd(std::size_t count) {
+    Texts texts;
+    inOddOrder(count, [&](const std::string& number) { texts.emplace_back(std::string_view(number)); });
+    return texts;
+}
+
+Texts alike(std::size_t count) {
+    return Texts(count, "p");
+}
+
+// Names that have all but the last bytes in common.
+Texts longAndAlike(std::size_t count) {
+    Texts texts;
+    for (const QeCString& text : odd(count))
+        texts.push_back(QeCString(std::string_view(std::string(200, 'x'))) + text);
+    return texts;
+}
+
+QeXmlAttributeSet setOf(const Texts& names) {
+    QeXmlAttributeSet set;
+    for (const QeCString& name : names)
+        set.add(name, name);
+    return set;
+}
+
+void addAttributes(const Texts& names) {
+    ASSERT_EQ(setOf(names).size(), names.size());
+}
+
+void addAttributesAgain(const Texts& names) {
+    QeXmlAttributeSet set = setOf(names);
+    for (const QeCString& name : names)
+        set.add(name, "other");
+    ASSERT_EQ(set.size(), names.size());
+}
+
+void findAttributes(const Texts& names) {
+    const QeXmlAttributeSet set = setOf(names);
+    for (const QeCString& name : names)
+        ASSERT_TRUE(set.contains(name) && set.findNamespaceAttribute(name) != set.end());
+}
+
+void removeLastAttributes(const Texts& names) {
+    QeXmlAttributeSet set = setOf(names);
+    for (std::size_t left = names.size(); left-- > 0;)
+        set.remove(names[left]);
+    ASSERT_EQ(set.size(), 0u);
+}
+
+// None of these moves an attribute, though the set was out of order for a while.
+void useSetThatWasOutOfOrder(const Texts& names) {
+    QeXmlAttributeSet set;
+    for (std::size_t i = 0; i < 20; ++i)
+        set.add(names[i], "");
+    set.begin()->setName(names[20]);
+    set.remove(set.begin());
+    for (std::size_t i = 20; i < names.size(); ++i)
+        set.add(names[i], "");
+    for (std::size_t i = 1; i < names.size(); ++i)
+        ASSERT_TRUE(set.contains(names[i]) && std::as_const(set).findNamespaceAttribute(names[i])->getValue().empty());
+    while (set.size() > 0)
+        set.remove(set.end() - 1);
+}
+
+void copyAndCompareSets(const Texts& names) {
+    const QeXmlAttributeSet set = setOf(names), copy = set;
+    ASSERT_EQ(set.compareTo(copy), 0);
+}
+
+// Binds each text as a prefix to itself, a number of bindings to a scope.
+template <std::size_t BindingsOfAScope>
+QeXmlNamespaceStack stackOf(const Texts& texts) {
+    QeXmlNamespaceStack stack;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i % BindingsOfAScope == 0) stack.pushScope();
+        stack.addNamespace(QeXmlNamespace(texts[i], texts[i]));
+    }
+    return stack;
+}
+
+template <std::size_t BindingsOfAScope>
+void lookUpBindings(const Texts& texts) {
+    const QeXmlNamespaceStack stack = stackOf<BindingsOfAScope>(texts);
+    for (const QeCString& text : texts)
+        ASSERT_TRUE(stack.getURIForPrefix(text) == text && stack.getPrefixForURI(text) == text);
+}
+
+template <std::size_t BindingsOfAScope>
+void lookUpWhatIsUnbound(const Texts& texts) {
+    const QeXmlNamespaceStack stack = stackOf<BindingsOfAScope>(texts);
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        ASSERT_TRUE(stack.getURIForPrefix("none").empty() && stack.getPrefixForURI("none").empty());
+}
+
+// Opens and closes a scope over those that are there, each time with a lookup.
+void popScopes(const Texts& texts) {
+    QeXmlNamespaceStack stack = stackOf<2>(texts);
+    for (const QeCString& text : texts) {
+        stack.pushScope();
+        stack.addNamespace(QeXmlNamespace(text, "other"));
+        ASSERT_EQ(stack.getURIForPrefix(text), "other");
+        stack.popScope();
+    }
+    for (std::size_t left = texts.size(); left > 0; --left)
+        stack.popScope();
+    ASSERT_EQ(stack.namespacesBegin(), stack.namespacesEnd());
+}
+
+void openManyScopes(const Texts& texts) {
+    QeXmlNamespaceStack stack;
+    stack.addNamespace(QeXmlNamespace("p", "u"));
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        stack.pushScope();
+        ASSERT_EQ(stack.getURIForPrefix("p"), "u");
+    }
+}
+
+struct CostCase {
+    const char* name;
+    Texts (*texts)(std::size_t count);
+    void (*use)(const Texts& texts);
+};
+
+const CostCase Cases[] = {
+    {"AddAttributes", ascending, addAttributes},
+    {"AddAttributesAgain", ascending, addAttributesAgain},
+    {"FindAttributes", ascending, findAttributes},
+    {"RemoveLastAttributes", ascending, removeLastAttributes},
+    {"UseSetThatWasOutOfOrder", ascending, useSetThatWasOutOfOrder},
+    {"CopyAndCompareSets", ascending, copyAndCompareSets},
+    {"LookUpBindingsOfOneScope", odd, lookUpBindings<1'000'000>},
+    {"LookUpBindingsOfManyScopes", odd, lookUpBindings<1>},
+    {"LookUpLongBindings", longAndAlike, lookUpBindings<10>},
+    {"LookUpOnePrefixBoundInEachScope", alike, lookUpBindings<1>},
+    {"LookUpOnePrefixBoundAgainAndAgain", alike, lookUpBindings<1'000'000>},
+    {"LookUpWhatIsUnbound", odd, lookUpWhatIsUnbound<3>},
+    {"PopScopes", odd, popScopes},
+    {"OpenManyScopes", alike, openManyScopes},
+};
+
+}  // namespace
+
+TEST(Cost, OfTheModelGrowsWithTheNumber) {
+    for (const auto& [name, texts, use] : Cases)
+        expectLinearGrowth(name, 4'000, texts, use, [](const Texts& made) { return made.size(); });
+}

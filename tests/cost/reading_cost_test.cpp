@@ -1,0 +1,338 @@
+// Documents of each kind that someone could choose to hurt, read in each way: four
+// times the document takes about four times as long, whatever it is made of. Run
+// by hand, the program prints what a byte costs at both sizes.
+
+#include <sstream>
+
+#include <tessit/sax/xml_sax_parser.h>
+#include <tessit/utils/xml_utils.h>
+
+#include "cost/growth.h"
+#include "support/documents.h"
+
+using namespace tessit::test;
+
+namespace {
+
+using Text = std::string;
+
+// --- Ways to read. An error ends each of them, and is no matter.
+
+void walk(QeXmlReader& reader) {
+    while (!reader.eof())
+        reader.readNextNode();
+}
+
+void goOnAfterErrors(QeXmlReader& reader) {
+    while (!reader.eof()) {
+        try {
+            reader.readNextNode();
+        } catch (const QeXmlParseError&) {
+        }
+    }
+}
+
+// Holds two names against each tag before it is taken.
+template <typename Name>
+void demandElements(QeXmlReader& reader, const Name& name, const Name& otherName) {
+    for (;;) {
+        if (!reader.isElementNext(name)) reader.isElementNext(otherName);
+        reader.readNextNode();
+    }
+}
+
+void demand(QeXmlReader& reader) {
+    demandElements<QeCString>(reader, "a", "p:a");
+}
+
+void demandByName(QeXmlReader& reader) {
+    demandElements(reader, QeXmlName("a"), QeXmlName("a", QeXmlNamespace("p", "")));
+}
+
+void takeValues(QeXmlReader& reader) {
+    reader.readElementStart();
+    while (reader.isElementNext("a")) {
+        reader.readElementStart("a");
+        reader.readElementValue();
+        reader.readElementEnd("a");
+    }
+}
+
+void takeMarkup(QeXmlReader& reader) {
+    reader.readElement(QeXmlReader::NullName);
+}
+
+void takeMarkupOfChildren(QeXmlReader& reader) {
+    reader.readElementStart();
+    while (!reader.readElement(QeXmlReader::NullName).empty())
+        continue;
+}
+
+void takeMarkupAhead(QeXmlReader& reader) {
+    reader.readElementStart();
+    while (reader.isElementNext("a"))
+        reader.readElement(QeXmlReader::NullName);
+}
+
+void takeMarkupAtEachLevel(QeXmlReader& reader) {
+    for (;;) {
+        reader.readElementStart("a");
+        reader.readElement("b");
+    }
+}
+
+void findEachAttribute(QeXmlReader& reader) {
+    reader.readElementStart();
+    const QeXmlAttributeSet& attributes = reader.getLastAttributes();
+    for (const QeXmlAttribute& attribute : attributes) {
+        ASSERT_TRUE(attributes.contains(attribute));
+        ASSERT_NE(attributes.findNamespaceAttribute(attribute.getName().getLocalName()), attributes.end());
+    }
+}
+
+// Binds each attribute's name to its value, and looks both up.
+void bindEachAttribute(QeXmlReader& reader) {
+    reader.readElementStart();
+    for (const QeXmlAttribute& attribute : reader.getLastAttributes())
+        reader.addNamespace(QeXmlNamespace(attribute.getName().getLocalName(), attribute.getValue()));
+    for (const QeXmlAttribute& attribute : reader.getLastAttributes())
+        ASSERT_EQ(reader.getURIForPrefix(reader.getPrefixForURI(attribute.getValue())), attribute.getValue());
+}
+
+template <void (*read)(QeXmlReader&)>
+void inPlace(const Text& document) {
+    try {
+        QeXmlReader reader(std::span(reinterpret_cast<const unsigned char*>(document.data()), document.size()));
+        read(reader);
+    } catch (const QeXmlParseError&) {
+    }
+}
+
+void fromStream(const Text& document) {
+    std::istringstream in(document);
+    QeXmlReader reader(in);
+    walk(reader);
+}
+
+void parse(const Text& document) {
+    struct Handler final : QeXmlContentHandler {
+        void elementStart(const QeXmlName&, const QeXmlAttributeSet&) override {}
+        void elementEnd(const QeXmlName&) override {}
+        void content(const QeCString&) override {}
+    } handler;
+    QeXmlSAXParser parser;
+    parser.setContentHandler(&handler);
+    parser.parse(QeCString(std::string_view(document)), "");
+}
+
+void compareWithItself(const Text& document) {
+    const QeCString text{std::string_view(document)};
+    ASSERT_TRUE(QeXmlUtils::compareXml(text, text));
+}
+
+void changeName(const Text& document) {
+    QeXmlUtils::changeName(QeXmlName("n", QeXmlNamespace("p", "other")), QeCString(std::string_view(document)));
+}
+
+// --- Documents, by the number of their parts.
+
+// `before`NUMBER='NUMBER' for each of so many numbers.
+Text attributes(const Text& before, std::size_t count) {
+    Text text;
+    inOddOrder(count, [&](const Text& number) { text += before + number + "='" + number + "'"; });
+    return text;
+}
+
+// One part over and over, with something else in front and behind.
+template <Literal before, Literal part, Literal behind>
+Text runOf(std::size_t parts) {
+    return before.bytes + repeated(part.bytes, parts) + behind.bytes;
+}
+
+Text nested(std::size_t parts) {
+    return repeated("<a>", parts) + repeated("</a>", parts);
+}
+
+Text nestedWithDeclarations(std::size_t parts) {
+    Text text;
+    for (std::size_t i = 0; i < parts; ++i)
+        text += "<a xmlns:p" + std::to_string(i) + "='u'>";
+    return text + repeated("</a>", parts);
+}
+
+Text withAttributes(std::size_t parts) {
+    return "<r" + attributes(" a", parts) + "/>";
+}
+
+Text withDeclarations(std::size_t parts) {
+    return "<r" + attributes(" xmlns:p", parts) + "></r>";
+}
+
+Text usingDeclarations(std::size_t parts) {
+    Text text = "<r xmlns:p='u'" + attributes(" xmlns:p", parts) + ">";
+    inOddOrder(parts, [&](const Text& number) { text += "<p" + number + ":a/><p:a/>"; });
+    return text + "</r>";
+}
+
+Text usingDeclarationsInAttributes(std::size_t parts) {
+    Text text = "<r" + attributes(" xmlns:p", parts) + ">";
+    inOddOrder(parts, [&](const Text& number) { text += "<a p" + number + ":x=''/>"; });
+    return text + "</r>";
+}
+
+Text declaringTwentyEach(std::size_t parts) {
+    return "<r>" + repeated("<a" + attributes(" xmlns:p", 20) + "></a>", parts / 20) + "</r>";
+}
+
+// Two URIs that are nearly half of the document, and the same but for what is given.
+Text underLongURIs(const Text& end, const Text& otherEnd, const Text& part, std::size_t parts) {
+    const Text uri(4 * parts, 'u');
+    return "<a xmlns='" + uri + end + "' xmlns:p='" + uri + otherEnd + "'>" + repeated(part, parts / 2) + "</a>";
+}
+
+Text equalLongURIs(std::size_t parts) {
+    return underLongURIs("", "", "<a></a><p:a></p:a>", parts);
+}
+
+Text differentLongURIs(std::size_t parts) {
+    return underLongURIs("1", "2", "<a></a><p:a></p:a>", parts);
+}
+
+// End tags with another prefix than their start tags.
+Text changingPrefixes(std::size_t parts) {
+    return underLongURIs("", "", "<a></p:a><p:a></a>", parts);
+}
+
+Text nestedUnderLongURIs(std::size_t parts) {
+    return underLongURIs("1", "2", "<a><p:a></p:a></a>", parts);
+}
+
+Text attributesWithLongURI(std::size_t parts) {
+    return "<a xmlns:p='" + Text(4 * parts, 'u') + "'" + attributes(" p:a", parts / 4) + "/>";
+}
+
+Text tagsOfManyLongURIs(std::size_t parts) {
+    Text declarations, tag;
+    for (int i = 100; i < 120; ++i) {
+        const Text number = std::to_string(i);
+        declarations += " xmlns:p" + number + "='" + Text(parts / 2, 'u') + number + "'";
+        tag += " p" + number + ":a=''";
+    }
+    return "<r" + declarations + ">" + repeated("<a" + tag + "/>", parts / 20) + "</r>";
+}
+
+Text childrenOfAWideTag(std::size_t parts) {
+    return "<r" + attributes(" a", parts) + ">" + repeated("<a/>", parts) + "</r>";
+}
+
+Text errorsBehindALongText(std::size_t parts) {
+    return "<a>" + Text(400 * parts, 'x') + repeated("<1", parts) + "</a>";
+}
+
+constexpr auto Children = runOf<"<r>", "<a>t</a>", "</r>">;
+
+struct CostCase {
+    const char* name;
+    std::size_t parts;  // of the smaller document
+    Text (*document)(std::size_t parts);
+    void (*use)(const Text& document);
+};
+
+constexpr std::size_t Few = 1'000, Many = 4'000, VeryMany = 100'000;
+
+const CostCase Cases[] = {
+    {"WalkDepth", Many, nested, inPlace<walk>},
+    {"WalkDepthFromStream", Many, nested, fromStream},
+    {"ParseDepth", Many, nested, parse},
+    {"DemandDepth", Many, nested, inPlace<demand>},
+    {"TakeMarkupOfDepth", Many, nested, inPlace<takeMarkup>},
+    {"TakeMarkupAtEachLevel", Many, runOf<"", "<a><b>t</b>", "">, inPlace<takeMarkupAtEachLevel>},
+
+    {"WalkAttributes", Few, withAttributes, inPlace<walk>},
+    {"WalkRepeatedAttributes", Many, runOf<"<r", " a=''", "/>">, inPlace<walk>},
+    {"FindEachAttribute", Few, withAttributes, inPlace<findEachAttribute>},
+    {"BindEachAttribute", Few, withAttributes, inPlace<bindEachAttribute>},
+    {"TakeMarkupUnderAWideTag", Few, childrenOfAWideTag, inPlace<takeMarkupOfChildren>},
+
+    {"WalkDeclarations", Few, withDeclarations, inPlace<walk>},
+    {"WalkUsedDeclarations", Few, usingDeclarations, inPlace<walk>},
+    {"WalkDeclarationsUsedInAttributes", Few, usingDeclarationsInAttributes, inPlace<walk>},
+    {"DemandUnderDeclarations", Few, usingDeclarations, inPlace<demand>},
+    {"DemandByNameUnderDeclarations", Few, usingDeclarations, inPlace<demandByName>},
+    {"WalkNestedDeclarations", Few, nestedWithDeclarations, inPlace<walk>},
+    {"DemandNestedDeclarations", Few, nestedWithDeclarations, inPlace<demand>},
+    {"WalkTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<walk>},
+    {"DemandTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<demand>},
+
+    {"WalkEqualLongURIs", Many, equalLongURIs, inPlace<walk>},
+    {"WalkDifferentLongURIs", Many, differentLongURIs, inPlace<walk>},
+    {"DemandEqualLongURIs", Many, equalLongURIs, inPlace<demand>},
+    {"DemandDifferentLongURIs", Many, differentLongURIs, inPlace<demand>},
+    {"DemandByNameUnderLongURIs", Many, differentLongURIs, inPlace<demandByName>},
+    {"TakeMarkupUnderEqualLongURIs", Many, equalLongURIs, inPlace<takeMarkup>},
+    {"TakeMarkupUnderDifferentLongURIs", Many, differentLongURIs, inPlace<takeMarkup>},
+    {"TakeMarkupOfChildrenUnderLongURIs", Many, equalLongURIs, inPlace<takeMarkupOfChildren>},
+    {"ParseChangingPrefixes", Many, changingPrefixes, parse},
+    {"ParseUnderLongURIs", Many, nestedUnderLongURIs, parse},
+    {"WalkAttributesWithLongURI", Many, attributesWithLongURI, inPlace<walk>},
+    {"WalkTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<walk>},
+    {"CompareUnderLongURIs", Many, nestedUnderLongURIs, compareWithItself},
+
+    {"WalkOneLongReference", VeryMany, runOf<"<a>&#", "6", ";</a>">, inPlace<walk>},
+    {"WalkOneLongName", VeryMany, runOf<"<", "n", "/>">, inPlace<walk>},
+    {"WalkOneLongPrefix", VeryMany, runOf<"<", "n", ":n/>">, inPlace<walk>},
+    {"WalkColons", VeryMany, runOf<"<a", ":", "/>">, inPlace<walk>},
+    {"WalkGreaterSignsInASection", VeryMany, runOf<"<a><![CDATA[", ">", "]]></a>">, inPlace<walk>},
+    {"WalkGreaterSignsInAnInstruction", VeryMany, runOf<"<a><?p ", ">", "?></a>">, inPlace<walk>},
+    {"WalkHyphens", VeryMany, runOf<"<a><!--", "-x", "--></a>">, inPlace<walk>},
+    {"WalkBracketsInADoctype", VeryMany, runOf<"<!DOCTYPE a [", "[]", "]><a/>">, inPlace<walk>},
+    {"WalkBlanksBehindTheRoot", VeryMany, runOf<"<a/>", " ", "">, inPlace<walk>},
+    {"GoOnAfterErrors", Many, errorsBehindALongText, inPlace<goOnAfterErrors>},
+
+    {"WalkVersions", Many, runOf<"<a>", "<?xml version='1'?>", "</a>">, inPlace<walk>},
+    {"WalkChangesOfEncoding", Few,
+     runOf<"<a>", "\xE9<?xml version='1' encoding='ISO-8859-1'?><?xml version='1' encoding='latin2'?>", "</a>">,
+     inPlace<walk>},
+    {"WalkChangesOfEncodingAtOnce", Few,
+     runOf<"<a>\xE9<?xml version='1' ", "e       ='ISO-8859-1' e       ='latin2' ", "?></a>">, inPlace<walk>},
+    {"WalkOtherNamesOfTheEncoding", Few,
+     runOf<"<a>", "<?xml version='1' encoding='UTF-8'?><?xml version='1' encoding='utf-8'?>", "</a>">, inPlace<walk>},
+
+    {"TakeValues", Many, Children, inPlace<takeValues>},
+    {"TakeMarkupOfChildren", Many, Children, inPlace<takeMarkupOfChildren>},
+    {"TakeMarkupAhead", Many, Children, inPlace<takeMarkupAhead>},
+    {"Compare", Many, Children, compareWithItself},
+    {"CompareAttributes", Few, withAttributes, compareWithItself},
+
+    {"ChangeNameOverContent", VeryMany, runOf<"<a>", "<b/>", "</a>">, changeName},
+    {"ChangeNameOverAttributes", Many, runOf<"<a", " x='1'", "></a>">, changeName},
+    {"ChangeNameOverDeclarations", Few, withDeclarations, changeName},
+};
+
+// What runs are made of, and where they stand. Some of these are errors.
+constexpr std::string_view Parts[] = {"]",   "?",  "-",       "&",     "&amp;",        "&#x41;",
+                                      "&x;", "\r", "<!---->", "<?x?>", "<![CDATA[]]>", "a"};
+constexpr std::string_view Frames[] = {"<r>#</r>", "<r><![CDATA[#]]></r>", "<r><?pi #?></r>", "<r x='#'/>",
+                                       "<r#/>",    "<r><!--#--></r>"};
+
+std::size_t bytesOf(const Text& document) {
+    return document.size();
+}
+
+}  // namespace
+
+TEST(Cost, OfReadingGrowsWithTheDocument) {
+    for (const auto& [name, parts, document, use] : Cases)
+        expectLinearGrowth(name, parts, document, use, bytesOf);
+}
+
+TEST(Cost, OfLongRunsGrowsWithTheirLength) {
+    for (const std::string_view frame : Frames)
+        for (const std::string_view part : Parts) {
+            const auto document = [&](std::size_t count) {
+                return Text(frame).replace(frame.find('#'), 1, repeated(part, count));
+            };
+            expectLinearGrowth("Walk " + Text(frame) + " " + Text(part), VeryMany / part.size(), document,
+                               inPlace<walk>, bytesOf);
+        }
+}
