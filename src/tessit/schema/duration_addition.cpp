@@ -117,6 +117,6 @@ double QeXmlDuration::modulo(double a, double low, double high) const noexcept {
 unsigned long QeXmlDuration::maxDaysInMonth(long year, long month) const noexcept {
     // The calendar repeats itself after 400 years: far years add up without an overflow.
     const long yearInEra = year % 400 + quotient(month, 1, 13) % 400;
-    const long monthFrom0 = corvel::floorRemainder(month % 12 - 1, 12);
-    return static_cast<unsigned long>(corvel::daysInMonth(yearInEra, static_cast<int>(monthFrom0) + 1));
+    const auto monthFrom0 = static_cast<int>(corvel::floorRemainder(month % 12 - 1, 12));
+    return static_cast<unsigned long>(corvel::daysInMonth(yearInEra, monthFrom0 + 1));
 }
