@@ -36,7 +36,7 @@ class OpenElements;
 ///
 /// Reading a whole document of n bytes costs O(n) time in all, plus sorting the
 /// attributes of each tag, whatever the bytes; memory beyond the input is the
-/// largest text, the largest tags of up to 17 names, and a few bytes per open
+/// largest text, the largest tags of up to nine names, and a few bytes per open
 /// element that declares namespaces. One thread at a time; no two readers share
 /// anything.
 //
@@ -430,7 +430,7 @@ private:
     // What the tags that are read are expected to hold, by the name of the element;
     // `shape` is that of the last tag with attributes. `shapeNext` is the next
     // attribute of it, or null once one came that differs.
-    static constexpr std::size_t ShapeCount = 16;
+    static constexpr std::size_t ShapeCount = 8;
     TagShape firstShape;           // of tags that are the first of their name
     std::uint32_t shapesSeen = 0;  // a bit each
     std::vector<TagShape> shapes;

@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::string_view Xmlns = "xmlns";
 
+// Room that a shape gets at once, so that growing attribute by attribute does not allocate each time.
+constexpr std::size_t LeastSlots = 4;
+
 // What names without a namespace are resolved to: its prefix and URI are empty.
 constinit const QeXmlNamespace NoNamespace;
 
@@ -164,7 +167,9 @@ void QeXmlReader::writeAttributes(std::span<const Ordered> ordered) {
 
 // Gives the set that many attributes, with what earlier tags left in them.
 void QeXmlReader::openSlots(std::size_t count) {
-    if (shape->written.size() < count) shape->written.resize(count);
+    const std::size_t slots = std::max(count, LeastSlots);
+    if (shape->written.size() < count) shape->written.resize(slots);
+    lastAttributes.attributes.reserveSlots(slots);
     lastAttributes.attributes.takeSlots(count);
     lastAttributes.knownSorted = false;  // where local names are equal, sorted by prefix, not by URI
 }
@@ -184,6 +189,7 @@ void QeXmlReader::learnShape(std::span<const Ordered> ordered) {
     const std::size_t count = ordered.size();
     shape->attributes.clear();
     if (count > MostAttributes || namespaceStack.innermostDeclares()) return;
+    shape->attributes.reserve(std::max(count, LeastSlots));
     shape->attributes.resize(count);
     for (std::size_t slot = 0; slot < count; ++slot)
         shape->attributes[static_cast<std::size_t>(ordered[slot].attribute - rawAttributes.data())] = {
