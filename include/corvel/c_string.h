@@ -29,6 +29,9 @@ class LongUris;
 /// it was. Arguments may point into the string itself. A NUL-terminated text that
 /// is stored, appended or tested for equality may be a null pointer, which counts
 /// as the empty text. One thread at a time.
+///
+/// Accessors, single bytes and moves are O(1). Copies, assignments, comparisons and
+/// hashes are O(length); two strings of different lengths are found unequal in O(1).
 class TESSIT_API QeCString {
 public:
     /// Which ends of a text to strip: a set of two bits, of which any other bits are no part.
@@ -148,13 +151,13 @@ public:
     void assign(std::string_view text) { assign(text.data(), text.size()); }
     void assign(const char* text) { assign(viewOf(text)); }
 
-    /// Empties the text and keeps its storage.
+    /// Empties the text and keeps its storage. O(1).
     void clear() noexcept {
         if (isShared()) return dropBlock();
         truncate(0);
     }
 
-    /// Shortens the text to `length` bytes; does nothing when it is not longer.
+    /// Shortens the text to `length` bytes; does nothing when it is not longer. O(1).
     void truncate(std::size_t newLength) noexcept {
         if (newLength < length()) setLength(newLength);  // shared texts are only assigned to and cleared
     }
@@ -168,7 +171,8 @@ public:
     /// How many bytes the text can have before it needs another block.
     std::size_t capacity() const noexcept { return isInline() ? InlineCapacity : heapCapacity(); }
 
-    /// Makes room for `length` bytes in all, so that growing up to them allocates nothing.
+    /// Makes room for `length` bytes in all, so that growing up to them allocates
+    /// nothing. O(length of the text) where it moves, else O(1).
     void reserve(std::size_t length);
 
     /// Appends bytes. Amortised O(bytes).
@@ -198,6 +202,7 @@ public:
         return *this;
     }
 
+    /// Both texts, one behind the other. O(bytes of both).
     friend QeCString operator+(const QeCString& left, std::string_view right) { return concatenate(left, right); }
     friend QeCString operator+(const QeCString& left, const QeCString& right) { return concatenate(left, right); }
     friend QeCString operator+(const QeCString& left, const char* right) { return concatenate(left, viewOf(right)); }
@@ -213,14 +218,14 @@ public:
     /// `npos`. O(length * length of `set`).
     std::size_t findFirstOf(std::string_view set, std::size_t from = 0) const noexcept;
 
-    /// A view of up to `length` bytes from `position`; empty past the end. As long-lived as `data()`.
+    /// A view of up to `length` bytes from `position`; empty past the end. As long-lived as `data()`. O(1).
     std::string_view substring(std::size_t position, std::size_t count = npos) const noexcept {
         const std::size_t end = length();
         if (position > end) position = end;
         return {data() + position, count < end - position ? count : end - position};
     }
 
-    /// Turns a to z into A to Z, whatever the locale; other bytes stay.
+    /// Turns a to z into A to Z, whatever the locale; other bytes stay. O(length).
     void toUpper();
 
     /// Replaces the text by all that is left in `in`, byte for byte, and sets the
@@ -229,7 +234,8 @@ public:
     /// as it was. O(bytes read).
     void readFile(std::istream& in);
 
-    /// A negative number, 0 or a positive number: bytes as unsigned, a proper prefix first.
+    /// A negative number, 0 or a positive number: bytes as unsigned, a proper prefix
+    /// first. O(length of the shorter text).
     int compare(std::string_view other) const noexcept {
         const std::string_view text(*this);
         if (text.empty() || other.empty() || text[0] == other[0]) return text.compare(other);
@@ -248,6 +254,8 @@ public:
         return left.compare(right) <=> 0;
     }
 
+    /// Writes the bytes, padded as the stream asks for. What the stream is told to
+    /// throw passes through. O(length).
     friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
 
 private:

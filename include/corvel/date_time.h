@@ -50,7 +50,7 @@ public:
 
     /// Date and time as ISO 8601 writes them: a comma and the fraction of the
     /// second, without trailing zeros, when there is one; then the zone. A year has
-    /// at least four digits, and a minus sign before the year 0.
+    /// at least four digits, and a minus sign before the year 0. O(1).
     QeCString asString(Format format, const QeLocale& locale, const QeZone& zone) const;
 
     /// Date and time in a format as `strftime` has them, with the directives of POSIX

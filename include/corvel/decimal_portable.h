@@ -7,7 +7,8 @@
 /// A decimal number of any length, exact.
 ///
 /// It keeps the digits that it is given, trailing zeros of the fraction included:
-/// "1.50" stays "1.50".
+/// "1.50" stays "1.50". A copy is O(length); making one of a number, and looking at
+/// it, is O(1).
 class TESSIT_API QeDecimalPortable {
 public:
     /// Zero.

@@ -11,6 +11,9 @@
 /// what is filled and cleared over and over (the attributes of each tag, the
 /// bindings of each scope) stops allocating: a new element takes a spare slot
 /// and assigns to the strings in it. Copies take over the elements in use only.
+///
+/// Accessors, swaps and moves, but for what they replace, are O(1); copies are
+/// O(elements in use), and one that throws leaves the array as it was.
 template <typename T>
 class QeSlotArray {
 public:
@@ -43,7 +46,7 @@ public:
     std::size_t size() const noexcept { return used; }
     bool empty() const noexcept { return used == 0; }
 
-    /// Makes sure that there are slots for `count` elements in all.
+    /// Makes sure that there are slots for `count` elements in all. Amortised O(slots added); strong guarantee.
     void reserveSlots(std::size_t count) {
         if (count > slots.size()) slots.resize(std::max(count, slots.size() + slots.size() / 2));
     }
@@ -54,7 +57,8 @@ public:
         return slots[used++];
     }
 
-    /// Makes exactly `count` elements the ones in use, in whatever state their slots were left.
+    /// Makes exactly `count` elements the ones in use, in whatever state their slots
+    /// were left. O(1) where there are slots enough, else as `reserveSlots`.
     void takeSlots(std::size_t count) {
         reserveSlots(count);
         used = count;
@@ -76,7 +80,7 @@ public:
     }
 
     /// Replaces all elements by copies of those of another array, in the slots that are there. After a throw, there
-    /// are none.
+    /// are none. O(elements of the other array), and `reserveSlots`.
     void assignInPlace(const QeSlotArray& other) {
         clear();
         reserveSlots(other.used);
@@ -84,20 +88,20 @@ public:
         used = other.used;
     }
 
-    /// Drops the last element and keeps its slot.
+    /// Drops the last element and keeps its slot. O(1).
     void dropLast() noexcept { --used; }
 
-    /// Drops all elements and keeps their slots.
+    /// Drops all elements and keeps their slots. O(1).
     void clear() noexcept { used = 0; }
 
-    /// Moves the last element to `position`, and those from there on up by one.
+    /// Moves the last element to `position`, and those from there on up by one. O(elements moved).
     void moveLastTo(T* position) noexcept {
         T last = std::move(back());
         std::move_backward(position, end() - 1, end());
         *position = std::move(last);
     }
 
-    /// Removes the element at `position`; those behind it move down by one.
+    /// Removes the element at `position`; those behind it move down by one. O(elements moved).
     void remove(T* position) noexcept {
         T removed = std::move(*position);
         std::move(position + 1, end(), position);

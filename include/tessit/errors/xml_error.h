@@ -9,9 +9,9 @@
 /// Each class below is one reaction that a caller can have. It can be caught as
 /// `QeXmlError`, as `Qexmsg`, or as the standard exception that is its second
 /// base; `why()` and `what()` return the same text, which lives as long as the
-/// exception. Copying an exception copies strings and may throw `std::bad_alloc`;
-/// an assignment that does has changed nothing, or, of a `QeXmlParseError`, the
-/// text alone.
+/// exception. Making or copying an exception copies strings: it is O(length of the
+/// text) and may throw `std::bad_alloc`; an assignment that does has changed
+/// nothing, or, of a `QeXmlParseError`, the text alone.
 class TESSIT_API QeXmlError : public Qexmsg {
 public:
     explicit QeXmlError(const QeCString& msg) : Qexmsg(msg.data()) {}
@@ -105,7 +105,8 @@ public:
     QeXmlParseError& operator=(const QeXmlParseError&) = default;
     ~QeXmlParseError() override;
 
-    /// The name of the document's source. The reader does not know it and leaves it empty.
+    /// A copy of the name of the document's source, O(length). The reader does not
+    /// know it and leaves it empty. Setting one that throws changes nothing.
     QeCString getSourceFile() const { return sourceFile; }
     void setSourceFile(const QeCString& name) { sourceFile = name; }
 
@@ -122,7 +123,7 @@ private:
 };
 
 /// Throws a copy of the argument, of exactly the parameter's class: the overload
-/// is chosen by the static type.
+/// is chosen by the static type. O(length of the text), as every copy.
 [[noreturn]] TESSIT_API void QeThrow(const QeXmlError& error);
 [[noreturn]] TESSIT_API void QeThrow(const QeXmlBadArgError& error);
 [[noreturn]] TESSIT_API void QeThrow(const QeXmlBoundsError& error);

@@ -120,7 +120,8 @@ public:
     /// Replaces prefix and URI of the name; declares nothing.
     void setNamespace(const QeXmlNamespace& ns) { ownName.setNamespace(ns); }
 
-    /// Replaces prefix and URI of the name, and declares the prefix.
+    /// Replaces prefix and URI of the name, and declares the prefix. Costs what both
+    /// do; where the declaration throws, the name is changed already.
     void setAndAddNamespace(const QeXmlNamespace& ns);
 
     /// Takes the name out of its namespace; declarations stay.

@@ -8,7 +8,8 @@
 /// prefix is a default namespace, an empty URI no namespace. All comparisons are
 /// exact, byte for byte. References from the accessors live as long as the object.
 /// Storing a text can throw `std::bad_alloc`: a setter then has changed nothing, an
-/// assignment perhaps the prefix.
+/// assignment perhaps the prefix. Accessors and the named namespaces are O(1);
+/// copies, setters, comparisons and texts are O(length).
 class TESSIT_API QeXmlNamespace {
 public:
     QeXmlNamespace() = default;
@@ -32,7 +33,8 @@ public:
 
     /// The XML Schema instance namespace, prefix "xsi". The reference can be
     /// written through; what is written is seen by all later callers, and must not
-    /// be written while another thread reads it.
+    /// be written while another thread reads it. The first call, and that of the next
+    /// one, allocates and can throw `std::bad_alloc`; so can `matchXsi` and `matchXsd`.
     static QeXmlNamespace& getXsi();
 
     /// The XML Schema namespace, prefix "xsd"; to be changed as `getXsi()` is.

@@ -18,7 +18,8 @@
 /// at a time.
 ///
 /// References from the lookups stay valid until the scope that holds the binding
-/// is popped or gains a binding.
+/// is popped or gains a binding. Copies are O(bytes of the bindings in force), and
+/// one that throws changes nothing; moves are O(1), but for what they replace.
 class TESSIT_API QeXmlNamespaceStack {
 public:
     /// A stack without a scope.
@@ -33,29 +34,30 @@ public:
     void pushScope() noexcept { ++depth; }
 
     /// Drops the innermost scope with its bindings; without one, does nothing.
-    /// O(1) for a scope that declares nothing, else O(its bindings), times the
-    /// logarithm of the bindings in force when there are many.
+    /// O(1) for a scope that declares nothing, else O(its bindings).
     void popScope() noexcept {
         if (innermostDeclares()) dropBindings();
         if (depth > 0) --depth;
     }
 
     /// Appends a copy of `ns` to the innermost scope, behind any equal prefix
-    /// already there. Without a scope, opens one. Amortised O(1), with many
-    /// bindings in force O(log of them). Strong guarantee.
+    /// already there. Without a scope, opens one. Amortised O(length of prefix and
+    /// URI), on average, however many bindings are in force; the one with which they
+    /// become many costs O(bytes of all). Strong guarantee.
     void addNamespace(const QeXmlNamespace& ns);
 
     /// The URI bound to `prefix`, or the empty string. Visits scopes that declare
-    /// something only, and with many bindings in force an index: O(log of them).
+    /// something only, and with many bindings in force a hash table, whose keys no
+    /// document can choose to fall together: O(length of the prefix), on average.
     const QeCString& getURIForPrefix(const QeCString& prefix) const noexcept;
 
     /// The prefix of the first binding found for `uri`, or the empty string. No
-    /// check is made whether an inner scope binds that prefix to another URI. Costs
-    /// as much as `getURIForPrefix`.
+    /// check is made whether an inner scope binds that prefix to another URI.
+    /// O(length of the URI), on average.
     const QeCString& getPrefixForURI(const QeCString& uri) const noexcept;
 
     /// The bindings of the innermost scope, in the order of adding; an empty range
-    /// without a scope. Valid until the scope is popped or gains a binding.
+    /// without a scope. Valid until the scope is popped or gains a binding. O(1).
     const QeXmlNamespace* namespacesBegin() const noexcept {
         return innermostDeclares() ? declaring.back().bindings.begin() : nullptr;
     }

@@ -8,7 +8,8 @@
 ///
 /// The arguments are the parser's own and valid only during the call. A call may
 /// throw: the exception leaves `parse` unchanged. Handlers are owned by the
-/// application and never destroyed through this class.
+/// application and never destroyed through this class. To report is O(1) for the
+/// parser, besides `prolog`, which is O(length of the declaration).
 class TESSIT_API QeXmlContentHandler {
 public:
     /// An element opens. Attributes come sorted by name, namespace declarations among them.

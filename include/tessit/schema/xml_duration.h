@@ -15,7 +15,8 @@
 /// the counts that it has. Setting a count makes no invalid duration valid and
 /// changes no direction.
 ///
-/// A class may derive from this one and replace the virtual operations.
+/// Everything but reading a text is O(1). A class may derive from this one and
+/// replace the virtual operations.
 class TESSIT_API QeXmlDuration {
 public:
     /// How far a text is read: the field that was assigned last, in the order in
@@ -29,7 +30,7 @@ public:
     explicit QeXmlDuration(unsigned long yearCount, unsigned long monthCount = 0, unsigned long dayCount = 0,
                            unsigned long hourCount = 0, unsigned long minuteCount = 0, double secondCount = 0) noexcept;
 
-    /// The span that `text` writes, read by this class's own `extract`.
+    /// The span that `text` writes, read by this class's own `extract`. O(length).
     explicit QeXmlDuration(const QeCString& text);
 
     QeXmlDuration(const QeXmlDuration&) = default;
@@ -148,11 +149,11 @@ private:
     bool negative = false;
 };
 
-/// Whether all the fields are equal, the flags included: P1D is not PT24H.
+/// Whether all the fields are equal, the flags included: P1D is not PT24H. O(1).
 TESSIT_API bool operator==(const QeXmlDuration& left, const QeXmlDuration& right) noexcept;
 TESSIT_API bool operator!=(const QeXmlDuration& left, const QeXmlDuration& right) noexcept;
 
 /// XML Schema's order, which is partial: whether `left` ends earlier than `right`
 /// when both begin at any of four instants that differ in the months that follow.
-/// P1M is less than P32D, but neither less nor greater than P31D.
+/// P1M is less than P32D, but neither less nor greater than P31D. O(1).
 TESSIT_API bool operator<(const QeXmlDuration& left, const QeXmlDuration& right);

@@ -13,7 +13,8 @@
 ///
 /// `ConvertTypeToString` gives the lexical form of a value. `typeName` is the name
 /// of the schema type that it is written as; only the form of a date-time depends
-/// on it. No locale has a say.
+/// on it. No locale has a say. O(length of the result); `std::bad_alloc` where there
+/// is no memory for it.
 class TESSIT_API QeXmlSchemaUtils {
 public:
     static const QeXmlName XsiTypeAttributeName;                       ///< xsi:type

@@ -20,7 +20,13 @@
 ///
 /// Texts are UTF-8. Every operation that stores something can throw
 /// `std::bad_alloc`; after a throw, results and list are as they were. A copy
-/// shares nothing with its original. One thread at a time.
+/// shares nothing with its original, and is O(bytes of the errors). One thread at a
+/// time.
+///
+/// A check, `checkPattern` aside, is O(length of its texts); one that records an
+/// error copies the texts, and the item's name, into the message. The list copies
+/// the errors that it holds when it grows, amortised O(1) for each that is added.
+/// `isValid()` and `getErrors` are O(1).
 class TESSIT_API QeXmlValidator {
 public:
     /// A validator of the item of that name, which every message quotes.
@@ -54,7 +60,8 @@ public:
     /// up to 512 MiB, while matching.
     ///
     /// The last few patterns stay compiled, so that checking value after value
-    /// against the same ones compiles nothing.
+    /// against the same ones compiles nothing. Before it is matched, the value is
+    /// converted to UTF-16, O(length); one of more than 2 GiB throws a `Qexmsg`, too.
     bool checkPattern(const QeCString& value, const QeCString& pattern);
 
     /// Whether no pattern was checked since the last `clear()`, or one matched; else records an error.
@@ -82,7 +89,7 @@ public:
     /// Takes the results and errors of `other`, a validator of a part, into this
     /// one and answers for both. Where both have checked patterns, both must have
     /// matched one; the same for enumeration values. When memory runs out, some of
-    /// the errors may have been taken, but no result.
+    /// the errors may have been taken, but no result. O(bytes of the errors taken).
     bool isValid(const QeXmlValidator& other);
     bool isValid(QeXmlValidator& other) { return isValid(static_cast<const QeXmlValidator&>(other)); }
 
@@ -90,13 +97,15 @@ public:
     /// validator, its elements until the list next grows or is emptied.
     const std::vector<QeXmlSchemaError>& getErrors() const noexcept { return errors; }
 
-    /// Appends an error of the application's own. The answer stays as it is.
+    /// Appends an error of the application's own. The answer stays as it is. O(length
+    /// of its text), and the growth of the list.
     void addError(QeXmlSchemaError error);
 
-    /// Back to the state of a new validator of the same name.
+    /// Back to the state of a new validator of the same name, with its compiled
+    /// patterns kept. O(errors).
     void clear() noexcept;
 
-    /// Empties the list of errors; results stay.
+    /// Empties the list of errors; results stay. O(errors).
     void clearErrors() noexcept;
 
 private:

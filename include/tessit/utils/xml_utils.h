@@ -37,18 +37,18 @@ public:
     static constexpr unsigned int MinTimeLength = 8;
     static constexpr unsigned int MinDateTimeLength = 19;
 
-    /// Whether the byte is a space, a line feed or a tab.
+    /// Whether the byte is a space, a line feed or a tab. O(1).
     static bool isWhiteSpace(char byte) noexcept { return byte == BlankUtf8 || byte == NewlineUtf8 || byte == TabUtf8; }
 
     /// The text without the whitespace at the ends that `type` names. O(length).
     static QeCString stripWhiteSpaceAndNewlines(const QeCString& text, QeCString::stripType type);
 
-    /// What stands before the first colon; empty without one.
+    /// What stands before the first colon; empty without one. O(length).
     static QeCString getPrefix(const QeCString& qname);
 
     /// Splits a name at its first colon. Without one, `localName` becomes the whole
     /// name and `prefix` stays as it is: pass an empty string to get an empty prefix.
-    /// The arguments may be the same objects.
+    /// The arguments may be the same objects. O(length). Strong guarantee.
     static void getPrefixAndLocalName(const QeCString& qname, QeCString& prefix, QeCString& localName);
 
     /// The element `xml` (a start tag, content, an end tag) under another name,
@@ -62,7 +62,8 @@ public:
     /// empty-element tag, no end tag) is returned unchanged.
     ///
     /// A rewrite of text, not a parse: a '>' in an attribute value, or values in
-    /// single quotes or with whitespace in them, are not understood. O(length).
+    /// single quotes or with whitespace in them, are not understood. O(length of the
+    /// text and of the name).
     static QeCString changeName(QeXmlName name, QeCString xml);
 
     /// The instant in UTC. A format equal to `ISO8601Format` gives
@@ -70,7 +71,7 @@ public:
     /// without trailing zeros, when there is one. Any other format is one of
     /// `QeDateTime::asString`, and gives neither fraction nor zone unless it asks
     /// for them: `ISO8601Date` gives 2003-05-20, `ISO8601Time` 09:01:08. An empty
-    /// format gives an empty text.
+    /// format gives an empty text. O(length of the format and of the text).
     static QeCString convertDateTimeToISOString(const QeDateTime& dateTime, const QeCString& format);
 
     /// The instant that a text in ISO 8601's extended form stands for: a date
@@ -88,11 +89,11 @@ public:
     /// O(length).
     static QeDateTime convertISODateStringToDateTime(const QeCString& text);
 
-    /// The day as 2003-05-20.
+    /// The day as 2003-05-20. O(1).
     static QeCString convertDateToISOString(const QeDate& date);
 
     /// The day, in UTC, of the instant that `convertISODateStringToDateTime` reads:
-    /// 2003-05-20T01:00:00+02:00 is 19 May. Throws as that does.
+    /// 2003-05-20T01:00:00+02:00 is 19 May. Throws as that does. O(length).
     static QeDate convertISODateStringToDate(const QeCString& text);
 
     /// Whether two documents say the same thing.
@@ -116,7 +117,7 @@ public:
     static bool compareXml(const QeCString& left, const QeCString& right);
 
     /// Whether two sets have equal names (prefixes do not count) with equal values
-    /// at every position of their order. O(n).
+    /// at every position of their order. O(n) comparisons of names and values.
     ///
     /// The order of adding does not matter. In sets from the reader, attributes with
     /// one local name and different prefixes stand in the order of the prefixes, so

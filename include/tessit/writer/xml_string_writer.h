@@ -8,7 +8,8 @@
 ///
 /// Small writes are collected in a buffer inside the object and moved to the
 /// string in blocks. There is no way to start over: make a new writer for a new
-/// document. A copy has the output so far and shares nothing. One thread at a time.
+/// document. A copy has the output so far and shares nothing; it is O(bytes written,
+/// and bytes of the bindings). One thread at a time.
 class TESSIT_API QeXmlStringWriter : public QeXmlWriter {
 public:
     QeXmlStringWriter();
@@ -20,7 +21,8 @@ public:
     QeCString getString();
 
     /// The number of bytes written so far. Flushes, through its slot. Throws
-    /// `QeXmlLengthError` when there are more than an `unsigned` can count.
+    /// `QeXmlLengthError` when there are more than an `unsigned` can count; nothing
+    /// written is lost. Amortised O(bytes in the buffer), besides an override.
     unsigned getLength() const;
 
     /// Takes back the last byte written, if it is `byte`. O(1).
@@ -33,10 +35,11 @@ public:
     void writeToSink(char byte) override;
     void writeToSink(const char* bytes, unsigned length) override;
 
-    /// Goes through the slot above; past 4 GiB in several calls.
+    /// Goes through the slot above, in several calls past 4 GiB: each of them has the
+    /// guarantee alone. Amortised O(bytes).
     void writeToSink(const QeCString& string) override;
 
-    /// Moves the buffered bytes to the string.
+    /// Moves the buffered bytes to the string. Amortised O(bytes moved). Strong guarantee.
     void flush() override;
 
 private:
