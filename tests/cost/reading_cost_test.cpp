@@ -190,6 +190,14 @@ Text underLongURIs(const Text& end, const Text& otherEnd, const Text& part, std:
     return "<a xmlns='" + uri + end + "' xmlns:p='" + uri + otherEnd + "'>" + repeated(part, parts / 2) + "</a>";
 }
 
+// Each child makes of few bindings many, and of many few again.
+Text declaringNineUnderLongURIs(std::size_t parts) {
+    Text root = "<r";
+    for (char prefix = 'a'; prefix != 'i'; ++prefix)
+        root += Text(" xmlns:") + prefix + "='" + Text(5 * parts, prefix) + "'";
+    return root + ">" + repeated("<c" + attributes(" xmlns:p", 9) + "></c>", parts / 5) + "</r>";
+}
+
 Text equalLongURIs(std::size_t parts) {
     return underLongURIs("", "", "<a></a><p:a></p:a>", parts);
 }
@@ -264,6 +272,7 @@ const CostCase Cases[] = {
     {"WalkTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<walk>},
     {"DemandTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<demand>},
 
+    {"WalkNineDeclarationsUnderLongURIs", Few, declaringNineUnderLongURIs, inPlace<walk>},
     {"WalkEqualLongURIs", Many, equalLongURIs, inPlace<walk>},
     {"WalkDifferentLongURIs", Many, differentLongURIs, inPlace<walk>},
     {"DemandEqualLongURIs", Many, equalLongURIs, inPlace<demand>},

@@ -42,8 +42,7 @@ public:
 
     /// Appends a copy of `ns` to the innermost scope, behind any equal prefix
     /// already there. Without a scope, opens one. Amortised O(length of prefix and
-    /// URI), on average, however many bindings are in force; the one with which they
-    /// become many costs O(bytes of all). Strong guarantee.
+    /// URI), on average, however many bindings are in force. Strong guarantee.
     void addNamespace(const QeXmlNamespace& ns);
 
     /// The URI bound to `prefix`, or the empty string. Visits scopes that declare

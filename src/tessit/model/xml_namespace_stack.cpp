@@ -6,7 +6,8 @@
 
 namespace {
 
-// Up to this many bindings a scan is faster than the index; it rests again at half as many.
+// Up to this many bindings a scan is faster than the index. Once there, it stays as
+// long as any binding does: building it costs the bytes of all.
 constexpr std::size_t IndexThreshold = 16;
 
 }  // namespace
@@ -235,7 +236,7 @@ void QeXmlNamespaceStack::dropBindings() noexcept {
 void QeXmlNamespaceStack::forgetInnermost() noexcept {
     bindingCount -= declaring.back().bindings.size();
     if (indexed) index->dropScope(declaring.size() - 1);
-    if (bindingCount <= IndexThreshold / 2) clearIndex();
+    if (bindingCount == 0) clearIndex();
 }
 
 void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
