@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/documents.h"
+
 /// How the time of an operation grows with its input.
 namespace tessit::test {
 
@@ -67,14 +69,6 @@ void inOddOrder(std::size_t count, const Visit& visit) {
     constexpr std::size_t Prime = 7919;  // must not divide the count
     for (std::size_t i = 0; i < count; ++i)
         visit(std::to_string(i * Prime % count));
-}
-
-inline std::string repeated(std::string_view part, std::size_t count) {
-    std::string text;
-    text.reserve(part.size() * count);
-    for (std::size_t i = 0; i < count; ++i)
-        text += part;
-    return text;
 }
 
 /// A text as the argument of a template.

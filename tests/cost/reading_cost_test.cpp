@@ -146,18 +146,18 @@ Text attributes(const Text& before, std::size_t count) {
 // One part over and over, with something else in front and behind.
 template <Literal before, Literal part, Literal behind>
 Text runOf(std::size_t parts) {
-    return before.bytes + repeated(part.bytes, parts) + behind.bytes;
+    return before.bytes + repeat(part.bytes, parts) + behind.bytes;
 }
 
 Text nested(std::size_t parts) {
-    return repeated("<a>", parts) + repeated("</a>", parts);
+    return repeat("<a>", parts) + repeat("</a>", parts);
 }
 
 Text nestedWithDeclarations(std::size_t parts) {
     Text text;
     for (std::size_t i = 0; i < parts; ++i)
         text += "<a xmlns:p" + std::to_string(i) + "='u'>";
-    return text + repeated("</a>", parts);
+    return text + repeat("</a>", parts);
 }
 
 Text withAttributes(std::size_t parts) {
@@ -181,13 +181,13 @@ Text usingDeclarationsInAttributes(std::size_t parts) {
 }
 
 Text declaringTwentyEach(std::size_t parts) {
-    return "<r>" + repeated("<a" + attributes(" xmlns:p", 20) + "></a>", parts / 20) + "</r>";
+    return "<r>" + repeat("<a" + attributes(" xmlns:p", 20) + "></a>", parts / 20) + "</r>";
 }
 
 // Two URIs that are nearly half of the document, and the same but for what is given.
 Text underLongURIs(const Text& end, const Text& otherEnd, const Text& part, std::size_t parts) {
     const Text uri(4 * parts, 'u');
-    return "<a xmlns='" + uri + end + "' xmlns:p='" + uri + otherEnd + "'>" + repeated(part, parts / 2) + "</a>";
+    return "<a xmlns='" + uri + end + "' xmlns:p='" + uri + otherEnd + "'>" + repeat(part, parts / 2) + "</a>";
 }
 
 // Each child makes of few bindings many, and of many few again.
@@ -195,7 +195,7 @@ Text declaringNineUnderLongURIs(std::size_t parts) {
     Text root = "<r";
     for (char prefix = 'a'; prefix != 'i'; ++prefix)
         root += Text(" xmlns:") + prefix + "='" + Text(5 * parts, prefix) + "'";
-    return root + ">" + repeated("<c" + attributes(" xmlns:p", 9) + "></c>", parts / 5) + "</r>";
+    return root + ">" + repeat("<c" + attributes(" xmlns:p", 9) + "></c>", parts / 5) + "</r>";
 }
 
 Text equalLongURIs(std::size_t parts) {
@@ -226,15 +226,15 @@ Text tagsOfManyLongURIs(std::size_t parts) {
         declarations += " xmlns:p" + number + "='" + Text(parts / 2, 'u') + number + "'";
         tag += " p" + number + ":a=''";
     }
-    return "<r" + declarations + ">" + repeated("<a" + tag + "/>", parts / 20) + "</r>";
+    return "<r" + declarations + ">" + repeat("<a" + tag + "/>", parts / 20) + "</r>";
 }
 
 Text childrenOfAWideTag(std::size_t parts) {
-    return "<r" + attributes(" a", parts) + ">" + repeated("<a/>", parts) + "</r>";
+    return "<r" + attributes(" a", parts) + ">" + repeat("<a/>", parts) + "</r>";
 }
 
 Text errorsBehindALongText(std::size_t parts) {
-    return "<a>" + Text(400 * parts, 'x') + repeated("<1", parts) + "</a>";
+    return "<a>" + Text(400 * parts, 'x') + repeat("<1", parts) + "</a>";
 }
 
 constexpr auto Children = runOf<"<r>", "<a>t</a>", "</r>">;
@@ -339,7 +339,7 @@ TEST(Cost, OfLongRunsGrowsWithTheirLength) {
     for (const std::string_view frame : Frames)
         for (const std::string_view part : Parts) {
             const auto document = [&](std::size_t count) {
-                return Text(frame).replace(frame.find('#'), 1, repeated(part, count));
+                return Text(frame).replace(frame.find('#'), 1, repeat(part, count));
             };
             expectLinearGrowth("Walk " + Text(frame) + " " + Text(part), VeryMany / part.size(), document,
                                inPlace<walk>, bytesOf);

@@ -101,7 +101,7 @@ constexpr CostCase Cases[] = {
 TEST(Cost, OfValuesGrowsWithTheirText) {
     for (const CostCase& row : Cases) {
         const auto make = [&](std::size_t count) {
-            return QeCString(std::string_view(row.before + repeated(row.part, count) + row.behind));
+            return QeCString(std::string_view(row.before + repeat(row.part, count) + row.behind));
         };
         expectLinearGrowth(row.name, 20'000, make, row.use, [](const QeCString& text) { return text.length(); });
     }

@@ -49,7 +49,7 @@ Input outOfOrder(std::size_t count) {
 // One part over and over, a hundred times for each of the count.
 template <Literal part>
 Input runOf(std::size_t count) {
-    return {count, {}, text(repeated(part.bytes, 100 * count))};
+    return {count, {}, text(repeat(part.bytes, 100 * count))};
 }
 
 void writeTag(const Input& input) {
