@@ -37,7 +37,7 @@ TEST(QeDecimalPortable, WritesNumbersWithoutExponent) {
     EXPECT_EQ(QeDecimalPortable().asString(), "0");
     EXPECT_EQ(QeDecimalPortable(-5).asString(), "-5");
     EXPECT_EQ(QeDecimalPortable(std::numeric_limits<long long>::min()).asString(), "-9223372036854775808");
-    EXPECT_EQ(QeDecimalPortable(std::numeric_limits<unsigned long>::max()).asString(), "18446744073709551615");
+    EXPECT_EQ(QeDecimalPortable(std::numeric_limits<unsigned long long>::max()).asString(), "18446744073709551615");
     EXPECT_EQ(QeDecimalPortable(0.1).asString(), "0.1");
     EXPECT_EQ(QeDecimalPortable(-0.0).asString(), "0");
     EXPECT_EQ(QeDecimalPortable(1e21).asString(), "1000000000000000000000");

@@ -5,6 +5,7 @@
 #include <ctime>
 #include <gtest/gtest.h>
 #include <limits>
+#include <malloc.h>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,8 @@ namespace tessit::test {
 /// in seconds of the processor on this thread, so that a busy machine has no say.
 class Growth {
 public:
+    Growth() { keepMemory(); }
+
     template <typename Small, typename Large>
     void measure(const Small& small, const Large& large) {
         least = std::min(least, secondsOf(small));
@@ -30,6 +33,14 @@ public:
     double ratio() const { return leastOfLarge / least; }
 
 private:
+    // Else large blocks go back to the system and come anew, page by page, at each run: that looks like growth.
+    static void keepMemory() {
+#if defined(__GLIBC__)
+        mallopt(M_MMAP_MAX, 0);
+        mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+#endif
+    }
+
     static double now() {
         std::timespec time{};
         clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
