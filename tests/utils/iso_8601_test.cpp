@@ -98,7 +98,7 @@ TEST(Iso8601, RefusesOtherTextsAndNamesThem) {
     for (const auto& [text, msg] : cases) {
         std::string whole = std::string(msg) + " in the ISO 8601 text \"" + text + '"';
         std::ranges::replace(whole, '\x7F', '?');
-        EXPECT_EQ(messageOf<QeValueError>([&] { read(text); }), whole);
+        EXPECT_EQ(messageOf<QeValueError>([&, refused = text] { read(refused); }), whole);
         EXPECT_THROW(QeXmlUtils::convertISODateStringToDate(text), QeValueError) << text;
     }
 }
