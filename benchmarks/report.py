@@ -350,7 +350,8 @@ What these leave out of the work that the pull loop does:
 
 A document of orders in four namespaces, with references in texts and values, about 7 MB, written into memory. The peers get
 names with their prefixes put on and declarations as attributes, ready-made; ours finds out what has to be declared.
-Plain appends are the floor: strings that were escaped before.
+`tessit writer` is a program that keeps a set of attributes for each kind of tag and sets the values in it, `tessit writer,
+new sets` one that fills a set anew for each tag. Plain appends are the floor: strings that were escaped before.
 
 ![Times of writing](performance-writing.svg)
 

@@ -1,6 +1,10 @@
 // Our own ways of reading and writing.
 
+#include <algorithm>
 #include <contestants.h>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_sax_parser.h>
@@ -124,6 +128,12 @@ Tally demand(const Document& document) {
     return RecordReader(document).read();
 }
 
+// Either as programs do that write many elements of few kinds, where each kind of
+// tag has a set of attributes that is kept and gets the values of the next element,
+// or with a set that is filled anew for each tag.
+enum class Sets { Kept, New };
+
+template <Sets sets>
 class WrittenByTessit final : public Writable {
 public:
     explicit WrittenByTessit(const Composition<std::string>& source)
@@ -131,43 +141,79 @@ public:
               source, [](const std::string& text) { return QeCString(std::string_view(text)); })) {
         for (const auto& name : composition.names)
             names.emplace_back(name.local, QeXmlNamespace(name.prefix, name.uri));
-        root = composition.nodes.data();
+        for (Node& node : std::span(composition.nodes).subspan(1))
+            std::erase_if(node.attributes, [&](const auto& attribute) { return isDeclaration(attribute.first); });
+        for (const Node& node : composition.nodes)
+            kinds.push_back(kindOf(node));
     }
 
     void write(const Take& take) override {
         QeXmlStringWriter writer;
-        for (const ComposedNode<QeCString>& node : composition.nodes)
-            writeNode(writer, node);
-        take(writer.getString());
+        std::vector<Tag> tags;
+        for (const std::vector<std::size_t>& kind : attributeKinds)
+            tags.emplace_back(names, kind);
+        for (std::size_t i = 0; i < composition.nodes.size(); ++i)
+            writeNode(writer, composition.nodes[i], tags[sets == Sets::Kept ? kinds[i] : 0]);
+        take(std::move(writer).getString());
     }
 
 private:
-    using Kind = ComposedNode<QeCString>::Kind;
+    using Node = ComposedNode<QeCString>;
 
-    void writeNode(QeXmlStringWriter& writer, const ComposedNode<QeCString>& node) {
+    struct Tag {
+        Tag(const std::vector<QeXmlName>& names, const std::vector<std::size_t>& kind) {
+            for (const std::size_t name : kind)
+                attributes.add(names[name], {});
+            for (const std::size_t name : kind)
+                places.push_back(attributes.find(names[name]));
+        }
+
+        QeXmlAttributeSet attributes;
+        std::vector<QeXmlAttribute*> places;
+    };
+
+    void writeNode(QeXmlStringWriter& writer, const Node& node, Tag& tag) {
         switch (node.kind) {
-            case Kind::Start:
-            case Kind::Empty:
-                fillAttributes(node);
-                return writer.writeElementStart(names[node.name], attributes, node.kind == Kind::Empty);
-            case Kind::End:
+            case Node::Kind::Start:
+            case Node::Kind::Empty:
+                setValues(tag, node);
+                return writer.writeElementStart(names[node.name], tag.attributes, node.kind == Node::Kind::Empty);
+            case Node::Kind::End:
                 return writer.writeElementEnd(names[node.name]);
-            case Kind::Text:
+            case Node::Kind::Text:
                 return writer.write(node.text, true);
         }
     }
 
+    void setValues(Tag& tag, const Node& node) const {
+        if constexpr (sets == Sets::Kept) {
+            for (std::size_t i = 0; i < node.attributes.size(); ++i)
+                tag.places[i]->setValue(node.attributes[i].second);
+        } else {
+            tag.attributes.clear();
+            for (const auto& [name, value] : node.attributes)
+                tag.attributes.add(names[name], value);
+        }
+    }
+
     // Below the root, the writer finds out by itself what has to be declared.
-    void fillAttributes(const ComposedNode<QeCString>& node) {
-        attributes.clear();
+    bool isDeclaration(std::size_t name) const { return names[name].getNamespace().getPrefix() == "xmlns"; }
+
+    // Which attributes the node has, as an index of `attributeKinds`.
+    std::size_t kindOf(const Node& node) {
+        std::vector<std::size_t> kind;
         for (const auto& [name, value] : node.attributes)
-            if (&node == root || names[name].getNamespace().getPrefix() != "xmlns") attributes.add(names[name], value);
+            kind.push_back(name);
+        const auto known = std::find(attributeKinds.begin(), attributeKinds.end(), kind);
+        const auto index = static_cast<std::size_t>(known - attributeKinds.begin());
+        if (known == attributeKinds.end()) attributeKinds.push_back(kind);
+        return index;
     }
 
     Composition<QeCString> composition;
     std::vector<QeXmlName> names;
-    const ComposedNode<QeCString>* root;
-    QeXmlAttributeSet attributes;
+    std::vector<std::vector<std::size_t>> attributeKinds;
+    std::vector<std::size_t> kinds;  // of the nodes
 };
 
 }  // namespace
@@ -185,7 +231,8 @@ void addTessit(Contestants& all) {
                            .delivery = delivery,
                            .read = demand,
                            .onlyShape = "records"});
-    all.writers.push_back({"tessit writer", version, Role::Ours, prepared<WrittenByTessit>});
+    all.writers.push_back({"tessit writer", version, Role::Ours, prepared<WrittenByTessit<Sets::Kept>>});
+    all.writers.push_back({"tessit writer, new sets", version, Role::Ours, prepared<WrittenByTessit<Sets::New>>});
 }
 
 }  // namespace tessit::benchmarks

@@ -22,7 +22,8 @@ class LongUris;
 /// positions count bytes, comparisons are byte for byte with bytes taken as
 /// unsigned. NUL bytes are legal content, and `data()` is NUL-terminated all the
 /// same. Up to 23 bytes live inside the object (24 bytes in all); longer texts
-/// have a heap block, which assignment reuses.
+/// have a heap block, which assignment reuses. Blocks of a megabyte and more come
+/// from malloc, so that they can grow where they stand.
 ///
 /// Operations that store bytes throw `std::bad_alloc`, or `std::length_error`
 /// past 64 GiB (2 GiB where pointers have 32 bits), and then leave the string as
@@ -350,6 +351,12 @@ private:
         std::memcpy(raw + offsetof(Block, length), &length, sizeof length);
     }
 
+    // Where up to `size` more bytes can be written, which count once the length was set.
+    char* roomBehind(std::size_t size) {
+        if (isShared() || size > capacity() - length()) makeRoomBehind(size);
+        return mutableData() + length();
+    }
+
     void setLength(std::size_t length) noexcept {
         if (isInline()) {
             raw[length] = '\0';
@@ -385,23 +392,25 @@ private:
     bool equals(const char* bytes, std::size_t count) const noexcept {
         if (length() != count) return false;
         const char* const mine = data();
-        if (count >= 8) return sameEnds<8>(mine, bytes, count) && (count <= 16 || std::memcmp(mine, bytes, count) == 0);
+        if (count >= 16) return sameEnds<16>(mine, bytes, count) && (count <= 32 || sameMiddle(mine, bytes, count));
+        if (count >= 8) return sameEnds<8>(mine, bytes, count);
         if (count >= 4) return sameEnds<4>(mine, bytes, count);
         for (std::size_t i = 0; i < count; ++i)
             if (mine[i] != bytes[i]) return false;
         return true;
     }
 
-    // Whether the last and the first Size bytes, which may overlap, are the same.
+    // Whether the last and the first Size bytes, which may overlap, are the same. The sizes are too small for calls.
     template <std::size_t Size>
     static bool sameEnds(const char* left, const char* right, std::size_t length) noexcept {
-        using Word = std::conditional_t<Size == 8, std::uint64_t, std::uint32_t>;
-        Word words[4];
-        std::memcpy(&words[0], left + length - Size, Size);
-        std::memcpy(&words[1], right + length - Size, Size);
-        std::memcpy(&words[2], left, Size);
-        std::memcpy(&words[3], right, Size);
-        return words[0] == words[1] && words[2] == words[3];
+        return std::memcmp(left + length - Size, right + length - Size, Size) == 0 &&
+               std::memcmp(left, right, Size) == 0;
+    }
+
+    // Whether all but the ends is the same in texts of more than 32 bytes, as URIs mostly are.
+    static bool sameMiddle(const char* left, const char* right, std::size_t length) noexcept {
+        return length <= 64 ? sameEnds<16>(left + 16, right + 16, length - 32)
+                            : std::memcmp(left + 16, right + 16, length - 32) == 0;
     }
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
@@ -438,8 +447,13 @@ private:
     static QeCString concatenate(std::string_view left, std::string_view right);
 
     void appendSlowly(const char* bytes, std::size_t count);
+    TESSIT_NO_EXPORT void makeRoomBehind(std::size_t size);
     void assignSlowly(const char* bytes, std::size_t length);
     void freeBlock() noexcept;
+    TESSIT_NO_EXPORT bool hasLargeBlock() const noexcept;
+    TESSIT_NO_EXPORT void growBlock(std::uint32_t units);
+    TESSIT_NO_EXPORT void grow(std::size_t wanted);
+    TESSIT_NO_EXPORT void setBlock(char* data, std::uint32_t units) noexcept;
     TESSIT_NO_EXPORT void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;
     [[noreturn]] void raiseIndex(std::size_t index) const;
 

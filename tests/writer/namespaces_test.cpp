@@ -5,7 +5,7 @@
 #include <writer/logging_writer.h>
 #include <writer/writing.h>
 
-#include <tessit/writer/xml_writer.h>
+#include <tessit/writer/xml_string_writer.h>
 
 namespace {
 
@@ -56,6 +56,8 @@ constexpr NamespaceCase Namespaces[] = {
     {"a plain attribute without a name binds the default", "+e[xmlns:=u] /{u}f", "<e xmlns=\"u\"><f/>"},
     {"bound before the first element: never declared", "@p=u @=v +{u}p:e -{u}p:e /{v}f", "<p:e></p:e><f/>"},
     {"bound in an element: until it ends", "+e @p=u /{u}p:f -e /{u}p:g", "<e><p:f/></e><p:g xmlns:p=\"u\"/>"},
+    {"bound as default in between: no longer declared", "+{u}p:e +{u}p:f @=u /{u}p:g",
+     "<p:e xmlns:p=\"u\"><p:f><p:g xmlns:p=\"u\"/>"},
     {"more ends than starts: the document's bindings stay", "@p=u +e -e -e -e @q=v +{u}p:f /{v}q:g",
      "<e></e></e></e><p:f><q:g/>"},
 };
@@ -65,6 +67,9 @@ TEST(XmlWriter, DeclaresNamespacesByTheseRules) {
         LoggingWriter writer;
         run(writer, calls);
         EXPECT_EQ(writer.output, output) << reason;
+        QeXmlStringWriter inPlace;
+        run(inPlace, calls);
+        EXPECT_EQ(inPlace.getString(), output) << reason;
     }
 }
 

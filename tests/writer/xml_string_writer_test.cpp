@@ -165,6 +165,16 @@ TEST(XmlStringWriter, CopiesShareNothing) {
     EXPECT_EQ(text(assigned), both);
 }
 
+TEST(XmlStringWriter, HandsItsOutputOverOnceItIsNoLongerNeeded) {
+    QeXmlStringWriter writer;
+    writer.write("in the string", true);
+    writer.writeToSink(QeCString(", buffered"));
+    EXPECT_EQ(std::move(writer).getString(), "in the string, buffered");
+    EXPECT_EQ(writer.getLength(), 0u);
+    writer.write("new", true);
+    EXPECT_EQ(writer.getString(), "new");
+}
+
 TEST(XmlStringWriter, WritesADocument) {
     QeXmlStringWriter writer;
     writer.writeElementStart(QeXmlName("root"), QeXmlAttributeSet(), false);

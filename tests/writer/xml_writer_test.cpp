@@ -185,6 +185,11 @@ TEST(XmlWriter, CopiesShareNothing) {
     original.output.clear();
     run(original, "/{u}p:g");
     EXPECT_EQ(original.output, "<p:g xmlns:p=\"u\"/>");
+
+    run(original, "+{v}q:e +{v}q:f");
+    original = assigned;
+    run(original, "/{v}q:g");
+    EXPECT_TRUE(original.output.ends_with("<q:g xmlns:q=\"v\"/>")) << "what was bound before";
 }
 
 // Each call of the sink fails once. Whatever was cut short can be done again, and

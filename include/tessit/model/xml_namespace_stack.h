@@ -73,6 +73,7 @@ private:
     struct DeclaringScope {
         std::size_t depth = 0;
         std::uint64_t state = 0;
+        std::uint64_t uriLengths = 0;          // a bit for each length, modulo 64, of a URI bound here or further out
         QeSlotArray<QeXmlNamespace> bindings;  // in the order of adding
     };
     struct Index;

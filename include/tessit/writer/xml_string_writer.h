@@ -18,7 +18,12 @@ public:
     ~QeXmlStringWriter() override;
 
     /// A copy of everything written so far. Flushes, through its slot. O(bytes).
-    QeCString getString();
+    QeCString getString() &;
+
+    /// Everything written so far, without a copy, for a writer that is no longer
+    /// needed: `std::move(writer).getString()`. It is left without output; bindings
+    /// and indentation stay. Flushes, through its slot. O(bytes in the buffer).
+    QeCString getString() &&;
 
     /// The number of bytes written so far. Flushes, through its slot. Throws
     /// `QeXmlLengthError` when there are more than an `unsigned` can count; nothing

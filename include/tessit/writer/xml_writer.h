@@ -126,7 +126,7 @@ public:
     /// element, for the whole document. Nothing is written: the writer takes the
     /// namespace for declared from then on. Costs and guarantees are those of
     /// `QeXmlNamespaceStack::addNamespace`.
-    void addNamespace(const QeXmlNamespace& ns) { namespaces.addNamespace(ns); }
+    void addNamespace(const QeXmlNamespace& ns) { addBinding(ns.getPrefix(), ns.getURI()); }
 
     /// @}
     /// @name Layout
@@ -194,6 +194,7 @@ private:
     enum class Tag : unsigned char { Start, End };
 
     class Output;
+    class ScopeRollback;
 
     TESSIT_NO_EXPORT QeCString* ownText();
     TESSIT_NO_EXPORT static char* putString(char* to, const QeCString& text) noexcept;
@@ -205,11 +206,15 @@ private:
 
     void indent();
     TESSIT_NO_EXPORT void writeRepeated(char byte, int count);
-    TESSIT_NO_EXPORT void writeString(const QeCString& text);
+    TESSIT_NO_EXPORT void writeEscapedText(const QeCString& text);
     TESSIT_NO_EXPORT void writeLongText(const QeCString& text);
-    TESSIT_NO_EXPORT void writePlain(const QeCString& text);
+    TESSIT_NO_EXPORT bool appendInPlace(const QeCString& text);
     TESSIT_NO_EXPORT void writeTag(Tag kind, const QeXmlName& name);
-    TESSIT_NO_EXPORT void writeCompleteAttributeSet(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT void writeStartInPlace(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
+    TESSIT_NO_EXPORT void writeStartToSink(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
+    template <typename Write>
+    TESSIT_NO_EXPORT void withBindings(const QeXmlAttributeSet& attributes, const Write& write);
+    TESSIT_NO_EXPORT void putStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
     TESSIT_NO_EXPORT void writeAttributeSet(const QeXmlAttributeSet& attributes);
     TESSIT_NO_EXPORT void writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName,
                                                   const QeCString& value, bool escape);
@@ -217,6 +222,9 @@ private:
 
     TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
     TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
+    void addBinding(const QeCString& prefix, const QeCString& uri);
+    TESSIT_NO_EXPORT void popScope() noexcept;
+    TESSIT_NO_EXPORT bool hasPrefix(const QeCString& uri);
     TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
     TESSIT_NO_EXPORT std::span<const QeXmlNamespace> innermostBindings() const noexcept;
     TESSIT_NO_EXPORT bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
@@ -232,6 +240,7 @@ private:
     int currentIndent = 0;
     int indentSize = 2;
     bool atLineStart = false;
-    QeXmlNamespaceStack namespaces;  // one scope for the document, one for each open element
+    QeXmlNamespaceStack namespaces;             // one scope for the document, one for each open element
+    const QeXmlNamespace* lastFound = nullptr;  // where the last URI looked for is bound, until bindings change
     Storage spare;
 };

@@ -86,9 +86,9 @@ void QeXmlAttributeSet::add(const QeXmlName& name, const QeCString& value) {
 void QeXmlAttributeSet::addToFew(const QeXmlName& name, const QeCString& value) {
     std::size_t place = attributes.size();
     for (; place > 0; --place) {
-        const int order = name.compareTo(attributes[place - 1].getName());
-        if (order > 0) break;
-        if (order == 0) return attributes[place - 1].setValue(value);
+        QeXmlAttribute& present = attributes[place - 1];
+        if (present.getName() == name) return present.setValue(value);
+        if (present.getName() < name) break;
     }
     append(name.getLocalName(), name.getNamespace(), value);
     if (place + 1 < attributes.size()) attributes.moveLastTo(attributes.begin() + place);

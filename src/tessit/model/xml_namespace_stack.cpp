@@ -10,6 +10,10 @@ namespace {
 // long as any binding does: building it costs the bytes of all.
 constexpr std::size_t IndexThreshold = 16;
 
+std::uint64_t lengthBit(std::string_view text) noexcept {
+    return std::uint64_t{1} << (text.size() & 63);
+}
+
 }  // namespace
 
 // Bindings by prefix and by URI, for stacks that hold many.
@@ -180,7 +184,11 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     const std::size_t scopeIndex = declaring.size() - (opensDeclaring ? 0 : 1);
     declaring.reserveSlots(scopeIndex + 1);
     DeclaringScope& scope = declaring[scopeIndex];
-    if (opensDeclaring) scope.bindings.clear();
+    const std::uint64_t outerLengths = scopeIndex == 0 ? 0 : declaring[scopeIndex - 1].uriLengths;
+    if (opensDeclaring) {
+        scope.bindings.clear();
+        scope.uriLengths = 0;
+    }
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
     // A long URI that is bound already is shared, so that names can be compared by where it stands.
     const QeXmlNamespace* same = uri.size() >= QeCString::LongLength ? findURI(uri) : nullptr;
@@ -200,6 +208,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
         declaring.append();
     }
     scope.state = ++lastState;
+    scope.uriLengths |= outerLengths | lengthBit(uri);
     ++bindingCount;
 }
 
@@ -256,6 +265,7 @@ void QeXmlNamespaceStack::takeScope(DeclaringScope& scope) noexcept {
     only.bindings.swap(scope.bindings);  // and leaves our old storage there, for the next scope
     only.depth = depth = 1;
     only.state = ++lastState;
+    only.uriLengths = scope.uriLengths;
     bindingCount = only.bindings.size();
 }
 
@@ -274,6 +284,7 @@ const QeXmlNamespace* QeXmlNamespaceStack::findPrefix(std::string_view prefix, F
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
+    if (declaring.empty() || (declaring.back().uriLengths & lengthBit(uri)) == 0) return nullptr;
     if (indexed) return index->byURI.find(declaring, uri, declaring.size());
     return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
 }

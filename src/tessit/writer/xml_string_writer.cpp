@@ -26,9 +26,14 @@ QeXmlStringWriter& QeXmlStringWriter::operator=(const QeXmlStringWriter& other) 
 
 QeXmlStringWriter::~QeXmlStringWriter() = default;
 
-QeCString QeXmlStringWriter::getString() {
+QeCString QeXmlStringWriter::getString() & {
     flush();
     return sinkText;
+}
+
+QeCString QeXmlStringWriter::getString() && {
+    flush();
+    return std::exchange(sinkText, {});
 }
 
 // An override of `flush` is to see this call too, and what ours changes is mutable.

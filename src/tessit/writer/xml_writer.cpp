@@ -43,22 +43,6 @@ constinit const QeCString QeXmlWriter::Newline("\n");
 
 namespace {
 
-// Closes the innermost scope again, unless all that belongs to it went well.
-class ScopeRollback {
-public:
-    explicit ScopeRollback(QeXmlNamespaceStack& stack) noexcept : namespaces(&stack) {}
-    ScopeRollback(const ScopeRollback&) = delete;
-    ScopeRollback& operator=(const ScopeRollback&) = delete;
-    ~ScopeRollback() {
-        if (namespaces != nullptr) namespaces->popScope();
-    }
-
-    void dismiss() noexcept { namespaces = nullptr; }
-
-private:
-    QeXmlNamespaceStack* namespaces;
-};
-
 // The room that `text` needs when escaped. Counted exactly only where the worst case would be much.
 template <typename Escapes>
 std::size_t roomFor(std::string_view text) {
@@ -68,6 +52,22 @@ std::size_t roomFor(std::string_view text) {
 
 }  // namespace
 
+// Closes the innermost scope again, unless all that belongs to it went well.
+class QeXmlWriter::ScopeRollback {
+public:
+    explicit ScopeRollback(QeXmlWriter& opener) noexcept : writer(&opener) {}
+    ScopeRollback(const ScopeRollback&) = delete;
+    ScopeRollback& operator=(const ScopeRollback&) = delete;
+    ~ScopeRollback() {
+        if (writer != nullptr) writer->popScope();
+    }
+
+    void dismiss() noexcept { writer = nullptr; }
+
+private:
+    QeXmlWriter* writer;
+};
+
 // Room for the bytes of one sink call, which are put there and then sent.
 //
 // A string writer that is no more than that has no override that could see the
@@ -75,41 +75,30 @@ std::size_t roomFor(std::string_view text) {
 class QeXmlWriter::Output {
 public:
     Output(QeXmlWriter& sender, std::size_t size)
-        : writer(sender), text(sender.ownText()), buffer(text == nullptr ? size : 0) {
-        if (text == nullptr) {
-            start = buffer.begin();
-        } else {
-            oldLength = text->length();
-            start = text->resizeForOverwrite(oldLength + size + OutputBuffer::Slack) + oldLength;
-        }
-    }
-    Output(const Output&) = delete;
-    Output& operator=(const Output&) = delete;
-    ~Output() {
-        if (text != nullptr) text->truncate(oldLength);
-    }
+        : writer(sender),
+          text(sender.ownText()),
+          buffer(text == nullptr ? size : 0),
+          start(text == nullptr ? buffer.begin() : text->roomBehind(size + OutputBuffer::Slack)) {}
 
     char* begin() noexcept { return start; }
 
     /// Sends what ends at `end` through the bytes slot.
     void sendBytes(const char* end) {
-        if (!isInPlace(end)) writer.writeToSinkInPieces(start, lengthTo(end));
+        if (!isInPlace(end)) writer.writeToSinkInPieces(start, static_cast<std::size_t>(end - start));
     }
 
     /// Sends what ends at `end` through the string slot.
     void sendString(const char* end) {
         if (isInPlace(end)) return;
         Borrowed<QeCString> string(writer.spare.tag);
-        string->assign(start, lengthTo(end));
+        string->assign(start, static_cast<std::size_t>(end - start));
         writer.writeToSink(*string);
     }
 
 private:
-    std::size_t lengthTo(const char* end) const noexcept { return static_cast<std::size_t>(end - start); }
-
     bool isInPlace(const char* end) noexcept {
         if (text == nullptr) return false;
-        oldLength += lengthTo(end);
+        text->setLength(static_cast<std::size_t>(end - text->data()));
         return true;
     }
 
@@ -117,7 +106,6 @@ private:
     QeCString* text;
     OutputBuffer buffer;
     char* start;
-    std::size_t oldLength = 0;
 };
 
 // The text of a string writer, unless a class that is derived from it may want to see the sink calls.
@@ -165,6 +153,7 @@ QeXmlWriter& QeXmlWriter::operator=(const QeXmlWriter& other) {
     currentIndent = other.currentIndent;
     indentSize = other.indentSize;
     atLineStart = other.atLineStart;
+    lastFound = nullptr;
     return *this;
 }
 
@@ -214,34 +203,33 @@ void QeXmlWriter::writeRepeated(char byte, int count) {
 
 void QeXmlWriter::write(const QeCString& text, bool escape) {
     writeIndentChars();
-    if (!escape) return writeString(text);
+    if (escape) return writeEscapedText(text);
+    if (!appendInPlace(text)) writeToSink(text);
+}
+
+// Long texts are looked through first, since the room for the worst case would be much.
+void QeXmlWriter::writeEscapedText(const QeCString& text) {
     if (text.length() > OutputBuffer::LocalSize / TextEscapes::Longest) return writeLongText(text);
     Output output(*this, text.length() * TextEscapes::Longest);
     output.sendBytes(putEscaped<TextEscapes>(output.begin(), text));
 }
 
-void QeXmlWriter::writeString(const QeCString& text) {
-    if (QeCString* const own = ownText()) {
-        own->append(text);
-    } else {
-        writeToSink(text);
-    }
-}
-
 void QeXmlWriter::writeLongText(const QeCString& text) {
     const auto plainLength = static_cast<std::size_t>(TextEscapes::find(text.begin(), text.end()) - text.begin());
-    if (plainLength == text.length()) return writePlain(text);
+    if (plainLength == text.length()) {
+        if (!appendInPlace(text)) writeToSinkInPieces(text.data(), text.length());
+        return;
+    }
     Output output(*this, tessit::escapedLength<TextEscapes>(text));
     char* const end = put(output.begin(), text.substring(0, plainLength));
     output.sendBytes(tessit::writeEscaped<TextEscapes>(end, text.substring(plainLength)));
 }
 
-void QeXmlWriter::writePlain(const QeCString& text) {
-    if (QeCString* const own = ownText()) {
-        own->append(text);
-    } else {
-        writeToSinkInPieces(text.data(), text.length());
-    }
+// Returns whether it could: then no sink is to see the text.
+bool QeXmlWriter::appendInPlace(const QeCString& text) {
+    QeCString* const own = ownText();
+    if (own != nullptr) own->append(text);
+    return own != nullptr;
 }
 
 void QeXmlWriter::writeAttribute(const QeCString& name, const QeCString& value, bool escape) {
@@ -283,7 +271,25 @@ void QeXmlWriter::writeQualifiedAttribute(const QeCString& prefix, const QeCStri
 
 void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     namespaces.pushScope();
-    ScopeRollback scope(namespaces);
+    ScopeRollback scope(*this);
+    if (ownText() != nullptr) {
+        writeStartInPlace(name, attributes, empty);
+    } else {
+        writeStartToSink(name, attributes, empty);
+    }
+    if (!empty) scope.dismiss();
+}
+
+// Where no sink can tell, the whole tag is put in one go.
+void QeXmlWriter::writeStartInPlace(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
+    const bool nameNeedsMore = addNamespaceToScopeIfNecessary(name.getNamespace());
+    const bool attributesNeedMore = addNamespacesOf(attributes);
+    if (!nameNeedsMore && !attributesNeedMore && attributes.isStrictlySorted())
+        return putStart(name, attributes, empty);
+    withBindings(attributes, [&](const QeXmlAttributeSet& completed) { putStart(name, completed, empty); });
+}
+
+void QeXmlWriter::writeStartToSink(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     addNamespaceToScopeIfNecessary(name.getNamespace());
     writeTag(Tag::Start, name);
     const bool bindsAlready = !innermostBindings().empty();  // what the name needs, or a sink that calls its writer
@@ -291,20 +297,20 @@ void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeS
     if (!bindsAlready && !needsMore && attributes.isStrictlySorted()) {
         writeAttributeSet(attributes);
     } else {
-        writeCompleteAttributeSet(attributes);
+        withBindings(attributes, [this](const QeXmlAttributeSet& completed) { writeAttributeSet(completed); });
     }
     write(empty ? UnpairedTag : EndTag, false);
-    if (!empty) scope.dismiss();
 }
 
-// Writes the set, and with it the bindings of the innermost scope. One that was read has them all.
-void QeXmlWriter::writeCompleteAttributeSet(const QeXmlAttributeSet& attributes) {
+// Calls `write` with the set and the bindings of the innermost scope. One that was read has them all.
+template <typename Write>
+void QeXmlWriter::withBindings(const QeXmlAttributeSet& attributes, const Write& write) {
     Borrowed<PlainAttributes::Positions> positions(spare.positions);
     const PlainAttributes declarations(attributes, *positions);
-    if (declaresInnermostBindings(declarations)) return writeAttributeSet(attributes);
+    if (declaresInnermostBindings(declarations)) return write(attributes);
     Borrowed<QeXmlAttributeSet> completed(spare.completedAttributes);
     getCompleteAttributeSet(attributes, declarations, *completed);
-    writeAttributeSet(*completed);
+    write(*completed);
 }
 
 namespace {
@@ -324,33 +330,39 @@ WrittenName nameAsWritten(const QeXmlAttribute& attribute) {
 
 }  // namespace
 
-// Where no sink can tell, all attributes are put in one go.
 void QeXmlWriter::writeAttributeSet(const QeXmlAttributeSet& attributes) {
-    if (ownText() == nullptr) {
-        for (const QeXmlAttribute& attribute : attributes) {
-            const WrittenName name = nameAsWritten(attribute);
-            writeQualifiedAttribute(name.prefix, name.localName, attribute.getValue(), true);
-        }
-        return;
-    }
-    std::size_t room = 0;
     for (const QeXmlAttribute& attribute : attributes) {
-        const QeXmlName& name = attribute.getName();
-        room += roomForAttribute(name.getNamespace().getPrefix(), name.getLocalName(), attribute.getValue(), true);
+        const WrittenName name = nameAsWritten(attribute);
+        writeQualifiedAttribute(name.prefix, name.localName, attribute.getValue(), true);
+    }
+}
+
+void QeXmlWriter::putStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
+    writeIndentChars();
+    const QeCString& prefix = name.getNamespace().getPrefix();
+    std::size_t room = prefix.length() + name.getLocalName().length() + 4;  // with `<:/>`
+    for (const QeXmlAttribute& attribute : attributes) {
+        const QeXmlName& attributeName = attribute.getName();
+        room += roomForAttribute(attributeName.getNamespace().getPrefix(), attributeName.getLocalName(),
+                                 attribute.getValue(), true);
     }
     Output output(*this, room);
     char* end = output.begin();
+    *end++ = '<';
+    end = putName(end, prefix, name.getLocalName());
     for (const QeXmlAttribute& attribute : attributes) {
-        const WrittenName name = nameAsWritten(attribute);
-        end = putAttribute(end, name.prefix, name.localName, attribute.getValue(), true);
+        const WrittenName written = nameAsWritten(attribute);
+        end = putAttribute(end, written.prefix, written.localName, attribute.getValue(), true);
     }
+    if (empty) *end++ = '/';
+    *end++ = '>';
     output.sendBytes(end);
 }
 
 // The document's scope stays, however many ends are written.
 void QeXmlWriter::writeElementEnd(const QeXmlName& name) {
     writeTag(Tag::End, name);
-    if (namespaces.depth > 1) namespaces.popScope();
+    if (namespaces.depth > 1) popScope();
 }
 
 void QeXmlWriter::writeSimpleElement(const QeXmlName& name, const QeCString& content, const QeCString& typeName,
@@ -359,7 +371,7 @@ void QeXmlWriter::writeSimpleElement(const QeXmlName& name, const QeCString& con
     if (withType) attributes->append("type", QeXmlNamespace::getXsi(), typeName);
     writeElementStart(name, *attributes, content.empty());
     if (!content.empty()) {
-        ScopeRollback scope(namespaces);
+        ScopeRollback scope(*this);
         write(content, true);
         writeElementEnd(name);
         scope.dismiss();
@@ -408,10 +420,25 @@ bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
 // A URI that is bound to another prefix counts as declared. Returns whether the binding was added.
 bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri) {
     if (uri.empty()) return false;
-    const bool necessary =
-        prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : namespaces.getPrefixForURI(uri).empty();
-    if (necessary) namespaces.addBinding(prefix, uri);
+    const bool necessary = prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : !hasPrefix(uri);
+    if (necessary) addBinding(prefix, uri);
     return necessary;
+}
+
+void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri) {
+    lastFound = nullptr;
+    namespaces.addBinding(prefix, uri);
+}
+
+void QeXmlWriter::popScope() noexcept {
+    if (!innermostBindings().empty()) lastFound = nullptr;
+    namespaces.popScope();
+}
+
+// Names come in runs of one namespace: what was found last is compared first.
+bool QeXmlWriter::hasPrefix(const QeCString& uri) {
+    if (lastFound == nullptr || lastFound->getURI() != uri) lastFound = namespaces.findURI(uri);
+    return lastFound != nullptr && !lastFound->getPrefix().empty();
 }
 
 // A declaration is an attribute in no namespace. The reverse is taken for granted
