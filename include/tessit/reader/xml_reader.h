@@ -342,9 +342,9 @@ private:
     bool readIntoSlots();
     bool passExpectedName(const RawName& expected) noexcept;
     bool readValueInto(QeCString& value);
-    void readAttributes(bool expectsShape);
+    bool missShapeAt(const char* start) noexcept;
+    void readAttributes();
     void readAttribute();
-    RawName readAttributeName();
     void readValue(char quote, RawAttribute& attribute);
     void expandValue(QeCString& target, const char* start, char quote);
     void scanContent();
@@ -366,12 +366,9 @@ private:
     std::string_view valueOf(const RawAttribute& attribute) const noexcept;
     TagShape* shapeNumber(std::size_t number);
     void expectShapeOf(const RawName& element);
-    bool keepsShape() const noexcept;
     bool expectsShape() noexcept;
     void noteMiss() noexcept;
     void fixupAttributes();
-    void fillShape();
-    void fillAnew();
     std::span<Ordered> putInOrder(std::span<Ordered> ordered);
     void writeAttributes(std::span<const Ordered> ordered);
     void openSlots(std::size_t count);
@@ -436,14 +433,12 @@ private:
     QeCString valueScratch;
 
     // What the tags that are read are expected to hold, by the name of the element;
-    // `shape` is that of the last tag with attributes. `shapeNext` is the next
-    // attribute of it, or null once one came that differs.
+    // `shape` is that of the last tag with attributes.
     static constexpr std::size_t ShapeCount = 8;
     TagShape firstShape;           // of tags that are the first of their name
     std::uint32_t shapesSeen = 0;  // a bit each
     std::vector<TagShape> shapes;
     TagShape* shape = nullptr;
-    const TagShape::Attribute* shapeNext = nullptr;
 
     WrittenName lastNameWritten;
     CachedPrefix prefixCache[16];

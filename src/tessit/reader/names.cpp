@@ -20,8 +20,7 @@ constinit const QeXmlNamespace NoNamespace;
 
 void QeXmlReader::addAttribute(const RawAttribute& attribute) {
     rawAttributes.push_back(attribute);
-    const bool mayDeclare = shapeNext == nullptr;  // what a shape expects is no declaration
-    if (mayDeclare && attribute.name.whole().starts_with(Xmlns)) declareNamespace(attribute);
+    if (attribute.name.whole().starts_with(Xmlns)) declareNamespace(attribute);
 }
 
 // Declarations take effect at once, for the names of the whole tag, and stay among the attributes.
@@ -40,19 +39,10 @@ std::string_view QeXmlReader::valueOf(const RawAttribute& attribute) const noexc
 }
 
 // Called once the whole tag was read: turns the attributes as scanned into the set.
+// They are put in order before they are written, so that each string is written
+// once, into its final place.
 void QeXmlReader::fixupAttributes() {
     if (rawAttributes.empty()) return lastAttributes.clear();
-    if (keepsShape()) {
-        fillShape();
-    } else {
-        fillAnew();
-    }
-    lastAttributes.lookAtLocalNames();
-}
-
-// The attributes are put in order before they are written, so that each string is
-// written once, into its final place.
-void QeXmlReader::fillAnew() {
     shape->isInSlots = false;  // until all is written: an assignment can throw
     if (!valueScratch.empty())
         for (RawAttribute& attribute : rawAttributes)
@@ -64,6 +54,7 @@ void QeXmlReader::fillAnew() {
     const std::span<Ordered> ordered = putInOrder({count > Few ? manyOrdered.data() : few, count});
     writeAttributes(ordered);
     if (shape->pause == 0 && shape != &firstShape && ordered.size() == count) learnShape(ordered);
+    lastAttributes.lookAtLocalNames();
 }
 
 // A tag that is the first of its name may be the only one, in a small document:
@@ -87,20 +78,6 @@ void QeXmlReader::expectShapeOf(const RawName& element) {
     if (shape != nullptr) lastAttributes.attributes.swap(shape->parked);
     lastAttributes.attributes.swap(expected->parked);
     shape = expected;
-}
-
-bool QeXmlReader::keepsShape() const noexcept {
-    return shapeNext != nullptr && shapeNext == shape->attributes.data() + shape->attributes.size();
-}
-
-// Writes the attributes of a tag that kept its shape, whose names may have come to mean something else.
-void QeXmlReader::fillShape() {
-    shape->isInSlots = false;  // until all is written: an assignment can throw
-    openSlots(rawAttributes.size());
-    for (std::size_t position = 0; position < rawAttributes.size(); ++position)
-        writeAttribute(shape->attributes[position].slot, rawAttributes[position]);
-    shape->isInSlots = true;
-    shape->state = namespaceStack.state();
 }
 
 // Whether this tag is expected to look like the last one of its name. Where tags

@@ -79,8 +79,7 @@ void QeXmlReader::readStartTag() {
         lastAttributes.clear();
     } else {
         expectShapeOf(name);
-        const bool expects = expectsShape();
-        if (!expects || !readIntoSlots()) readAttributes(expects);
+        if (!expectsShape() || !readIntoSlots()) readAttributes();
     }
     closeStartTag(name);
 }
@@ -107,18 +106,21 @@ bool QeXmlReader::readIntoSlots() {
     openSlots(shape->attributes.size());
     for (const TagShape::Attribute& expected : shape->attributes) {
         if (passExpectedName(expected.name) && readValueInto(lastAttributes.attributes[expected.slot].value)) continue;
-        cursor = start;
-        return false;
+        return missShapeAt(start);
     }
     readS();
     const bool isWhole = cursor != bufferEnd && (*cursor == '>' || *cursor == '/');
-    if (!isWhole) {
-        cursor = start;
-        return false;
-    }
+    if (!isWhole) return missShapeAt(start);
     lastAttributes.lookAtLocalNames();
     shape->lastPause = 0;
     return true;
+}
+
+// Goes back to `start`. Returns false.
+bool QeXmlReader::missShapeAt(const char* start) noexcept {
+    noteMiss();
+    cursor = start;
+    return false;
 }
 
 // Passes whitespace and the name with its '='. If something else stands there, stops anywhere and returns false.
@@ -158,10 +160,9 @@ bool QeXmlReader::readValueInto(QeCString& value) {
 }
 
 // Reads what stands before the '>' or '/' of a start tag.
-[[gnu::noinline]] void QeXmlReader::readAttributes(bool expectsShape) {
+[[gnu::noinline]] void QeXmlReader::readAttributes() {
     rawAttributes.clear();
     valueScratch.clear();
-    shapeNext = expectsShape ? shape->attributes.data() : nullptr;
     for (;;) {
         readS();
         if (cursor == bufferEnd) raiseEnd();
@@ -171,7 +172,7 @@ bool QeXmlReader::readValueInto(QeCString& value) {
 }
 
 void QeXmlReader::readAttribute() {
-    RawAttribute attribute{readAttributeName(), {}, {}};
+    RawAttribute attribute{readName(), {}, {}};
     readS();
     if (rd() != '=') raise("Invalid character in attribute definition");
     readS();
@@ -179,25 +180,6 @@ void QeXmlReader::readAttribute() {
     if (quote != '"' && quote != '\'') raise("invalid character in attribute definition");
     readValue(quote, attribute);
     addAttribute(attribute);
-}
-
-// The name that the tag's shape says comes next is only compared.
-QeXmlReader::RawName QeXmlReader::readAttributeName() {
-    if (shapeNext == nullptr) return readName();
-    if (shapeNext != shape->attributes.data() + shape->attributes.size()) {
-        const RawName& expected = shapeNext->name;
-        const bool isThere = static_cast<std::size_t>(bufferEnd - cursor) > expected.length &&
-                             cursor[expected.length] == '=' &&
-                             tessit::sameBytes(cursor, expected.data, expected.length);
-        if (isThere) {
-            ++shapeNext;
-            cursor += expected.length;
-            return {cursor - expected.length, expected.length, expected.localStart};
-        }
-    }
-    shapeNext = nullptr;
-    noteMiss();
-    return readName();
 }
 
 // Passes the value and its closing quote. A value without references is a view of the document.
