@@ -41,6 +41,23 @@ bool hasNames(const QeXmlReader& reader) {
     return isName(reader.getLastName()) && set.size() == reader.getLastAttributes().size();
 }
 
+// Whether a prefix of the tag has been declared twice there: it stands for the first
+// URI, and its attribute has the last one.
+bool declaresTwice(const QeXmlReader& reader) {
+    const bool isOpen = reader.getLastNodeType() == QeXmlReader::ElementStart;
+    for (const QeXmlAttribute& declaration : reader.getLastAttributes()) {
+        if (declaration.getName().getNamespace().getPrefix() != "xmlns") continue;
+        const QeCString &prefix = declaration.getName().getLocalName(), &uri = declaration.getValue();
+        const auto isElsewhere = [&](const QeXmlName& name) {
+            return name.getNamespace().getPrefix() == prefix && name.getNamespace().getURI() != uri;
+        };
+        if (isElsewhere(reader.getLastName()) || (isOpen && reader.getURIForPrefix(prefix) != uri)) return true;
+        for (const QeXmlAttribute& attribute : reader.getLastAttributes())
+            if (isElsewhere(attribute.getName())) return true;
+    }
+    return false;
+}
+
 // The writer declares default namespaces itself, and is told where one ends.
 void writeStart(QeXmlWriter& writer, const QeXmlName& name, QeXmlAttributeSet attributes) {
     if (!attributes.getDefaultNamespaceAttribute().empty()) attributes.removeDefaultNamespaceAttribute();
@@ -62,7 +79,8 @@ bool copyNodes(const QeCString& document, QeXmlWriter& writer, std::string& node
     reader.setExpandAttributeReference(false);
     while (!reader.eof()) {
         reader.readNextNode();
-        if (reader.getLastNodeType() != QeXmlReader::Content && !hasNames(reader)) return false;
+        if (reader.getLastNodeType() != QeXmlReader::Content && (!hasNames(reader) || declaresTwice(reader)))
+            return false;
         writeNode(writer, reader);
         nodes += describeNode(reader) + "\n";
     }
