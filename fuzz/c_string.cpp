@@ -68,7 +68,7 @@ void call(Pair& one, Pair& other, Input& input) {
             return;
         case 9:
             one = std::move(other);
-            other = Pair();
+            other.model.clear();  // what was moved from is empty, and can be used
             return;
         case 10:
             if (one.model.empty()) return;
