@@ -35,7 +35,11 @@ void readEverything(QeXmlReader& reader) {
     EXPECT_TRUE(reader.isElementNext("b"));
     reader.readElement("b");
     EXPECT_FALSE(reader.readElement(QeXmlReader::NullName).empty());
-    reader.readElementEnd("r");
+    try {
+        reader.readElementEnd(QeCString(Long));
+        ADD_FAILURE() << "another name was expected";
+    } catch (const QeXmlParseError&) {
+    }
 }
 
 // What is left after a failure can be looked at, read on, whatever it gives, and destroyed.
@@ -79,21 +83,6 @@ TEST(XmlReader, FindsTheAttributesOfATagThatFailed) {
         reader->readElementStart("a");
         reader->readElementEnd("a");
         attempt([&] { reader->readElementStart("b"); });
-        readOn(*reader);
-    });
-}
-
-TEST(XmlReader, SurvivesFailingToReport) {
-    const Document document("<" + Long + "></" + Long + ">");
-    forEachFailingAllocation([&](Attempt& attempt) {
-        const auto reader = document.open(Source::Span);
-        attempt([&] {
-            try {
-                reader->readElementStart(QeCString(Long + "x"));
-                ADD_FAILURE() << "another name was expected";
-            } catch (const QeXmlParseError&) {
-            }
-        });
         readOn(*reader);
     });
 }
