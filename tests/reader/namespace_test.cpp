@@ -68,6 +68,19 @@ TEST(XmlReader, SortsManyAttributes) {
     EXPECT_EQ(trace("<r" + backward + forward + "/>"), "/r[" + expected + "]");
 }
 
+// More prefixes than the reader remembers, in turn.
+TEST(XmlReader, ResolvesManyPrefixes) {
+    std::string declarations, tags, nodes;
+    for (const char letter : std::string("abcdefghijklmnopqrstuvwxyz")) {
+        const std::string prefix(1, letter);
+        declarations += " xmlns:" + prefix + "='" + prefix + "'";
+        tags += "<" + prefix + ":a/>";
+        nodes += " /{" + prefix + "}" + prefix + ":a";
+    }
+    const std::string found = trace("<r" + declarations + ">" + tags + tags + "</r>");
+    EXPECT_EQ(found.substr(found.find(']') + 1), nodes + nodes + " -r");
+}
+
 // A long URI is shared by the names of a reader, but not with the copies of a caller.
 TEST(XmlReader, GivesCopiesTheirOwnLongUris) {
     const std::string uri(1000, 'u');
