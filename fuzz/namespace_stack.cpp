@@ -88,7 +88,7 @@ void call(Pair& one, Pair& other, Input& input) {
             return;
         default:
             if (input.below(8) != 0) return;
-            one = std::move(other);
+            one = Pair(std::move(other));
             other.scopes.clear();  // what was moved from is empty, and can be used
     }
 }

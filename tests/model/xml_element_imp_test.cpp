@@ -86,6 +86,7 @@ constexpr ChangeCase Changes[] = {
     {[](Overriding& e) { e.Base::removeAttribute(QeXmlName("x", NsV)); }, "a:item{u} b=2 xmlns:p=v x=1"},
     {[](Overriding& e) { e.setAttributes(QeXmlAttributeSet()); }, "a:item{u}"},
     {[](Overriding& e) { e.Base::clearAttributes(); }, "a:item{u}"},
+    {[](Overriding& e) { e.Base::getAttributes().clear(); }, "a:item{u}"},
     // Only removal by position asks, for the end: an override's is honoured, and the attributes' own is safe as well.
     {[](Overriding& e) { e.Base::removeAttribute(e.Base::attributesBegin()); }, "a:item{u} xmlns:p=v x=1 p:x=3", 1},
     {[](Overriding& e) { e.Base::removeAttribute(e.Base::attributesEnd()); }, "a:item{u} b=2 xmlns:p=v x=1 p:x=3", 2},
@@ -128,6 +129,9 @@ TEST(XmlElementImp, FindsWithoutAskingItsOverrides) {
     EXPECT_EQ(element.getUniqueName(), "u::item");
     EXPECT_EQ(element.attributeCount(), 4u);
     EXPECT_EQ(element.Base::removeAttribute(element.Base::attributesBegin()), begin);
+    EXPECT_EQ(element.getDefaultNamespaceAttribute(), "");
+    element.Base::setDefaultNamespaceAttribute("d");
+    EXPECT_EQ(element.getDefaultNamespaceAttribute(), "d");
     EXPECT_EQ(element.asked, 1);
 }
 

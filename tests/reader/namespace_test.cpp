@@ -41,6 +41,10 @@ constexpr NameCase Names[] = {
     // What one tag left in a slot must not show in the next.
     {"<r><a p:x='1'/><a p:x='1' xmlns:p='u'/><a p:x='1'/><a x='1'/><p:x/><x/></r>",
      "+r /a[p:x=1] /a[xmlns:p=u {u}p:x=1] /a[p:x=1] /a[x=1] /p:x /x -r"},
+    {"<r xmlns:p='u'><p:a p:x='' q:y=''/><q:a q:x='' p:y=''/></r>",
+     "+r[xmlns:p=u] /{u}p:a[{u}p:x= q:y=] /q:a[q:x= {u}p:y=] -r"},
+    {"<r><p:a xmlns:p='u' p:x=''></p:a><p:a xmlns:p='w'/><p:a xmlns:p='w'/><p:a xmlns:p='u'/></r>",
+     "+r +{u}p:a[xmlns:p=u {u}p:x=] -{u}p:a /{w}p:a[xmlns:p=w] /{w}p:a[xmlns:p=w] /{u}p:a[xmlns:p=u] -r"},
     {"<r xmlns='u' xmlns:p='u'><a/><p:a/><a/></r>", "+{u}r[xmlns:p=u xmlns=u] /{u}a /{u}p:a /{u}a -{u}r"},
     {"<a></a></a><b/>", "+a -a -a /b"},  // more ends than starts
 };
