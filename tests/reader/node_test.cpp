@@ -15,7 +15,7 @@ struct NodeCase {
 };
 
 constexpr NodeCase Content[] = {
-    {"<r>x<!-- c -->y<?pi z?>w</r>", "+r =xyw -r"},          // one text, whatever stands in it
+    {"<r>x<!-- c -->y<?pi z?>w</r>", "+r =xyw -r"},  // one text, whatever stands in it
     {"<r><!-- c -->y</r>", "+r =y -r"},                      // and in front of it
     {"<r><?pi?><![CDATA[y]]></r>", "+r =y -r"},              // a section is text
     {"<r>a<![CDATA[<b>&amp;]]>c</r>", "+r =a<b>&amp;c -r"},  // taken literally

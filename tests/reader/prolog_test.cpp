@@ -89,13 +89,3 @@ TEST(XmlReader, RefusesADocumentWithoutRootElement) {
     for (const unsigned length : {0u, 4u, 1000u})  // a null buffer has no bytes, whatever is said
         EXPECT_THROW(QeXmlReader(nullptr, length), QeXmlParseError) << length;
 }
-
-// A declaration inside the root element is read like one in front of it.
-TEST(XmlReader, ReadsADeclarationInContent) {
-    Document document("<a>x<?xml version='1.1' standalone='yes'?>y</a>");
-    const auto reader = document.open(Source::Span);
-    reader->readElementStart("a");
-    EXPECT_EQ(reader->readElementValue(), "xy");
-    EXPECT_EQ(reader->getVersion(), "1.1");
-    EXPECT_EQ(reader->getStandalone(), "yes");
-}

@@ -90,15 +90,12 @@ constexpr PullCase Demands[] = {
     {"<r><a x='1'/></r>", "S:r S:a E:a E:r F", "S S[x=1] E E eof"},
     {"<r><a x='1'></a></r>", "S:r S:a E:a E:r F", "S S[x=1] E E eof"},
     {"<r>t<!-- c --><?pi?><a>u</a>v</r>", "S:r S:a V E:a V E:r", "S S 'u' E 'v' E"},
-    {"<a>text</a>", "S:a V E:a", "S 'text' E"},
     {"<a><b/></a>", "S V S E V E", "S '' S E '' E"},
     {"<a></a>", "S S", "S !1:8 Couldn't find start tag"},
     {"<a><b></b></a>", "S E", "S !1:7 Couldn't find end tag"},
     {"<a>\n<a/></a>", "S:b", "!1:4 Expected b, found a"},
-    {"<q:b/>", "S:p:a", "!1:7 Expected p:a, found q:b"},
     {"<a><b/></a>", "S:a S:b E:c", "S S !1:8 Expected c, found b"},
     {"<a></b>", "S:a E:a", "S !1:8 Expected a, found b"},
-    {"<aa>", "S:aa E:aa", "S !1:5 Premature EOF"},
     {"<a/> \r\n", "F S F E F", "more S eof E eof"},
     {"<a> </a>", "S F V F E F", "S more ' ' more E eof"},
     {"<a/>x", "S F", "S more"},
@@ -107,7 +104,6 @@ constexpr PullCase Demands[] = {
     {"<a xmlns='u'></a>", "S:a E:a", "S[xmlns=u] E"},
     {"<p:a xmlns:p='u'><p:b xmlns:p='v'/></p:a>", "S:p:a S:p:b", "S[xmlns:p=u] !1:36 Expected p:b, found p:b"},
     {"<p:a xmlns:p='u'><p:b xmlns:p='v'></p:b></p:a>", "S:p:a S:p:b", "S[xmlns:p=u] !1:35 Expected p:b, found p:b"},
-    {"<p:a xmlns:p='u'><q:b xmlns:q='u'></q:b></p:a>", "S:p:a S:p:b E:p:b E:p:a", "S[xmlns:p=u] S[xmlns:q=u] E E"},
     {"<p:a xmlns:p='u'><q:b xmlns:q='u' xmlns:p='x'></q:b></p:a>", "S:p:a S:p:b E:q:b E:p:a",
      "S[xmlns:p=u] S[xmlns:p=x xmlns:q=u] E E"},
     {"<p:a xmlns:p='u'></p:a>", "S:{u}a E:{u}a", "S[xmlns:p=u] E"},
@@ -121,7 +117,6 @@ constexpr PullCase Demands[] = {
 constexpr PullCase LookAhead[] = {
     {"<r><a/></r>", "S N:a N:a S:a E:a N:a E:r", "S yes yes S E no E"},
     {"<r><a></a></r>", "S N:b N:a S:a N:a E:a E:r", "S no yes S no E E"},
-    {"<r></r>", "S N:a E:r F", "S no E eof"},
     {"<r>t<a/></r>", "S N:a V S", "S yes 't' !1:13 Couldn't find start tag"},  // the value takes the mark off
     {"<r><a/>t</r>", "S S:a N:c E:a V E", "S S no E 't' E"},  // an open empty element: nothing is scanned
     {"<r><a/></r>", "S S:a N:a E:a E:r", "S S yes E E"},      // and the answer is about itself
@@ -129,8 +124,6 @@ constexpr PullCase LookAhead[] = {
     {"<r><a></a></r>", "S N:a E", "S yes !1:7 Couldn't find end tag"},
     {"<r></r>", "S N:a S", "S no !1:8 Couldn't find start tag"},
     {"<r>t<a/></r>", "S N:a T T", "S yes /a -r"},  // readNextNode delivers it too
-    {"<list xmlns='u'><item/><item/></list>", "S:list N:item S:item E:item N:item S:item E:item N:item E:list",
-     "S[xmlns=u] yes S E yes S E no E"},
     {"<p:list xmlns:p='u'><p:item xmlns:p='u'></p:item></p:list>",
      "S:p:list N:p:item S:p:item N:p:x E:p:item N:p:x E:p:list", "S[xmlns:p=u] yes S[xmlns:p=u] no E no E"},
     {"<p:r xmlns:p='u'><p:a xmlns:p='v'></p:a></p:r>", "S:p:r N:p:a S:{v}a", "S[xmlns:p=u] no S[xmlns:p=v]"},
