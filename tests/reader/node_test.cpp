@@ -15,7 +15,7 @@ struct NodeCase {
 };
 
 constexpr NodeCase Content[] = {
-    {"<r>x<!-- c -->y<?pi z?>w</r>", "+r =xyw -r"},  // one text, whatever stands in it
+    {"<r>x<!-- c -->y<?pi z?>w</r>", "+r =xyw -r"},          // one text, whatever stands in it
     {"<r><!-- c -->y</r>", "+r =y -r"},                      // and in front of it
     {"<r><?pi?><![CDATA[y]]></r>", "+r =y -r"},              // a section is text
     {"<r>a<![CDATA[<b>&amp;]]>c</r>", "+r =a<b>&amp;c -r"},  // taken literally
@@ -33,18 +33,14 @@ constexpr NodeCase Content[] = {
     {"<r>&#4294967361;&#x100000041;</r>", "+r =AA -r"},  // wrap at 32 bits
     {"<r>&#xFFFFFFFF;</r>", "+r =\xF7\xBF\xBF\xBF -r"},  // only 21 bits can be written
     {"<r>a ]]> b</r>", "+r =a ]]> b -r"},
-    {"<r>\t </r>", "+r =\t  -r"},                                                            // blank text is text
-    {"<r>0123456789abcdef0123456789abcdef</r>", "+r =0123456789abcdef0123456789abcdef -r"},  // past 16 bytes
-    {"<r>0123456789abcde&amp;0123456789abcdef&amp;</r>", "+r =0123456789abcde&0123456789abcdef& -r"},
+    {"<r>\t </r>", "+r =\t  -r"},  // blank text is text
 };
 
 constexpr NodeCase Tags[] = {
     {"<a></a>", "+a -a"},
     {"<a\r\n\t ></a\t\r\n >", "+a -a"},
-    {"<a></b>", "+a -b"},  // the scanner does not match tags
-    {"<a/><b/>", "/a /b"},
+    {"<a></b>", "+a -b"},                    // the scanner does not match tags
     {"<a><a/>\n</a>\r\n ", "+a /a =\n -a"},  // blank text outside the root element is the end
-    {"<a1.b-c_d/>", "/a1.b-c_d"},
     {"<\xC3\xA9\xC3\xBC/>", "/\xC3\xA9\xC3\xBC"},
     {"<a\xC2\x80/>", "/a\xC2\x80"},  // past the first character all but ASCII may follow
     {"<a\xF0\x9F\x98\x80:\xF4\x8F\xBF\xBF/>", "/a\xF0\x9F\x98\x80:\xF4\x8F\xBF\xBF"},
@@ -54,7 +50,6 @@ constexpr NodeCase Tags[] = {
     {"<a x='1\r\n2\t3'/>", "/a[x=1\r\n2\t3]"},  // values are not normalised
     {"<a x='a&amp;b&unknown;&#x41;&#65;&#xe9;'/>", "/a[x=a&b&unknown;AA\xC3\xA9]"},
     {"<a x='>' y='/>'/>", "/a[x=> y=/>]"},
-    {"<a x='0123456789abcdef0123456789abcdef'/>", "/a[x=0123456789abcdef0123456789abcdef]"},
     {"<a x='1'><b/>t</a><a y='2'/>", "+a[x=1] /b =t -a /a[y=2]"},
 };
 
@@ -84,9 +79,7 @@ constexpr NodeCase Errors[] = {
     {"<r></ r>", "+r !1:7 Illegal starting character for name:  "},
     {"<r / >", "!1:6 Invalid '/' found in tag"},
     {"<1a/>", "!1:3 Illegal starting character for name: 1"},
-    {"<r><-a/>", "+r !1:6 Illegal starting character for name: -"},
     {"<r>\n<\xC3\x97/>", "+r =\n !2:4 Illegal starting character for name: \xC3\x97"},
-    {"<r><\xF0\x9F\x98\x80/>", "+r !1:9 Illegal starting character for name: \xF0\x9F\x98\x80"},
     {{"<r><\0/>", 7}, "+r !1:6 Illegal starting character for name: "},  // nothing is appended for U+0000
     {"<r a b='1'/>", "!1:7 Invalid character in attribute definition"},
     {"<r a='1' =''/>", "!1:11 Illegal starting character for name: ="},
@@ -94,11 +87,8 @@ constexpr NodeCase Errors[] = {
     {"<r a='1>\n</r>", "!2:2 Syntax error: unterminated attribute value"},
     {"<r>&#xg;</r>", "+r !1:9 invalid character in hexadecimal character reference."},
     {"<r>&#X41;</r>", "+r !1:10 invalid character in decimal character reference."},
-    {"<r>&#-1;</r>", "+r !1:9 invalid character in decimal character reference."},
-    {"<r a='&#1x;'/>", "!1:12 invalid character in decimal character reference."},
     {"<r>&;</r>", "+r !1:6 Empty reference"},
     {"<r>&#;</r>", "+r !1:7 Empty character reference"},
-    {"<r a='<'/>", "!1:8 Syntax error: unterminated attribute value"},
 };
 
 constexpr NodeCase Unexpanded[] = {
