@@ -126,7 +126,7 @@ TEST(XmlElementImp, FindsWithoutAskingItsOverrides) {
         EXPECT_EQ(element.Base::findNamespaceAttribute(ns.getPrefix()), found);
         EXPECT_EQ(constant.Base::findNamespaceAttribute(ns.getPrefix()), found);
     }
-    EXPECT_EQ(element.getUniqueName(), "u::item");
+    EXPECT_EQ(element.getUniqueName(), element.getNamespace().getURI() + "::" + element.getLocalName());
     EXPECT_EQ(element.attributeCount(), 4u);
     EXPECT_EQ(element.Base::removeAttribute(element.Base::attributesBegin()), begin);
     EXPECT_EQ(element.getDefaultNamespaceAttribute(), "");

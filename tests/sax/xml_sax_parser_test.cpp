@@ -43,8 +43,8 @@ struct SaxCase {
 };
 
 constexpr SaxCase Documents[] = {
-    {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\" standalone=\"yes\"?><a x=\"1\">t<b/></a>",
-     "<?xml version=\"1.0\" encoding=\"ISO-8859-1\" standalone=\"yes\"?> +a[x=1] =t +b -b -a"},
+    {"<?xml version=\"1.1\" encoding=\"ISO-8859-1\" standalone=\"yes\"?><a x=\"1\">t<b/></a>",
+     "<?xml version=\"1.1\" encoding=\"ISO-8859-1\" standalone=\"yes\"?> +a[x=1] =t +b -b -a"},
     {"<?xml version='1.0' standalone='no'?><a/>", "<?xml version=\"1.0\" standalone=\"no\"?> +a -a"},
     {"<a>\n<b/>\n</a>\n", "+a =\n +b -b =\n -a"},
     {"<r xmlns:q='u'><p:a xmlns:p='u'></q:a></r>", "+r[xmlns:q=u] +{u}p:a[xmlns:p=u] -{u}q:a -r"},
@@ -85,6 +85,7 @@ TEST(XmlSAXParser, ReportsADocument) {
 
 TEST(XmlSAXParser, ChecksADocumentWithoutHandler) {
     QeXmlSAXParser parser;
+    EXPECT_EQ(parser.getContentHandler(), nullptr);
     EXPECT_NO_THROW(parser.parse("<a></a>", ""));
     EXPECT_THROW(parser.parse("<a></b>", ""), QeXmlParseError);
 }
