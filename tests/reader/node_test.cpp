@@ -28,7 +28,7 @@ constexpr NodeCase Content[] = {
     {"<r>\r<![CDATA[\n]]></r>", "+r =\n\n -r"},
     {"<r>&lt;&gt;&amp;&apos;&quot;</r>", "+r =<>&'\" -r"},
     {"<r>&ltx;&Amp;&nbsp;&a<b;</r>", "+r =&ltx;&Amp;&nbsp;&a<b; -r"},  // unknown entities pass through
-    {"<r>&#65;&#x41;&#x4a;&#xE9;&#8364;&#x1F600;</r>", "+r =AAJ\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 -r"},
+    {"<r>&#65;&#x41;&#x4a;&#xE9;&#8364;&#x1f600;</r>", "+r =AAJ\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 -r"},
     {"<r>&#0;&#x;</r>", {"+r =\0\0 -r", 9}},
     {"<r>&#4294967361;&#x100000041;</r>", "+r =AA -r"},  // wrap at 32 bits
     {"<r>&#xFFFFFFFF;</r>", "+r =\xF7\xBF\xBF\xBF -r"},  // only 21 bits can be written
@@ -85,6 +85,7 @@ constexpr NodeCase Errors[] = {
     {"<r a='1' =''/>", "!1:11 Illegal starting character for name: ="},
     {"<r a=1/>", "!1:7 invalid character in attribute definition"},
     {"<r a='1>\n</r>", "!2:2 Syntax error: unterminated attribute value"},
+    {"<r a='&lt;<'/>", "!1:12 Syntax error: unterminated attribute value"},
     {"<r>&#xg;</r>", "+r !1:9 invalid character in hexadecimal character reference."},
     {"<r>&#X41;</r>", "+r !1:10 invalid character in decimal character reference."},
     {"<r>&;</r>", "+r !1:6 Empty reference"},
