@@ -67,8 +67,8 @@ void call(Pair& one, Pair& other, Input& input) {
             other = one;
             return;
         case 9:
-            one = std::move(other);
-            other = Pair();
+            one = Pair(std::move(other));
+            other.model.clear();  // what was moved from is empty, and can be used
             return;
         case 10:
             if (one.model.empty()) return;

@@ -84,11 +84,12 @@ void call(Pair& one, Pair& other, Input& input) {
             if (one.stack.namespacesBegin() != one.stack.namespacesEnd()) one.add(*one.stack.namespacesBegin());
             return;
         case 6:
-            other = one;
+            if (input.below(8) == 0) other = one;  // seldom, so that stacks get large
             return;
         default:
-            one = std::move(other);
-            other = Pair();
+            if (input.below(8) != 0) return;
+            one = Pair(std::move(other));
+            other.scopes.clear();  // what was moved from is empty, and can be used
     }
 }
 

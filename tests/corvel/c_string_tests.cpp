@@ -1,10 +1,10 @@
-#include <algorithm>
+// Calls in whatever order are held against std::string by the string's fuzz target.
+
 #include <gtest/gtest.h>
 #include <istream>
 #include <sstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
@@ -48,49 +48,26 @@ TEST(CString, HoldsTextsOfEveryLengthInEveryStorage) {
         for (const Storage& storage : Storages) {
             SCOPED_TRACE(testing::Message() << length << " bytes over " << storage.length << " of " << storage.grown);
             const std::string bytes = sample(length), old = storage.text();
-            QeCString source(bytes.data(), bytes.size());
-            QeCString copied = storage.make(), viewed = storage.make(), appended = storage.make();
-            QeCString moved = storage.make(), sized = storage.make();
-            expectHolds(QeCString(copied), old);
-            expectHolds(copied + source, old + bytes);
-            EXPECT_EQ(copied == source, old == bytes);
-            expectHolds(copied = source, bytes);
-            viewed.assign(bytes);
-            expectHolds(viewed, bytes);
-            expectHolds(appended += bytes, old + bytes);
-            std::copy(bytes.begin(), bytes.end(), sized.resizeForOverwrite(length));
-            expectHolds(sized, bytes);
-            sized.truncate(length / 2);
-            expectHolds(sized, bytes.substr(0, length / 2));
-            source = std::move(moved);
-            expectHolds(source, old);
-            expectHolds(moved, "");
-            expectHolds(moved += bytes, bytes);
+            const QeCString source(bytes.data(), bytes.size());
+            QeCString target = storage.make();
+            expectHolds(QeCString(target), old);
+            expectHolds(target + source, old + bytes);
+            EXPECT_EQ(target == source, old == bytes);
+            QeCString& same = target;
+            target = same;
+            target = std::move(same);
+            expectHolds(target, old);
+            expectHolds(target = source, bytes);
         }
 }
 
-TEST(CString, TakesArgumentsThatPointIntoItself) {
-    for (const std::size_t length : {1u, 3u, 8u, 12u, 16u, 22u, 23u, 24u, 40u})
-        for (std::size_t from = 0; from <= length; ++from)
-            for (std::size_t count = 0; count <= length - from; ++count) {
-                SCOPED_TRACE(testing::Message() << count << " bytes from " << from << " of " << length);
-                const std::string bytes = sample(length);
-                QeCString assigned{std::string_view(bytes)}, appended(assigned), roomy(assigned);
-                assigned.assign(assigned.substring(from, count));
-                expectHolds(assigned, bytes.substr(from, count));
-                appended.append(appended.substring(from, count));
-                expectHolds(appended, bytes + bytes.substr(from, count));
-                roomy.reserve(2 * length);
-                roomy.append(roomy.substring(from, count));
-                expectHolds(roomy, bytes + bytes.substr(from, count));
-            }
-    for (const Storage& storage : Storages) {
-        QeCString text = storage.make();
-        QeCString& same = text;
-        text = same;
-        text = std::move(same);
-        expectHolds(text, storage.text());
-    }
+TEST(CString, IsEqualInEveryByteOnly) {
+    for (std::size_t length = 0; length <= 40; ++length)
+        for (std::size_t at = 0; at < length; ++at) {
+            std::string other = sample(length);
+            ++other[at];
+            EXPECT_FALSE(QeCString(std::string_view(sample(length))) == other) << at << " of " << length;
+        }
 }
 
 TEST(CString, ConstantsHoldTheirText) {
@@ -130,23 +107,6 @@ TEST(CString, TakesANullPointerForTheEmptyText) {
     EXPECT_TRUE(text == null && text == QeCString(null) && text == QeCString(null, 0));
 }
 
-TEST(CString, ComparesBytesAsUnsigned) {
-    using namespace std::string_view_literals;
-    // clang-format off
-    constexpr std::string_view Ascending[] = {
-        ""sv, "\0"sv, "\0\0"sv, "A"sv, "a"sv, "a\0"sv, "a\0b"sv, "a long text, past what fits in place"sv, "ab"sv, "b"sv,
-        "\x80"sv,  // a signed byte would sort first
-        "\xC3\xA4"sv, "\xFF"sv};
-    // clang-format on
-    for (const std::string_view& left : Ascending)
-        for (const std::string_view& right : Ascending) {
-            SCOPED_TRACE(testing::Message() << &left - Ascending << " and " << &right - Ascending);
-            EXPECT_EQ(QeCString(left) < QeCString(right), &left < &right);
-            EXPECT_EQ(QeCString(left).compare(right) > 0, &left > &right);
-            EXPECT_EQ(QeCString(left) == QeCString(right), &left == &right);
-        }
-}
-
 TEST(CString, SearchesFromAnyPosition) {
     const QeCString text("ab:cd:e");
     EXPECT_EQ(text.find(':', 3), 5u);
@@ -159,17 +119,11 @@ TEST(CString, SearchesFromAnyPosition) {
     EXPECT_EQ(text.substring(8), "");
 }
 
-TEST(CString, UpperCasesAsciiOnly) {
-    QeCString text("az`{AZ\xC3\xA4");
-    text.toUpper();
-    EXPECT_EQ(text, "AZ`{AZ\xC3\xA4");
-}
-
 TEST(CString, ReadsWhatIsLeftOfAStream) {
     struct Failing : std::streambuf {
         int_type underflow() override { throw 42; }
     } failing;
-    const std::string bytes = sample(40'000);
+    const std::string bytes = sample(2 * 16 * 1024 + 1);  // the last part is a single byte
     std::istringstream in("x" + bytes);
     in.exceptions(std::ios::failbit | std::ios::badbit);  // the end of the input is no failure
     in.get();
@@ -181,8 +135,12 @@ TEST(CString, ReadsWhatIsLeftOfAStream) {
     EXPECT_THROW(text.readFile(throwing), int);
     expectHolds(text, bytes);
     in.exceptions(std::ios::goodbit);
-    text.readFile(in);  // nothing is left, and the stream is not good
-    expectHolds(text, "");
+    std::istream unbuffered(nullptr);
+    for (std::istream* unreadable : {static_cast<std::istream*>(&in), &unbuffered}) {
+        text = "old";
+        text.readFile(*unreadable);
+        expectHolds(text, "");
+    }
 }
 
 }  // namespace

@@ -17,22 +17,6 @@ QeCString isoText(const QeDateTime& when, const QeZone& zone) {
     return when.asString(QeDateTime::Iso8601, QeLocale::defaultLocale(), zone);
 }
 
-// Counts days as a child would, from the first of the year 1 to the last of 9999.
-TEST(QeDate, AgreesWithCountingTheDays) {
-    std::int64_t number = -719'162;
-    for (int year = 1; year <= 9999; ++year) {
-        const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-        const int lengths[] = {31, leap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-        for (int month = 1; month <= 12; ++month)
-            for (int day = 1; day <= lengths[month - 1]; ++day, ++number) {
-                const QeDate date(day, month, year);
-                ASSERT_EQ(date.dayNumber(), number) << year << '-' << month << '-' << day;
-                ASSERT_TRUE(date.year() == year && date.month() == month && date.dayOfMonth() == day) << number;
-            }
-    }
-    EXPECT_EQ(number, 2'932'897);
-}
-
 TEST(QeDate, ReachesItsLastYearAndStopsThere) {
     const QeDate last(31, 12, QeDate::MaxYear);
     const QeDate first(1, 1, -QeDate::MaxYear);
@@ -65,10 +49,9 @@ TEST(QeDateTime, ReadsBackInTheZoneItWasMadeIn) {
             ASSERT_EQ(when.date(zone), QeDate(1, 3, 1900));
             ASSERT_EQ(when.hour(zone) * 60 + when.minute(zone), hour * 60 + 59);
             ASSERT_EQ(when.second() * 1000 + when.milliSecond(), 58'997);
-            const int minuteInUtc = hour * 60 + 59 - offset;
-            const int day = minuteInUtc < 0 ? 28 : minuteInUtc >= 24 * 60 ? 2 : 1;
-            ASSERT_EQ(when.dayOfMonthGMT(), day);
-            ASSERT_EQ(when.hourGMT() * 60 + when.minuteGMT(), (minuteInUtc + 24 * 60) % (24 * 60));
+            const std::int64_t minutes = when.date(QeZone::utc()).dayNumber() * 24 * 60 + when.hourGMT() * 60 +
+                                         when.minuteGMT();  // since 1 January 1970
+            ASSERT_EQ(minutes, (QeDate(1, 3, 1900).dayNumber() * 24 + hour) * 60 + 59 - offset);
         }
 }
 
@@ -88,19 +71,21 @@ TEST(QeDateTime, WritesTheZoneAndOnlyTheFractionThereIs) {
     }
 }
 
-// The C library, in the C locale, as the judge; it writes years of four digits as we do.
-TEST(QeDateTime, FormatsAsTheCLibraryDoes) {
+// The C library, in the C locale, as the judge of days and texts; it writes years of four digits as we do.
+TEST(QeDateTime, CountsAndFormatsAsTheCLibraryDoes) {
     const char all[] =
         "%C|%d|%e|%G|%g|%H|%I|%j|%M|%m|%S|%U|%u|%V|%W|%w|%Y|%y|%A|%a|%B|%b|%c|%D|%F|%h|%n|%p|%R|%r|%T|%t|%X|%x|%%";
-    for (std::int64_t at = -30'610'224'000; at < 32'535'216'000; at += 86'400 * 61 + 3'607) {
+    for (std::int64_t day = -354'285; day < 2'932'897; day += 61) {  // the years 1000 to 9999
+        const std::int64_t at = day * 86'400 + (day + 354'285) * 277 % 86'400;
         if (!std::in_range<std::time_t>(at)) continue;  // it has 32 bits on some machines
         const auto second = static_cast<std::time_t>(at);
         std::tm fields{};
         ASSERT_NE(gmtime_r(&second, &fields), nullptr);
+        const QeDate date(fields.tm_mday, fields.tm_mon + 1, fields.tm_year + 1900);
+        ASSERT_EQ(date.dayNumber(), day);
         char expected[400];
         ASSERT_GT(std::strftime(expected, sizeof expected, all, &fields), 0U);
-        const QeDateTime when(QeDate(fields.tm_mday, fields.tm_mon + 1, fields.tm_year + 1900), fields.tm_hour,
-                              fields.tm_min, fields.tm_sec, 0, QeZone::utc());
+        const QeDateTime when(date, fields.tm_hour, fields.tm_min, fields.tm_sec, 0, QeZone::utc());
         ASSERT_EQ(format(when, all), expected);
     }
 }
@@ -147,6 +132,7 @@ TEST(QeDateTime, RefusesFieldsThatDoNotExist) {
         const char* msg;
     } cases[] = {
         {date(30, 2, 2004), "Expected a day of the month from 1 to 29, found 30"},
+        {date(29, 2, 2100), "Expected a day of the month from 1 to 28, found 29"},
         {date(0, 1, 2003), "Expected a day of the month from 1 to 31, found 0"},
         {date(1, 13, 2003), "Expected a month from 1 to 12, found 13"},
         {date(1, 257, 2003), "Expected a month from 1 to 12, found 257"},
