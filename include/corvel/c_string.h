@@ -447,7 +447,7 @@ private:
     static QeCString concatenate(std::string_view left, std::string_view right);
 
     void appendSlowly(const char* bytes, std::size_t count);
-    TESSIT_NO_EXPORT void makeRoomBehind(std::size_t size);
+    void makeRoomBehind(std::size_t size);
     void assignSlowly(const char* bytes, std::size_t length);
     void freeBlock() noexcept;
     TESSIT_NO_EXPORT bool hasLargeBlock() const noexcept;

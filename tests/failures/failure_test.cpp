@@ -59,6 +59,7 @@ public:
     void elementStart(const QeXmlName&, const QeXmlAttributeSet&) override { count(); }
     void elementEnd(const QeXmlName&) override { count(); }
     void content(const QeCString&) override { count(); }
+    void prolog(const QeXmlProlog&) override { count(); }
 
     int events = 0;
 

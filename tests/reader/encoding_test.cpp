@@ -95,6 +95,21 @@ TEST(XmlReader, LimitsRepeatedConversions) {
               "make it grow too much");
 }
 
+// Of ASCII, a conversion makes what stands behind it: with 17 of them, a byte of text takes one more than it allows.
+TEST(XmlReader, LimitsConversionsToTheByte) {
+    constexpr std::size_t Conversions = 17;
+    const std::string declaration = "<?xml version='1' encoding='ISO-8859-1'";
+    const std::string pair = declaration + "?><?xml version='1' encoding='UTF-8'?>";
+    const std::string front = "<a>" + repeat(pair, Conversions);
+    const std::size_t length = front.size() + 4;
+    std::size_t made = 0;
+    for (std::size_t i = 0; i < Conversions; ++i)
+        made += length - 3 - i * pair.size() - declaration.size();
+    const std::size_t most = 16 * (length + 4096) - made;
+    EXPECT_EQ(trace(front + std::string(most, 'x') + "</a>").find("grow too much"), std::string::npos);
+    EXPECT_NE(trace(front + std::string(most + 1, 'x') + "</a>").find("grow too much"), std::string::npos);
+}
+
 // Long texts take the block-wise paths of the converters. Blocks may end anywhere, also inside a character.
 TEST(XmlReader, ConvertsLongTexts) {
     constexpr const char* Cases[][3] = {
