@@ -94,16 +94,4 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
     }
 }
 
-TEST(XmlWriter, FindsDeclarationsInLargeSets) {
-    QeXmlAttributeSet set;
-    QeCString expected = "<p7:e";
-    for (int i = 10; i < 50; ++i) {
-        set.addNamespaceAttribute({numbered("p", i), numbered("u", i)});
-        expected += numbered(" xmlns:p", i) + numbered("=\"u", i, "\"");
-    }
-    LoggingWriter writer;
-    writer.writeElementStart({"e", {"p7", "w"}}, set, true);
-    EXPECT_EQ(writer.output, expected + " xmlns:p7=\"w\"/>");
-}
-
 }  // namespace

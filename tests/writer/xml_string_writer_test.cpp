@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <vector>
+#include <writer/writing.h>
 
 #include <tessit/writer/xml_string_writer.h>
 
@@ -138,19 +139,22 @@ TEST(XmlStringWriter, TakesTheLastByteBack) {
 
 TEST(XmlStringWriter, CopiesShareNothing) {
     auto original = std::make_unique<QeXmlStringWriter>();
-    original->write(QeCString(std::string(2000, 'a')), false);
+    original->setSizeOfIndent(4);
+    run(*original, ">1 +{u}p:e |");
     original->writeToSink('b');  // stays in the buffer
     QeXmlStringWriter copy(*original), assigned;
     assigned.write("replaced", false);
     assigned = *original;
     const QeXmlStringWriter& itself = assigned;
     assigned = itself;
-    copy.write(" copy", false);
-    original->write(" original", false);
-    EXPECT_EQ(text(*original), std::string(2000, 'a') + "b original");
+    run(*original, "-{u}p:e /{u}p:g");
+    EXPECT_EQ(text(*original), "<p:e xmlns:p=\"u\">\nb </p:e><p:g xmlns:p=\"u\"/>");
     original.reset();
-    EXPECT_EQ(text(copy), std::string(2000, 'a') + "b copy");
-    EXPECT_EQ(text(assigned), std::string(2000, 'a') + "b");
+    for (QeXmlStringWriter* writer : {&copy, &assigned}) {
+        EXPECT_EQ(writer->getSizeOfIndent(), 4);
+        run(*writer, "/{u}p:f");
+        EXPECT_EQ(text(*writer), "<p:e xmlns:p=\"u\">\nb <p:f/>");
+    }
 }
 
 }  // namespace

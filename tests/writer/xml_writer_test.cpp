@@ -113,24 +113,6 @@ TEST(XmlWriter, KeepsIndentationWithinItsBounds) {
     EXPECT_EQ(writer.getCurrentIndent(), INT_MAX);
 }
 
-TEST(XmlWriter, CopiesShareNothing) {
-    LoggingWriter original;
-    original.setSizeOfIndent(4);
-    run(original, ">1 +{u}p:e |");
-    LoggingWriter copy(original), assigned;
-    assigned = original;
-    run(original, "-{u}p:e");
-    for (LoggingWriter* writer : {&copy, &assigned}) {
-        writer->calls.clear();
-        EXPECT_EQ(writer->getSizeOfIndent(), 4);
-        run(*writer, "/{u}p:f");
-        EXPECT_EQ(writer->calls, "|c: |s:<p:f|s:/>");
-    }
-    original.output.clear();
-    run(original, "/{u}p:g");
-    EXPECT_EQ(original.output, "<p:g xmlns:p=\"u\"/>");
-}
-
 // Each call of the sink fails once. Whatever was cut short can be done again, and
 // leaves the same bindings as if nothing had happened.
 TEST(XmlWriter, CountsACallThatFailsAsNotMade) {
