@@ -193,7 +193,6 @@ const struct {
     Text (*document)(std::size_t parts);
     void (*use)(const Text& document);
 } Cases[] = {
-    {"WalkDepth", Many, nested, inPlace<walk>},
     {"WalkDepthFromStream", Many, nested, fromStream},
     {"ParseDepth", Many, nested, parse},
     {"DemandDepth", Many, nested, inPlace<demand>},
@@ -203,15 +202,11 @@ const struct {
     {"WalkRepeatedAttributes", Many, runOf<"<r", " a=''", "/>">, inPlace<walk>},
     {"TakeMarkupUnderAWideTag", Few, childrenOfAWideTag, inPlace<takeMarkupOfChildren>},
 
-    {"WalkUsedDeclarations", Few, usingDeclarations, inPlace<walk>},
     {"DemandUnderDeclarations", Few, usingDeclarations, inPlace<demand>},
-    {"WalkNestedDeclarations", Few, nestedWithDeclarations, inPlace<walk>},
     {"DemandNestedDeclarations", Few, nestedWithDeclarations, inPlace<demand>},
-    {"WalkTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<walk>},
     {"DemandTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<demand>},
 
     {"WalkNineDeclarationsUnderLongURIs", Few, declaringNineUnderLongURIs, inPlace<walk>},
-    {"WalkUnderLongURIs", Many, LongURIs, inPlace<walk>},
     {"DemandUnderLongURIs", Many, LongURIs, inPlace<demand>},
     {"TakeMarkupUnderLongURIs", Many, LongURIs, inPlace<takeMarkup>},
     {"TakeMarkupOfChildrenUnderLongURIs", Many, LongURIs, inPlace<takeMarkupOfChildren>},
