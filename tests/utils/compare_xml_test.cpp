@@ -61,10 +61,11 @@ constexpr Pair Different[] = {
     {"<r> <b/></r>", "<r>\n<b/></r>"},    // both have text behind the start tag, and it differs
     {"<r>&#13;<b/></r>", "<r><b/></r>"},  // a carriage return is not blank
     {"<r><b/>x</r>", "<r><b/></r>"},
-    {"<r><b/>x</r>", "<r><b/>y</r>"},  // an empty-element tag is a start
+    {"<r><a></a><b/>x</r>", "<r><a></a><b/>y</r>"},  // an empty-element tag is a start
     {"<r><b></b>x</r>", "<r><b></b></r>"},
     {"<r> <b/></r>", "<r><b></b></r>"},  // blank text against a start tag must have that start tag behind it
     {"<r> <r/></r>", "<r><r></r>"},
+    {"<r> <b x='1'></b></r>", "<r><b></b></r>"},
     {"<r><a/></r>", "<r><a><b></r>"},  // nothing but blank text stands in what is passed over
     {"<r/>", "<r/><r/>"},
     {"<r><b>", "<r><b></b></r>"},
@@ -148,6 +149,9 @@ TEST(CompareAttributeSet, LooksAtNamesAndValuesButNotAtPrefixes) {
     left.add(QeXmlAttribute("b", "1", QeXmlNamespace("p", "u")));
     EXPECT_FALSE(QeXmlUtils::compareAttributeSet(left, right));
     EXPECT_FALSE(QeXmlUtils::compareAttributeSet(right, left));
+    right.add(QeXmlAttribute("b", "1", QeXmlNamespace("p", "v")));
+    EXPECT_FALSE(QeXmlUtils::compareAttributeSet(left, right));
+    right.clear();
     left.add(QeXmlAttribute("a", "2", QeXmlNamespace()));
     right.add(QeXmlAttribute("a", "2", QeXmlNamespace()));
     right.add(QeXmlAttribute("b", "1", QeXmlNamespace("q", "u")));
