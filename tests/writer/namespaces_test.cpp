@@ -94,4 +94,12 @@ TEST(XmlWriter, WritesSetsThatLostTheirOrder) {
     }
 }
 
+TEST(XmlWriter, WritesANameThatIsThereTwiceWithItsLastValue) {
+    QeXmlAttributeSet set = attributesOf("a=1,m=2");
+    set.begin()->getName().setLocalName("m");
+    LoggingWriter writer;
+    writer.writeElementStart({"e"}, set, true);
+    EXPECT_EQ(writer.output, "<e m=\"2\" m=\"2\"/>");
+}
+
 }  // namespace
