@@ -113,8 +113,8 @@ const struct {
      "", 0},
     {"cp good - && tessit events ./-", Utf8 + "empty good {}\n", "", 0},
     {"cp good ./--help && tessit events -- --help", Utf8 + "empty good {}\n", "", 0},
-    {"cp good 'a\nb' && tessit events 'a\nb' none 2>&1",
-     "a\\nb: " + Utf8 + "a\\nb: empty good {}\nnone: error: No such file or directory\n", "", 2},
+    {"cp good 'a\nb' && tessit events 'a\nb' 'no\nne' 2>&1",
+     "a\\nb: " + Utf8 + "a\\nb: empty good {}\nno\\nne: error: No such file or directory\n", "", 2},
     {"tessit events . good", "good: " + Utf8 + "good: empty good {}\n", ".: error: Is a directory\n", 2},
     {"tessit events bad good 2>&1",  // in the order in which it happened
      "bad: " + Utf8 + "bad: start bad {}\nbad:1:6: error: Missing end tag for bad\n" + "good: " + Utf8 +
@@ -134,6 +134,7 @@ const struct {
      "", 0},
 
     {"tessit same good like", "", "", 0},
+    {"tessit same good good", "", "", 0},  // only standard input cannot be read twice
     {"tessit same good -", "good and <stdin> differ\n", "", 1},
     {"tessit same - good", "<stdin> and good differ\n", "", 1},
     {"tessit same - ./input", "", "", 0},
