@@ -3,20 +3,16 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <support/documents.h>
 #include <support/messages.h>
 
 #include <tessit/schema/xml_validator.h>
 
+using tessit::test::repeat;
+
 namespace {
 
 constexpr std::size_t MiB = 1024 * 1024;
-
-std::string repeat(std::string_view part, std::size_t length) {
-    std::string text;
-    while (text.size() < length)
-        text += part;
-    return text;
-}
 
 bool matches(std::string_view value, std::string_view pattern) {
     return QeXmlValidator("v").checkPattern(QeCString(value), QeCString(pattern));
@@ -40,24 +36,15 @@ TEST(Patterns, MatchAnywhereInUtf8Text) {
     } Cases[] = {
         {"abc123def", "[0-9]{3}", true},
         {"abc12def", "[0-9]{3}", false},
-        {"abc", "", true},
-        {"", "", true},
         {"", "^$", true},
-        {"\xC3\xA9", "^.$", true},
         {"\xF0\x9F\x98\x80", "^.$", true},  // one character, two units
-        {"\xC3\xA9t\xC3\xA9", "^\\p{L}+$", true},
-        {"\xC3\xA9", "\xC3\xA9", true},
         {"\xC3\x89", "(?i)\xC3\xA9", true},
-        {"title", "(?i)TITLE", true},
-        {{"a\0b", 3}, "^a\\x00b$", true},
         {{"a\0b", 3}, {"a\0b", 3}, true},
 
         // Malformed text stands for the replacement character, never for what was hidden in it.
-        {"a\xFF", "^a\\uFFFD$", true},
         {"\xC3", "^\\uFFFD$", true},
         {"\xC0\xAF", "/", false},
         {"\xED\xA0\x80", "^\\uFFFD+$", true},
-        {"\xF4\x90\x80\x80", "[^\\uFFFD]", false},
         {"a\xC3", "^a\xEF\xBF\xBD$", true},  // which a pattern may well name
     };
     for (const auto& row : Cases)
@@ -66,93 +53,70 @@ TEST(Patterns, MatchAnywhereInUtf8Text) {
 
 TEST(Patterns, NameWhatIsWrongWithThemAndWhere) {
     constexpr struct {
-        const char* pattern;
-        const char* error;
+        const char *pattern, *place;
     } Cases[] = {
-        {"(abc", "Invalid pattern '(abc' at line 1, character 4: a parenthesis has no counterpart"},
-        {"abc)d", "Invalid pattern 'abc)d' at line 1, character 4: a parenthesis has no counterpart"},
-        {"a\n[b", "Invalid pattern 'a\n[b' at line 2, character 2: a set has no closing bracket"},
-        {"[z-a]", "Invalid pattern '[z-a]' at line 1, character 4: the range has no end, or one before its beginning"},
-        {"*a", "Invalid pattern '*a' at line 1, character 1: this cannot stand here"},
-        {"\xC3\xA9*+*", "Invalid pattern '\xC3\xA9*+*' at line 1, character 4: this cannot stand here"},
-        {"\\p{Nope}", "Invalid pattern '\\p{Nope}' at line 1, character 8: unknown character property"},
-        {"a\n\xF0\x9F\x98\x80\\p{IsBasicLatin}(",
-         "Invalid pattern 'a\n\xF0\x9F\x98\x80\\p{IsBasicLatin}(' at line 2, character 17: unknown character property"},
-        {"a\\ib", "Invalid pattern 'a\\ib' at line 1, character 3: unknown escape sequence"},
-        {"[\\i]", "Invalid pattern '[\\i]' at line 1, character 3: unknown escape sequence"},
-        {"a\\N{NOPE}b", "Invalid pattern 'a\\N{NOPE}b' at line 1, character 9: unknown character name"},
-        {"\\", "Invalid pattern '\\' at line 1, character 1: unknown escape sequence"},
-        {"\xC3\xA9\xEF\xBF\xBD\xF0\x9F\x98\x80\xE9",
-         "Invalid pattern '\xC3\xA9\xEF\xBF\xBD\xF0\x9F\x98\x80\xE9' at byte 9: malformed UTF-8"},
+        {"(abc", "line 1, character 4: a parenthesis has no counterpart"},
+        {"a\n[b", "line 2, character 2: a set has no closing bracket"},
+        {"\xC3\xA9*+*", "line 1, character 4: this cannot stand here"},
+        {"a\n\xF0\x9F\x98\x80\\p{IsBasicLatin}(", "line 2, character 17: unknown character property"},
+        {"a\\ib", "line 1, character 3: unknown escape sequence"},
+        {"a\\N{NOPE}b", "line 1, character 9: unknown character name"},
+        {"\xC3\xA9\xEF\xBF\xBD\xF0\x9F\x98\x80\xE9", "byte 9: malformed UTF-8"},
     };
-    for (const auto& row : Cases)
-        EXPECT_EQ(errorOf("a", row.pattern), row.error);
-    EXPECT_EQ(errorOf("a", repeat("\xC3\xA9,", 65537)), "Invalid pattern '" + repeat("\xC3\xA9,", 63) +
+    for (const auto& [pattern, place] : Cases)
+        EXPECT_EQ(errorOf("a", pattern), std::string("Invalid pattern '") + pattern + "' at " + place);
+    EXPECT_EQ(errorOf("a", repeat("\xC3\xA9,", 21846)), "Invalid pattern '" + repeat("\xC3\xA9,", 21) +
                                                             "...' at byte 65536: its 65538 bytes are more than 65536");
     EXPECT_EQ(errorOf("a", std::string(65536, 'a')), "");
     for (const char* opener : {"(", "[", "(?:", "(?=", "(?<=", "(a|"})
-        EXPECT_NE(errorOf("a", repeat(opener, 60'000)), "") << opener;
+        EXPECT_NE(errorOf("a", repeat(opener, 10'000)), "") << opener;
 }
 
 TEST(Patterns, LeaveTheValidatorAsItWasWhenTheyCannotBeUsed) {
     QeXmlValidator validator("v");
     EXPECT_NE(errorOf(validator, "a", "("), "");
-    EXPECT_TRUE(validator.checkPatterns());
-    EXPECT_TRUE(validator.isValid());
+    EXPECT_TRUE(validator.checkPatterns() && validator.isValid());
     EXPECT_TRUE(validator.checkPattern("a", "a"));
-    EXPECT_NE(errorOf(validator, "a", "("), "");
     EXPECT_NE(errorOf(validator, std::string(50, 'a'), "(a+)+b"), "");
     EXPECT_TRUE(validator.isValid());
-    EXPECT_TRUE(validator.getErrors().empty());
     EXPECT_TRUE(validator.checkPattern("aab", "(a+)+b")) << "the pattern itself stays usable";
 }
 
 // Each would run for years, or for hours, if it were let.
 TEST(Patterns, EndInAnErrorInsteadOfTakingForever) {
-    const std::string manyGroups = "(?:" + repeat("(x)", 6'000) + "|(a+)+b)";
+    const std::string manyGroups = "(?:" + repeat("(x)", 2'000) + "|(a+)+b)";
     const struct {
-        std::string value, pattern;
+        std::size_t length;
+        std::string pattern;
     } Cases[] = {
-        {std::string(50, 'a'), "(a+)+b"},
-        {std::string(100, 'a') + "b", "^(a|aa)+$"},
-        {std::string(100, 'a'), "(?:(?:a?){40}){40}a{1600}"},
-        {std::string(MiB / 8, 'a'), "[a-c]*[a-c]*d"},
-        {std::string(MiB / 8, 'a'), "(?:(?=[a-c]*)a)*b"},  // looks over everything in each step
-        {std::string(MiB / 8, 'a'), "(?x) (?:( ?=[a-c]*)a)*b"},
-        {std::string(MiB / 8, 'a'), "(?>[a-c]+)d"},
-        {std::string(MiB / 8, 'a'), "(a*)\\1b"},
-        {std::string(MiB / 8, 'a'), "(?<n>a*)\\k<n>b"},
-        {std::string(20, 'a'), manyGroups},  // few steps, each of which saves two thousand groups
+        {50, "(a+)+b"},
+        {MiB / 8, "[a-c]*[a-c]*d"},
+        {MiB / 8, "(?:(?=[a-c]*)a)*b"},  // looks over everything in each step
+        {MiB / 8, "(?x) (?:( ?=[a-c]*)a)*b"},
+        {MiB / 8, "(?>[a-c]+)d"},
+        {MiB / 8, "(a*)\\1b"},
+        {MiB / 8, "(?<n>a*)\\k<n>b"},
+        {20, manyGroups},  // few steps, each of which saves two thousand groups
     };
-    for (const auto& [value, pattern] : Cases)
-        EXPECT_NE(errorOf(value, pattern).find("takes too many steps on a text of"), std::string::npos)
-            << pattern.substr(0, 30);
-    EXPECT_EQ(errorOf(std::string(50, 'a'), "(a+)+b"),
-              "Pattern '(a+)+b' takes too many steps on a text of 50 UTF-16 units");
+    for (const auto& [length, pattern] : Cases)
+        EXPECT_EQ(
+            errorOf(std::string(length, 'a'), pattern),
+            "Pattern '" + pattern + "' takes too many steps on a text of " + std::to_string(length) + " UTF-16 units");
 }
 
 TEST(Patterns, TakeLongTexts) {
     const std::string letters(MiB, 'a'), thousands(10'000, 'a');
-    const std::string words = repeat("some words, ", MiB), someWords = words.substr(0, MiB / 32);
+    const std::string words = repeat("some words, ", MiB / 12), someWords = words.substr(0, MiB / 32);
     const struct {
         const std::string& value;
         const char* pattern;
         bool matched;
     } Cases[] = {
-        {letters, "^(a|b)*$", true},
         {letters, "^(a|b)*c$", false},
         {letters, "^(?:b|c|d|e|f|g|h|i|j|k|l|m|n|o|p|a)*$", true},  // many steps a letter
-        {letters, "^([a-z]{4})*$", true},
-        {letters, "^(?:.|\\n)*$", true},
-        {letters, "b", false},
-        {thousands, "[a-z]+@[a-z]+", false},  // tried at each place, and each time to the end
-        {thousands, "[a-z]+\\s*=", false},
-        {letters, "a$", true},
+        {thousands, "[a-z]+@[a-z]+", false},                        // tried at each place, and each time to the end
         {words, "^(\\w+,?\\s*)+$", true},
-        {words, "^([a-z]+,? )*$", true},
-        {words, "^([a-z]+, ?)*$", false},
         {someWords, "^(?!.*!)[a-z, ]*$", true},
-        {someWords, "^(?=.*!)[a-z, ]*$", false},
     };
     for (const auto& row : Cases)
         EXPECT_EQ(matches(row.value, row.pattern), row.matched) << row.pattern;
@@ -174,11 +138,9 @@ TEST(Patterns, MayUseTheirBudgetAgainAndAgain) {
 // Compiling each of these takes a tenth of a second, so doing it anew in each check would take minutes.
 TEST(Patterns, StayCompiled) {
     QeXmlValidator validator("v");
-    const QeCString pattern(repeat("\\p{Ll}", 16 * 1024)), other(repeat("\\p{Lu}", 16 * 1024));
+    const QeCString pattern(repeat("\\p{Ll}", 10'000)), other(repeat("\\p{Lu}", 10'000));
     for (int i = 0; i < 2'000; ++i) {
-        EXPECT_FALSE(validator.checkPattern("", pattern));
-        EXPECT_FALSE(validator.checkPattern("", other));
-        EXPECT_TRUE(validator.checkPattern("b", "^[ab]$"));
+        EXPECT_FALSE(validator.checkPattern("", pattern) || validator.checkPattern("", other));
         validator.clear();
     }
 }
@@ -186,10 +148,9 @@ TEST(Patterns, StayCompiled) {
 // Far more patterns than are kept, each of them right every time.
 TEST(Patterns, AreNotConfusedWithOneAnother) {
     QeXmlValidator validator("v");
-    for (int round = 0; round < 3; ++round)
-        for (int i = 0; i < 100; ++i) {
-            const QeCString number(std::string_view(std::to_string(i)));
-            EXPECT_TRUE(validator.checkPattern(number, "^" + number + "$"));
-            EXPECT_FALSE(validator.checkPattern("x", "^" + number + "$"));
-        }
+    for (int i = 0; i < 300; ++i) {
+        const QeCString number(std::string_view(std::to_string(i % 100)));
+        EXPECT_TRUE(validator.checkPattern(number, "^" + number + "$"));
+        EXPECT_FALSE(validator.checkPattern("x", "^" + number + "$"));
+    }
 }

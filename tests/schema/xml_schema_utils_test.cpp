@@ -16,30 +16,27 @@ QeCString convert(const Value& value, const char* typeName = "type") {
 }
 
 TEST(XmlSchemaUtils, NamesTheInstanceAttributes) {
-    const QeCString uri = "http://www.w3.org/2001/XMLSchema-instance";
-    EXPECT_EQ(NameBeforeMain, uri + "::type");
-    EXPECT_EQ(QeXmlSchemaUtils::XsiTypeAttributeName.getQualifiedName(), "xsi:type");
+    EXPECT_EQ(NameBeforeMain, "http://www.w3.org/2001/XMLSchema-instance::type");
     EXPECT_EQ(QeXmlSchemaUtils::XsiNilAttributeName.getQualifiedName(), "xsi:nil");
     EXPECT_EQ(QeXmlSchemaUtils::XsiSchemaLocationAttributeName.getQualifiedName(), "xsi:schemaLocation");
-    EXPECT_EQ(QeXmlSchemaUtils::XsiNoNamespaceSchemaLocationAttributeName.getUniqueName(),
-              uri + "::noNamespaceSchemaLocation");
+    EXPECT_EQ(QeXmlSchemaUtils::XsiNoNamespaceSchemaLocationAttributeName.getQualifiedName(),
+              "xsi:noNamespaceSchemaLocation");
 }
 
-TEST(XmlSchemaUtils, ConvertsTextsBooleansAndWholeNumbers) {
+TEST(XmlSchemaUtils, ConvertsToLexicalForm) {
     EXPECT_EQ(convert(QeCString("a\0b", 3)), QeCString("a\0b", 3));
     EXPECT_EQ(QeXmlSchemaUtils::ConvertTypeToString("text", "date"), "text");
-    EXPECT_EQ(QeXmlSchemaUtils::ConvertTypeToString("", "string"), "");
     EXPECT_EQ(convert(static_cast<const char*>(nullptr)), "");
-    EXPECT_EQ(convert(true), "1");
-    EXPECT_EQ(convert(false), "0");
-    EXPECT_EQ(convert(-5), "-5");
+    EXPECT_EQ(convert(true) + convert(false), "10");
     EXPECT_EQ(convert(std::numeric_limits<int>::min()), "-2147483648");
     EXPECT_EQ(convert(4294967295U), "4294967295");
     EXPECT_EQ(convert(-2147483648L), "-2147483648");
     EXPECT_EQ(convert(4294967295UL), "4294967295");
     EXPECT_EQ(convert(std::numeric_limits<long long>::min()), "-9223372036854775808");
     EXPECT_EQ(convert(std::numeric_limits<unsigned long long>::max()), "18446744073709551615");
-    EXPECT_EQ(convert(static_cast<short>(-1)), "-1");
+    EXPECT_EQ(convert(0.1F), "1.000000e-01");
+    EXPECT_EQ(convert(QeDecimalPortable("-12345678901234567890.10")), "-12345678901234567890.10");
+    EXPECT_EQ(convert(QeXmlDuration(1, 0, 2), "time"), "P1Y0M2D");
 }
 
 // printf, in the C locale, as the judge.
@@ -49,10 +46,6 @@ TEST(XmlSchemaUtils, ConvertsFloatingPointAsPrintfDoes) {
         std::snprintf(text, sizeof text, "%e", value);
         return QeCString(text);
     };
-    EXPECT_EQ(convert(0.0), "0.000000e+00");
-    EXPECT_EQ(convert(-0.1), "-1.000000e-01");
-    EXPECT_EQ(convert(0.5F), "5.000000e-01");
-    EXPECT_EQ(convert(0.1F), "1.000000e-01");
     using Limits = std::numeric_limits<double>;
     for (double value : {-0.0, 1.5, 9.9999995, 9.99999949, Limits::max(), Limits::denorm_min(), Limits::infinity(),
                          -Limits::infinity(), Limits::quiet_NaN()})
@@ -66,33 +59,12 @@ TEST(XmlSchemaUtils, ConvertsFloatingPointAsPrintfDoes) {
 
 TEST(XmlSchemaUtils, ConvertsDateTimesByTheTypesName) {
     const QeDateTime when(QeDate(20, 5, 2003), 9, 1, 8, 250, QeZone::utc());
-    const struct {
-        const char* typeName;
-        const char* text;
-    } cases[] = {
-        {"time", "09:01:08"},
-        {"xsd:time", "09:01:08"},
-        {"datetime", "09:01:08"},
-        {"date", "2003-05-20"},
-        {"xsd:date", "2003-05-20"},
-        {"dateTime", "2003-05-20T09:01:08.25Z"},
-        {"", "2003-05-20T09:01:08.25Z"},
-        {"Date", "2003-05-20T09:01:08.25Z"},
-        {"dates", "2003-05-20T09:01:08.25Z"},
-    };
-    for (const auto& [typeName, text] : cases)
-        EXPECT_EQ(convert(when, typeName), text) << typeName;
-}
-
-class Shorthand : public QeXmlDuration {
-public:
-    QeCString asString() const override { return "P1D"; }
-};
-
-TEST(XmlSchemaUtils, ConvertsDurationsAndDecimalsByTheirOwnForm) {
-    EXPECT_EQ(convert(QeXmlDuration(1, 0, 2), "time"), "P1Y0M2D");
-    EXPECT_EQ(convert(static_cast<const QeXmlDuration&>(Shorthand())), "P1D");
-    EXPECT_EQ(convert(QeDecimalPortable("-12345678901234567890.10")), "-12345678901234567890.10");
+    for (const char* typeName : {"time", "xsd:time", "datetime"})
+        EXPECT_EQ(convert(when, typeName), "09:01:08") << typeName;
+    for (const char* typeName : {"date", "xsd:date"})
+        EXPECT_EQ(convert(when, typeName), "2003-05-20") << typeName;
+    for (const char* typeName : {"dateTime", "", "Date", "dates"})
+        EXPECT_EQ(convert(when, typeName), "2003-05-20T09:01:08.25Z") << typeName;
 }
 
 }  // namespace

@@ -5,30 +5,21 @@
 
 namespace {
 
-TEST(XmlUtils, ThreeBytesAreWhiteSpace) {
-    for (int byte = 0; byte < 256; ++byte) {
-        const char c = static_cast<char>(byte);
-        EXPECT_EQ(QeXmlUtils::isWhiteSpace(c), QeXmlUtils::WhiteSpace.find(c) != QeCString::npos) << byte;
-    }
-    EXPECT_EQ(QeXmlUtils::WhiteSpace, " \n\t");
-}
-
 TEST(XmlUtils, StripsTheEndsAskedFor) {
     constexpr struct {
-        const char *text, *none, *leading, *trailing, *both;
+        const char *text, *leading, *trailing, *both;
     } Rows[] = {
-        {"", "", "", "", ""},
-        {" \t\n", " \t\n", "", "", ""},
-        {" a b ", " a b ", "a b ", " a b", "a b"},
-        {"\ra\r", "\ra\r", "\ra\r", "\ra\r", "\ra\r"},
-        {"\n\xC2\xA0\t", "\n\xC2\xA0\t", "\xC2\xA0\t", "\n\xC2\xA0", "\xC2\xA0"},  // a no-break space is text
+        {" \t\n", "", "", ""},
+        {" a b ", "a b ", " a b", "a b"},
+        {"\ra\r", "\ra\r", "\ra\r", "\ra\r"},
+        {"\n\xC2\xA0\t", "\xC2\xA0\t", "\n\xC2\xA0", "\xC2\xA0"},  // a no-break space is text
     };
-    for (const auto& row : Rows) {
-        const char* const expected[] = {row.none, row.leading, row.trailing, row.both};
+    for (const auto& [text, leading, trailing, both] : Rows) {
+        const char* const expected[] = {text, leading, trailing, both};
         for (int type = 0; type < 8; ++type)  // the third bit means nothing
-            EXPECT_EQ(QeXmlUtils::stripWhiteSpaceAndNewlines(row.text, static_cast<QeCString::stripType>(type)),
+            EXPECT_EQ(QeXmlUtils::stripWhiteSpaceAndNewlines(text, static_cast<QeCString::stripType>(type)),
                       expected[type % 4])
-                << '"' << row.text << "\", type " << type;
+                << '"' << text << "\", type " << type;
     }
 }
 
@@ -36,31 +27,21 @@ TEST(XmlUtils, SplitsNamesAtTheirFirstColon) {
     constexpr struct {
         const char *qname, *prefix, *splitPrefix, *localName;
     } Rows[] = {
-        {"xsi:type", "xsi", "xsi", "type"},
         {"a:b:c", "a", "a", "b:c"},
         {":x", "", "", "x"},
         {"x:", "x", "x", ""},
         {"abc", "", "old", "abc"},  // the caller's prefix stays
-        {"", "", "old", ""},
-        {"a-prefix-that-fills-a-block-of-its-own:a-local-name-that-does", "a-prefix-that-fills-a-block-of-its-own",
-         "a-prefix-that-fills-a-block-of-its-own", "a-local-name-that-does"},
     };
-    for (const auto& row : Rows) {
-        SCOPED_TRACE(row.qname);
-        QeCString prefix("old"), localName("old");
-        EXPECT_EQ(QeXmlUtils::getPrefix(row.qname), row.prefix);
-        QeXmlUtils::getPrefixAndLocalName(row.qname, prefix, localName);
-        EXPECT_EQ(prefix, row.splitPrefix);
-        EXPECT_EQ(localName, row.localName);
-
-        QeCString both(row.qname);  // arguments that are the same object
-        QeXmlUtils::getPrefixAndLocalName(both, prefix, both);
-        EXPECT_EQ(both, row.localName);
-        QeCString whole(row.qname);
+    for (const auto& [qname, expectedPrefix, splitPrefix, expectedLocalName] : Rows) {
+        SCOPED_TRACE(qname);
+        QeCString prefix("old"), localName("old"), whole(qname), both(qname);
+        EXPECT_EQ(QeXmlUtils::getPrefix(qname), expectedPrefix);
+        QeXmlUtils::getPrefixAndLocalName(both, prefix, both);  // arguments that are the same object
+        EXPECT_EQ(prefix, splitPrefix);
+        EXPECT_EQ(both, expectedLocalName);
         QeXmlUtils::getPrefixAndLocalName(whole, whole, localName);
-        const bool hasColon = std::string_view(row.qname).find(':') != std::string_view::npos;
-        EXPECT_EQ(whole, hasColon ? row.splitPrefix : row.qname);
-        EXPECT_EQ(localName, row.localName);
+        EXPECT_EQ(whole, splitPrefix == std::string_view("old") ? qname : splitPrefix);
+        EXPECT_EQ(localName, expectedLocalName);
     }
 }
 
@@ -75,35 +56,25 @@ TEST(XmlUtils, ChangesTheNameOfAnElement) {
     } rows[] = {
         // What has no start tag, content and end tag stays.
         {Plain, "", ""},
-        {Plain, "text", "text"},
         {Plain, " <a>t</a>", " <a>t</a>"},
-        {Plain, "<a/>", "<a/>"},
         {Plain, "<a>", "<a>"},
         {Plain, "<", "<"},
-        {Plain, "<a", "<a"},
         {Plain, "<a<b>", "<a<b>"},  // the last tag opens before the first one ends
-        {Plain, "<a/>t", "<a/>t"},
         // Attributes and content stay byte for byte; what follows the last tag goes.
-        {Plain, "<old x=\"1\">t</old>", "<n x=\"1\">t</n>\n"},
-        {Plain, "<o a=\"1\">t</o>", "<n a=\"1\">t</n>\n"},
-        {Plain, "<old a=\"1\">x<b/>y</old>", "<n a=\"1\">x<b/>y</n>\n"},
-        {Plain, "<old  a = '1'\tb=\"2\" >t\n</old >\n rest", "<n  a = '1'\tb=\"2\" >t\n</n>\n"},
+        {Plain, "<old  a = '1'\tb=\"2\" >x<b/>y\n</old >\n rest", "<n  a = '1'\tb=\"2\" >x<b/>y\n</n>\n"},
         {Plain, "<old\ta=\"1\" b=\"2\">t</old>", "<n b=\"2\">t</n>\n"},  // only a space ends the old name
         {Plain, "<><", "<n></n>\n"},
         // A declaration is added unless the URI is declared already, under whatever prefix.
-        {Prefixed, "<old>t</old>", "<p:n xmlns:p=\"U\" >t</p:n>\n"},
         {Prefixed, "<old a=\"1\">t</old>", "<p:n xmlns:p=\"U\"  a=\"1\">t</p:n>\n"},
-        {Prefixed, "<old xmlns:q=\"U\">t</old>", "<p:n xmlns:q=\"U\">t</p:n>\n"},
         {Prefixed, "<old a=\"1\" \n\t xmlns:q=\"U\">t</old>", "<p:n a=\"1\" \n\t xmlns:q=\"U\">t</p:n>\n"},
         {Prefixed, "<old xmlns:q=\"UU\">t</old>", "<p:n xmlns:p=\"U\"  xmlns:q=\"UU\">t</p:n>\n"},
-        {Prefixed, "<old y:xmlns=\"U\">t</old>", "<p:n xmlns:p=\"U\"  y:xmlns=\"U\">t</p:n>\n"},
+        {Prefixed, "<old xmlnt:q=\"U\">t</old>", "<p:n xmlns:p=\"U\"  xmlnt:q=\"U\">t</p:n>\n"},
         {Prefixed, "<old xmlns=\"U\">t</old>", "<p:n xmlns:p=\"U\"  xmlns=\"U\">t</p:n>\n"},
         {Prefixed, "<old xmlns:q=\">t</old>", "<p:n xmlns:p=\"U\"  xmlns:q=\">t</p:n>\n"},
         {Prefixed, "<old xmlns:q>t</old>", "<p:n xmlns:p=\"U\"  xmlns:q>t</p:n>\n"},
         {Prefixed, "<xmlns:q=\"U\">t</x>", "<p:n xmlns:p=\"U\" >t</p:n>\n"},  // that is the name
         // A name without a prefix takes the default declaration, which a tag can have only once.
         {Default, "<old>t</old>", "<n xmlns=\"U\" >t</n>\n"},
-        {Default, "<old xmlns=\"U\">t</old>", "<n xmlns=\"U\">t</n>\n"},
         {Default, "<old a=\"1\" xmlns=\"V\">t</old>", "<n a=\"1\" xmlns=\"V\">t</n>\n"},
         {Default, "<old xmlnsx=\"U\">t</old>", "<n xmlns=\"U\"  xmlnsx=\"U\">t</n>\n"},
     };

@@ -18,12 +18,10 @@ public:
     void flush() override {}
 };
 
-class DiscardingStrings : public QeXmlWriter {
+class DiscardingStrings : public Discarding {
 public:
-    using QeXmlWriter::writeToSink;
-    void writeToSink(char) override {}
-    void writeToSink(const QeCString&) override {}
-    void flush() override {}
+    using Discarding::writeToSink;
+    void writeToSink(const char* bytes, unsigned length) override { QeXmlWriter::writeToSink(bytes, length); }
 };
 
 const QeXmlNamespace Long("long", "http://example.com/a/uri/of/more/than/23/bytes");
@@ -38,11 +36,6 @@ QeXmlAttributeSet someAttributes() {
     set.add(QeXmlName("id"), "a value of more than 23 bytes");
     set.add(QeXmlName("lang", QeXmlNamespace("l", "http://example.com/also/declared/by/each")), "de");
     set.add(QeXmlName("quotes"), LongValue);
-    return set;
-}
-
-QeXmlAttributeSet manyAttributes() {
-    QeXmlAttributeSet set;
     for (int i = 0; i < 30; ++i)
         set.add(QeXmlName(QeCString("name") + std::to_string(i)), QeCString("value") + std::to_string(i));
     set.begin();  // from now on it could be out of order
@@ -50,9 +43,8 @@ QeXmlAttributeSet manyAttributes() {
 }
 
 void writeOrdinary(QeXmlWriter& writer, const QeXmlAttributeSet& attributes) {
-    static const QeXmlAttributeSet many = manyAttributes();
     writer.writeElementStart(Root, attributes, false);
-    writer.writeElementStart(Item, many, false);
+    writer.writeElementStart(Item, attributes, false);
     writer.incrementIndent();
     for (int i = 0; i < 10; ++i) {
         writer.writeNewLine();
@@ -88,25 +80,13 @@ TEST(Allocations, LongTextsTakeOneBuffer) {
     EXPECT_EQ(countAllocations([&] { writer.writeAttribute("a", plain, true); }), 1u);
 }
 
-TEST(Allocations, TheStringGrowsByParts) {
-    QeXmlStringWriter writer;
-    EXPECT_LT(countAllocations([&] {
-                  for (int i = 0; i < 1000000; ++i)
-                      writer.write("0123456789", false);
-              }),
-              40u);
-    EXPECT_EQ(writer.getLength(), 10000000u);
-}
-
 // An attribute goes through the buffer of 1,024 bytes as long as its worst case fits: a name and its value, six bytes
 // each when escaped, and four around them.
 TEST(Allocations, AnAttributeOf1024BytesMakesNone) {
-    const QeCString name("a");
-    const QeCString fits(std::string_view(std::string(1019, 'v')));
-    const QeCString tooLong = fits + "v";
+    const QeCString fits(std::string(1019, 'v')), tooLong = fits + "v";
     Discarding writer;
-    EXPECT_EQ(countAllocations([&] { writer.writeAttribute(name, fits, false); }), 0u);
-    EXPECT_EQ(countAllocations([&] { writer.writeAttribute(name, tooLong, false); }), 1u);
+    EXPECT_EQ(countAllocations([&] { writer.writeAttribute("a", fits, false); }), 0u);
+    EXPECT_EQ(countAllocations([&] { writer.writeAttribute("a", tooLong, false); }), 1u);
 }
 
 // Whichever allocation fails, the call is as if it had not been made.

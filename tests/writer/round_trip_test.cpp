@@ -70,31 +70,4 @@ TEST(RoundTrip, KeepsCarriageReturnsInTextAndReferencesInValues) {
     EXPECT_EQ(reader.readElementValue(), "\r\n\r &lt;");
 }
 
-TEST(RoundTrip, KeepsNamespaces) {
-    const QeXmlNamespace p("p", "urn:p"), q("q", "urn:q"), byDefault("", "urn:d");
-    const QeXmlName names[] = {{"a", p}, {"b", byDefault}, {"c", q}, {"d", p}, {"e", byDefault}, {"f", {"", "urn:e"}}};
-    QeXmlAttributeSet attributes;
-    attributes.add(QeXmlName("x", q), "1");
-    attributes.add(QeXmlName("y"), "2");
-    QeXmlStringWriter writer;
-    for (const QeXmlName& name : names) {
-        writer.writeElementStart(name, attributes, false);
-        writer.writeElementStart(names[1], attributes, true);
-    }
-    for (std::size_t i = std::size(names); i-- > 0;)
-        writer.writeElementEnd(names[i]);
-
-    const QeCString document = writer.getString();
-    QeXmlReader reader(document);
-    for (const QeXmlName& name : names) {
-        const QeXmlAttributeSet& read = reader.readElementStart(name);
-        EXPECT_TRUE(read.contains(QeXmlName("x", q))) << document;
-        EXPECT_TRUE(read.contains(QeXmlName("y"))) << document;
-        reader.readElementStart(names[1]);
-        reader.readElementEnd(names[1]);
-    }
-    for (std::size_t i = std::size(names); i-- > 0;)
-        reader.readElementEnd(names[i]);
-}
-
 }  // namespace
