@@ -6,12 +6,6 @@
 
 #include <corvel/c_string.h>
 
-namespace {
-
-bool allocationsFail = false;
-
-}  // namespace
-
 // The address sanitizer has its own allocator in this place.
 #if defined(__has_feature)
 #define TESSIT_HAS_FEATURE(name) __has_feature(name)
@@ -20,6 +14,12 @@ bool allocationsFail = false;
 #endif
 #if !defined(__SANITIZE_ADDRESS__) && !TESSIT_HAS_FEATURE(address_sanitizer)
 #define TESSIT_CAN_FAIL
+
+namespace {
+
+bool allocationsFail = false;
+
+}  // namespace
 
 extern "C" {
 void* __libc_malloc(std::size_t bytes);

@@ -1,6 +1,10 @@
 #include <climits>
+#include <cstdint>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 #include <writer/writing.h>
@@ -103,6 +107,20 @@ TEST(XmlStringWriter, SplitsWhatTheBytesSlotCannotCount) {
     writer.write(text, false);
     writer.write("", false);
     EXPECT_EQ(writer.lengths, (std::vector<unsigned>{UINT_MAX, 10, 0}));
+}
+
+// Its escaped length, modulo 2 to the power of 32, is next to nothing.
+TEST(XmlStringWriter, RefusesWhatCannotBeAddressedOnceItIsEscaped) {
+    if (sizeof(std::size_t) > 4) GTEST_SKIP() << "whatever fits into memory can be counted here";
+    class Sink : public QeXmlStringWriter {};
+    QeXmlStringWriter writer;
+    Sink sink;
+    QeCString quotes;
+    const std::size_t length = SIZE_MAX / 6 + 1;
+    std::memset(quotes.resizeForOverwrite(length), '"', length);
+    EXPECT_THROW(writer.writeAttribute("a", quotes, true), std::length_error);
+    EXPECT_THROW(sink.writeAttribute("a", quotes, true), std::bad_alloc);
+    EXPECT_EQ(text(writer) + text(sink), "");
 }
 
 // An override that does nothing would leave the buffer full, and the next byte without a place.

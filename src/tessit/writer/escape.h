@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include <corvel/byte_scan.h>
@@ -64,11 +65,11 @@ struct ValueEscapes {
     }
 };
 
-/// The number of bytes that `text` is escaped to.
+/// The number of bytes that `text` is escaped to, which can be more than memory has addresses.
 template <typename Escapes>
-std::size_t escapedLength(std::string_view text) {
+std::uint64_t escapedLength(std::string_view text) {
     const char* const end = text.data() + text.size();
-    std::size_t length = text.size();
+    std::uint64_t length = text.size();
     for (const char* at = Escapes::find(text.data(), end); at != end; at = Escapes::find(at + 1, end))
         length += Escapes::replacement(at, end).size() - 1;
     return length;

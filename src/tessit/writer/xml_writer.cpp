@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <span>
@@ -44,8 +46,9 @@ constinit const QeCString QeXmlWriter::Newline("\n");
 namespace {
 
 // The room that `text` needs when escaped. Counted exactly only where the worst case would be much.
+// Rooms have 64 bits everywhere: what is escaped, and the sum of it, can pass what addresses of 32 bits reach.
 template <typename Escapes>
-std::size_t roomFor(std::string_view text) {
+std::uint64_t roomFor(std::string_view text) {
     const bool ordinary = text.size() <= OutputBuffer::LocalSize / Escapes::Longest;
     return ordinary ? text.size() * Escapes::Longest : tessit::escapedLength<Escapes>(text);
 }
@@ -74,11 +77,11 @@ private:
 // call: its bytes are put where they belong, at the end of its text.
 class QeXmlWriter::Output {
 public:
-    Output(QeXmlWriter& sender, std::size_t size)
+    Output(QeXmlWriter& sender, std::uint64_t room)
         : writer(sender),
           text(sender.ownText()),
-          buffer(text == nullptr ? size : 0),
-          start(text == nullptr ? buffer.begin() : text->roomBehind(size + OutputBuffer::Slack)) {}
+          buffer(text == nullptr ? sizeFor(room) : 0),
+          start(text == nullptr ? buffer.begin() : text->roomBehind(sizeFor(room) + OutputBuffer::Slack)) {}
 
     char* begin() noexcept { return start; }
 
@@ -96,6 +99,11 @@ public:
     }
 
 private:
+    // More than can be had stays so: asking for it throws.
+    static std::size_t sizeFor(std::uint64_t room) noexcept {
+        return static_cast<std::size_t>(std::min<std::uint64_t>(room, PTRDIFF_MAX));
+    }
+
     bool isInPlace(const char* end) noexcept {
         if (text == nullptr) return false;
         text->setLength(static_cast<std::size_t>(end - text->data()));
@@ -242,7 +250,8 @@ void QeXmlWriter::writeAttribute(const QeXmlName& name, const QeCString& value, 
 
 namespace {
 
-std::size_t roomForAttribute(const QeCString& prefix, const QeCString& localName, const QeCString& value, bool escape) {
+std::uint64_t roomForAttribute(const QeCString& prefix, const QeCString& localName, const QeCString& value,
+                               bool escape) {
     const std::size_t nameLength = localName.length() + (prefix.empty() ? 0 : prefix.length() + 1);
     return nameLength + (escape ? roomFor<ValueEscapes>(value) : value.length()) + 4;  // with ` =""`
 }
@@ -340,7 +349,7 @@ void QeXmlWriter::writeAttributeSet(const QeXmlAttributeSet& attributes) {
 void QeXmlWriter::putStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     writeIndentChars();
     const QeCString& prefix = name.getNamespace().getPrefix();
-    std::size_t room = prefix.length() + name.getLocalName().length() + 4;  // with `<:/>`
+    std::uint64_t room = prefix.length() + name.getLocalName().length() + 4;  // with `<:/>`
     for (const QeXmlAttribute& attribute : attributes) {
         const QeXmlName& attributeName = attribute.getName();
         room += roomForAttribute(attributeName.getNamespace().getPrefix(), attributeName.getLocalName(),
