@@ -21,8 +21,10 @@ public:
     QeCString getString() &;
 
     /// Everything written so far, without a copy, for a writer that is no longer
-    /// needed: `std::move(writer).getString()`. It is left without output; bindings
-    /// and indentation stay. Flushes, through its slot. O(bytes in the buffer).
+    /// needed: `std::move(writer).getString()`. The string keeps the room to grow that
+    /// the writer had, up to its length again; a copy has none. The writer is left
+    /// without output; bindings and indentation stay. Flushes, through its slot.
+    /// O(bytes in the buffer).
     QeCString getString() &&;
 
     /// The number of bytes written so far. Flushes, through its slot. Throws

@@ -85,7 +85,7 @@ public:
     ///   local name as a prefix, bound to its value, unless some prefix is bound to
     ///   that value. Nothing more is written for it; but where a prefix of that name
     ///   is to be declared in the same tag, the attribute's value gives way to the
-    ///   prefix's URI.
+    ///   prefix's URI, unless the attribute's own binding comes later in the tag.
     ///
     /// Sink calls: "<" and the name through the string slot, each attribute through
     /// the bytes slot, ">" or "/>" through the string slot. O(bytes written), plus

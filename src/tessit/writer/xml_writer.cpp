@@ -368,10 +368,9 @@ void QeXmlWriter::putStart(const QeXmlName& name, const QeXmlAttributeSet& attri
     output.sendBytes(end);
 }
 
-// The document's scope stays, however many ends are written.
 void QeXmlWriter::writeElementEnd(const QeXmlName& name) {
     writeTag(Tag::End, name);
-    if (namespaces.depth > 1) popScope();
+    popScope();
 }
 
 void QeXmlWriter::writeSimpleElement(const QeXmlName& name, const QeCString& content, const QeCString& typeName,
@@ -439,7 +438,9 @@ void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri) {
     namespaces.addBinding(prefix, uri);
 }
 
+// The document's scope stays, however many ends are written, and whatever a sink makes of its writer.
 void QeXmlWriter::popScope() noexcept {
+    if (namespaces.depth <= 1) return;
     if (!innermostBindings().empty()) lastFound = nullptr;
     namespaces.popScope();
 }
