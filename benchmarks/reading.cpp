@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iostream>
 #include <reading.h>
+#include <vector_state.h>
 
 namespace tessit::benchmarks {
 
@@ -86,6 +87,7 @@ void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader&
     for ([[maybe_unused]] const auto& iteration : state) {
         documents.renew();
         if (corpora[corpus].freshMemory) releaseFreedMemory();
+        settleVectorState();
         const CpuClock clock;
         const Tally found = documents.read(reader);
         state.SetIterationTime(clock.seconds());

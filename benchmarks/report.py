@@ -378,6 +378,8 @@ The most that was held at once beyond the input; our reader itself is an object 
   element by its name.
 - Each round runs each benchmark once, one library after another on the same corpus. Times are processor time of the
   thread.
+- Before each reading and writing, the upper halves of the vector registers are marked as unused: one library leaves
+  them in use, which slows down others on some processors.
 - A dash stands where a library cannot read a corpus: an encoding, or nesting deeper than it accepts.
 
 ## To repeat it

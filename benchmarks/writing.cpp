@@ -2,6 +2,7 @@
 #include <cpu_clock.h>
 #include <expectation.h>
 #include <iostream>
+#include <vector_state.h>
 #include <writing.h>
 
 namespace tessit::benchmarks {
@@ -70,6 +71,7 @@ void Writing::measure(benchmark::State& state, Measurement& measurement, std::si
     write();  // what is made once in a process counts for no document
     if (!measurement.allocations) measurement.allocations = countAllocations(write);
     for ([[maybe_unused]] const auto& iteration : state) {
+        settleVectorState();
         const CpuClock clock;
         write();
         state.SetIterationTime(clock.seconds());
