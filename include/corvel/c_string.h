@@ -212,7 +212,7 @@ public:
     /// The position of the first `byte` at or after `from`, or `npos`. O(length).
     std::size_t find(char byte, std::size_t from = 0) const noexcept;
 
-    /// The position of the first `text` at or after `from`, or `npos`. At worst O(length * length of `text`).
+    /// The position of the first `text` at or after `from`, or `npos`. O(length).
     std::size_t find(std::string_view text, std::size_t from = 0) const noexcept;
 
     /// The position of the first byte at or after `from` that is one of `set`, or

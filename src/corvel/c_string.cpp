@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <istream>
 #include <new>
@@ -144,8 +145,12 @@ std::size_t QeCString::find(char byte, std::size_t from) const noexcept {
     return std::string_view(*this).find(byte, from);
 }
 
+// The C library's search is linear; that of string_view compares the text at each place.
 std::size_t QeCString::find(std::string_view text, std::size_t from) const noexcept {
-    return std::string_view(*this).find(text, from);
+    if (from > length()) return npos;
+    if (text.empty()) return from;
+    const void* const found = memmem(data() + from, length() - from, text.data(), text.size());
+    return found == nullptr ? npos : static_cast<std::size_t>(static_cast<const char*>(found) - data());
 }
 
 std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const noexcept {

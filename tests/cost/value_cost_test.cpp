@@ -21,6 +21,7 @@ void allowRefusal(const Operation& operation) {
 
 // Whatever the text is meant to be, it is taken for anything.
 void useAsValue(const QeCString& text) {
+    text.find(QeCString(text.substring(text.length() / 2)) + "!");
     QeXmlDuration(text).asString();
     allowRefusal([&] { QeDecimalPortable number(text); });
     allowRefusal([&] { QeXmlUtils::convertISODateStringToDateTime(text); });
