@@ -82,7 +82,7 @@ public:
 
     QeCString& operator=(const QeCString& other) {
         if (isInline() && other.isInline()) {
-            std::memmove(raw, other.raw, sizeof raw);
+            copyInline(other);
         } else {
             assign(other.data(), other.length());
         }
@@ -370,6 +370,15 @@ private:
     // A NUL-terminated text; a null pointer counts as empty.
     static std::string_view viewOf(const char* text) noexcept {
         return text == nullptr ? std::string_view() : std::string_view(text);
+    }
+
+    // Through registers, since the strings may be one, and compilers call a function for a move of 24 bytes.
+    void copyInline(const QeCString& other) noexcept {
+        struct {
+            char bytes[sizeof raw];
+        } copy;
+        std::memcpy(&copy, other.raw, sizeof copy);
+        std::memcpy(raw, &copy, sizeof copy);
     }
 
     char* mutableData() noexcept { return isInline() ? raw : heapData(); }

@@ -1,6 +1,7 @@
 // The pull interface: drives the scanner and holds the node that it finds against
 // what the caller expects.
 
+#include <corvel/byte_scan.h>
 #include <tessit/model/long_uris.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/raw_copy.h>
@@ -15,7 +16,8 @@ struct QeXmlReader::ExpectedName {
 
     explicit ExpectedName(const QeCString& qname) : uri(nullptr) {
         const std::string_view text(qname);
-        const std::size_t colon = text.find(':');
+        const bool isPlain = qname.isInline() && tessit::areNone(text.data(), text.size(), ':');  // as most
+        const std::size_t colon = isPlain ? std::string_view::npos : text.find(':');
         if (colon != std::string_view::npos) prefix = text.substr(0, colon);
         local = colon == std::string_view::npos ? text : text.substr(colon + 1);
     }
