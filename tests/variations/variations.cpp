@@ -18,12 +18,15 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 std::vector<Bytes> contentsOf(const char* folder) {
+    std::vector<std::filesystem::path> paths;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        paths.push_back(entry.path());
+    std::sort(paths.begin(), paths.end());  // folders list their files in any order
     std::vector<Bytes> contents;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        std::ifstream file(entry.path(), std::ios::binary);
+    for (const std::filesystem::path& path : paths) {
+        std::ifstream file(path, std::ios::binary);
         contents.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     }
-    std::sort(contents.begin(), contents.end());  // folders list their files in any order
     return contents;
 }
 
