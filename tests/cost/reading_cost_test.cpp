@@ -47,7 +47,7 @@ void takeValues(QeXmlReader& reader) {
     while (reader.isElementNext("a")) {
         reader.readElementStart("a");
         reader.readElementValue();
-        reader.readElementEnd("a");
+        reader.readElementEnd(QeXmlName("a"));
     }
 }
 
@@ -182,6 +182,23 @@ Text childrenOfAWideTag(std::size_t parts) {
     return "<r" + attributes(" a", parts) + ">" + repeat("<a/>", parts) + "</r>";
 }
 
+Text narrowTagsBehindAWideOne(std::size_t parts) {
+    return "<r><a" + attributes(" a", parts) + "/>" + repeat("<a a='1'/>", parts) + "</r>";
+}
+
+template <Text (*document)(std::size_t parts)>
+Text inUtf16(std::size_t parts) {
+    Text text = "\xFE\xFF";
+    for (const char byte : document(parts))
+        text.append({'\0', byte});
+    return text;
+}
+
+template <Literal encoding, Text (*document)(std::size_t parts)>
+Text inEncoding(std::size_t parts) {
+    return Text("<?xml version='1.0' encoding='") + encoding.bytes + "'?>" + document(parts);
+}
+
 constexpr auto Children = runOf<"<r>", "<a>t</a>", "</r>">;
 constexpr auto LongURIs = underLongURIs<"<a><p:a></p:a></a><q:a></q:a>">;
 
@@ -202,6 +219,9 @@ const struct {
     {"WalkRepeatedAttributes", Many, runOf<"<r", " a=''", "/>">, inPlace<walk>},
     {"TakeMarkupUnderAWideTag", Few, childrenOfAWideTag, inPlace<takeMarkupOfChildren>},
 
+    {"WalkNarrowTagsBehindAWideOne", Few, narrowTagsBehindAWideOne, inPlace<walk>},
+
+    {"ParseUnderDeclarations", Few, usingDeclarations, parse},
     {"DemandUnderDeclarations", Few, usingDeclarations, inPlace<demand>},
     {"DemandNestedDeclarations", Few, nestedWithDeclarations, inPlace<demand>},
     {"DemandTwentyDeclarationsEach", Few, declaringTwentyEach, inPlace<demand>},
@@ -221,6 +241,9 @@ const struct {
     {"GoOnAfterErrors", Many, runOf<"<a>", "a text of forty bytes in front of an error<1", "">,
      inPlace<goOnAfterErrors>},
 
+    {"WalkUtf16", VeryMany, inUtf16<Children>, fromStream},
+    {"WalkGB18030", VeryMany, inEncoding<"GB18030", Children>, fromStream},
+    {"WalkISO2022", VeryMany, inEncoding<"ISO-2022-JP", Children>, fromStream},
     {"WalkVersions", Many, runOf<"<a>", "<?xml version='1'?>", "</a>">, inPlace<walk>},
     {"WalkChangesOfEncoding", Few,
      runOf<"<a>", "\xE9<?xml version='1' encoding='ISO-8859-1'?><?xml version='1' encoding='latin2'?>", "</a>">,
