@@ -21,10 +21,11 @@ void readDuration(const QeCString& text) {
     const QeCString written = duration.asString();
     require(written.empty() == !duration.isValid(), "what is valid has a text");
     if (!duration.isValid()) return;
-    const bool hasTinySeconds = written.find("e-") != QeCString::npos;  // a minus sign ends a duration
+    // A minus sign ends a duration, and "inf" is no number in one.
+    const bool isReadAgain = written.find("e-") == QeCString::npos && std::isfinite(duration.getSeconds());
     const QeXmlDuration again(written);
-    require(again.isValid() != hasTinySeconds, "a text that is read again");
-    require(hasTinySeconds || again.asString() == written, "the same duration");
+    require(again.isValid() == isReadAgain, "a text that is read again");
+    require(!isReadAgain || again.asString() == written, "the same duration");
     require(!(duration < duration) && duration == duration, "equal to itself");
     require(again.compareTo(duration) == -duration.compareTo(again), "in one order");
     const QeDateTime start, end = duration + start;
