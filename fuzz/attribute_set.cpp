@@ -21,10 +21,11 @@ bool isSame(const QeXmlAttribute& left, const QeXmlAttribute& right) {
            left.getName().getNamespace().getPrefix() == right.getName().getNamespace().getPrefix();
 }
 
-// Few names, so that they meet again; some too long to be kept in place.
+// Few names, so that they meet again; some too long to be kept in place, or so long that copies share URIs.
 QeXmlName takeName(Input& input) {
-    constexpr const char* Texts[] = {
-        "", "a", "b", "c", "xmlns", "a name of more than 23 bytes", "a name of more than 23 others"};
+    static const std::string LongText(300, 't');
+    static const char* const Texts[] = {
+        "", "a", "b", "c", "xmlns", "a name of more than 23 bytes", "a name of more than 23 others", LongText.c_str()};
     const unsigned choice = input.byte();
     const QeCString local(choice < 128 ? Texts[choice % std::size(Texts)] : std::to_string(choice).c_str());
     return QeXmlName(local, QeXmlNamespace(input.oneOf(Texts), input.oneOf(Texts)));

@@ -63,7 +63,7 @@ QeCString takeText(Input& input) {
     const unsigned choice = input.byte();
     if (choice == 0) return QeCString();
     const std::string number = std::to_string(choice % 32);
-    return QeCString(std::string_view((choice % 4 == 0 ? std::string(130, 't') : "t") + number));
+    return QeCString(std::string_view((choice % 4 == 0 ? std::string(300, 't') : "t") + number));
 }
 
 void call(Pair& one, Pair& other, Input& input) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -261,6 +262,7 @@ public:
 
 private:
     // They hand one long URI to many names, which must not cost its length each time.
+    friend class QeXmlNamespace;
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
     friend class QeXmlWriter;  // copies short strings as a whole
@@ -280,14 +282,16 @@ private:
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
 
-    // A block has a count of its owners in front. Sharing is the library's own affair,
-    // among the strings of one object: every copy that a user makes is one.
+    // A block has a count of its owners in front. Sharing is the library's own affair: every copy of
+    // a string is one. Only where no user can change them are URIs shared, the long ones by copies of
+    // their names as well, which can be in other threads: then the count is atomic.
     struct Header {
         alignas(UnitSize) std::size_t owners;
     };
 
-    // Shared texts of so many bytes and more are looked for, to be compared by where they stand.
+    // Texts of so many bytes and more are shared by copies of names, and compared by where they stand.
     static constexpr std::size_t LongLength = 256;
+    static constexpr std::uint32_t LongUnits = LongLength / UnitSize + 1;
 
     // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
     static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
@@ -319,15 +323,42 @@ private:
     std::size_t heapCapacity() const noexcept { return heapUnits() * UnitSize - 1; }
 
     Header& header() const noexcept { return *std::launder(reinterpret_cast<Header*>(heapData() - sizeof(Header))); }
-    bool isShared() const noexcept { return !isInline() && header().owners > 1; }
+    bool isLong() const noexcept { return length() >= LongLength; }
+    bool isShared() const noexcept {
+        return !isInline() && std::atomic_ref(header().owners).load(std::memory_order_acquire) > 1;
+    }
+
+    void joinBlock() const noexcept {
+        std::size_t& owners = header().owners;
+        if (heapUnits() < LongUnits) {
+            ++owners;
+        } else {
+            std::atomic_ref(owners).fetch_add(1, std::memory_order_relaxed);
+        }
+    }
+
+    // Whether nobody has the block any more. A single owner knows that nobody joins meanwhile.
+    bool leaveBlock() const noexcept {
+        if (!isShared()) return true;
+        std::size_t& owners = header().owners;
+        if (heapUnits() < LongUnits) return --owners == 0;
+        return std::atomic_ref(owners).fetch_sub(1, std::memory_order_acq_rel) == 1;
+    }
 
     // Becomes equal to `other` in O(1): both then have one block, and whichever
     // changes first gets another.
     void shareBlockOf(const QeCString& other) noexcept {
         if (data() == other.data()) return;
-        if (!other.isInline()) ++other.header().owners;
+        if (!other.isInline()) other.joinBlock();
         releaseBlock();
         std::memcpy(raw, other.raw, sizeof raw);
+    }
+    void shareIfLong(const QeCString& other) {
+        if (!other.isLong()) {
+            *this = other;
+        } else {
+            shareBlockOf(other);
+        }
     }
     void unshare();
 
@@ -389,7 +420,7 @@ private:
     }
 
     void releaseBlock() noexcept {
-        if (!isInline() && --header().owners == 0) freeBlock();
+        if (!isInline() && leaveBlock()) freeBlock();
     }
 
     void dropBlock() noexcept {
@@ -418,9 +449,9 @@ private:
 
     // Whether all but the ends is the same in texts of more than 32 bytes, as URIs mostly are.
     static bool sameMiddle(const char* left, const char* right, std::size_t length) noexcept {
-        return length <= 64 ? sameEnds<16>(left + 16, right + 16, length - 32)
-                            : std::memcmp(left + 16, right + 16, length - 32) == 0;
+        return length <= 64 ? sameEnds<16>(left + 16, right + 16, length - 32) : sameLongMiddle(left, right, length);
     }
+    static bool sameLongMiddle(const char* left, const char* right, std::size_t length) noexcept;
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
     // branch loads everything before it stores, so the ranges may overlap.

@@ -133,6 +133,11 @@ void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     setLength(oldLength + count);
 }
 
+// The texts may be one.
+bool QeCString::sameLongMiddle(const char* left, const char* right, std::size_t length) noexcept {
+    return left == right || std::memcmp(left + 16, right + 16, length - 32) == 0;
+}
+
 QeCString QeCString::concatenate(std::string_view left, std::string_view right) {
     QeCString result;
     result.reserve(left.size() + right.size());

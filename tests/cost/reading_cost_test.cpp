@@ -3,9 +3,11 @@
 // by hand, the program prints what a byte costs at both sizes.
 
 #include <sstream>
+#include <vector>
 
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/utils/xml_utils.h>
+#include <tessit/writer/xml_string_writer.h>
 
 #include "cost/growth.h"
 #include "support/documents.h"
@@ -49,6 +51,37 @@ void takeValues(QeXmlReader& reader) {
         reader.readElementValue();
         reader.readElementEnd(QeXmlName("a"));
     }
+}
+
+// Keeps the name of each element, to demand its end by.
+void keepNames(QeXmlReader& reader) {
+    for (std::vector<QeXmlName> open; !reader.eof();) {
+        reader.readNextNode();
+        const QeXmlReader::NodeType type = reader.getLastNodeType();
+        if (type == QeXmlReader::ElementStart) open.push_back(reader.getLastName());
+        if (type == QeXmlReader::EmptyElement) reader.readElementEnd(reader.getLastName());
+        if (type != QeXmlReader::ElementEnd) continue;
+        ASSERT_TRUE(open.back() == reader.getLastName() && !(open.back() < reader.getLastName()));
+        open.pop_back();
+    }
+}
+
+void writeAgain(QeXmlReader& reader) {
+    QeXmlStringWriter writer;
+    while (!reader.eof()) {
+        reader.readNextNode();
+        const QeXmlReader::NodeType type = reader.getLastNodeType();
+        if (type == QeXmlReader::Content) writer.write(reader.getLastContent(), true);
+        if (type == QeXmlReader::ElementEnd) writer.writeElementEnd(reader.getLastName());
+        if (type == QeXmlReader::ElementStart || type == QeXmlReader::EmptyElement)
+            writer.writeElementStart(reader.getLastName(), reader.getLastAttributes(),
+                                     type == QeXmlReader::EmptyElement);
+    }
+}
+
+void writeContentAgain(QeXmlReader& reader) {
+    reader.readElementStart();
+    writeAgain(reader);
 }
 
 void takeMarkup(QeXmlReader& reader) {
@@ -144,6 +177,16 @@ Text usingDeclarations(std::size_t parts) {
     return text + "</r>";
 }
 
+// All in one tag, inside the one that declares the prefixes. Their URIs have another order.
+Text usingDeclarationsAtOnce(std::size_t parts) {
+    Text declarations, tag;
+    inOddOrder(parts, [&](const Text& number) {
+        declarations += " xmlns:p" + number + "='" + Text(number.rbegin(), number.rend()) + "'";
+        tag += " p" + number + ":x=''";
+    });
+    return "<r" + declarations + "><a" + tag + "/></r>";
+}
+
 Text declaringTwentyEach(std::size_t parts) {
     return "<r>" + repeat("<a" + attributes(" xmlns:p", 20) + "></a>", parts / 20) + "</r>";
 }
@@ -154,6 +197,14 @@ Text underLongURIs(std::size_t parts) {
     const Text uri(4 * parts, 'u');
     return "<a xmlns='" + uri + "1' xmlns:p='" + uri + "2' xmlns:q='" + uri + "1'>" + repeat(part.bytes, parts / 2) +
            "</a>";
+}
+
+// Two URIs that differ near their ends, each under a prefix: what a writer need not declare anew.
+template <Literal part>
+Text underPrefixedLongURIs(std::size_t parts) {
+    const Text front(4 * parts, 'u'), end(20, 'u');
+    return "<p:a xmlns:p='" + front + "1" + end + "' xmlns:q='" + front + "2" + end + "'>" +
+           repeat(part.bytes, parts / 2) + "</p:a>";
 }
 
 // Each child makes of few bindings many, and of many few again.
@@ -233,6 +284,12 @@ const struct {
     {"ParseUnderLongURIs", Many, LongURIs, parse},
     {"ParseChangingPrefixes", Many, underLongURIs<"<a></q:a><q:a></a>">, parse},
     {"CompareUnderLongURIs", Many, LongURIs, compareWithItself},
+    {"KeepNamesUnderLongURIs", Many, LongURIs, inPlace<keepNames>},
+    {"WriteUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/><q:a>t</q:a>">, inPlace<writeAgain>},
+    {"WriteAttributesUnderLongURIs", Many, underPrefixedLongURIs<"<p:a p:a='' q:a=''/>">, inPlace<writeAgain>},
+    {"WriteTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<writeAgain>},
+    {"WriteUnderDeclarations", Few, usingDeclarations, inPlace<writeAgain>},
+    {"WriteContentUnderDeclarations", Few, usingDeclarationsAtOnce, inPlace<writeContentAgain>},
     {"WalkAttributesWithLongURI", Many, attributesWithLongURI, inPlace<walk>},
     {"WalkTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<walk>},
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace.h>
@@ -52,6 +54,25 @@ TEST(XmlName, WritesItsNamespaceInFront) {
         EXPECT_EQ(name.getQualifiedName(), qualified);
         EXPECT_EQ(name.getUniqueName(), unique);
     }
+}
+
+// Copies share it: the last one of all threads' releases it, and none before.
+TEST(XmlName, IsCopiedByManyThreadsWithItsLongUri) {
+    const QeXmlName name("n", QeXmlNamespace("p", QeCString(std::string_view(std::string(300, 'u')))));
+    const auto copyOften = [&] {
+        for (int i = 0; i < 20'000; ++i) {
+            QeXmlName copy = name;
+            QeXmlName other = copy;
+            ASSERT_EQ(other.getNamespace().getURI(), name.getNamespace().getURI());
+            other.getNamespace().setURI("v");
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(copyOften);
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(name.getNamespace().getURI(), QeCString(std::string_view(std::string(300, 'u'))));
 }
 
 TEST(XmlProlog, PrintsWhatIsSet) {

@@ -1,11 +1,15 @@
 // Which declarations the writer adds, and where.
 
 #include <gtest/gtest.h>
+#include <regex>
 #include <string>
 #include <writer/logging_writer.h>
 #include <writer/writing.h>
 
+#include <tessit/reader/xml_reader.h>
 #include <tessit/writer/xml_string_writer.h>
+
+#include "support/documents.h"
 
 namespace {
 
@@ -57,14 +61,73 @@ constexpr NamespaceCase Namespaces[] = {
      "<e></e></e></e><p:f><q:g/>"},
 };
 
+// The same calls, or output, with URIs so long that the writer knows them by where they stand.
+std::string withLongUris(const std::string& text) {
+    const std::regex uri("([{=\"])([uvw])(?=[}\\], \"]|$)");
+    return std::regex_replace(text, uri, "$1" + tessit::test::repeat("$2", 300));
+}
+
+void expectOutput(const std::string& calls, const std::string& output, const char* reason) {
+    LoggingWriter writer;
+    run(writer, calls);
+    EXPECT_EQ(writer.output, output) << reason;
+    QeXmlStringWriter inPlace;  // takes another way through the writer
+    run(inPlace, calls);
+    EXPECT_EQ(inPlace.getString(), output) << reason;
+}
+
 TEST(XmlWriter, DeclaresNamespacesByTheseRules) {
     for (const auto& [reason, calls, output] : Namespaces) {
+        expectOutput(calls, output, reason);
+        expectOutput(withLongUris(calls), withLongUris(output), reason);
+    }
+}
+
+// Names that share a URI with one another, and names that have an equal one to themselves, are in one namespace.
+TEST(XmlWriter, KnowsALongUriWhereverItStands) {
+    const auto name = [](const char* prefix, char uri) {
+        return QeXmlName("e", QeXmlNamespace(prefix, QeCString(std::string_view(std::string(300, uri)))));
+    };
+    const auto empty = [](LoggingWriter& writer, const QeXmlName& element) {
+        writer.output.clear();
+        writer.writeElementStart(element, {}, true);
+        return writer.output;
+    };
+    const QeXmlName shared = name("p", 'u'), copy = shared;
+    const std::string declared = "<p:e xmlns:p=\"" + std::string(300, 'u') + "\"/>";
+    LoggingWriter writer;
+    writer.writeElementStart(name("r", 'r'), {}, false);
+    EXPECT_EQ(empty(writer, shared), declared);
+    writer.writeElementStart(shared, {}, false);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(empty(writer, copy), "<p:e/>");
+        EXPECT_EQ(empty(writer, name("q", 'u')), "<q:e/>");
+        EXPECT_EQ(empty(writer, name("o", 'o')), "<o:e xmlns:o=\"" + std::string(300, 'o') + "\"/>");
+    }
+    LoggingWriter other = writer;
+    EXPECT_EQ(empty(other, copy), "<p:e/>");
+    writer.writeElementEnd(shared);
+    EXPECT_EQ(empty(writer, copy), declared);
+    writer.addNamespace(name("p", 'u').getNamespace());
+    EXPECT_EQ(empty(writer, copy), "<p:e/>");
+    LoggingWriter elsewhere;
+    elsewhere.writeElementStart(name("p", 'u'), {}, false);
+    writer = elsewhere;
+    EXPECT_EQ(empty(writer, copy), "<p:e/>");
+    EXPECT_EQ(empty(writer, name("q", 'u')), "<q:e/>");
+}
+
+// Where local names are equal, the reader puts attributes in the order of their prefixes, whatever their URIs.
+TEST(XmlWriter, DeclaresWhatASetOfTheReaderNeeds) {
+    for (const std::size_t length : {1u, 300u}) {
+        const std::string high(length, 'z'), low(length, 'a');
+        QeXmlReader reader(QeCString(std::string_view("<r xmlns:b='" + high + "' xmlns:c='" + low +
+                                                      "' xmlns:d='d'><e b:x='1' c:x='2' d:b='3' y=''/></r>")));
+        reader.readElementStart();
         LoggingWriter writer;
-        run(writer, calls);
-        EXPECT_EQ(writer.output, output) << reason;
-        QeXmlStringWriter inPlace;  // takes another way through the writer
-        run(inPlace, calls);
-        EXPECT_EQ(inPlace.getString(), output) << reason;
+        writer.writeElementStart(QeXmlName("e"), reader.readElementStart("e"), true);
+        EXPECT_EQ(writer.output, "<e xmlns:b=\"" + high + "\" d:b=\"3\" xmlns:c=\"" + low +
+                                     "\" xmlns:d=\"d\" b:x=\"1\" c:x=\"2\" y=\"\"/>");
     }
 }
 

@@ -9,11 +9,23 @@
 /// exact, byte for byte. References from the accessors live as long as the object.
 /// Storing a text can throw `std::bad_alloc`: a setter then has changed nothing, an
 /// assignment perhaps the prefix. Accessors and the named namespaces are O(1);
-/// copies, setters, comparisons and texts are O(length).
+/// copies, setters, comparisons and texts are O(length). A URI of 256 bytes and
+/// more, which a document can use over and over, is shared by copies, in whatever
+/// threads: to copy it, and to compare it with its copies, is O(1).
 class TESSIT_API QeXmlNamespace {
 public:
     QeXmlNamespace() = default;
     QeXmlNamespace(const QeCString& nsPrefix, const QeCString& nsURI) : prefix(nsPrefix), uri(nsURI) {}
+
+    QeXmlNamespace(const QeXmlNamespace& other) : prefix(other.prefix) { uri.shareIfLong(other.uri); }
+    QeXmlNamespace(QeXmlNamespace&& other) noexcept = default;
+    QeXmlNamespace& operator=(const QeXmlNamespace& other) {
+        prefix = other.prefix;
+        uri.shareIfLong(other.uri);
+        return *this;
+    }
+    QeXmlNamespace& operator=(QeXmlNamespace&& other) noexcept = default;
+    ~QeXmlNamespace() = default;
 
     const QeCString& getPrefix() const noexcept { return prefix; }
     void setPrefix(const QeCString& value) { prefix = value; }

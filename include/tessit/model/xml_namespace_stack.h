@@ -14,8 +14,8 @@
 /// One scope per open element; lookups see the innermost scope first, and within
 /// a scope the binding that was added first. Prefixes and URIs are UTF-8 and
 /// compared byte for byte. An empty result means either that nothing is bound or
-/// that the empty string is. A copy shares nothing with its original. One thread
-/// at a time.
+/// that the empty string is. A copy shares nothing that changes. One thread at a
+/// time.
 ///
 /// References from the lookups stay valid until the scope that holds the binding
 /// is popped or gains a binding. Copies are O(bytes of the bindings in force), and
@@ -91,11 +91,14 @@ private:
     TESSIT_NO_EXPORT const QeXmlNamespace* findPrefix(std::string_view prefix,
                                                       From from = From::Innermost) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
+    // The same for a long URI whose block, of which this is the hash, is that of any equal one bound here.
+    TESSIT_NO_EXPORT const QeXmlNamespace* findBlock(const QeCString& uri, std::uint64_t hash) const noexcept;
 
     template <typename Matches>
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
-    TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri);
+    // `shared` is equal to `uri`, and a long one's block is taken over; it must not be the caller's to change.
+    TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared = nullptr);
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -11,8 +13,9 @@
 #include <tessit/model/xml_namespace_stack.h>
 
 namespace tessit {
+class LongUris;
 class PlainAttributes;
-}
+}  // namespace tessit
 
 /// Writes markup: elements with their attributes, text, namespace declarations,
 /// escapes and, where asked for, indentation. The bytes go to a sink, which a
@@ -31,7 +34,7 @@ class PlainAttributes;
 /// failed still is. Bytes that went to the sink before are not taken back.
 ///
 /// Ordinary writes allocate nothing in the long run. A copy has indentation and
-/// bindings of its own and shares nothing; it is O(bytes of the bindings). Costs are
+/// bindings of its own and shares nothing that changes; it is O(bytes of the bindings). Costs are
 /// those of the writer, besides what the sink operations take; the operations of the
 /// layout are O(1), unless they say otherwise. One thread at a time.
 class TESSIT_API QeXmlWriter {
@@ -89,9 +92,10 @@ public:
     ///
     /// Sink calls: "<" and the name through the string slot, each attribute through
     /// the bytes slot, ">" or "/>" through the string slot. O(bytes written), plus
-    /// a lookup of each name's namespace, O(length of its URI) on average, and, where
-    /// something has to be added, the copying of the set of n attributes and O(log n)
-    /// comparisons for each name. In a set that has lost its order, each declaration
+    /// a lookup of each name's namespace, O(length of its URI) on average, or O(1) for
+    /// a long URI that is bound and that names share as copies do; and, where something
+    /// has to be added, the copying of the set of n attributes and O(log n) comparisons
+    /// for each name. In a set whose local names have lost their order, each declaration
     /// added costs O(n).
     void writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
 
@@ -188,6 +192,7 @@ private:
         QeXmlAttributeSet completedAttributes;
         QeXmlAttributeSet typeAttribute;
         std::vector<const QeXmlAttribute*> positions;
+        std::vector<const QeXmlAttribute*> completedPositions;
         std::vector<const QeXmlNamespace*> bindings;
     };
 
@@ -224,13 +229,20 @@ private:
     TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
     void addBinding(const QeCString& prefix, const QeCString& uri);
     TESSIT_NO_EXPORT void popScope() noexcept;
+    TESSIT_NO_EXPORT bool addLongIfNecessary(const QeCString& prefix, const QeCString& uri);
+    TESSIT_NO_EXPORT bool isBound(const QeCString& prefix, const QeCString& uri, std::uint64_t hash) const noexcept;
     TESSIT_NO_EXPORT bool hasPrefix(const QeCString& uri);
     TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
+    TESSIT_NO_EXPORT static bool isInOrder(const QeXmlAttributeSet& attributes) noexcept;
+    TESSIT_NO_EXPORT static bool areLocalNamesInOrder(const QeXmlAttributeSet& attributes) noexcept;
+    TESSIT_NO_EXPORT static void setValueAt(QeXmlAttributeSet& set, const QeXmlAttribute* position,
+                                            const QeCString& value);
     TESSIT_NO_EXPORT std::span<const QeXmlNamespace> innermostBindings() const noexcept;
     TESSIT_NO_EXPORT bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
-    TESSIT_NO_EXPORT void getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
-                                                  const tessit::PlainAttributes& declarations,
-                                                  QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT const QeXmlAttributeSet& getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
+                                                                      QeXmlAttributeSet& completed);
+    TESSIT_NO_EXPORT void completeInOrder(const QeXmlAttributeSet& attributes,
+                                          const tessit::PlainAttributes& declarations, QeXmlAttributeSet& completed);
     TESSIT_NO_EXPORT void addMissingDeclarations(const QeXmlAttributeSet& attributes,
                                                  const tessit::PlainAttributes& declarations,
                                                  QeXmlAttributeSet& completed);
@@ -240,7 +252,8 @@ private:
     int currentIndent = 0;
     int indentSize = 2;
     bool atLineStart = false;
-    QeXmlNamespaceStack namespaces;             // one scope for the document, one for each open element
-    const QeXmlNamespace* lastFound = nullptr;  // where the last URI looked for is bound, until bindings change
+    QeXmlNamespaceStack namespaces;              // one scope for the document, one for each open element
+    const QeXmlNamespace* lastFound = nullptr;   // where the last URI looked for is bound, until bindings change
+    std::unique_ptr<tessit::LongUris> longUris;  // those that were looked for and bound, while anything is
     Storage spare;
 };

@@ -10,6 +10,7 @@ constexpr std::string_view XsdUri1999 = "http://www.w3.org/1999/XMLSchema";
 }  // namespace
 
 int QeXmlNamespace::compareTo(const QeXmlNamespace& other) const noexcept {
+    if (uri.data() == other.uri.data()) return 0;
     const int order = uri.compare(other.uri);
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }

@@ -62,7 +62,11 @@ struct QeXmlNamespaceStack::Index {
 
         // The innermost binding with that key in a scope before `scopeEnd`.
         const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::size_t scopeEnd) const noexcept {
-            const Entry* found = findEntry(scopes, wanted, tessit::keyedHash(wanted, secret), scopeEnd);
+            return find(scopes, wanted, tessit::keyedHash(wanted, secret), scopeEnd);
+        }
+        const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::uint64_t hash,
+                                   std::size_t scopeEnd) const noexcept {
+            const Entry* found = findEntry(scopes, wanted, hash, scopeEnd);
             return found == nullptr ? nullptr : &bindingAt(scopes, found->place);
         }
 
@@ -173,13 +177,13 @@ QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other)
 }
 
 void QeXmlNamespaceStack::addNamespace(const QeXmlNamespace& ns) {
-    addBinding(ns.getPrefix(), ns.getURI());
+    addBinding(ns.prefix, ns.uri, &ns.uri);
 }
 
 // Everything that can throw comes first and changes nothing that can be seen; the
 // last lines make the binding visible and cannot fail. The views may point into
 // the stack, whose bindings do not move before the new one was written.
-void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view uri) {
+void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared) {
     const bool opensDeclaring = !innermostDeclares();
     const std::size_t scopeIndex = declaring.size() - (opensDeclaring ? 0 : 1);
     declaring.reserveSlots(scopeIndex + 1);
@@ -191,13 +195,15 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     }
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
     // A long URI that is bound already is shared, so that names can be compared by where it stands.
-    const QeXmlNamespace* same = uri.size() >= QeCString::LongLength ? findURI(uri) : nullptr;
+    const bool isLong = uri.size() >= QeCString::LongLength;
+    const QeXmlNamespace* const same = isLong ? findURI(uri) : nullptr;
+    if (same != nullptr) shared = &same->uri;
     scope.bindings.append([=](QeXmlNamespace& slot) {
         slot.prefix.assign(prefix);
-        if (same == nullptr) {
-            slot.uri.assign(uri);
+        if (isLong && shared != nullptr) {
+            slot.uri.shareBlockOf(*shared);
         } else {
-            slot.uri.shareBlockOf(same->uri);
+            slot.uri.assign(uri);
         }
     });
 
@@ -287,6 +293,12 @@ const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const n
     if (declaring.empty() || (declaring.back().uriLengths & lengthBit(uri)) == 0) return nullptr;
     if (indexed) return index->byURI.find(declaring, uri, declaring.size());
     return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
+}
+
+const QeXmlNamespace* QeXmlNamespaceStack::findBlock(const QeCString& uri, std::uint64_t hash) const noexcept {
+    if (indexed) return index->byURI.find(declaring, uri, hash, declaring.size());
+    const char* const place = uri.data();
+    return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.uri.data() == place; });
 }
 
 template <typename Matches>

@@ -8,17 +8,16 @@
 #include <utility>
 
 #include <corvel/byte_copy.h>
+#include <tessit/model/long_uris.h>
 #include <tessit/writer/borrowed.h>
 #include <tessit/writer/escape.h>
 #include <tessit/writer/output_buffer.h>
 #include <tessit/writer/pieces.h>
-#include <tessit/writer/plain_attributes.h>
 #include <tessit/writer/xml_string_writer.h>
 #include <tessit/writer/xml_writer.h>
 
 using tessit::Borrowed;
 using tessit::OutputBuffer;
-using tessit::PlainAttributes;
 using tessit::put;
 using tessit::TextEscapes;
 using tessit::ValueEscapes;
@@ -162,6 +161,7 @@ QeXmlWriter& QeXmlWriter::operator=(const QeXmlWriter& other) {
     indentSize = other.indentSize;
     atLineStart = other.atLineStart;
     lastFound = nullptr;
+    longUris = nullptr;
     return *this;
 }
 
@@ -293,8 +293,7 @@ void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeS
 void QeXmlWriter::writeStartInPlace(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     const bool nameNeedsMore = addNamespaceToScopeIfNecessary(name.getNamespace());
     const bool attributesNeedMore = addNamespacesOf(attributes);
-    if (!nameNeedsMore && !attributesNeedMore && attributes.isStrictlySorted())
-        return putStart(name, attributes, empty);
+    if (!nameNeedsMore && !attributesNeedMore && isInOrder(attributes)) return putStart(name, attributes, empty);
     withBindings(attributes, [&](const QeXmlAttributeSet& completed) { putStart(name, completed, empty); });
 }
 
@@ -303,7 +302,7 @@ void QeXmlWriter::writeStartToSink(const QeXmlName& name, const QeXmlAttributeSe
     writeTag(Tag::Start, name);
     const bool bindsAlready = !innermostBindings().empty();  // what the name needs, or a sink that calls its writer
     const bool needsMore = addNamespacesOf(attributes);
-    if (!bindsAlready && !needsMore && attributes.isStrictlySorted()) {
+    if (!bindsAlready && !needsMore && isInOrder(attributes)) {
         writeAttributeSet(attributes);
     } else {
         withBindings(attributes, [this](const QeXmlAttributeSet& completed) { writeAttributeSet(completed); });
@@ -311,15 +310,11 @@ void QeXmlWriter::writeStartToSink(const QeXmlName& name, const QeXmlAttributeSe
     write(empty ? UnpairedTag : EndTag, false);
 }
 
-// Calls `write` with the set and the bindings of the innermost scope. One that was read has them all.
+// Calls `write` with the set and the bindings of the innermost scope.
 template <typename Write>
 void QeXmlWriter::withBindings(const QeXmlAttributeSet& attributes, const Write& write) {
-    Borrowed<PlainAttributes::Positions> positions(spare.positions);
-    const PlainAttributes declarations(attributes, *positions);
-    if (declaresInnermostBindings(declarations)) return write(attributes);
     Borrowed<QeXmlAttributeSet> completed(spare.completedAttributes);
-    getCompleteAttributeSet(attributes, declarations, *completed);
-    write(*completed);
+    write(getCompleteAttributeSet(attributes, *completed));
 }
 
 namespace {
@@ -428,21 +423,26 @@ bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
 // A URI that is bound to another prefix counts as declared. Returns whether the binding was added.
 bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri) {
     if (uri.empty()) return false;
+    if (uri.isLong()) return addLongIfNecessary(prefix, uri);
     const bool necessary = prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : !hasPrefix(uri);
     if (necessary) addBinding(prefix, uri);
     return necessary;
 }
 
 void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri) {
+    const tessit::LongUris::Known* const known = longUris != nullptr && uri.isLong() ? longUris->find(uri) : nullptr;
+    const QeCString& bound = known == nullptr ? uri : known->uri;
     lastFound = nullptr;
-    namespaces.addBinding(prefix, uri);
+    namespaces.addBinding(prefix, bound, &bound);
 }
 
 // The document's scope stays, however many ends are written, and whatever a sink makes of its writer.
 void QeXmlWriter::popScope() noexcept {
     if (namespaces.depth <= 1) return;
-    if (!innermostBindings().empty()) lastFound = nullptr;
+    if (innermostBindings().empty()) return namespaces.popScope();
+    lastFound = nullptr;
     namespaces.popScope();
+    if (namespaces.bindingCount == 0) longUris = nullptr;
 }
 
 // Names come in runs of one namespace: what was found last is compared first.
@@ -467,63 +467,19 @@ bool QeXmlWriter::addNamespacesOf(const QeXmlAttributeSet& attributes) {
     return added;
 }
 
+// Whether a set stands in order, as far as can be told without a look at two long URIs, which would cost their length
+// at every tag. What may be out of order is written with more effort, and the same in the end.
+bool QeXmlWriter::isInOrder(const QeXmlAttributeSet& attributes) noexcept {
+    const auto mayFollow = [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+        const int order = left.getName().getLocalName().compare(right.getName().getLocalName());
+        if (order != 0) return order > 0;
+        const QeXmlNamespace &one = left.getName().getNamespace(), &other = right.getName().getNamespace();
+        return (one.getURI().isLong() && other.getURI().isLong()) || one.compareTo(other) >= 0;
+    };
+    return attributes.knownSorted ||
+           std::adjacent_find(attributes.begin(), attributes.end(), mayFollow) == attributes.end();
+}
+
 std::span<const QeXmlNamespace> QeXmlWriter::innermostBindings() const noexcept {
     return {namespaces.namespacesBegin(), namespaces.namespacesEnd()};
-}
-
-bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations) const {
-    const std::span bindings = innermostBindings();
-    return std::all_of(bindings.begin(), bindings.end(), [&](const QeXmlNamespace& binding) {
-        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
-        return declaration != nullptr && declaration->getValue() == binding.getURI();
-    });
-}
-
-// Makes `completed` the set with the bindings of the innermost scope among its
-// attributes. Of several bindings of one prefix the last one stays.
-void QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
-                                          QeXmlAttributeSet& completed) {
-    if (!attributes.isStrictlySorted()) return completeOutOfOrder(attributes, declarations, completed);
-    addMissingDeclarations(attributes, declarations, completed);
-    for (const QeXmlNamespace& binding : innermostBindings())
-        completed.addNamespaceAttribute(binding);  // its entry is there: sets the value
-}
-
-// A merge: an insertion for each declaration would move what stands behind it, over and over.
-void QeXmlWriter::addMissingDeclarations(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
-                                         QeXmlAttributeSet& completed) {
-    Borrowed<std::vector<const QeXmlNamespace*>> missing(spare.bindings);
-    for (const QeXmlNamespace& binding : innermostBindings())
-        if (declarations.find(binding.getPrefix()) == nullptr) missing->push_back(&binding);
-    std::sort(missing->begin(), missing->end(), [](const QeXmlNamespace* left, const QeXmlNamespace* right) {
-        return left->getPrefix() < right->getPrefix();
-    });
-    const auto samePrefix = [](const QeXmlNamespace* left, const QeXmlNamespace* right) {
-        return left->getPrefix() == right->getPrefix();
-    };
-    missing->erase(std::unique(missing->begin(), missing->end(), samePrefix), missing->end());
-
-    completed.attributes.reserveSlots(attributes.size() + missing->size());
-    auto next = missing->begin();
-    for (const QeXmlAttribute& attribute : attributes) {
-        for (; next != missing->end() && (*next)->getPrefix() <= attribute.getName().getLocalName(); ++next)
-            completed.append((*next)->getPrefix(), QeXmlNamespace::getXmlns(), (*next)->getURI());
-        completed.append(attribute.getName().getLocalName(), attribute.getName().getNamespace(), attribute.getValue());
-    }
-    for (; next != missing->end(); ++next)
-        completed.append((*next)->getPrefix(), QeXmlNamespace::getXmlns(), (*next)->getURI());
-}
-
-// A set out of order keeps what order it has: values are replaced where they stand,
-// and what is missing goes where an addition puts it.
-void QeXmlWriter::completeOutOfOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
-                                     QeXmlAttributeSet& completed) {
-    completed.assignInPlace(attributes);
-    for (const QeXmlNamespace& binding : innermostBindings()) {
-        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
-        if (declaration != nullptr)
-            completed.attributes[static_cast<std::size_t>(declaration - attributes.begin())].setValue(binding.getURI());
-    }
-    for (const QeXmlNamespace& binding : innermostBindings())
-        if (declarations.find(binding.getPrefix()) == nullptr) completed.addNamespaceAttribute(binding);
 }

@@ -1,0 +1,120 @@
+// What a start tag has to declare besides what it was given, and which long URIs are declared already.
+
+#include <algorithm>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include <tessit/model/long_uris.h>
+#include <tessit/writer/borrowed.h>
+#include <tessit/writer/plain_attributes.h>
+#include <tessit/writer/xml_writer.h>
+
+using tessit::Borrowed;
+using tessit::PlainAttributes;
+
+// The names of one document share a long URI: once it is bound, it is found by where it stands, and not compared for
+// each of them. All equal ones that are bound share a block too, which is the one that they are known by.
+bool QeXmlWriter::addLongIfNecessary(const QeCString& prefix, const QeCString& uri) {
+    if (longUris == nullptr) longUris = std::make_unique<tessit::LongUris>();
+    const tessit::LongUris::Known* known = longUris->find(uri);
+    if (known == nullptr) {
+        const QeXmlNamespace* const bound = namespaces.findURI(uri);
+        if (bound != nullptr) known = &longUris->remember(bound->getURI());
+    }
+    if (known != nullptr && isBound(prefix, known->uri, known->hash)) return false;
+    addBinding(prefix, uri);
+    return true;
+}
+
+// Whether a long URI is bound as the prefix needs it; its block and hash are those that it is known by.
+bool QeXmlWriter::isBound(const QeCString& prefix, const QeCString& uri, std::uint64_t hash) const noexcept {
+    if (prefix.empty()) return namespaces.getURIForPrefix(prefix).data() == uri.data();
+    const QeXmlNamespace* const bound = namespaces.findBlock(uri, hash);
+    return bound != nullptr && !bound->getPrefix().empty();
+}
+
+bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations) const {
+    const std::span bindings = innermostBindings();
+    return std::all_of(bindings.begin(), bindings.end(), [&](const QeXmlNamespace& binding) {
+        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
+        return declaration != nullptr && declaration->getValue() == binding.getURI();
+    });
+}
+
+// The set with the bindings of the innermost scope among its attributes: the given one, which has them all when it was
+// read, or else `completed`. Of several bindings of one prefix the last one stays.
+const QeXmlAttributeSet& QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
+                                                              QeXmlAttributeSet& completed) {
+    Borrowed<PlainAttributes::Positions> positions(spare.positions);
+    const PlainAttributes declarations(attributes, *positions);
+    if (declaresInnermostBindings(declarations)) return attributes;
+    if (areLocalNamesInOrder(attributes)) {
+        completeInOrder(attributes, declarations, completed);
+    } else {
+        completeOutOfOrder(attributes, declarations, completed);
+    }
+    return completed;
+}
+
+void QeXmlWriter::completeInOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                  QeXmlAttributeSet& completed) {
+    addMissingDeclarations(attributes, declarations, completed);
+    Borrowed<PlainAttributes::Positions> positions(spare.completedPositions);
+    const PlainAttributes entries(completed, *positions);
+    for (const QeXmlNamespace& binding : innermostBindings())
+        setValueAt(completed, entries.find(binding.getPrefix()), binding.getURI());
+}
+
+// All that a declaration's place depends on: it stands in front of what has its prefix as a local name. The reader's
+// sets are always so, though their URIs need not be in order.
+bool QeXmlWriter::areLocalNamesInOrder(const QeXmlAttributeSet& attributes) noexcept {
+    const auto precedes = [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
+        return left.getName().getLocalName() < right.getName().getLocalName();
+    };
+    return attributes.knownSorted || std::is_sorted(attributes.begin(), attributes.end(), precedes);
+}
+
+void QeXmlWriter::setValueAt(QeXmlAttributeSet& set, const QeXmlAttribute* position, const QeCString& value) {
+    set.attributes[static_cast<std::size_t>(position - std::as_const(set).begin())].setValue(value);
+}
+
+// A merge: an insertion for each declaration would move what stands behind it, over and over.
+void QeXmlWriter::addMissingDeclarations(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                         QeXmlAttributeSet& completed) {
+    Borrowed<std::vector<const QeXmlNamespace*>> missing(spare.bindings);
+    for (const QeXmlNamespace& binding : innermostBindings())
+        if (declarations.find(binding.getPrefix()) == nullptr) missing->push_back(&binding);
+    std::sort(missing->begin(), missing->end(), [](const QeXmlNamespace* left, const QeXmlNamespace* right) {
+        return left->getPrefix() < right->getPrefix();
+    });
+    const auto samePrefix = [](const QeXmlNamespace* left, const QeXmlNamespace* right) {
+        return left->getPrefix() == right->getPrefix();
+    };
+    missing->erase(std::unique(missing->begin(), missing->end(), samePrefix), missing->end());
+
+    completed.knownSorted = attributes.knownSorted;
+    completed.attributes.reserveSlots(attributes.size() + missing->size());
+    auto next = missing->begin();
+    for (const QeXmlAttribute& attribute : attributes) {
+        for (; next != missing->end() && (*next)->getPrefix() <= attribute.getName().getLocalName(); ++next)
+            completed.append((*next)->getPrefix(), QeXmlNamespace::getXmlns(), (*next)->getURI());
+        completed.append(attribute.getName().getLocalName(), attribute.getName().getNamespace(), attribute.getValue());
+    }
+    for (; next != missing->end(); ++next)
+        completed.append((*next)->getPrefix(), QeXmlNamespace::getXmlns(), (*next)->getURI());
+}
+
+// A set out of order keeps what order it has: values are replaced where they stand,
+// and what is missing goes where an addition puts it.
+void QeXmlWriter::completeOutOfOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations,
+                                     QeXmlAttributeSet& completed) {
+    completed.assignInPlace(attributes);
+    for (const QeXmlNamespace& binding : innermostBindings()) {
+        const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
+        if (declaration != nullptr)
+            setValueAt(completed, completed.attributes.begin() + (declaration - attributes.begin()), binding.getURI());
+    }
+    for (const QeXmlNamespace& binding : innermostBindings())
+        if (declarations.find(binding.getPrefix()) == nullptr) completed.addNamespaceAttribute(binding);
+}
