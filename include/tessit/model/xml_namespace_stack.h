@@ -88,8 +88,10 @@ private:
     // Where a lookup begins: with the innermost scope, or with the one around it.
     enum class From : unsigned char { Innermost, AroundInnermost };
 
-    TESSIT_NO_EXPORT const QeXmlNamespace* findPrefix(std::string_view prefix,
-                                                      From from = From::Innermost) const noexcept;
+    const QeXmlNamespace* findPrefix(std::string_view prefix, From from = From::Innermost) const noexcept {
+        return declaring.empty() ? nullptr : findBoundPrefix(prefix, from);
+    }
+    TESSIT_NO_EXPORT const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
     // The same for a long URI whose block, of which this is the hash, is that of any equal one bound here.
     TESSIT_NO_EXPORT const QeXmlNamespace* findBlock(const QeCString& uri, std::uint64_t hash) const noexcept;

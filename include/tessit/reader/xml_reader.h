@@ -384,8 +384,8 @@ private:
     void forgetSlots() noexcept;
 
     // pull.cpp
-    ExpectedName keepExpected(const QeXmlName& name);
-    ExpectedName keepExpected(const QeCString& qname);
+    const QeXmlName& keepExpected(const QeXmlName& name);
+    const QeCString& keepExpected(const QeCString& qname);
     void takeNextNode();
     void lookAhead();
     bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
@@ -393,9 +393,12 @@ private:
     bool matchesStart(const ExpectedName& expected);
     bool matchesEnd(const ExpectedName& expected);
     bool isLastUri(const QeCString& uri);
-    const QeXmlAttributeSet& demandStart(const ExpectedName& expected);
-    void demandEnd(const ExpectedName& expected);
-    bool startsNext(const ExpectedName& expected);
+    template <typename Name>
+    const QeXmlAttributeSet& demandStart(const Name& name);
+    template <typename Name>
+    void demandEnd(const Name& name);
+    template <typename Name>
+    bool startsNext(const Name& name);
     const QeCString& uriOfExpected(const ExpectedName& expected) const noexcept;
     bool asksForAny(const ExpectedName& expected) const noexcept;
     QeCString readRawElement(const ExpectedName& expected);

@@ -282,7 +282,7 @@ void QeXmlNamespaceStack::dropAll() noexcept {
     depth = 0;
 }
 
-const QeXmlNamespace* QeXmlNamespaceStack::findPrefix(std::string_view prefix, From from) const noexcept {
+const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view prefix, From from) const noexcept {
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
     if (indexed) return index->byPrefix.find(declaring, prefix, scopeEnd);
