@@ -22,8 +22,10 @@ struct Copy {
 // The reader lets names pass that are none: with nothing in front of the colon, or
 // what cannot start a name behind it, or under a prefix that is bound to nothing, or
 // where "xmlns" is bound. These are other names, or equal ones, when they are written.
+// So are two whose URIs differ in an ampersand that stands for itself.
 bool isName(const QeXmlName& name) {
     const QeCString &local = name.getLocalName(), &prefix = name.getNamespace().getPrefix();
+    if (name.getNamespace().getURI().find('&') != QeCString::npos) return false;
     if (local.empty() || !std::isalpha(static_cast<unsigned char>(local[0]))) return false;
     if (local.find(":") != QeCString::npos) return false;
     const bool isBound = !name.getNamespace().getURI().empty();
