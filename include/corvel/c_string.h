@@ -265,7 +265,7 @@ private:
     friend class QeXmlNamespace;
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
-    friend class QeXmlWriter;  // copies short strings as a whole
+    friend class QeXmlWriter;  // copies short strings as a whole, too
     friend class tessit::LongUris;
 
     // The last byte tells the two layouts apart. Up to 23: the text is in place
@@ -282,9 +282,10 @@ private:
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
 
-    // A block has a count of its owners in front. Sharing is the library's own affair: every copy of
-    // a string is one. Only where no user can change them are URIs shared, the long ones by copies of
-    // their names as well, which can be in other threads: then the count is atomic.
+    // A block has a count of its owners in front. Sharing is the library's own affair: a copy of a string
+    // has a block of its own. Only URIs inside namespaces are shared, where no user can change them: among
+    // the names of one object, and, if they are long, by all copies of a namespace. These can be in other
+    // threads: then the count is atomic.
     struct Header {
         alignas(UnitSize) std::size_t owners;
     };

@@ -199,12 +199,11 @@ Text underLongURIs(std::size_t parts) {
            "</a>";
 }
 
-// Two URIs that differ near their ends, each under a prefix: what a writer need not declare anew.
+// Two URIs, one a byte longer, each under a prefix: what a writer need not declare anew.
 template <Literal part>
 Text underPrefixedLongURIs(std::size_t parts) {
-    const Text front(4 * parts, 'u'), end(20, 'u');
-    return "<p:a xmlns:p='" + front + "1" + end + "' xmlns:q='" + front + "2" + end + "'>" +
-           repeat(part.bytes, parts / 2) + "</p:a>";
+    const Text uri(4 * parts, 'u');
+    return "<a xmlns:p='" + uri + "' xmlns:q='" + uri + "u'>" + repeat(part.bytes, parts / 2) + "</a>";
 }
 
 // Each child makes of few bindings many, and of many few again.
@@ -287,7 +286,6 @@ const struct {
     {"KeepNamesUnderLongURIs", Many, LongURIs, inPlace<keepNames>},
     {"WriteUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/><q:a>t</q:a>">, inPlace<writeAgain>},
     {"WriteAttributesUnderLongURIs", Many, underPrefixedLongURIs<"<p:a p:a='' q:a=''/>">, inPlace<writeAgain>},
-    {"WriteTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<writeAgain>},
     {"WriteUnderDeclarations", Few, usingDeclarations, inPlace<writeAgain>},
     {"WriteContentUnderDeclarations", Few, usingDeclarationsAtOnce, inPlace<writeContentAgain>},
     {"WalkAttributesWithLongURI", Many, attributesWithLongURI, inPlace<walk>},

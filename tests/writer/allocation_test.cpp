@@ -110,4 +110,20 @@ TEST(Allocations, FailingOnesLeaveTheWriterUsable) {
     });
 }
 
+TEST(Allocations, LongNamespacesMakeNoneOnceWarm) {
+    const QeXmlName name("e", QeXmlNamespace("p", QeCString(std::string_view(std::string(300, 'u')))));
+    QeXmlAttributeSet attributes;
+    attributes.add(QeXmlName("alt"), name.getNamespace().getURI());
+    Discarding writer;
+    const auto writeOften = [&] {
+        for (int i = 0; i < 10; ++i) {
+            writer.writeElementStart(name, attributes, false);
+            writer.writeElementStart(name, attributes, true);
+            writer.writeElementEnd(name);
+        }
+    };
+    writeOften();
+    EXPECT_EQ(countAllocations(writeOften), 0u);
+}
+
 }  // namespace

@@ -93,14 +93,16 @@ private:
     }
     TESSIT_NO_EXPORT const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
-    // The same for a long URI whose block, of which this is the hash, is that of any equal one bound here.
-    TESSIT_NO_EXPORT const QeXmlNamespace* findBlock(const QeCString& uri, std::uint64_t hash) const noexcept;
 
     template <typename Matches>
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
     // `shared` is equal to `uri`, and a long one's block is taken over; it must not be the caller's to change.
     TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared = nullptr);
+
+    // Has the binding that a namespace is in force by share its long URI: the names of one document share it too, and
+    // are compared by where it stands. Without a prefix that is the default, else the one that was found for the URI.
+    TESSIT_NO_EXPORT void shareBlock(const QeXmlNamespace& ns, const QeXmlNamespace* found) noexcept;
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);

@@ -38,7 +38,7 @@ class OpenElements;
 /// attributes of each tag, whatever the bytes; memory beyond the input is the
 /// largest text, the largest tags of up to nine names, and a few bytes per open
 /// element that declares namespaces. Each call costs O(bytes that it scans), and
-/// of a name that it is given O(length), though a long URI of its own is O(1);
+/// of a name that it is given O(length), though a long URI that the tag shares is O(1);
 /// accessors are O(1). An XML declaration in the midst of a document can have all
 /// that is left converted once more: all conversions together produce at most 16
 /// bytes for each byte of the input, and 64 KiB. One thread at a time; no two readers

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -13,7 +11,6 @@
 #include <tessit/model/xml_namespace_stack.h>
 
 namespace tessit {
-class LongUris;
 class PlainAttributes;
 }  // namespace tessit
 
@@ -93,10 +90,9 @@ public:
     /// Sink calls: "<" and the name through the string slot, each attribute through
     /// the bytes slot, ">" or "/>" through the string slot. O(bytes written), plus
     /// a lookup of each name's namespace, O(length of its URI) on average, or O(1) for
-    /// a long URI that is bound and that names share as copies do; and, where something
-    /// has to be added, the copying of the set of n attributes and O(log n) comparisons
-    /// for each name. In a set whose local names have lost their order, each declaration
-    /// added costs O(n).
+    /// one long URI that names share as copies do; and, where something has to be added,
+    /// the copying of the set of n attributes and O(log n) comparisons for each name. In
+    /// a set whose local names have lost their order, each declaration added costs O(n).
     void writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
 
     /// Writes an end tag, in one call of the string slot, and closes the innermost
@@ -130,7 +126,7 @@ public:
     /// element, for the whole document. Nothing is written: the writer takes the
     /// namespace for declared from then on. Costs and guarantees are those of
     /// `QeXmlNamespaceStack::addNamespace`.
-    void addNamespace(const QeXmlNamespace& ns) { addBinding(ns.getPrefix(), ns.getURI()); }
+    void addNamespace(const QeXmlNamespace& ns) { addBinding(ns.getPrefix(), ns.getURI(), &ns.getURI()); }
 
     /// @}
     /// @name Layout
@@ -226,11 +222,10 @@ private:
     TESSIT_NO_EXPORT void writeToSinkInPieces(const char* bytes, std::size_t length);
 
     TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
-    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri);
-    void addBinding(const QeCString& prefix, const QeCString& uri);
+    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri,
+                                                         const QeCString* shared);
+    void addBinding(const QeCString& prefix, const QeCString& uri, const QeCString* shared);
     TESSIT_NO_EXPORT void popScope() noexcept;
-    TESSIT_NO_EXPORT bool addLongIfNecessary(const QeCString& prefix, const QeCString& uri);
-    TESSIT_NO_EXPORT bool isBound(const QeCString& prefix, const QeCString& uri, std::uint64_t hash) const noexcept;
     TESSIT_NO_EXPORT bool hasPrefix(const QeCString& uri);
     TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
     TESSIT_NO_EXPORT static bool isInOrder(const QeXmlAttributeSet& attributes) noexcept;
@@ -252,8 +247,7 @@ private:
     int currentIndent = 0;
     int indentSize = 2;
     bool atLineStart = false;
-    QeXmlNamespaceStack namespaces;              // one scope for the document, one for each open element
-    const QeXmlNamespace* lastFound = nullptr;   // where the last URI looked for is bound, until bindings change
-    std::unique_ptr<tessit::LongUris> longUris;  // those that were looked for and bound, while anything is
+    QeXmlNamespaceStack namespaces;             // one scope for the document, one for each open element
+    const QeXmlNamespace* lastFound = nullptr;  // where the last URI looked for is bound, until bindings change
     Storage spare;
 };

@@ -62,11 +62,7 @@ struct QeXmlNamespaceStack::Index {
 
         // The innermost binding with that key in a scope before `scopeEnd`.
         const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::size_t scopeEnd) const noexcept {
-            return find(scopes, wanted, tessit::keyedHash(wanted, secret), scopeEnd);
-        }
-        const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::uint64_t hash,
-                                   std::size_t scopeEnd) const noexcept {
-            const Entry* found = findEntry(scopes, wanted, hash, scopeEnd);
+            const Entry* found = findEntry(scopes, wanted, tessit::keyedHash(wanted, secret), scopeEnd);
             return found == nullptr ? nullptr : &bindingAt(scopes, found->place);
         }
 
@@ -218,6 +214,11 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     ++bindingCount;
 }
 
+void QeXmlNamespaceStack::shareBlock(const QeXmlNamespace& ns, const QeXmlNamespace* found) noexcept {
+    if (ns.prefix.empty()) found = findPrefix(ns.prefix);
+    const_cast<QeXmlNamespace*>(found)->uri.shareBlockOf(ns.uri);  // ours, and equal: nobody sees it
+}
+
 // Makes sure that there is an index, and that taking one more binding into it cannot fail.
 void QeXmlNamespaceStack::makeRoomInIndex() {
     if (!indexed) buildIndex();
@@ -293,12 +294,6 @@ const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const n
     if (declaring.empty() || (declaring.back().uriLengths & lengthBit(uri)) == 0) return nullptr;
     if (indexed) return index->byURI.find(declaring, uri, declaring.size());
     return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
-}
-
-const QeXmlNamespace* QeXmlNamespaceStack::findBlock(const QeCString& uri, std::uint64_t hash) const noexcept {
-    if (indexed) return index->byURI.find(declaring, uri, hash, declaring.size());
-    const char* const place = uri.data();
-    return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.uri.data() == place; });
 }
 
 template <typename Matches>

@@ -1,38 +1,16 @@
-// What a start tag has to declare besides what it was given, and which long URIs are declared already.
+// What a start tag has to declare besides what it was given.
 
 #include <algorithm>
 #include <span>
 #include <utility>
 #include <vector>
 
-#include <tessit/model/long_uris.h>
 #include <tessit/writer/borrowed.h>
 #include <tessit/writer/plain_attributes.h>
 #include <tessit/writer/xml_writer.h>
 
 using tessit::Borrowed;
 using tessit::PlainAttributes;
-
-// The names of one document share a long URI: once it is bound, it is found by where it stands, and not compared for
-// each of them. All equal ones that are bound share a block too, which is the one that they are known by.
-bool QeXmlWriter::addLongIfNecessary(const QeCString& prefix, const QeCString& uri) {
-    if (longUris == nullptr) longUris = std::make_unique<tessit::LongUris>();
-    const tessit::LongUris::Known* known = longUris->find(uri);
-    if (known == nullptr) {
-        const QeXmlNamespace* const bound = namespaces.findURI(uri);
-        if (bound != nullptr) known = &longUris->remember(bound->getURI());
-    }
-    if (known != nullptr && isBound(prefix, known->uri, known->hash)) return false;
-    addBinding(prefix, uri);
-    return true;
-}
-
-// Whether a long URI is bound as the prefix needs it; its block and hash are those that it is known by.
-bool QeXmlWriter::isBound(const QeCString& prefix, const QeCString& uri, std::uint64_t hash) const noexcept {
-    if (prefix.empty()) return namespaces.getURIForPrefix(prefix).data() == uri.data();
-    const QeXmlNamespace* const bound = namespaces.findBlock(uri, hash);
-    return bound != nullptr && !bound->getPrefix().empty();
-}
 
 bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations) const {
     const std::span bindings = innermostBindings();

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include <corvel/byte_copy.h>
-#include <tessit/model/long_uris.h>
 #include <tessit/writer/borrowed.h>
 #include <tessit/writer/escape.h>
 #include <tessit/writer/output_buffer.h>
@@ -161,7 +160,6 @@ QeXmlWriter& QeXmlWriter::operator=(const QeXmlWriter& other) {
     indentSize = other.indentSize;
     atLineStart = other.atLineStart;
     lastFound = nullptr;
-    longUris = nullptr;
     return *this;
 }
 
@@ -417,32 +415,31 @@ void QeXmlWriter::writeToSinkInPieces(const char* bytes, std::size_t length) {
 // --- Namespaces.
 
 bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
-    return addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI());
+    const bool added = addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI(), &ns.getURI());
+    if (!added && ns.getURI().isLong()) namespaces.shareBlock(ns, lastFound);
+    return added;
 }
 
 // A URI that is bound to another prefix counts as declared. Returns whether the binding was added.
-bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri) {
+bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri,
+                                                 const QeCString* shared) {
     if (uri.empty()) return false;
-    if (uri.isLong()) return addLongIfNecessary(prefix, uri);
     const bool necessary = prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : !hasPrefix(uri);
-    if (necessary) addBinding(prefix, uri);
+    if (necessary) addBinding(prefix, uri, shared);
     return necessary;
 }
 
-void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri) {
-    const tessit::LongUris::Known* const known = longUris != nullptr && uri.isLong() ? longUris->find(uri) : nullptr;
-    const QeCString& bound = known == nullptr ? uri : known->uri;
+// The URI of a namespace is shared, if it is long; that of an attribute's value is not.
+void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri, const QeCString* shared) {
     lastFound = nullptr;
-    namespaces.addBinding(prefix, bound, &bound);
+    namespaces.addBinding(prefix, uri, shared);
 }
 
 // The document's scope stays, however many ends are written, and whatever a sink makes of its writer.
 void QeXmlWriter::popScope() noexcept {
     if (namespaces.depth <= 1) return;
-    if (innermostBindings().empty()) return namespaces.popScope();
-    lastFound = nullptr;
+    if (!innermostBindings().empty()) lastFound = nullptr;
     namespaces.popScope();
-    if (namespaces.bindingCount == 0) longUris = nullptr;
 }
 
 // Names come in runs of one namespace: what was found last is compared first.
@@ -459,7 +456,7 @@ bool QeXmlWriter::addNamespacesOf(const QeXmlAttributeSet& attributes) {
     for (const QeXmlAttribute& attribute : attributes) {
         const QeXmlName& name = attribute.getName();
         if (name.getNamespace().getURI().empty()) {
-            addNamespaceToScopeIfNecessary(name.getLocalName(), attribute.getValue());
+            addNamespaceToScopeIfNecessary(name.getLocalName(), attribute.getValue(), nullptr);
         } else {
             added |= addNamespaceToScopeIfNecessary(name.getNamespace());
         }
