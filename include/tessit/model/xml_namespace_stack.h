@@ -91,7 +91,7 @@ private:
     const QeXmlNamespace* findPrefix(std::string_view prefix, From from = From::Innermost) const noexcept {
         return declaring.empty() ? nullptr : findBoundPrefix(prefix, from);
     }
-    TESSIT_NO_EXPORT const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
+    const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
 
     template <typename Matches>
