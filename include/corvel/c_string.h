@@ -246,7 +246,7 @@ public:
     }
 
     friend bool operator==(const QeCString& left, const QeCString& right) noexcept {
-        return left.equals(right.data(), right.length());
+        return left.equals(right.data(), right.length(), &right);
     }
     friend bool operator==(const QeCString& left, std::string_view right) noexcept {
         return left.equals(right.data(), right.size());
@@ -286,11 +286,16 @@ private:
     // has a block of its own. Only URIs inside namespaces are shared, where no user can change them: among
     // the names of one object, and, if they are long, by all copies of a namespace. These can be in other
     // threads: then the count is atomic.
+    //
+    // A document can use a long URI in each of its tags, so that its length must not count each time: a block
+    // that was shared once changes by assignments only, and keeps the hash of its text from when it is asked for.
     struct Header {
         alignas(UnitSize) std::size_t owners;
+        std::size_t hash;  // or one of the next two
     };
+    static constexpr std::size_t KeepsNoHash = 0, HashNotKnown = 1;
 
-    // Texts of so many bytes and more are shared by copies of names, and compared by where they stand.
+    // Texts of so many bytes and more are long.
     static constexpr std::size_t LongLength = 256;
     static constexpr std::uint32_t LongUnits = LongLength / UnitSize + 1;
 
@@ -349,11 +354,22 @@ private:
         return std::atomic_ref(owners).fetch_sub(1, std::memory_order_acq_rel) == 1;
     }
 
+    // Has a long text, which from now on is only assigned to, keep its hash.
+    void keepHash() const noexcept {
+        if (!isLong()) return;
+        const std::atomic_ref hash(header().hash);
+        if (hash.load(std::memory_order_relaxed) == KeepsNoHash) hash.store(HashNotKnown, std::memory_order_relaxed);
+    }
+    // With a key of the process's own. O(length); O(1) for a kept one.
+    TESSIT_NO_EXPORT std::size_t hash() const noexcept;
+    TESSIT_NO_EXPORT static std::size_t hashOf(std::string_view text) noexcept;
+
     // Becomes equal to `other` in O(1): both then have one block, and whichever
     // changes first gets another.
     void shareBlockOf(const QeCString& other) noexcept {
         if (data() == other.data()) return;
         if (!other.isInline()) other.joinBlock();
+        other.keepHash();
         releaseBlock();
         std::memcpy(raw, other.raw, sizeof raw);
     }
@@ -433,10 +449,10 @@ private:
     }
 
     // Names and URIs of one length mostly differ in their last bytes.
-    bool equals(const char* bytes, std::size_t count) const noexcept {
+    bool equals(const char* bytes, std::size_t count, const QeCString* other = nullptr) const noexcept {
         if (length() != count) return false;
         const char* const mine = data();
-        if (count >= 16) return sameEnds<16>(mine, bytes, count) && (count <= 32 || sameMiddle(mine, bytes, count));
+        if (count >= 16) return sameEnds<16>(mine, bytes, count) && (count <= 32 || sameMiddle(bytes, count, other));
         if (count >= 8) return sameEnds<8>(mine, bytes, count);
         if (count >= 4) return sameEnds<4>(mine, bytes, count);
         for (std::size_t i = 0; i < count; ++i)
@@ -452,10 +468,11 @@ private:
     }
 
     // Whether all but the ends is the same in texts of more than 32 bytes, as URIs mostly are.
-    static bool sameMiddle(const char* left, const char* right, std::size_t length) noexcept {
-        return length <= 64 ? sameEnds<16>(left + 16, right + 16, length - 32) : sameLongMiddle(left, right, length);
+    bool sameMiddle(const char* bytes, std::size_t count, const QeCString* other) const noexcept {
+        return count <= 64 ? sameEnds<16>(data() + 16, bytes + 16, count - 32) : sameLongMiddle(bytes, count, other);
     }
-    static bool sameLongMiddle(const char* left, const char* right, std::size_t length) noexcept;
+    bool sameLongMiddle(const char* bytes, std::size_t count, const QeCString* other) const noexcept;
+    TESSIT_NO_EXPORT bool keepsHash() const noexcept;
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
     // branch loads everything before it stores, so the ranges may overlap.

@@ -10,6 +10,7 @@
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
+#include <corvel/keyed_hash.h>
 
 namespace {
 
@@ -37,7 +38,7 @@ std::uint32_t QeCString::unitsFor(std::size_t length) {
 char* QeCString::newBlock(std::uint32_t units) {
     const std::size_t size = sizeof(Header) + UnitSize * units;
     char* const block = allocated(isLarge(size) ? std::malloc(size) : ::operator new(size));
-    ::new (block) Header{1};
+    ::new (block) Header{1, KeepsNoHash};
     return block + sizeof(Header);
 }
 
@@ -85,6 +86,7 @@ void QeCString::assignSlowly(const char* bytes, std::size_t length) {
     if (length <= capacity()) {
         if (length != 0) std::memmove(mutableData(), bytes, length);
         setLength(length);
+        if (!isInline()) header().hash = KeepsNoHash;
         return;
     }
     const std::uint32_t units = unitsFor(length);
@@ -133,9 +135,29 @@ void QeCString::appendSlowly(const char* bytes, std::size_t count) {
     setLength(oldLength + count);
 }
 
-// The texts may be one.
-bool QeCString::sameLongMiddle(const char* left, const char* right, std::size_t length) noexcept {
-    return left == right || std::memcmp(left + 16, right + 16, length - 32) == 0;
+// Long URIs mostly stand in one block, or else have hashes that were asked for before.
+bool QeCString::sameLongMiddle(const char* bytes, std::size_t count, const QeCString* other) const noexcept {
+    if (data() == bytes) return true;
+    if (other != nullptr && keepsHash() && other->keepsHash() && hash() != other->hash()) return false;
+    return std::memcmp(data() + 16, bytes + 16, count - 32) == 0;
+}
+
+bool QeCString::keepsHash() const noexcept {
+    return isLong() && std::atomic_ref(header().hash).load(std::memory_order_relaxed) != KeepsNoHash;
+}
+
+// Never one of the values that say something else.
+std::size_t QeCString::hashOf(std::string_view text) noexcept {
+    const std::uint64_t hash = tessit::keyedHash(text, tessit::HashSecret::ofProcess());
+    return std::max(static_cast<std::size_t>(hash), HashNotKnown + 1);
+}
+
+std::size_t QeCString::hash() const noexcept {
+    if (!keepsHash()) return hashOf(*this);
+    const std::atomic_ref kept(header().hash);
+    std::size_t hash = kept.load(std::memory_order_relaxed);
+    if (hash == HashNotKnown) kept.store(hash = hashOf(*this), std::memory_order_relaxed);
+    return hash;
 }
 
 QeCString QeCString::concatenate(std::string_view left, std::string_view right) {

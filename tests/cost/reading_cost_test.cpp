@@ -66,6 +66,19 @@ void keepNames(QeXmlReader& reader) {
     }
 }
 
+// Asks for an element like the first one, by a name with a URI of its own.
+void askForTheFirst(QeXmlReader& reader) {
+    reader.readElementStart();
+    reader.readElementStart();
+    const QeXmlName& first = reader.getLastName();
+    const QeXmlName own(first.getLocalName(), QeXmlNamespace("own", first.getNamespace().getURI()));
+    reader.readElementEnd();
+    while (!reader.eof()) {
+        ASSERT_FALSE(reader.isElementNext(own));
+        reader.readNextNode();
+    }
+}
+
 void writeAgain(QeXmlReader& reader) {
     QeXmlStringWriter writer;
     while (!reader.eof()) {
@@ -199,11 +212,13 @@ Text underLongURIs(std::size_t parts) {
            "</a>";
 }
 
-// Two URIs, one a byte longer, each under a prefix: what a writer need not declare anew.
+// Two URIs that differ near their ends, each under a prefix: what a writer need not declare anew. The first element
+// is in the second one.
 template <Literal part>
 Text underPrefixedLongURIs(std::size_t parts) {
-    const Text uri(4 * parts, 'u');
-    return "<a xmlns:p='" + uri + "' xmlns:q='" + uri + "u'>" + repeat(part.bytes, parts / 2) + "</a>";
+    const Text front(4 * parts, 'u'), end(20, 'u');
+    return "<r xmlns:p='" + front + "1" + end + "' xmlns:q='" + front + "2" + end + "'><q:a/>" +
+           repeat(part.bytes, parts / 2) + "</r>";
 }
 
 // Each child makes of few bindings many, and of many few again.
@@ -286,6 +301,9 @@ const struct {
     {"KeepNamesUnderLongURIs", Many, LongURIs, inPlace<keepNames>},
     {"WriteUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/><q:a>t</q:a>">, inPlace<writeAgain>},
     {"WriteAttributesUnderLongURIs", Many, underPrefixedLongURIs<"<p:a p:a='' q:a=''/>">, inPlace<writeAgain>},
+    {"WriteTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<writeAgain>},
+    {"AskForTheFirstUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/>">, inPlace<askForTheFirst>},
+    {"DemandUnusedLongURI", Many, underPrefixedLongURIs<"<q:a/>">, inPlace<demand>},
     {"WriteUnderDeclarations", Few, usingDeclarations, inPlace<writeAgain>},
     {"WriteContentUnderDeclarations", Few, usingDeclarationsAtOnce, inPlace<writeContentAgain>},
     {"WalkAttributesWithLongURI", Many, attributesWithLongURI, inPlace<walk>},

@@ -118,6 +118,22 @@ std::size_t allocationsFor(const std::string& root, std::string_view record, std
     });
 }
 
+TEST(Allocations, LongUrisOfElementsThatEndedAreNotKept) {
+    std::string text;
+    for (int i = 0; i < 200; ++i)
+        text += "<p:e xmlns:p='" + std::string(300, 'u') + std::to_string(1000 + i) + "'/>";
+    QeXmlReader reader(QeCString(std::string_view("<r>" + text + "</r>")));
+    reader.readElementStart();
+    const auto readHalf = [&] {
+        for (int i = 0; i < 100; ++i) {
+            reader.readElementStart("p:e");
+            reader.readElementEnd("p:e");
+        }
+    };
+    readHalf();
+    EXPECT_EQ(countAllocations(readHalf), 0u);
+}
+
 }  // namespace
 
 TEST(XmlReader, AllocatesNothingPerNode) {

@@ -85,6 +85,28 @@ TEST(XmlReader, ResolvesManyPrefixes) {
     EXPECT_EQ(found.substr(found.find(']') + 1), nodes + nodes + " -r");
 }
 
+// The bindings of one element after the other stand in the same place, and have hashes that are kept.
+TEST(XmlReader, TellsLongUrisApartThatFollowOneAnother) {
+    const auto uri = [](int number) {
+        return std::string(150, 'u') + std::to_string(100 + number) + std::string(150, 'u');
+    };
+    const auto name = [&](int number) {
+        return QeXmlName("a", QeXmlNamespace("p", QeCString(std::string_view(uri(number)))));
+    };
+    std::string text;
+    for (int i = 0; i < 10; ++i)
+        text += "<p:a xmlns:p='" + uri(i) + "'/>";
+    const Document document("<r>" + text + "</r>");
+    const auto reader = document.open(Source::Span);
+    reader->readElementStart();
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_FALSE(reader->isElementNext(name(i + 1)));
+        EXPECT_TRUE(reader->isElementNext(name(i)));
+        reader->readElementStart();
+        reader->readElementEnd();
+    }
+}
+
 // A long URI is shared by the names of a reader and by their copies, until one of them changes.
 TEST(XmlReader, SharesLongUrisWithCopies) {
     const std::string uri(1000, 'u');

@@ -7,9 +7,9 @@
 /// Its identity is the local name and the URI. The prefix travels along for
 /// output and takes part in no comparison. Comparisons are exact, byte for byte,
 /// and O(length), as are copies, setters and the texts made of the name, though
-/// copies share a long URI; accessors are O(1). References from the accessors live as long as the object.
-/// Storing a text can throw `std::bad_alloc`: what takes several (an assignment, a
-/// namespace) has then perhaps stored the first of them.
+/// copies share a long URI; accessors are O(1). References from the accessors live
+/// as long as the object. Storing a text can throw `std::bad_alloc`: what takes
+/// several (an assignment, a namespace) has then perhaps stored the first of them.
 class TESSIT_API QeXmlName {
 public:
     QeXmlName() = default;

@@ -11,7 +11,8 @@
 /// assignment perhaps the prefix. Accessors and the named namespaces are O(1);
 /// copies, setters, comparisons and texts are O(length). A URI of 256 bytes and
 /// more, which a document can use over and over, is shared by copies, in whatever
-/// threads: to copy it, and to compare it with its copies, is O(1).
+/// threads: to copy it is O(1), and so is to find it equal to a copy, or other than
+/// another that is shared.
 class TESSIT_API QeXmlNamespace {
 public:
     QeXmlNamespace() = default;

@@ -92,17 +92,21 @@ private:
         return declaring.empty() ? nullptr : findBoundPrefix(prefix, from);
     }
     const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
+    TESSIT_NO_EXPORT const QeXmlNamespace* findURI(const QeCString& uri) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
 
+    template <typename Text, typename Hash>
+    const QeXmlNamespace* findEqualURI(const Text& uri, const Hash& hash) const noexcept;
     template <typename Matches>
     const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
 
     // `shared` is equal to `uri`, and a long one's block is taken over; it must not be the caller's to change.
     TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared = nullptr);
 
-    // Has the binding that a namespace is in force by share its long URI: the names of one document share it too, and
-    // are compared by where it stands. Without a prefix that is the default, else the one that was found for the URI.
-    TESSIT_NO_EXPORT void shareBlock(const QeXmlNamespace& ns, const QeXmlNamespace* found) noexcept;
+    // Has the binding that a namespace is in force by share its URI: without a prefix that is the default, else the
+    // one that was found for the URI.
+    TESSIT_NO_EXPORT void shareBlock(const QeCString& prefix, const QeCString& uri,
+                                     const QeXmlNamespace* found) noexcept;
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);

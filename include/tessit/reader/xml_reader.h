@@ -38,11 +38,11 @@ class OpenElements;
 /// attributes of each tag, whatever the bytes; memory beyond the input is the
 /// largest text, the largest tags of up to nine names, and a few bytes per open
 /// element that declares namespaces. Each call costs O(bytes that it scans), and
-/// of a name that it is given O(length), though a long URI that the tag shares is O(1);
-/// accessors are O(1). An XML declaration in the midst of a document can have all
-/// that is left converted once more: all conversions together produce at most 16
-/// bytes for each byte of the input, and 64 KiB. One thread at a time; no two readers
-/// share anything that changes.
+/// of a name that it is given O(length), though a long URI costs that once, unless
+/// an equal one of the document stands elsewhere; accessors are O(1). An XML
+/// declaration in the midst of a document can have all that is left converted once
+/// more: all conversions together produce at most 16 bytes for each byte of the
+/// input, and 64 KiB. One thread at a time; no two readers share anything that changes.
 //
 // Exported member by member: most of what is private is a matter of the library alone.
 class QeXmlReader {
@@ -392,7 +392,6 @@ private:
     const QeCString& uriInsideTag(std::string_view prefix) const noexcept;
     bool matchesStart(const ExpectedName& expected);
     bool matchesEnd(const ExpectedName& expected);
-    bool isLastUri(const QeCString& uri);
     template <typename Name>
     const QeXmlAttributeSet& demandStart(const Name& name);
     template <typename Name>
@@ -446,7 +445,6 @@ private:
 
     WrittenName lastNameWritten;
     CachedPrefix prefixCache[16];
-    std::unique_ptr<tessit::LongUris> longUris;    // those that names were held against
     QeXmlName expectedName;                        // what the caller demands; working storage of one call
     RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
     tessit::OpenElements* openElements = nullptr;  // the names that the SAX parser keeps of this document

@@ -90,7 +90,7 @@ public:
     /// Sink calls: "<" and the name through the string slot, each attribute through
     /// the bytes slot, ">" or "/>" through the string slot. O(bytes written), plus
     /// a lookup of each name's namespace, O(length of its URI) on average, or O(1) for
-    /// one long URI that names share as copies do; and, where something has to be added,
+    /// a long URI that names share as copies do; and, where something has to be added,
     /// the copying of the set of n attributes and O(log n) comparisons for each name. In
     /// a set whose local names have lost their order, each declaration added costs O(n).
     void writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);

@@ -1,7 +1,6 @@
 #include <utility>
 #include <vector>
 
-#include <corvel/keyed_hash.h>
 #include <tessit/model/xml_namespace_stack.h>
 
 namespace {
@@ -36,7 +35,7 @@ struct QeXmlNamespaceStack::Index {
         // There must be room for it.
         void add(const Scopes& scopes, Place place) noexcept {
             const QeCString& added = (bindingAt(scopes, place).*key)();
-            const std::uint64_t hash = tessit::keyedHash(added, secret);
+            const std::size_t hash = added.hash();
             const Entry* same = findEntry(scopes, added, hash, place.scope + 1);
             if (same != nullptr && same->place.scope == place.scope) return;
             entries.push_back({hash, place, 0});
@@ -61,14 +60,15 @@ struct QeXmlNamespaceStack::Index {
         }
 
         // The innermost binding with that key in a scope before `scopeEnd`.
-        const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::size_t scopeEnd) const noexcept {
-            const Entry* found = findEntry(scopes, wanted, tessit::keyedHash(wanted, secret), scopeEnd);
+        const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::size_t hash,
+                                   std::size_t scopeEnd) const noexcept {
+            const Entry* found = findEntry(scopes, wanted, hash, scopeEnd);
             return found == nullptr ? nullptr : &bindingAt(scopes, found->place);
         }
 
     private:
         struct Entry {
-            std::uint64_t hash;
+            std::size_t hash;
             Place place;
             std::size_t older;  // in the same bucket; from 1, and 0 for none
         };
@@ -77,12 +77,10 @@ struct QeXmlNamespaceStack::Index {
             return scopes[place.scope].bindings[place.binding];
         }
 
-        std::size_t bucketIndex(std::uint64_t hash) const noexcept {
-            return static_cast<std::size_t>(hash) & (buckets.size() - 1);
-        }
-        std::size_t& bucketOf(std::uint64_t hash) noexcept { return buckets[bucketIndex(hash)]; }
+        std::size_t bucketIndex(std::size_t hash) const noexcept { return hash & (buckets.size() - 1); }
+        std::size_t& bucketOf(std::size_t hash) noexcept { return buckets[bucketIndex(hash)]; }
 
-        const Entry* findEntry(const Scopes& scopes, std::string_view wanted, std::uint64_t hash,
+        const Entry* findEntry(const Scopes& scopes, std::string_view wanted, std::size_t hash,
                                std::size_t scopeEnd) const noexcept {
             if (buckets.empty()) return nullptr;
             for (std::size_t at = buckets[bucketIndex(hash)]; at != 0; at = entries[at - 1].older) {
@@ -113,7 +111,6 @@ struct QeXmlNamespaceStack::Index {
                 link(at);
         }
 
-        const tessit::HashSecret secret = tessit::HashSecret::ofProcess();
         std::vector<Entry> entries;        // outermost first
         std::vector<std::size_t> buckets;  // the newest entry of each; their number is a power of two
     };
@@ -200,6 +197,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
             slot.uri.shareBlockOf(*shared);
         } else {
             slot.uri.assign(uri);
+            slot.uri.keepHash();
         }
     });
 
@@ -214,9 +212,10 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     ++bindingCount;
 }
 
-void QeXmlNamespaceStack::shareBlock(const QeXmlNamespace& ns, const QeXmlNamespace* found) noexcept {
-    if (ns.prefix.empty()) found = findPrefix(ns.prefix);
-    const_cast<QeXmlNamespace*>(found)->uri.shareBlockOf(ns.uri);  // ours, and equal: nobody sees it
+void QeXmlNamespaceStack::shareBlock(const QeCString& prefix, const QeCString& uri,
+                                     const QeXmlNamespace* found) noexcept {
+    if (prefix.empty()) found = findPrefix(prefix);
+    const_cast<QeXmlNamespace*>(found)->uri.shareBlockOf(uri);  // ours, and equal: nobody sees it
 }
 
 // Makes sure that there is an index, and that taking one more binding into it cannot fail.
@@ -286,14 +285,23 @@ void QeXmlNamespaceStack::dropAll() noexcept {
 const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view prefix, From from) const noexcept {
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
-    if (indexed) return index->byPrefix.find(declaring, prefix, scopeEnd);
+    if (indexed) return index->byPrefix.find(declaring, prefix, QeCString::hashOf(prefix), scopeEnd);
     return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
+const QeXmlNamespace* QeXmlNamespaceStack::findURI(const QeCString& uri) const noexcept {
+    return findEqualURI(uri, [&] { return uri.hash(); });
+}
+
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
+    return findEqualURI(uri, [&] { return QeCString::hashOf(uri); });
+}
+
+template <typename Text, typename Hash>
+const QeXmlNamespace* QeXmlNamespaceStack::findEqualURI(const Text& uri, const Hash& hash) const noexcept {
     if (declaring.empty() || (declaring.back().uriLengths & lengthBit(uri)) == 0) return nullptr;
-    if (indexed) return index->byURI.find(declaring, uri, declaring.size());
-    return findInScopes(declaring.size(), [=](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
+    if (indexed) return index->byURI.find(declaring, uri, hash(), declaring.size());
+    return findInScopes(declaring.size(), [&](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
 }
 
 template <typename Matches>

@@ -8,7 +8,6 @@
 #include <voxal/converter.h>
 
 #include <corvel/byte_scan.h>
-#include <tessit/model/long_uris.h>
 #include <tessit/reader/open_elements.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/transcode.h>

@@ -64,7 +64,8 @@ private:
         const std::size_t colon = name.find(':');
         const std::string_view prefix = name.substr(0, colon == std::string_view::npos ? 0 : colon);
         const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
-        return reader.lastName.getLocalName() == local && reader.isLastUri(reader.uriInsideTag(prefix));
+        return reader.lastName.getLocalName() == local &&
+               reader.lastName.getNamespace().getURI() == reader.uriInsideTag(prefix);
     }
 
     QeXmlReader& reader;

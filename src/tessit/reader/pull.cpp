@@ -2,7 +2,6 @@
 // what the caller expects.
 
 #include <corvel/byte_scan.h>
-#include <tessit/model/long_uris.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/xml_reader.h>
@@ -89,7 +88,7 @@ const QeCString& QeXmlReader::uriOfExpected(const ExpectedName& expected) const 
 bool QeXmlReader::matchesStart(const ExpectedName& expected) {
     if (lastName.getLocalName() != expected.local) return false;
     const QeCString& uri = uriOfExpected(expected);
-    return isLastUri(uri.empty() ? uriInsideTag(expected.prefix) : uri);
+    return lastName.ns.uri == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
 }
 
 // Whether the name is the empty one, which asks for any element.
@@ -99,17 +98,7 @@ bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
 
 bool QeXmlReader::matchesEnd(const ExpectedName& expected) {
     if (lastName.getLocalName() != expected.local) return false;
-    return isLastUri(expected.uri == nullptr ? uriInsideTag(expected.prefix) : *expected.uri);
-}
-
-// Two long URIs of the document can differ in their last byte, and be compared for
-// every tag: each is looked at only once. The caller's own costs its length.
-bool QeXmlReader::isLastUri(const QeCString& uri) {
-    const QeCString& last = lastName.ns.uri;
-    const bool isShort = uri.length() < QeCString::LongLength || uri.length() != last.length();
-    if (isShort || &uri == &expectedName.ns.uri) return last == uri;
-    if (longUris == nullptr) longUris = std::make_unique<tessit::LongUris>();
-    return longUris->areEqual(last, uri);
+    return lastName.ns.uri == (expected.uri == nullptr ? uriInsideTag(expected.prefix) : *expected.uri);
 }
 
 void QeXmlReader::raiseMismatch(const ExpectedName& expected) const {
@@ -233,7 +222,7 @@ std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
     for (std::ptrdiff_t level = 1;; contentEnd = copy.length()) {
         readNextNode();
         if (lastNodeType != ElementStart && lastNodeType != ElementEnd) continue;
-        if (lastName.localName != startName.localName || !isLastUri(startName.ns.uri)) continue;
+        if (lastName != startName) continue;
         level += lastNodeType == ElementStart ? 1 : -1;
         if (level == 0) break;
     }

@@ -5,8 +5,8 @@
 #include <span>
 #include <string_view>
 
-#include <tessit/model/long_uris.h>
 #include <tessit/reader/xml_reader.h>
+#include <tessit/utils/long_uris.h>
 #include <tessit/utils/xml_utils.h>
 
 namespace {

@@ -415,21 +415,30 @@ void QeXmlWriter::writeToSinkInPieces(const char* bytes, std::size_t length) {
 // --- Namespaces.
 
 bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
-    const bool added = addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI(), &ns.getURI());
-    if (!added && ns.getURI().isLong()) namespaces.shareBlock(ns, lastFound);
-    return added;
+    return addNamespaceToScopeIfNecessary(ns.getPrefix(), ns.getURI(), &ns.getURI());
 }
 
-// A URI that is bound to another prefix counts as declared. Returns whether the binding was added.
+// Names come in runs of one namespace: what was found last is compared first.
+inline bool QeXmlWriter::hasPrefix(const QeCString& uri) {
+    if (lastFound == nullptr || lastFound->getURI() != uri) lastFound = namespaces.findURI(uri);
+    return lastFound != nullptr && !lastFound->getPrefix().empty();
+}
+
+// A URI that is bound to another prefix counts as declared. Returns whether the binding was added. `shared` is null or
+// the URI of a namespace, which the binding shares if it is long: the next name of the same document is then known to
+// be in that namespace by where its URI stands.
 bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri,
                                                  const QeCString* shared) {
     if (uri.empty()) return false;
     const bool necessary = prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : !hasPrefix(uri);
-    if (necessary) addBinding(prefix, uri, shared);
+    if (necessary) {
+        addBinding(prefix, uri, shared);
+    } else if (shared != nullptr && uri.isLong()) {
+        namespaces.shareBlock(prefix, uri, lastFound);
+    }
     return necessary;
 }
 
-// The URI of a namespace is shared, if it is long; that of an attribute's value is not.
 void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri, const QeCString* shared) {
     lastFound = nullptr;
     namespaces.addBinding(prefix, uri, shared);
@@ -440,12 +449,6 @@ void QeXmlWriter::popScope() noexcept {
     if (namespaces.depth <= 1) return;
     if (!innermostBindings().empty()) lastFound = nullptr;
     namespaces.popScope();
-}
-
-// Names come in runs of one namespace: what was found last is compared first.
-bool QeXmlWriter::hasPrefix(const QeCString& uri) {
-    if (lastFound == nullptr || lastFound->getURI() != uri) lastFound = namespaces.findURI(uri);
-    return lastFound != nullptr && !lastFound->getPrefix().empty();
 }
 
 // A declaration is an attribute in no namespace. The reverse is taken for granted

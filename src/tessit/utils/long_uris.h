@@ -8,7 +8,8 @@
 
 namespace tessit {
 
-/// Tells whether URIs are equal, and looks at each long one only once.
+/// Tells whether URIs of different documents are equal, and looks at each long one
+/// only once.
 ///
 /// The names that a reader hands out share a long URI with the binding that they
 /// were resolved by, so that it is known again by where it stands. All that were
@@ -23,19 +24,19 @@ public:
 private:
     struct Known {
         QeCString uri;
-        const char* firstEqual;
+        const char* firstEqual = nullptr;
     };
 
     // Where the first of all equal URIs stands. O(length) for one that is new, and
     // O(log of their number) comparisons: an ordered map, for which no document can
     // choose URIs that make it slow.
     const char* firstEqual(const QeCString& uri) {
-        const auto [entry, isNew] = known.try_emplace(uri.data());
-        if (isNew) {
-            entry->second.uri.shareBlockOf(uri);
-            entry->second.firstEqual = firsts.try_emplace(uri, uri.data()).first->second;
+        Known& entry = known[uri.data()];
+        if (entry.firstEqual == nullptr) {  // it is new, or memory was missing the last time
+            entry.uri.shareBlockOf(uri);
+            entry.firstEqual = firsts.try_emplace(uri, uri.data()).first->second;
         }
-        return entry->second.firstEqual;
+        return entry.firstEqual;
     }
 
     std::unordered_map<const char*, Known> known;
