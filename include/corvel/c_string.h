@@ -331,10 +331,7 @@ private:
     Header& header() const noexcept { return *std::launder(reinterpret_cast<Header*>(heapData() - sizeof(Header))); }
     bool isLong() const noexcept { return length() >= LongLength; }
     bool isShared() const noexcept {
-        if (isInline()) return false;
-        std::size_t& owners = header().owners;
-        if (heapUnits() < LongUnits) return owners > 1;
-        return std::atomic_ref(owners).load(std::memory_order_acquire) > 1;
+        return !isInline() && std::atomic_ref(header().owners).load(std::memory_order_acquire) > 1;
     }
 
     void joinBlock() const noexcept {

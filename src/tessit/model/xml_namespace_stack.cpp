@@ -285,7 +285,8 @@ void QeXmlNamespaceStack::dropAll() noexcept {
 const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view prefix, From from) const noexcept {
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
-    if (indexed) return index->byPrefix.find(declaring, prefix, QeCString::hashOf(prefix), scopeEnd);
+    if (indexed) [[unlikely]]
+        return index->byPrefix.find(declaring, prefix, QeCString::hashOf(prefix), scopeEnd);
     return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
@@ -300,7 +301,8 @@ const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const n
 template <typename Text, typename Hash>
 const QeXmlNamespace* QeXmlNamespaceStack::findEqualURI(const Text& uri, const Hash& hash) const noexcept {
     if (declaring.empty() || (declaring.back().uriLengths & lengthBit(uri)) == 0) return nullptr;
-    if (indexed) return index->byURI.find(declaring, uri, hash(), declaring.size());
+    if (indexed) [[unlikely]]
+        return index->byURI.find(declaring, uri, hash(), declaring.size());
     return findInScopes(declaring.size(), [&](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
 }
 
