@@ -185,7 +185,7 @@ def ratios(figures, corpora):
 
 def not_first(figures):
     lines = []
-    for corpus in COMPARED + ['records-200', 'records-utf16', 'records-latin1']:
+    for corpus in COMPARED + ['records-200', 'records-fresh', 'records-utf16', 'records-latin1']:
         faster = [(figures.ratio(corpus, peer), peer) for peer in figures.libraries('peer')]
         faster = [f'{peer} takes {ratio:.2f} of our time' for ratio, peer in sorted(
             pair for pair in faster if pair[0] is not None and pair[0] < 1)]
@@ -314,6 +314,7 @@ How fast the library reads and writes, beside other libraries that C++ programs 
 | Memory | {memory} |
 | System | {system} |
 | Compiler | {compiler} |
+| Revision | {revision} |
 | Peers | {versions} |
 | Rounds | {rounds} |
 | Processor's share | {share}: how much of a processor the run had; less means that other programs ran, too |
@@ -409,7 +410,8 @@ def page(figures):
     return PAGE.format(
         share=f'{share:.0%}', provisional=PROVISIONAL if share < 0.9 else '',
         processor=figures.facts['processor'], memory=gibibytes(figures.facts['memory']), system=figures.facts['system'],
-        compiler=figures.facts['compiler'], reader_object=figures.facts['reader object'], versions=versions(figures),
+        compiler=figures.facts['compiler'], revision=figures.facts.get('revision', 'unknown'),
+        reader_object=figures.facts['reader object'], versions=versions(figures),
         rounds=figures.rows[0]['rounds'], targets=targets(figures), ratios=ratios(figures, COMPARED),
         other_ratios=ratios(figures, ['records-200', 'records-fresh', 'records-utf16', 'records-latin1']),
         large=throughput(figures, LARGE), variations=throughput(figures, VARIATIONS), not_first=not_first(figures),

@@ -241,8 +241,8 @@ public:
     int compare(std::string_view other) const noexcept {
         const std::string_view text(*this);
         if (text.empty() || other.empty() || text[0] == other[0]) return text.compare(other);
-        return static_cast<unsigned char>(text[0]) < static_cast<unsigned char>(other[0]) ? -1
-                                                                                          : 1;  // mostly known here
+        // Mostly known by the first byte.
+        return static_cast<unsigned char>(text[0]) < static_cast<unsigned char>(other[0]) ? -1 : 1;
     }
 
     friend bool operator==(const QeCString& left, const QeCString& right) noexcept {
@@ -358,8 +358,8 @@ private:
         if (hash.load(std::memory_order_relaxed) == KeepsNoHash) hash.store(HashNotKnown, std::memory_order_relaxed);
     }
     // With a key of the process's own. O(length); O(1) for a kept one.
-    TESSIT_NO_EXPORT std::size_t hash() const noexcept;
-    TESSIT_NO_EXPORT static std::size_t hashOf(std::string_view text) noexcept;
+    TESSIT_NO_EXPORT std::size_t keyedHash() const noexcept;
+    TESSIT_NO_EXPORT static std::size_t keyedHashOf(std::string_view text) noexcept;
 
     // Becomes equal to `other` in O(1): both then have one block, and whichever
     // changes first gets another.

@@ -138,7 +138,7 @@ void QeCString::appendSlowly(const char* bytes, std::size_t count) {
 // Long URIs mostly stand in one block, or else have hashes that were asked for before.
 bool QeCString::sameLongMiddle(const char* bytes, std::size_t count, const QeCString* other) const noexcept {
     if (data() == bytes) return true;
-    if (other != nullptr && keepsHash() && other->keepsHash() && hash() != other->hash()) return false;
+    if (other != nullptr && keepsHash() && other->keepsHash() && keyedHash() != other->keyedHash()) return false;
     return std::memcmp(data() + 16, bytes + 16, count - 32) == 0;
 }
 
@@ -147,16 +147,16 @@ bool QeCString::keepsHash() const noexcept {
 }
 
 // Never one of the values that say something else.
-std::size_t QeCString::hashOf(std::string_view text) noexcept {
+std::size_t QeCString::keyedHashOf(std::string_view text) noexcept {
     const std::uint64_t hash = tessit::keyedHash(text, tessit::HashSecret::ofProcess());
     return std::max(static_cast<std::size_t>(hash), HashNotKnown + 1);
 }
 
-std::size_t QeCString::hash() const noexcept {
-    if (!keepsHash()) return hashOf(*this);
+std::size_t QeCString::keyedHash() const noexcept {
+    if (!keepsHash()) return keyedHashOf(*this);
     const std::atomic_ref kept(header().hash);
     std::size_t hash = kept.load(std::memory_order_relaxed);
-    if (hash == HashNotKnown) kept.store(hash = hashOf(*this), std::memory_order_relaxed);
+    if (hash == HashNotKnown) kept.store(hash = keyedHashOf(*this), std::memory_order_relaxed);
     return hash;
 }
 

@@ -7,6 +7,7 @@
 
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace_stack.h>
+#include <tessit/utils/xml_utils.h>
 
 #include "cost/growth.h"
 
@@ -57,6 +58,7 @@ void useSet(const Texts& names) {
         set.add(name, "other");
     const QeXmlAttributeSet copy = set;
     ASSERT_EQ(set.compareTo(copy), 0);
+    ASSERT_TRUE(QeXmlUtils::compareAttributeSet(set, copy));
     for (std::size_t left = names.size(); left-- > 0;)
         set.remove(names[left]);
     ASSERT_EQ(set.size(), 0u);

@@ -22,6 +22,9 @@ void allowRefusal(const Operation& operation) {
 // Whatever the text is meant to be, it is taken for anything.
 void useAsValue(const QeCString& text) {
     text.find(QeCString(text.substring(text.length() / 2)) + "!");
+    QeCString upper(text);
+    upper.toUpper();
+    upper.findFirstOf("!?");
     QeXmlDuration(text).asString();
     allowRefusal([&] { QeDecimalPortable number(text); });
     allowRefusal([&] { QeXmlUtils::convertISODateStringToDateTime(text); });
@@ -40,6 +43,8 @@ void validate(const QeCString& text) {
     whole.checkWhiteSpace(text, "replace");
     whole.checkEnumeration(text, text);
     whole.checkPattern(text, "^(?:[a-z]|[0-9 ])*\\z");
+    whole.checkEnumerations();
+    whole.checkPatterns();
     for (std::size_t i = 0; i < text.length() / 16; ++i) {
         QeXmlValidator part("part");
         part.checkMinLength("", "1");

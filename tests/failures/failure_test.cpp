@@ -4,7 +4,10 @@
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <istream>
 #include <stdexcept>
+#include <streambuf>
+#include <utility>
 
 #include <corvel/value_error.h>
 #include <tessit/model/xml_element_imp.h>
@@ -118,6 +121,23 @@ TEST(Failures, OfAHandlerEndAParse) {
     }
 }
 
+// The exception is the stream buffer's own, and what was read until then goes.
+TEST(Failures, OfAStreamEndTheMakingOfAReader) {
+    struct Failing final : std::streambuf {
+        int_type underflow() override {
+            if (std::exchange(given, true)) throw std::runtime_error("stream");
+            setg(text.data(), text.data(), text.data() + text.size());
+            return traits_type::to_int_type(text[0]);
+        }
+        std::string text = "<r>" + std::string(100'000, 'x');
+        bool given = false;
+    } buffer;
+    std::istream in(&buffer);
+    const std::size_t blocksBefore = allocator::liveBlocks;
+    EXPECT_THROW(QeXmlReader reader(in), std::runtime_error);
+    EXPECT_EQ(allocator::liveBlocks, blocksBefore) << "blocks leaked";
+}
+
 // What went to the string stays, and nothing else does.
 TEST(Failures, OfMemoryLeaveTheBeginningOfAText) {
     const QeCString expected = everything();
@@ -224,4 +244,14 @@ TEST(Failures, OfAnOverrideLeaveAnElementAsItWas) {
     element.addAttribute(QeXmlName("a"), "1");
     EXPECT_THROW(element.removeAttribute(element.attributesBegin()), std::runtime_error);
     EXPECT_EQ(element.attributeCount(), 1u);
+}
+
+TEST(Failures, OfAnOverrideEndTheUseOfADuration) {
+    class Duration final : public QeXmlDuration {
+        QeCString asString() const override { throw std::runtime_error("override"); }
+        int compareTo(const QeXmlDuration&) override { throw std::runtime_error("override"); }
+    } duration;
+    QeXmlDuration& used = duration;
+    EXPECT_THROW(QeXmlSchemaUtils::ConvertTypeToString(used, ""), std::runtime_error);
+    EXPECT_THROW(used.isEqual(QeXmlDuration()), std::runtime_error);
 }

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include <corvel/slot_array.h>
-#include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace.h>
 
 /// The namespace bindings in force at one point of a document.
@@ -88,10 +87,9 @@ private:
     // Where a lookup begins: with the innermost scope, or with the one around it.
     enum class From : unsigned char { Innermost, AroundInnermost };
 
-    const QeXmlNamespace* findPrefix(std::string_view prefix, From from = From::Innermost) const noexcept {
-        return declaring.empty() ? nullptr : findBoundPrefix(prefix, from);
-    }
-    const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
+    TESSIT_NO_EXPORT const QeXmlNamespace* findPrefix(std::string_view prefix,
+                                                      From from = From::Innermost) const noexcept;
+    TESSIT_NO_EXPORT const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(const QeCString& uri) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
 

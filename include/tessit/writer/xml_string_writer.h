@@ -8,8 +8,8 @@
 ///
 /// Small writes are collected in a buffer inside the object and moved to the
 /// string in blocks. There is no way to start over: make a new writer for a new
-/// document. A copy has the output so far and shares nothing; it is O(bytes written,
-/// and bytes of the bindings). One thread at a time.
+/// document. A copy has the output so far and shares nothing that changes; it is
+/// O(bytes written, and bytes of the bindings). One thread at a time.
 class TESSIT_API QeXmlStringWriter : public QeXmlWriter {
 public:
     QeXmlStringWriter();

@@ -228,7 +228,7 @@ private:
     TESSIT_NO_EXPORT void popScope() noexcept;
     TESSIT_NO_EXPORT bool hasPrefix(const QeCString& uri);
     TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
-    TESSIT_NO_EXPORT static bool isInOrder(const QeXmlAttributeSet& attributes) noexcept;
+    TESSIT_NO_EXPORT static bool isSurelyInOrder(const QeXmlAttributeSet& attributes) noexcept;
     TESSIT_NO_EXPORT static bool areLocalNamesInOrder(const QeXmlAttributeSet& attributes) noexcept;
     TESSIT_NO_EXPORT static void setValueAt(QeXmlAttributeSet& set, const QeXmlAttribute* position,
                                             const QeCString& value);

@@ -1,6 +1,8 @@
 #include <utility>
 #include <vector>
 
+#include <tessit/model/find_prefix.h>
+#include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace_stack.h>
 
 namespace {
@@ -35,7 +37,7 @@ struct QeXmlNamespaceStack::Index {
         // There must be room for it.
         void add(const Scopes& scopes, Place place) noexcept {
             const QeCString& added = (bindingAt(scopes, place).*key)();
-            const std::size_t hash = added.hash();
+            const std::size_t hash = added.keyedHash();
             const Entry* same = findEntry(scopes, added, hash, place.scope + 1);
             if (same != nullptr && same->place.scope == place.scope) return;
             entries.push_back({hash, place, 0});
@@ -286,16 +288,16 @@ const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view pref
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
     if (indexed) [[unlikely]]
-        return index->byPrefix.find(declaring, prefix, QeCString::hashOf(prefix), scopeEnd);
+        return index->byPrefix.find(declaring, prefix, QeCString::keyedHashOf(prefix), scopeEnd);
     return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(const QeCString& uri) const noexcept {
-    return findEqualURI(uri, [&] { return uri.hash(); });
+    return findEqualURI(uri, [&] { return uri.keyedHash(); });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
-    return findEqualURI(uri, [&] { return QeCString::hashOf(uri); });
+    return findEqualURI(uri, [&] { return QeCString::keyedHashOf(uri); });
 }
 
 template <typename Text, typename Hash>

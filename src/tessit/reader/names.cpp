@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include <corvel/byte_scan.h>
+#include <tessit/model/find_prefix.h>
 #include <tessit/reader/xml_reader.h>
 
 namespace {

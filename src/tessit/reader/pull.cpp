@@ -2,6 +2,7 @@
 // what the caller expects.
 
 #include <corvel/byte_scan.h>
+#include <tessit/model/find_prefix.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/xml_reader.h>
@@ -42,8 +43,8 @@ const QeCString& uriOf(const QeXmlNamespace* binding) {
 }  // namespace
 
 // The caller's name may be one of the last-node members, or part of one, which the
-// scan writes over: it is held against the tag as it is now. It is looked at only
-// behind the scan, since a processor waits for bytes that were written just before
+// scan writes over: it is held against the tag as it is now. What demands a tag
+// looks at it only behind the scan, since a processor waits for bytes that were written just before
 // in other pieces than they are read: records take 10 % less time.
 const QeXmlName& QeXmlReader::keepExpected(const QeXmlName& name) {
     return expectedName = name;

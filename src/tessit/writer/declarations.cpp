@@ -20,8 +20,8 @@ bool QeXmlWriter::declaresInnermostBindings(const PlainAttributes& declarations)
     });
 }
 
-// The set with the bindings of the innermost scope among its attributes: the given one, which has them all when it was
-// read, or else `completed`. Of several bindings of one prefix the last one stays.
+// The set with the bindings of the innermost scope among its attributes: the given one where it declares them all, as
+// sets that were read do, or else `completed`. Of several bindings of one prefix the last one stays.
 const QeXmlAttributeSet& QeXmlWriter::getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
                                                               QeXmlAttributeSet& completed) {
     Borrowed<PlainAttributes::Positions> positions(spare.positions);

@@ -291,7 +291,7 @@ void QeXmlWriter::writeElementStart(const QeXmlName& name, const QeXmlAttributeS
 void QeXmlWriter::writeStartInPlace(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     const bool nameNeedsMore = addNamespaceToScopeIfNecessary(name.getNamespace());
     const bool attributesNeedMore = addNamespacesOf(attributes);
-    if (!nameNeedsMore && !attributesNeedMore && isInOrder(attributes)) return putStart(name, attributes, empty);
+    if (!nameNeedsMore && !attributesNeedMore && isSurelyInOrder(attributes)) return putStart(name, attributes, empty);
     withBindings(attributes, [&](const QeXmlAttributeSet& completed) { putStart(name, completed, empty); });
 }
 
@@ -300,7 +300,7 @@ void QeXmlWriter::writeStartToSink(const QeXmlName& name, const QeXmlAttributeSe
     writeTag(Tag::Start, name);
     const bool bindsAlready = !innermostBindings().empty();  // what the name needs, or a sink that calls its writer
     const bool needsMore = addNamespacesOf(attributes);
-    if (!bindsAlready && !needsMore && isInOrder(attributes)) {
+    if (!bindsAlready && !needsMore && isSurelyInOrder(attributes)) {
         writeAttributeSet(attributes);
     } else {
         withBindings(attributes, [this](const QeXmlAttributeSet& completed) { writeAttributeSet(completed); });
@@ -469,7 +469,7 @@ bool QeXmlWriter::addNamespacesOf(const QeXmlAttributeSet& attributes) {
 
 // Whether a set stands in order, as far as can be told without a look at two long URIs, which would cost their length
 // at every tag. What may be out of order is written with more effort, and the same in the end.
-bool QeXmlWriter::isInOrder(const QeXmlAttributeSet& attributes) noexcept {
+bool QeXmlWriter::isSurelyInOrder(const QeXmlAttributeSet& attributes) noexcept {
     const auto mayFollow = [](const QeXmlAttribute& left, const QeXmlAttribute& right) {
         const int order = left.getName().getLocalName().compare(right.getName().getLocalName());
         if (order != 0) return order > 0;
