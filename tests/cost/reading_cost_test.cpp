@@ -57,6 +57,15 @@ void bindByHand(QeXmlReader& reader) {
     }
 }
 
+// Binds the namespace of each tag once more, over many of the same.
+void bindAgain(QeXmlReader& reader) {
+    for (QeXmlNamespaceStack stack; !reader.eof();) {
+        reader.readNextNode();
+        stack.pushScope();
+        stack.addNamespace(reader.getLastName().getNamespace());
+    }
+}
+
 // Holds names against each tag before it is taken.
 void demand(QeXmlReader& reader) {
     const QeXmlName plain("a"), prefixed("a", QeXmlNamespace("p", ""));
@@ -337,6 +346,7 @@ const struct {
     {"ParseChangingPrefixes", Many, underLongURIs<"<a></q:a><q:a></a>">, parse},
     {"CompareUnderLongURIs", Many, LongURIs, compareWithItself},
     {"KeepNamesUnderLongURIs", Many, LongURIs, inPlace<keepNames>},
+    {"BindAgainUnderLongURIs", Many, LongURIs, inPlace<bindAgain>},
     {"WriteUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/><q:a>t</q:a>">, inPlace<writeAgain<>>},
     {"WriteAttributesUnderLongURIs", Many, underPrefixedLongURIs<"<p:a p:a='' q:a=''/>">, inPlace<writeAgain<>>},
     {"WriteTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<writeAgain<>>},

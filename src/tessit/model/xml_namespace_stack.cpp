@@ -191,7 +191,8 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
     // A long URI that is bound already is shared, so that names can be compared by where it stands.
     const bool isLong = uri.size() >= QeCString::LongLength;
-    const QeXmlNamespace* const same = isLong ? findURI(uri) : nullptr;
+    const QeXmlNamespace* same = nullptr;
+    if (isLong) same = shared != nullptr ? findURI(*shared) : findURI(uri);
     if (same != nullptr) shared = &same->uri;
     scope.bindings.append([=](QeXmlNamespace& slot) {
         slot.prefix.assign(prefix);
