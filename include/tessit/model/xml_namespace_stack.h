@@ -101,10 +101,8 @@ private:
     // `shared` is equal to `uri`, and a long one's block is taken over; it must not be the caller's to change.
     TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared = nullptr);
 
-    // Has the binding that a namespace is in force by share its URI: without a prefix that is the default, else the
-    // one that was found for the URI.
-    TESSIT_NO_EXPORT void shareBlock(const QeCString& prefix, const QeCString& uri,
-                                     const QeXmlNamespace* found) noexcept;
+    // Has a binding, which must be one of this stack, take over the block of an equal URI.
+    TESSIT_NO_EXPORT void shareBlock(const QeXmlNamespace& binding, const QeCString& uri) noexcept;
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);

@@ -38,10 +38,10 @@ class OpenElements;
 /// largest text, the largest tags of up to nine names, and a few bytes per open
 /// element that declares namespaces. Each call costs O(bytes that it scans), and
 /// of a name that it is given O(length), though the URI of one that copies a name of
-/// the document is O(1) if it is long; accessors are O(1). An XML
-/// declaration in the midst of a document can have all that is left converted once
-/// more: all conversions together produce at most 16 bytes for each byte of the
-/// input, and 64 KiB. One thread at a time; no two readers share anything that changes.
+/// the document is O(1) if it is long; accessors are O(1). An XML declaration in the
+/// midst of a document can have all that is left converted once more: all conversions
+/// together produce at most 16 bytes for each byte of the input, and 64 KiB. One
+/// thread at a time; no two readers share anything that changes.
 //
 // Exported member by member: most of what is private is a matter of the library alone.
 class QeXmlReader {

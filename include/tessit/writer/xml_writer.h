@@ -226,7 +226,8 @@ private:
                                                          const QeCString* shared);
     void addBinding(const QeCString& prefix, const QeCString& uri, const QeCString* shared);
     TESSIT_NO_EXPORT void popScope() noexcept;
-    TESSIT_NO_EXPORT bool hasPrefix(const QeCString& uri);
+    TESSIT_NO_EXPORT const QeXmlNamespace* findPrefixed(const QeCString& uri);
+    TESSIT_NO_EXPORT const QeXmlNamespace* findDefault(const QeCString& uri) const;
     TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
     TESSIT_NO_EXPORT static bool isSurelyInOrder(const QeXmlAttributeSet& attributes) noexcept;
     TESSIT_NO_EXPORT static bool areLocalNamesInOrder(const QeXmlAttributeSet& attributes) noexcept;

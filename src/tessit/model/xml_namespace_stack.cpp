@@ -215,10 +215,8 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     ++bindingCount;
 }
 
-void QeXmlNamespaceStack::shareBlock(const QeCString& prefix, const QeCString& uri,
-                                     const QeXmlNamespace* found) noexcept {
-    if (prefix.empty()) found = findPrefix(prefix);
-    const_cast<QeXmlNamespace*>(found)->uri.shareBlockOf(uri);  // ours, and equal: nobody sees it
+void QeXmlNamespaceStack::shareBlock(const QeXmlNamespace& binding, const QeCString& uri) noexcept {
+    const_cast<QeXmlNamespace&>(binding).uri.shareBlockOf(uri);  // ours, and equal: nobody sees it
 }
 
 // Makes sure that there is an index, and that taking one more binding into it cannot fail.

@@ -44,8 +44,8 @@ const QeCString& uriOf(const QeXmlNamespace* binding) {
 
 // The caller's name may be one of the last-node members, or part of one, which the
 // scan writes over: it is held against the tag as it is now. What demands a tag
-// looks at it only behind the scan, since a processor waits for bytes that were written just before
-// in other pieces than they are read: records take 10 % less time.
+// looks at it only behind the scan, since a processor waits for bytes that were
+// written just before in other pieces than they are read: records take 10 % less time.
 const QeXmlName& QeXmlReader::keepExpected(const QeXmlName& name) {
     return expectedName = name;
 }

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <corvel/byte_copy.h>
+#include <tessit/model/find_prefix.h>
 #include <tessit/writer/borrowed.h>
 #include <tessit/writer/escape.h>
 #include <tessit/writer/output_buffer.h>
@@ -419,9 +420,14 @@ bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns) {
 }
 
 // Names come in runs of one namespace: what was found last is compared first.
-inline bool QeXmlWriter::hasPrefix(const QeCString& uri) {
+inline const QeXmlNamespace* QeXmlWriter::findPrefixed(const QeCString& uri) {
     if (lastFound == nullptr || lastFound->getURI() != uri) lastFound = namespaces.findURI(uri);
-    return lastFound != nullptr && !lastFound->getPrefix().empty();
+    return lastFound == nullptr || lastFound->getPrefix().empty() ? nullptr : lastFound;
+}
+
+inline const QeXmlNamespace* QeXmlWriter::findDefault(const QeCString& uri) const {
+    const QeXmlNamespace* const found = namespaces.findPrefix({});
+    return found == nullptr || found->getURI() != uri ? nullptr : found;
 }
 
 // A URI that is bound to another prefix counts as declared. Returns whether the binding was added. `shared` is null or
@@ -430,13 +436,13 @@ inline bool QeXmlWriter::hasPrefix(const QeCString& uri) {
 bool QeXmlWriter::addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri,
                                                  const QeCString* shared) {
     if (uri.empty()) return false;
-    const bool necessary = prefix.empty() ? namespaces.getURIForPrefix(prefix) != uri : !hasPrefix(uri);
-    if (necessary) {
+    const QeXmlNamespace* const found = prefix.empty() ? findDefault(uri) : findPrefixed(uri);
+    if (found == nullptr) {
         addBinding(prefix, uri, shared);
     } else if (shared != nullptr && uri.isLong()) {
-        namespaces.shareBlock(prefix, uri, lastFound);
+        namespaces.shareBlock(*found, uri);
     }
-    return necessary;
+    return found == nullptr;
 }
 
 void QeXmlWriter::addBinding(const QeCString& prefix, const QeCString& uri, const QeCString* shared) {
