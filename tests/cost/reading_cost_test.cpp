@@ -122,9 +122,7 @@ private:
     Text bytes;
 };
 
-template <typename Writer = QeXmlStringWriter>
-void writeAgain(QeXmlReader& reader) {
-    Writer writer;
+void writeRest(QeXmlReader& reader, QeXmlWriter& writer) {
     while (!reader.eof()) {
         reader.readNextNode();
         const QeXmlReader::NodeType type = reader.getLastNodeType();
@@ -134,6 +132,20 @@ void writeAgain(QeXmlReader& reader) {
             writer.writeElementStart(reader.getLastName(), reader.getLastAttributes(),
                                      type == QeXmlReader::EmptyElement);
     }
+}
+
+template <typename Writer = QeXmlStringWriter>
+void writeAgain(QeXmlReader& reader) {
+    Writer writer;
+    writeRest(reader, writer);
+}
+
+// The default namespace is the root's, as a URI of the writer's own.
+void writeUnderOwnDefault(QeXmlReader& reader) {
+    reader.readElementStart();
+    QeXmlStringWriter writer;
+    writer.addNamespace(QeXmlNamespace("", reader.getLastName().getNamespace().getURI()));
+    writeRest(reader, writer);
 }
 
 void writeContentAgain(QeXmlReader& reader) {
@@ -265,6 +277,10 @@ Text underPrefixedLongURIs(std::size_t parts) {
            repeat(part.bytes, parts / 2) + "</r>";
 }
 
+Text underLongDefault(std::size_t parts) {
+    return "<r xmlns='" + Text(4 * parts, 'u') + "'>" + repeat("<a/>", parts) + "</r>";
+}
+
 // Each child makes of few bindings many, and of many few again.
 Text declaringNineUnderLongURIs(std::size_t parts) {
     Text root = "<r";
@@ -349,6 +365,7 @@ const struct {
     {"BindAgainUnderLongURIs", Many, LongURIs, inPlace<bindAgain>},
     {"WriteUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/><q:a>t</q:a>">, inPlace<writeAgain<>>},
     {"WriteAttributesUnderLongURIs", Many, underPrefixedLongURIs<"<p:a p:a='' q:a=''/>">, inPlace<writeAgain<>>},
+    {"WriteUnderLongDefault", Many, underLongDefault, inPlace<writeUnderOwnDefault>},
     {"WriteTagsOfManyLongURIs", Many, tagsOfManyLongURIs, inPlace<writeAgain<>>},
     {"AskForTheFirstUnderLongURIs", Many, underPrefixedLongURIs<"<p:a/>">, inPlace<askForTheFirst>},
     {"DemandUnusedLongURI", Many, underPrefixedLongURIs<"<q:a/>">, inPlace<demand>},
