@@ -45,6 +45,10 @@ constexpr NameCase Names[] = {
      "+r[xmlns:p=u] /{u}p:a[{u}p:x= q:y=] /q:a[q:x= {u}p:y=] -r"},
     {"<r><p:a xmlns:p='u' p:x=''></p:a><p:a xmlns:p='w'/><p:a xmlns:p='w'/><p:a xmlns:p='u'/></r>",
      "+r +{u}p:a[xmlns:p=u {u}p:x=] -{u}p:a /{w}p:a[xmlns:p=w] /{w}p:a[xmlns:p=w] /{u}p:a[xmlns:p=u] -r"},
+    {"<r><item p:x='1'/><item p:x='1'/><w xmlns:p='v'><item p:x='1'/></w></r>",
+     "+r /item[p:x=1] /item[p:x=1] +w[xmlns:p=v] /item[{v}p:x=1] -w -r"},
+    // Nor does what a name meant inside the tag in front.
+    {"<p:a xmlns:p='u'><p:a xmlns:p='v'/></p:a>", "+{u}p:a[xmlns:p=u] /{v}p:a[xmlns:p=v] -{u}p:a"},
     {"<r xmlns='u' xmlns:p='u'><a/><p:a/><a/></r>", "+{u}r[xmlns:p=u xmlns=u] /{u}a /{u}p:a /{u}a -{u}r"},
     {"<a></a></a><b/>", "+a -a -a /b"},  // more ends than starts
 };

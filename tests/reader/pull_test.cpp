@@ -165,6 +165,8 @@ constexpr PullCase RawElements[] = {
      "S yes <<<a />>> E E"},  // a pending tag is written anew; its end is still to come
     {"<r><a x='1'><b y='2'/></a><c x='1' z='3'/></r>", "S R:a A S:c",  // the start tag's attributes stay
      "S <<<a x='1'><b y='2'/></a>>><b y='2'/> [x=1] S[x=1 z=3]"},
+    {"<r xmlns:p='u'><a p:x='1'><b p:y='2'/><b p:y='3'/></a><b p:y='4'/></r>", "S:r R:a S:b",  // and are not b's
+     "S[xmlns:p=u] <<<a p:x='1'><b p:y='2'/><b p:y='3'/></a>>><b p:y='2'/><b p:y='3'/> S[{u}p:y=4]"},
     {"<r>t<a y='1' x=\"&lt;\"><c/></a></r>", "S N:a R:a E:r", "S yes <<<a x=\"<\" y=\"1\" ><c/></a>>><c/> E"},
     {"<r><p:a xmlns:p='u'/></r>", "S N:p:a R:p:a E", "S yes <<<p:a xmlns:p=\"u\" />>> E"},
     {"<a>&lt;\r\n<![CDATA[]]><!-- c --></a>", "R",
