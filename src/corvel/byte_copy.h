@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// Copies of what is mostly short: names, values, markup.
-namespace tessit {
+namespace corvel {
 
 /// Copies at least one and at most two words: the first and the last, which may overlap.
 template <typename Word>
@@ -47,4 +47,4 @@ inline char* put(char* to, std::string_view text) {
     return to + text.size();
 }
 
-}  // namespace tessit
+}  // namespace corvel

@@ -19,7 +19,7 @@
 
 /// Scans for the next byte that needs thought. Sixteen bytes at a time where the
 /// machine's baseline has the instructions; no byte at or past `end` is read.
-namespace tessit {
+namespace corvel {
 
 #if defined(TESSIT_SCAN_BLOCKS)
 
@@ -210,4 +210,4 @@ inline const char* findByte(const char* at, const char* end, char byte) {
     return found == nullptr ? end : static_cast<const char*>(found);
 }
 
-}  // namespace tessit
+}  // namespace corvel

@@ -148,7 +148,7 @@ bool QeCString::keepsHash() const noexcept {
 
 // Never one of the values that say something else.
 std::size_t QeCString::keyedHashOf(std::string_view text) noexcept {
-    const std::uint64_t hash = tessit::keyedHash(text, tessit::HashSecret::ofProcess());
+    const std::uint64_t hash = corvel::keyedHash(text, corvel::HashSecret::ofProcess());
     return std::max(static_cast<std::size_t>(hash), HashNotKnown + 1);
 }
 

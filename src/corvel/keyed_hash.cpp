@@ -4,7 +4,7 @@
 
 #include <corvel/keyed_hash.h>
 
-namespace tessit {
+namespace corvel {
 
 namespace {
 
@@ -28,4 +28,4 @@ const HashSecret& HashSecret::ofProcess() {
     return secret;
 }
 
-}  // namespace tessit
+}  // namespace corvel

@@ -10,7 +10,7 @@
 ///
 /// SipHash-1-3: whoever does not know the secret cannot choose keys that fall
 /// together, however much of the function is known.
-namespace tessit {
+namespace corvel {
 
 struct HashSecret {
     std::uint64_t first;
@@ -72,4 +72,4 @@ inline std::uint64_t keyedHash(std::string_view key, const HashSecret& secret) n
     return state.finish();
 }
 
-}  // namespace tessit
+}  // namespace corvel

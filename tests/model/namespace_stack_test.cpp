@@ -45,15 +45,15 @@ TEST(XmlNamespaceStack, CanLookPastTheInnermostOfManyBindings) {
 // A key differs from every other one of its length, and from itself with zeros behind it, under any secret.
 TEST(KeyedHash, DependsOnEveryByteAndTheLength) {
     std::set<std::uint64_t> hashes;
-    using tessit::HashSecret;
+    using corvel::HashSecret;
     for (const HashSecret& secret : {HashSecret{1, 2}, HashSecret{1, 3}, HashSecret{2, 2}})
         for (std::size_t length = 0; length < 40; ++length) {
             std::string key(length, '\0');
-            EXPECT_TRUE(hashes.insert(tessit::keyedHash(key, secret)).second) << length;
+            EXPECT_TRUE(hashes.insert(corvel::keyedHash(key, secret)).second) << length;
             for (std::size_t i = 0; i < length; ++i) {
                 key = std::string(length, '\0');
                 key[i] = '\x80';
-                EXPECT_TRUE(hashes.insert(tessit::keyedHash(key, secret)).second) << length << ", " << i;
+                EXPECT_TRUE(hashes.insert(corvel::keyedHash(key, secret)).second) << length << ", " << i;
             }
         }
 }

@@ -190,7 +190,7 @@ void QeXmlReader::err(const QeCString& message) const {
 const QeXmlReader::LineCount& QeXmlReader::countLines() const {
     const bool goesOn = counted.upTo != nullptr && counted.upTo <= cursor;
     if (!goesOn) counted = {bufferStart, bufferStart, 0};
-    for (const char* at = counted.upTo; (at = tessit::findByte(at, cursor, '\n')) != cursor; counted.lineStart = ++at)
+    for (const char* at = counted.upTo; (at = corvel::findByte(at, cursor, '\n')) != cursor; counted.lineStart = ++at)
         ++counted.lines;
     counted.upTo = cursor;
     return counted;

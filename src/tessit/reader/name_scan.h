@@ -35,16 +35,17 @@ private:
 
 #if defined(TESSIT_SCAN_BLOCKS)
     static Found find(const char* at) {
-        const Block block = blockAt(at);
-        const Block letters = (block | 0x20) - 'a', others = block - '-';  // below '-' wraps around
+        const corvel::Block block = corvel::blockAt(at);
+        const corvel::Block letters = (block | 0x20) - 'a', others = block - '-';  // below '-' wraps around
         const auto isName = (letters <= 'z' - 'a') | ((others <= ':' - '-') & (block != '/')) | (block == '_');
-        const Matches ends = ~matchesOf(isName) & AllBytes;
-        const Matches inFront = (ends & (0 - ends)) - 1;
-        const Matches colons = matchesOf(block == ':') & inFront;
-        return {ends == 0 ? Size : firstMatch(ends), colons == 0 ? 0 : firstMatch(colons) + 1};
+        const corvel::Matches ends = ~corvel::matchesOf(isName) & AllBytes;
+        const corvel::Matches inFront = (ends & (0 - ends)) - 1;
+        const corvel::Matches colons = corvel::matchesOf(block == ':') & inFront;
+        return {ends == 0 ? Size : corvel::firstMatch(ends), colons == 0 ? 0 : corvel::firstMatch(colons) + 1};
     }
 
-    static constexpr Matches AllBytes = BitsOfMatch == 1 ? Matches{0xFFFF} : ~Matches{0};
+    static constexpr corvel::Matches AllBytes =
+        corvel::BitsOfMatch == 1 ? corvel::Matches{0xFFFF} : ~corvel::Matches{0};
 #else
     static Found find(const char* at) {
         Found found{0, 0};

@@ -114,7 +114,7 @@ int compareAsWritten(const Attribute& left, const Attribute& right) {
 // name and the last one's value count.
 std::span<QeXmlReader::Ordered> QeXmlReader::putInOrder(std::span<Ordered> ordered) {
     for (std::size_t i = 0; i < ordered.size(); ++i)
-        ordered[i] = {tessit::firstBytes(rawAttributes[i].name.local(), bufferEnd), &rawAttributes[i]};
+        ordered[i] = {corvel::firstBytes(rawAttributes[i].name.local(), bufferEnd), &rawAttributes[i]};
     if (ordered.size() == 1) return ordered;
 
     const auto compare = [](const Ordered& left, const Ordered& right) {
@@ -195,7 +195,7 @@ void QeXmlReader::writeName(QeXmlName& name, WrittenName& written, const RawName
         written.raw = raw.whole();
         return;
     }
-    if (sameBinding && binding == nullptr && tessit::sameBytes(written.raw, raw.whole())) return;
+    if (sameBinding && binding == nullptr && corvel::sameBytes(written.raw, raw.whole())) return;
 
     written = {};  // until all is there: an assignment can throw
     writeLocalName(name, raw);
@@ -225,7 +225,7 @@ const QeXmlNamespace* QeXmlReader::bindingFor(std::string_view prefix) noexcept 
     const std::uint64_t state = namespaceStack.state();
     if (state == 0) return nullptr;  // nothing is bound at all
     if (prefix.size() > LongestCached) return namespaceStack.findPrefix(prefix);
-    const std::uint64_t key = tessit::firstBytes(prefix, bufferEnd);
+    const std::uint64_t key = corvel::firstBytes(prefix, bufferEnd);
     CachedPrefix& cached = prefixCache[(key * 0x9E3779B97F4A7C15u) >> 60];
     if (cached.key != key || cached.state != state) cached = {key, state, namespaceStack.findPrefix(prefix)};
     return cached.binding;

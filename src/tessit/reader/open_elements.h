@@ -55,7 +55,7 @@ private:
     bool isWrittenAlike() const noexcept {
         const std::string_view name = reader.lastNameWritten.raw, innermost = names.back();
         return name.size() == innermost.size() &&
-               (name.data() == innermost.data() || sameBytes(name.data(), innermost.data(), name.size()));
+               (name.data() == innermost.data() || corvel::sameBytes(name.data(), innermost.data(), name.size()));
     }
 
     // The prefixes may differ. Both names stand in the scope of the element that closes.

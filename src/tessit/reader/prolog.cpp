@@ -4,7 +4,7 @@
 #include <corvel/byte_scan.h>
 #include <tessit/reader/xml_reader.h>
 
-using tessit::findByte;
+using corvel::findByte;
 
 void QeXmlReader::readDocument() {
     readProlog();

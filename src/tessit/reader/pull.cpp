@@ -16,7 +16,7 @@ struct QeXmlReader::ExpectedName {
 
     explicit ExpectedName(const QeCString& qname) : uri(nullptr) {
         const std::string_view text(qname);
-        const bool isPlain = qname.isInline() && tessit::areNone(text.data(), text.size(), ':');  // as most
+        const bool isPlain = qname.isInline() && corvel::areNone(text.data(), text.size(), ':');  // as most
         const std::size_t colon = isPlain ? std::string_view::npos : text.find(':');
         if (colon != std::string_view::npos) prefix = text.substr(0, colon);
         local = colon == std::string_view::npos ? text : text.substr(colon + 1);

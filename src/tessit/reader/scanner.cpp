@@ -12,8 +12,8 @@
 #include <tessit/reader/transcode.h>
 #include <tessit/reader/xml_reader.h>
 
-using tessit::findAny;
-using tessit::findByte;
+using corvel::findAny;
+using corvel::findByte;
 using tessit::nameByte;
 
 // Everything that is called here and stands in this file is made one function: with
@@ -64,7 +64,7 @@ bool QeXmlReader::takeLastNameAgain() noexcept {
     const std::string_view raw = lastNameWritten.raw;
     if (static_cast<std::size_t>(bufferEnd - cursor) <= raw.size() || cursor[raw.size()] != '>') return false;
     if (lastNameWritten.state != namespaceStack.state()) return false;
-    if (raw.empty() || !tessit::sameBytes(cursor, raw.data(), raw.size())) return false;
+    if (raw.empty() || !corvel::sameBytes(cursor, raw.data(), raw.size())) return false;
     cursor += raw.size();
     return true;
 }
@@ -129,7 +129,7 @@ bool QeXmlReader::passExpectedName(const RawName& expected) noexcept {
     if (static_cast<std::size_t>(bufferEnd - cursor) <= expected.length || cursor[expected.length] != '=') return false;
     const char* const start = cursor;
     cursor += expected.length + 1;
-    return tessit::sameBytes(start, expected.data, expected.length);
+    return corvel::sameBytes(start, expected.data, expected.length);
 }
 
 // Reads a value with its quotes. If there is none, or a wrong one, stops anywhere and returns false.
@@ -140,7 +140,7 @@ bool QeXmlReader::readValueInto(QeCString& value) {
     const char* const start = cursor;
     const char reference = expandAttributeReference ? '&' : quote;
     if (bufferEnd - start >= 32) {
-        const std::size_t length = tessit::findIn32(start, quote, '<', reference);
+        const std::size_t length = corvel::findIn32(start, quote, '<', reference);
         if (length != 32 && start[length] == quote) {
             value.assignFromWindow(start, length);
             cursor = start + length + 1;
@@ -231,7 +231,7 @@ bool QeXmlReader::readShortContent() {
     if (bufferEnd - cursor <= WindowSize + 1) return false;
     const bool startsWithLine = cursor[0] == '\r' && cursor[1] == '\n';
     const char* const start = cursor + startsWithLine;
-    const std::size_t length = tessit::findIn32(start, '<', '&', '\r');
+    const std::size_t length = corvel::findIn32(start, '<', '&', '\r');
     const char* const stop = start + length;
     if (length == WindowSize || *stop != '<' || stop[1] == '!' || stop[1] == '?') return false;
     lastContent.assignFromWindow(start, length);

@@ -29,7 +29,7 @@ public:
 
     void put(std::string_view piece) {
         need(piece.size());
-        copyBytes(out, piece.data(), piece.size());
+        corvel::copyBytes(out, piece.data(), piece.size());
         out += piece.size();
     }
 
@@ -38,7 +38,7 @@ public:
         do {
             need(1);
             const std::ptrdiff_t count = std::min(limit - out, end - at);
-            copyUntilAny(at, at + count, out, a, b, c);
+            corvel::copyUntilAny(at, at + count, out, a, b, c);
         } while (at != end && *at != a && *at != b && *at != c);
     }
 

@@ -41,11 +41,13 @@ inline bool startsWithReference(std::string_view text) {
 struct TextEscapes {
     static constexpr std::size_t Longest = 5;  // bytes that one byte can become
 
-    static const char* find(const char* at, const char* end) { return findAny(at, end, '\r', '&', '<', '>'); }
+    static const char* find(const char* at, const char* end) { return corvel::findAny(at, end, '\r', '&', '<', '>'); }
     static void copyRun(const char*& from, const char* end, char*& to) {
-        copyUntilAny(from, end, to, '\r', '&', '<', '>');
+        corvel::copyUntilAny(from, end, to, '\r', '&', '<', '>');
     }
-    static bool arePlain(const char* at, std::size_t length) { return areNone(at, length, '\r', '&', '<', '>'); }
+    static bool arePlain(const char* at, std::size_t length) {
+        return corvel::areNone(at, length, '\r', '&', '<', '>');
+    }
     static std::string_view replacement(const char* at, const char* /*end*/) { return markupFor(*at); }
 };
 
@@ -54,11 +56,15 @@ struct TextEscapes {
 struct ValueEscapes {
     static constexpr std::size_t Longest = 6;
 
-    static const char* find(const char* at, const char* end) { return findAny(at, end, '"', '\'', '<', '>', '&'); }
-    static void copyRun(const char*& from, const char* end, char*& to) {
-        copyUntilAny(from, end, to, '"', '\'', '<', '>', '&');
+    static const char* find(const char* at, const char* end) {
+        return corvel::findAny(at, end, '"', '\'', '<', '>', '&');
     }
-    static bool arePlain(const char* at, std::size_t length) { return areNone(at, length, '"', '\'', '<', '>', '&'); }
+    static void copyRun(const char*& from, const char* end, char*& to) {
+        corvel::copyUntilAny(from, end, to, '"', '\'', '<', '>', '&');
+    }
+    static bool arePlain(const char* at, std::size_t length) {
+        return corvel::areNone(at, length, '"', '\'', '<', '>', '&');
+    }
     static std::string_view replacement(const char* at, const char* end) {
         const bool stays = *at == '&' && startsWithReference({at, static_cast<std::size_t>(end - at)});
         return stays ? "&" : markupFor(*at);
@@ -83,7 +89,7 @@ char* writeEscaped(char* to, std::string_view text) {
     for (;;) {
         Escapes::copyRun(from, end, to);
         if (from == end) return to;
-        to = put(to, Escapes::replacement(from++, end));
+        to = corvel::put(to, Escapes::replacement(from++, end));
     }
 }
 

@@ -60,7 +60,7 @@ void QeXmlStringWriter::writeToSink(char byte) {
 void QeXmlStringWriter::writeToSink(const char* bytes, unsigned length) {
     if (length >= BufferSize - bufferedBytes) emptyBuffer();
     if (length >= BufferSize) return sinkText.append(bytes, length);
-    tessit::copyBytes(sinkBuffer + bufferedBytes, bytes, length);
+    corvel::copyBytes(sinkBuffer + bufferedBytes, bytes, length);
     bufferedBytes += length;
 }
 

@@ -16,9 +16,9 @@
 #include <tessit/writer/xml_string_writer.h>
 #include <tessit/writer/xml_writer.h>
 
+using corvel::put;
 using tessit::Borrowed;
 using tessit::OutputBuffer;
-using tessit::put;
 using tessit::TextEscapes;
 using tessit::ValueEscapes;
 
