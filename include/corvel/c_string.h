@@ -13,8 +13,13 @@
 
 #include <tessit/export.h>
 
+namespace corvel {
+struct StringAccess;
+}  // namespace corvel
+
 namespace tessit {
 class LongUris;
+struct ModelAccess;
 }  // namespace tessit
 
 /// An owned string of bytes: every name, URI, value and text of the library.
@@ -261,12 +266,15 @@ public:
     friend TESSIT_API std::ostream& operator<<(std::ostream& out, const QeCString& text);
 
 private:
+    friend struct corvel::StringAccess;
+
     // They hand one long URI to many names, which must not cost its length each time.
     friend class QeXmlNamespace;
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
     friend class QeXmlWriter;  // copies short strings as a whole, too
     friend class tessit::LongUris;
+    friend struct tessit::ModelAccess;
 
     // The last byte tells the two layouts apart. Up to 23: the text is in place
     // and this is the room left, so that a full string's tag is its terminator.

@@ -28,6 +28,7 @@ public:
     int compareTo(const QeXmlAttribute& other) const noexcept { return name.compareTo(other.name); }
 
 private:
+    friend struct tessit::ModelAccess;
     friend class QeXmlReader;  // fills its nodes in place
 
     QeXmlName name;

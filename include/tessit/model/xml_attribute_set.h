@@ -124,6 +124,7 @@ public:
     const QeCString& getDefaultNamespaceAttribute() const;
 
 private:
+    friend struct tessit::ModelAccess;
     friend class QeXmlReader;  // fills the set of each tag in place
     friend class QeXmlWriter;  // completes the set of each tag in storage that it keeps
 

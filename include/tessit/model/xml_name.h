@@ -45,6 +45,7 @@ public:
     }
 
 private:
+    friend struct tessit::ModelAccess;
     friend class QeXmlReader;  // fills its nodes in place
 
     QeCString localName;

@@ -2,6 +2,10 @@
 
 #include <corvel/c_string.h>
 
+namespace tessit {
+struct ModelAccess;
+}  // namespace tessit
+
 /// A namespace binding: a prefix and the namespace name (URI) it stands for.
 ///
 /// Its identity is the URI: comparisons never look at the prefix. An empty
@@ -68,6 +72,7 @@ public:
     static bool matchXsd(const QeXmlNamespace& ns);
 
 private:
+    friend struct tessit::ModelAccess;
     friend class QeXmlReader;          // fills its nodes in place
     friend class QeXmlNamespaceStack;  // fills its slots in place
 

@@ -64,6 +64,7 @@ public:
     }
 
 private:
+    friend struct tessit::ModelAccess;
     friend class QeXmlReader;  // resolves names without building strings for the lookup
     friend class QeXmlWriter;  // binds names without building a namespace for it
 
