@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <new>
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <voxal/converter.h>
 
 namespace {
@@ -24,9 +27,30 @@ std::string_view canonicalName(const QeCString& name) {
 }
 
 // Running out of memory is not the document's fault.
-[[noreturn]] void raise(UErrorCode status, const QeCString& message) {
+[[noreturn]] void raise(UErrorCode status, const char* message) {
     if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     throw QeUConversionError(message);
+}
+
+struct Close {
+    void operator()(UConverter* converter) const noexcept { ucnv_close(converter); }
+};
+using Handle = std::unique_ptr<UConverter, Close>;
+
+Handle open(const char* name) {
+    UErrorCode status = U_ZERO_ERROR;
+    Handle converter(ucnv_open(name, &status));
+    if (U_FAILURE(status)) raise(status, "no converter is known for it");
+    return converter;
+}
+
+// ICU's own way makes U+001A, which XML forbids, of some bytes.
+void replaceMalformed(const void*, UConverterToUnicodeArgs* where, const char*, std::int32_t,
+                      UConverterCallbackReason reason, UErrorCode* status) {
+    constexpr UChar Replacement = 0xFFFD;
+    if (reason > UCNV_IRREGULAR) return;
+    *status = U_ZERO_ERROR;
+    ucnv_cbToUWriteUChars(where, &Replacement, 1, 0, status);
 }
 
 bool bothIn(std::string_view family, std::string_view left, std::string_view right) {
@@ -35,44 +59,75 @@ bool bothIn(std::string_view family, std::string_view left, std::string_view rig
 
 }  // namespace
 
-void QeUToUnicodeConverter::Close::operator()(UConverter* converter) const noexcept {
-    ucnv_close(converter);
-}
+// What ICU keeps between two pieces: the converters' states, and units that were
+// read and not yet written.
+class QeUToUnicodeConverter::Conversion {
+public:
+    explicit Conversion(const char* name) : source(open(name)), target(open("UTF-8")) {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_setToUCallBack(source.get(), replaceMalformed, nullptr, nullptr, nullptr, &status);
+    }
 
-QeUToUnicodeConverter::Handle QeUToUnicodeConverter::open(const char* name) {
-    UErrorCode status = U_ZERO_ERROR;
-    Handle converter(ucnv_open(name, &status));
-    if (U_FAILURE(status)) raise(status, QeCString("no converter is known for it (") + u_errorName(status) + ")");
-    return converter;
-}
+    // Writes to `out` until that is full, or `at` has come to `end`: then true.
+    bool convert(const char*& at, const char* end, Piece position, char*& out, const char* outEnd) {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_convertEx(target.get(), source.get(), &out, outEnd, &at, end, pivot, &pivotRead, &pivotWrite,
+                       std::end(pivot), isNew, position == Last, &status);
+        isNew = false;
+        if (status == U_BUFFER_OVERFLOW_ERROR) return false;
+        if (U_FAILURE(status)) raise(status, "its bytes cannot be converted");
+        isNew = position == Last;
+        return true;
+    }
 
-QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
-    if (!isEncodingName(name)) throw QeUConversionError("it is not the name of an encoding");
-    source = open(name.data());
-}
-
-// Piece by piece, since ICU takes no more than 2 GB at once; it remembers a character that a piece cuts off.
-QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes) const {
-    constexpr std::ptrdiff_t PieceLength = 1 << 16;
-    const Handle target = open("UTF-8");
-    QeCString result;
-    result.reserve(bytes.size());
+private:
+    Handle source, target;
     UChar pivot[1024];
     UChar* pivotRead = pivot;
     UChar* pivotWrite = pivot;
+    bool isNew = true;
+};
+
+QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
+    if (!isEncodingName(name)) throw QeUConversionError("it is not the name of an encoding");
+    conversion = std::make_unique<Conversion>(name.data());
+}
+
+QeUToUnicodeConverter::QeUToUnicodeConverter(QeUToUnicodeConverter&&) noexcept = default;
+QeUToUnicodeConverter& QeUToUnicodeConverter::operator=(QeUToUnicodeConverter&&) noexcept = default;
+QeUToUnicodeConverter::~QeUToUnicodeConverter() = default;
+
+QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes, std::size_t mostBytes) {
+    constexpr std::size_t PieceLength = 1 << 16;  // ICU takes no more than 2 GB at once
+    QeCString result;
+    result.reserve(std::min(bytes.size(), mostBytes));
+    for (; bytes.size() > PieceLength; bytes.remove_prefix(PieceLength))
+        append(result, bytes.substr(0, PieceLength), MoreFollow, mostBytes);
+    append(result, bytes, Last, mostBytes);
+    return result;
+}
+
+namespace {
+
+// Grows by half at a time, but never past `mostBytes`.
+void makeRoom(QeCString& text, std::size_t count, std::size_t mostBytes) {
+    const std::size_t length = text.length();
+    if (length > mostBytes || count > mostBytes - length) throw QeUConversionTooLong();
+    if (count > text.capacity() - length)
+        text.reserve(length + std::min(std::max(count, length / 2), mostBytes - length));
+}
+
+}  // namespace
+
+void QeUToUnicodeConverter::append(QeCString& utf8, std::string_view piece, Piece position, std::size_t mostBytes) {
     char chunk[4096];
-    const char* at = bytes.data();
-    const char* const end = at + bytes.size();
-    for (bool first = true;; first = false) {
-        const char* const pieceEnd = at + std::min(end - at, PieceLength);
-        UErrorCode status = U_ZERO_ERROR;
+    const char* at = piece.data();
+    for (bool done = false; !done;) {
         char* written = chunk;
-        ucnv_convertEx(target.get(), source.get(), &written, chunk + sizeof chunk, &at, pieceEnd, pivot, &pivotRead,
-                       &pivotWrite, pivot + std::size(pivot), first, pieceEnd == end, &status);
-        result.append(chunk, static_cast<std::size_t>(written - chunk));
-        if (status == U_BUFFER_OVERFLOW_ERROR) continue;
-        if (U_FAILURE(status)) raise(status, u_errorName(status));
-        if (pieceEnd == end) return result;
+        done = conversion->convert(at, piece.data() + piece.size(), position, written, std::end(chunk));
+        const auto count = static_cast<std::size_t>(written - chunk);
+        makeRoom(utf8, count, mostBytes);
+        utf8.append(chunk, count);
     }
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <memory>
 #include <string_view>
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
-
-struct UConverter;
 
 /// A character encoding that no converter is known for, or text that could not be converted.
 class QeUConversionError : public Qexmsg {
@@ -14,29 +14,49 @@ public:
     explicit QeUConversionError(const QeCString& msg) : Qexmsg(msg.data()) {}
 };
 
-/// Converts bytes in a named encoding into UTF-8, by ICU's converters.
+/// A conversion that was given up because its result would be longer than it may be.
+class QeUConversionTooLong : public QeUConversionError {
+public:
+    QeUConversionTooLong() : QeUConversionError("the text becomes too long") {}
+};
+
+/// Converts bytes in a named encoding into UTF-8, all at once or piece by piece.
+///
+/// What means nothing in the encoding becomes U+FFFD. O(bytes) time; beside the
+/// result, a few kilobytes, whatever the length.
 class QeUToUnicodeConverter {
 public:
+    static constexpr std::size_t NoLimit = std::numeric_limits<std::size_t>::max();
+
     /// Any name that ICU knows, whatever its case; throws `QeUConversionError` for
     /// others, and for names that hold more than letters, digits and a few signs:
     /// ICU would look for a file of that name.
     explicit QeUToUnicodeConverter(const QeCString& name);
 
-    /// The text of `bytes`; what means nothing in the encoding becomes U+FFFD.
-    /// Converts piece by piece: O(bytes) time, no other copy of the whole.
-    QeCString toUtf8(std::string_view bytes) const;
+    QeUToUnicodeConverter(QeUToUnicodeConverter&&) noexcept;
+    QeUToUnicodeConverter& operator=(QeUToUnicodeConverter&&) noexcept;
+    ~QeUToUnicodeConverter();
+
+    /// The text of `bytes`. Throws `QeUConversionTooLong` where it is longer than
+    /// `mostBytes`, without ever having held more.
+    QeCString toUtf8(std::string_view bytes, std::size_t mostBytes = NoLimit);
+
+    /// Whether a piece is followed by others.
+    enum Piece { MoreFollow, Last };
+
+    /// Appends the text of the next piece to `utf8`, which may come to at most
+    /// `mostBytes` in all: throws `QeUConversionTooLong` before it would hold more. A
+    /// character that the piece cuts off is completed by the next one; after the last,
+    /// the converter begins anew. What was appended before a throw stays, and the
+    /// converter is of no more use then.
+    void append(QeCString& utf8, std::string_view piece, Piece position, std::size_t mostBytes = NoLimit);
 
     /// Whether both names stand for one encoding in another spelling. The byte
     /// order of UTF-16 and UTF-32 is taken as a matter of spelling.
     static bool sameEncoding(const QeCString& left, const QeCString& right);
 
 private:
-    struct Close {
-        void operator()(UConverter* converter) const noexcept;
-    };
-    using Handle = std::unique_ptr<UConverter, Close>;
+    class Conversion;
 
-    static Handle open(const char* name);
-
-    Handle source;
+    std::unique_ptr<Conversion> conversion;
 };
