@@ -103,8 +103,8 @@ public:
     /// namespace declarations included, as `compareAttributeSet` sees them, and
     /// byte for byte the same text behind a start tag or an empty-element tag.
     ///
-    /// Not looked at: the XML declaration and the rest of the prolog, comments,
-    /// processing instructions, the encoding, how a character is written (as itself,
+    /// Not looked at: the XML declaration and the rest of the prolog, comments and
+    /// processing instructions inside the root element, the encoding, how a character is written (as itself,
     /// by a reference, in a CDATA section), text behind an end tag where both have
     /// text there, and blank text that one document has and the other lacks. An
     /// empty-element tag equals any start tag with an end tag behind it and at most
