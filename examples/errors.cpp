@@ -11,7 +11,8 @@ void readPrice(const QeCString& document) {
     try {
         QeXmlReader reader(document);
         reader.readElementStart("price");
-        const QeCString text = reader.readElementValue();
+        QeCString text;  // an empty-element tag has none
+        if (reader.getLastNodeType() == QeXmlReader::ElementStart) text = reader.readElementValue();
         reader.readElementEnd("price");
         if (text.empty()) reader.err("There is no price");
         const QeDecimalPortable price(text);
@@ -66,7 +67,7 @@ void readPastTheEnd(const QeCString& text) {
 int main() {
     readPrice("<price>4.50</price>");
     readPrice("<price>4.50\n</prize>");
-    readPrice("<price></price>");
+    readPrice("<price/>");
     readPrice("<price>4,50</price>");
     throwEachClass();
     throwFromCatalog();

@@ -20,6 +20,7 @@ constexpr char Feed[] = R"(<?xml version="1.0"?>
   </order>
   <order id="18">
     <item sku="T-220">Assam</item>
+    <note/>
   </order>
 </feed>)";
 
@@ -55,13 +56,19 @@ std::string attributeOr(const QeXmlAttributeSet& attributes, const char* name, c
     return found == attributes.end() ? otherwise : toString(found->getValue());
 }
 
+// The text of the element that was just opened. An empty-element tag has none: what stands behind it belongs to the
+// element around it.
+std::string readText(QeXmlReader& reader) {
+    return reader.getLastNodeType() == QeXmlReader::ElementStart ? toString(reader.readElementValue()) : "";
+}
+
 // What is returned by the reader changes with its next call, so it is copied first.
 Item readItem(QeXmlReader& reader) {
     Item item;
     const QeXmlAttributeSet& attributes = reader.readElementStart(ItemName);
     item.sku = attributeOr(attributes, "sku", "");
     item.count = attributeOr(attributes, "count", "1");
-    item.text = toString(reader.readElementValue());
+    item.text = readText(reader);
     reader.readElementEnd(ItemName);
     return item;
 }
@@ -69,7 +76,7 @@ Item readItem(QeXmlReader& reader) {
 std::optional<std::string> readOptional(QeXmlReader& reader, const QeXmlName& name) {
     if (!reader.isElementNext(name)) return std::nullopt;
     reader.readElementStart(name);
-    std::string text = toString(reader.readElementValue());
+    std::string text = readText(reader);
     reader.readElementEnd(name);
     return text;
 }
@@ -98,7 +105,7 @@ void print(const Order& order) {
     std::cout << "order " << order.id << " for " << order.address.value_or("collection") << '\n';
     for (const Item& item : order.items)
         std::cout << "  " << item.count << " x " << item.text << " (" << item.sku << ")\n";
-    if (order.note) std::cout << "  note: " << *order.note << '\n';
+    if (order.note) std::cout << "  note: " << (order.note->empty() ? "(empty)" : *order.note) << '\n';
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ const QeCString Documents[] = {
 QeCString readTotal(const QeCString& document) {
     QeXmlReader reader(document);
     reader.readElementStart(Total);
+    if (reader.getLastNodeType() == QeXmlReader::EmptyElement) reader.err("There is no total");
     return reader.readElementValue();
 }
 

@@ -5,14 +5,26 @@
 
 #include <tessit/tessit.h>
 
-int main() {
-    QeXmlReader reader(QeCString(
-        "<feed><order id='17'><note>Ring &amp; wait</note></order>\n<order id='18'/><total>2</total></feed>"));
-    reader.readElementStart("feed");
+namespace {
+
+void printElements(QeXmlReader& reader) {
     for (;;) {
         const QeCString markup = reader.readElement(QeXmlReader::NullName);
         if (markup.empty()) break;
         std::cout << markup << '\n';
     }
+}
+
+void splitFeed(const QeCString& document) {
+    QeXmlReader reader(document);
+    reader.readElementStart("feed");
+    if (reader.getLastNodeType() == QeXmlReader::ElementStart) printElements(reader);  // <feed/> holds none
     reader.readElementEnd("feed");
+}
+
+}  // namespace
+
+int main() {
+    splitFeed("<feed><order id='17'><note>Ring &amp; wait</note></order>\n<order id='18'/><total>2</total></feed>");
+    splitFeed("<feed/>");
 }

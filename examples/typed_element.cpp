@@ -4,7 +4,6 @@
 #include <iostream>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
 #include <tessit/tessit.h>
 
@@ -52,8 +51,9 @@ public:
         clearAttributes();
         for (const QeXmlAttribute& attribute : reader.readElementStart(getName()))
             addAttribute(attribute);
-        const std::string_view text = reader.readElementValue();
-        if (std::from_chars(text.data(), text.data() + text.size(), cents).ec != std::errc())
+        QeCString text;  // an empty-element tag has none
+        if (reader.getLastNodeType() == QeXmlReader::ElementStart) text = reader.readElementValue();
+        if (std::from_chars(text.begin(), text.end(), cents).ec != std::errc())
             throw std::invalid_argument("A price is a number of cents");
         reader.readElementEnd(getName());
     }
