@@ -14,41 +14,36 @@
 
 namespace {
 
-using namespace std::string_literals;
-
 std::string contentOf(const char* file) {
-    std::ifstream in(file, std::ios::binary);
-    return (std::ostringstream() << in.rdbuf()).str();
+    return (std::ostringstream() << std::ifstream(file).rdbuf()).str();
 }
 
 void writeFile(const char* file, std::string_view content) {
-    std::ofstream(file, std::ios::binary) << content;
-}
-
-struct Outcome {
-    std::string output;
-    std::string errors;
-    int status;
-};
-
-// Runs a shell command in which `tessit` is the tool; `input` is its standard input.
-Outcome run(const std::string& command, std::string_view input = {}) {
-    writeFile("input", input);
-    const std::string line = R"(tessit() { "$TESSIT" "$@"; }; { )" + command + "; } <input >output 2>errors";
-    const int result = std::system(line.c_str());
-    return {contentOf("output"), contentOf("errors"), WIFEXITED(result) ? WEXITSTATUS(result) : -1};
+    std::ofstream(file) << content;
 }
 
 class Tool : public testing::Test {
 protected:
     Tool() {
-        setenv("TESSIT", TESSIT_TOOL, 1);
+        setenv("SOURCES", TESSIT_TOOL_SOURCES, 1);
         std::filesystem::create_directory(folder);
         std::filesystem::current_path(folder);
     }
     ~Tool() override {
         std::filesystem::current_path(folder.parent_path());
         std::filesystem::remove_all(folder);
+    }
+
+    // Runs a shell command in which `tessit` is the tool; `input` is its standard input.
+    static void expect(const std::string& command, std::string_view input, const std::string& output,
+                       const std::string& errors, int status) {
+        SCOPED_TRACE(command + " with " + std::string(input));
+        writeFile("input", input);
+        const std::string line = "tessit() { '" TESSIT_TOOL "' \"$@\"; }; { " + command + "; } <input >output 2>errors";
+        const int result = std::system(line.c_str());
+        EXPECT_EQ(contentOf("output"), output);
+        EXPECT_EQ(contentOf("errors"), errors);
+        EXPECT_EQ(WIFEXITED(result) ? WEXITSTATUS(result) : -1, status);
     }
 
 private:
@@ -58,14 +53,13 @@ private:
 
 const std::string Utf8 = "document encoding=\"UTF-8\" version=\"\" standalone=\"\"\n";
 const std::string See = " (see tessit --help)\n";
+const std::string GoodLines = Utf8 + "empty good {}\n";
 
-struct DocumentCase {
+const struct {
     std::string document;
     std::string lines;   // behind the first
     std::string errors;  // behind the name of the file; without any, the document is read
-};
-
-const DocumentCase Documents[] = {
+} Documents[] = {
     {"<p:a xmlns:p='u' z='1' p:y='2' y='3'><b xmlns='v'/></p:a>\n",
      "start p:a {u} xmlns:p=\"u\" y=\"3\" p:y{u}=\"2\" z=\"1\"\nempty b {v} xmlns=\"v\"\nend p:a {u}\n", ""},
     {"<r xmlns:q='u'><p:a xmlns:p='u'></q:a></r>",  // prefixes do not tell names apart
@@ -90,60 +84,64 @@ const DocumentCase Documents[] = {
 };
 
 TEST_F(Tool, PrintsOneLineForEachNodeAndTellsWhereADocumentIsRefused) {
-    for (const auto& [document, lines, errors] : Documents) {
-        SCOPED_TRACE(document);
-        const Outcome outcome = run("tessit events", document);
-        EXPECT_EQ(outcome.output, Utf8 + lines);
-        EXPECT_EQ(outcome.errors, errors.empty() ? "" : "<stdin>" + errors);
-        EXPECT_EQ(outcome.status, errors.empty() ? 0 : 1);
-    }
+    for (const auto& [document, lines, errors] : Documents)
+        expect("tessit events", document, Utf8 + lines, errors.empty() ? "" : "<stdin>" + errors, !errors.empty());
 }
 
 const struct {
     const char* command;
-    std::string output, errors;
-    int status;
+    std::string output = {}, errors = {};
+    int status = 0;
 } Commands[] = {
-    {"tessit events latin", "document encoding=\"ISO-8859-1\" version=\"1.0\" standalone=\"no\"\nempty \u00E9 {}\n", "",
-     0},
-    {"tessit events --raw-references references", Utf8 + "start a {} x=\"&amp;&#65;\"\ntext \"&\"\nend a {}\n", "", 0},
+    {"tessit events latin", "document encoding=\"ISO-8859-1\" version=\"1.0\" standalone=\"no\"\nempty \u00E9 {}\n"},
+    {"tessit events --raw-references references", Utf8 + "start a {} x=\"&amp;&#65;\"\ntext \"&\"\nend a {}\n"},
     {"tessit events unknown", "",
      "unknown:1:36: error: Couldn't transcode from input encoding '\\x1B[2J': it is not the name of an encoding\n", 1},
-    {"tessit events good -", "good: " + Utf8 + "good: empty good {}\n<stdin>: " + Utf8 + "<stdin>: empty input {}\n",
-     "", 0},
-    {"cp good - && tessit events ./-", Utf8 + "empty good {}\n", "", 0},
-    {"cp good ./--help && tessit events -- --help", Utf8 + "empty good {}\n", "", 0},
+    {"tessit events good -", "good: " + Utf8 + "good: empty good {}\n<stdin>: " + Utf8 + "<stdin>: empty input {}\n"},
+    {"cp good - && tessit events ./-; cp good ./--help && tessit events -- --help", GoodLines + GoodLines},
     {"cp good 'a\nb' && tessit events 'a\nb' 'no\nne' 2>&1",
      "a\\nb: " + Utf8 + "a\\nb: empty good {}\nno\\nne: error: No such file or directory\n", "", 2},
-    {"tessit events . good", "good: " + Utf8 + "good: empty good {}\n", ".: error: Is a directory\n", 2},
-    {"tessit events bad good 2>&1",  // in the order in which it happened
-     "bad: " + Utf8 + "bad: start bad {}\nbad:1:6: error: Missing end tag for bad\n" + "good: " + Utf8 +
-         "good: empty good {}\n",
-     "", 1},
-    {"tessit events bad none >/dev/null", "",
-     "bad:1:6: error: Missing end tag for bad\nnone: error: No such file or directory\n", 2},
-    {"tessit events none bad 2>/dev/null", "bad: " + Utf8 + "bad: start bad {}\n", "", 2},
+    {"tessit events bad . bad good 2>&1",  // in the order in which it happened, with the worst status
+     "bad: " + Utf8 + "bad: start bad {}\nbad:1:6: error: Missing end tag for bad\n.: error: Is a directory\nbad: " +
+         Utf8 + "bad: start bad {}\nbad:1:6: error: Missing end tag for bad\ngood: " + Utf8 + "good: empty good {}\n",
+     "", 2},
     {"tessit events <&-", "", "<stdin>: error: Bad file descriptor\n", 2},
-    {"tessit --version", "tessit " TESSIT_VERSION_STRING "\n", "", 0},
+    {"tessit --version", "tessit " TESSIT_VERSION_STRING "\n"},
     {"tessit", "", "tessit: error: A subcommand is required" + See, 2},
     {"tessit nothing", "", "tessit: error: The following argument was not expected: nothing" + See, 2},
     {"tessit events good >/dev/full", "", "standard output: error: No space left on device\n", 2},
     {"tessit events good >&-", "", "standard output: error: Bad file descriptor\n", 2},
     {"tessit events bad 2>&-", Utf8 + "start bad {}\n", "", 1},
-    {"tessit --help | grep -o 'Exit status'; tessit same --help | grep -o 'they differ'", "Exit status\nthey differ\n",
-     "", 0},
+    {"tessit --help | grep -o 'Exit status'; tessit same --help | grep -o 'they differ'", "Exit status\nthey differ\n"},
 
-    {"tessit same good like", "", "", 0},
-    {"tessit same good good", "", "", 0},  // only standard input cannot be read twice
+    {"tessit same good like && tessit same good good && tessit same - ./input"},  // only standard input is read once
     {"tessit same good -", "good and <stdin> differ\n", "", 1},
-    {"tessit same - good", "<stdin> and good differ\n", "", 1},
-    {"tessit same - ./input", "", "", 0},
     {"cp good 'a\nb' && tessit same 'a\nb' input", "a\\nb and input differ\n", "", 1},
-    {"tessit same good bad", "", "bad:1:6: error: Missing end tag for bad\n", 2},
     {"tessit same bad none", "", "bad:1:6: error: Missing end tag for bad\nnone: error: No such file or directory\n",
      2},
     {"tessit same - -", "", "<stdin>: error: It can be read only once\n", 2},
     {"tessit same good", "", "tessit: error: B is required" + See, 2},
+
+    // More than a buffer or a pipe holds, in many nodes and in one; a reader that has seen enough ends it in silence,
+    // whether the signal for that is ignored or not.
+    {"tessit events large >whole && cat large | tessit events | cmp - whole && grep -c ^text whole && "
+     "tail -n 4 whole | cut -c1-12,300006-",
+     "20001\ntext \"19999\"\nend i {}\ntext \"xxxxxxx\"\nend r {}\n"},
+    {"{ tessit events large; echo $? >&2; } | head -n 1", Utf8, "0\n"},
+    {"trap '' PIPE; { tessit events large; echo $? >&2; } | head -n 1", Utf8, "0\n"},
+
+    {"bash completing ''; bash completing events -; bash completing same --h; bash completing events good li",
+     "events same --help --version\n--raw-references --help\n--help\nlike\n"},
+    // The manual and the completions have each subcommand and option that the tool's help names.
+    {R"(tessit --help >help
+        for command in $(grep -oE '^  [a-z]+' help); do tessit $command --help >>help; done
+        for name in $(grep -oE -e '--[a-z-]+' -e '^  [a-z]+' help | LC_ALL=C sort -u); do
+            for file in "$SOURCES"/tessit.1 "$SOURCES"/completions/*; do
+                tr -d '\\' <"$file" | grep -qe "${name#--}" || echo "$file lacks $name"
+            done
+            echo $name
+        done)",
+     "events\nsame\n--help\n--raw-references\n--version\n"},
 };
 
 TEST_F(Tool, AnswersEachCommandLine) {
@@ -153,79 +151,15 @@ TEST_F(Tool, AnswersEachCommandLine) {
     writeFile("references", "<a x='&amp;&#65;'>&amp;</a>");
     writeFile("latin", "<?xml version='1.0' encoding='ISO-8859-1' standalone='no'?><\xE9/>");
     writeFile("unknown", "<?xml version='1.0' encoding='\x1B[2J'?><a/>");
-    for (const auto& [command, output, errors, status] : Commands) {
-        SCOPED_TRACE(command);
-        const Outcome outcome = run(command, "<input/>");
-        EXPECT_EQ(outcome.output, output);
-        EXPECT_EQ(outcome.errors, errors);
-        EXPECT_EQ(outcome.status, status);
-    }
-}
-
-TEST_F(Tool, HasNothingThatItsManualAndCompletionsLack) {
-    // The subcommands, and the options of all of them, that the tool's help names.
-    const std::string names = run(R"({ tessit --help
-          for command in $(tessit --help | grep -oE '^  [a-z]+'); do tessit $command --help; done
-        } | grep -oE -e '--[a-z-]+' -e '^  [a-z]+' | sed 's/^[ -]*//' | sort -u)")
-                                  .output;
-    EXPECT_TRUE(names.find("raw-references\nsame\n") != std::string::npos) << names;
-    for (const char* file : {"tessit.1", "completions/tessit.bash", "completions/_tessit", "completions/tessit.fish"}) {
-        std::string text = contentOf((TESSIT_TOOL_SOURCES "/"s + file).c_str());
-        std::erase(text, '\\');  // hyphens of a manual page are escaped
-        std::istringstream in(names);
-        for (std::string name; in >> name;)
-            EXPECT_NE(text.find(name), std::string::npos) << file << " lacks " << name;
-    }
-}
-
-const struct {
-    std::string words;  // behind the tool's name
-    std::string candidates;
-} Completions[] = {
-    {"\"\"", "events same --help --version\n"},
-    {"events -", "--raw-references --help\n"},
-    {"same --h", "--help\n"},
-    {"events good li", "like\n"},  // a file
-};
-
-TEST_F(Tool, IsCompletedByBash) {
-    writeFile("like", "");
-    writeFile("completing", ". " TESSIT_TOOL_SOURCES
-                            "/completions/tessit.bash\n"
-                            "complete() { COMP_WORDS=(tessit \"$@\") COMP_CWORD=$#; _tessit tessit \"${@: -1}\"; }\n");
-    for (const auto& [words, candidates] : Completions) {
-        const Outcome outcome = run("bash -c '. ./completing; complete " + words + "; echo \"${COMPREPLY[@]}\"'");
-        EXPECT_EQ(outcome.output, candidates) << words;
-        EXPECT_EQ(outcome.errors, "") << words;
-    }
-}
-
-// Larger than any buffer or pipe, in many nodes and in one.
-std::string largeDocument() {
-    std::string document = "<r>";
+    std::string large = "<r>";
     for (int i = 0; i < 20'000; ++i)
-        document += "<i>" + std::to_string(i) + "</i>";
-    return document + std::string(300'000, 'x') + "</r>";
-}
-
-TEST_F(Tool, ReadsAndWritesMoreThanABuffer) {
-    writeFile("large", largeDocument());
-    const Outcome fromFile = run("tessit events large");
-    const Outcome fromPipe = run("cat large | tessit events");
-    EXPECT_TRUE(fromFile.output == fromPipe.output);
-    EXPECT_TRUE(fromFile.output.ends_with(std::string(300'000, 'x') + "\"\nend r {}\n"));
-    EXPECT_NE(fromFile.output.find("\ntext \"19999\"\nend i {}\ntext"), std::string::npos);
-}
-
-TEST_F(Tool, IsQuietWhenItsReaderHasSeenEnough) {
-    writeFile("large", largeDocument());
-    for (const std::string signal : {"-", "''"}) {  // the signal's default, and ignored
-        SCOPED_TRACE(signal);
-        const Outcome outcome = run("trap " + signal + " PIPE; { tessit events large; echo $? >status; } | head -n 1");
-        EXPECT_EQ(outcome.output, Utf8);
-        EXPECT_EQ(outcome.errors, "");
-        EXPECT_EQ(contentOf("status"), "0\n");
-    }
+        large += "<i>" + std::to_string(i) + "</i>";
+    writeFile("large", large + std::string(300'000, 'x') + "</r>");
+    writeFile("completing",
+              ". $SOURCES/completions/tessit.bash; COMP_WORDS=(tessit \"$@\") COMP_CWORD=$#\n"
+              "_tessit tessit \"${@: -1}\"; echo \"${COMPREPLY[@]}\"");
+    for (const auto& [command, output, errors, status] : Commands)
+        expect(command, "<input/>", output, errors, status);
 }
 
 }  // namespace
