@@ -1,9 +1,13 @@
 // The command line tool: finds the subcommand and turns what happens into an exit status.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <span>
+#include <string>
 #include <system_error>
+#include <vector>
 
 #include <tessit/version.h>
 
@@ -14,11 +18,18 @@ namespace {
 
 constexpr std::string_view ToolName = "tessit";
 
+// An argument as CLI11 is to read it. It takes "++" for the end of a subcommand's arguments, and brackets for a list of
+// them; here they name a file, which is the same with its folder in front.
+std::string literally(const std::string& argument) {
+    const bool isList = argument.starts_with('[') && argument.ends_with(']');
+    return isList || argument == "++" ? "./" + argument : argument;
+}
+
 void refuseUsage(Console& console, const std::string& reason) {
     console.complain(ToolName, reason + " (see tessit --help)", ExitStatus::Failed);
 }
 
-void runCommand(int argc, char** argv, Console& console) {
+void runCommand(std::span<char*> words, Console& console) {
     CLI::App tool("Reads and compares XML documents", std::string(ToolName));
     tool.set_version_flag("--version", std::string(ToolName) + " " + tessit::versionString());
     tool.footer(
@@ -27,8 +38,10 @@ void runCommand(int argc, char** argv, Console& console) {
         "subcommands that answer a question have their own.");
     const Command commands[] = {addEvents(tool), addSame(tool)};
     tool.require_subcommand(0, 1);
+    std::vector<std::string> arguments(words.size());
+    std::transform(words.begin(), words.end(), arguments.rbegin(), literally);  // CLI11 takes them from the back
     try {
-        tool.parse(argc, argv);
+        tool.parse(std::move(arguments));
     } catch (const CLI::CallForVersion& version) {
         return console.append(std::string(version.what()) + '\n');
     } catch (const CLI::Success&) {  // --help
@@ -49,7 +62,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     Console console;
     try {
-        runCommand(argc, argv, console);
+        runCommand({argv + 1, argv + std::max(argc, 1)}, console);
         console.finish();
     } catch (const WriteError& failure) {
         if (failure.error != EPIPE)

@@ -99,6 +99,8 @@ const struct {
      "unknown:1:36: error: Couldn't transcode from input encoding '\\x1B[2J': it is not the name of an encoding\n", 1},
     {"tessit events good -", "good: " + Utf8 + "good: empty good {}\n<stdin>: " + Utf8 + "<stdin>: empty input {}\n"},
     {"cp good - && tessit events ./-; cp good ./--help && tessit events -- --help", GoodLines + GoodLines},
+    {"cp good ++ && tessit events ++; cp good '[]' && tessit events '[]'", GoodLines + GoodLines},
+    {"tessit same ++ '[a,b]'", "", "./[a,b]: error: No such file or directory\n", 2},
     {"cp good 'a\nb' && tessit events 'a\nb' 'no\nne' 2>&1",
      "a\\nb: " + Utf8 + "a\\nb: empty good {}\nno\\nne: error: No such file or directory\n", "", 2},
     {"tessit events bad . bad good 2>&1",  // in the order in which it happened, with the worst status
