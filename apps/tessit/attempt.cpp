@@ -1,6 +1,7 @@
 #include "attempt.h"
 
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
@@ -19,6 +20,7 @@ std::string positionIn(std::string_view file, const QeXmlParseError& error) {
 
 bool attempt(Console& console, std::string_view file, ExitStatus refusal, const std::function<void()>& read) {
     const std::string_view name = displayName(file);
+    const auto complainOfMemory = [&] { console.complain(name, "not enough memory", ExitStatus::Failed); };
     try {
         read();
         return true;
@@ -27,7 +29,9 @@ bool attempt(Console& console, std::string_view file, ExitStatus refusal, const 
     } catch (const InputError& failure) {
         console.complain(name, std::generic_category().message(failure.error), ExitStatus::Failed);
     } catch (const std::bad_alloc&) {
-        console.complain(name, "not enough memory", ExitStatus::Failed);
+        complainOfMemory();
+    } catch (const std::length_error&) {  // more than any program can have
+        complainOfMemory();
     }
     return false;
 }

@@ -107,6 +107,9 @@ const struct {
      "bad: " + Utf8 + "bad: start bad {}\nbad:1:6: error: Missing end tag for bad\n.: error: Is a directory\nbad: " +
          Utf8 + "bad: start bad {}\nbad:1:6: error: Missing end tag for bad\ngood: " + Utf8 + "good: empty good {}\n",
      "", 2},
+    {"file=/dev/shm/tessit-$$; truncate -s 9223372036854775807 $file && ln -s $file huge &&"
+     "tessit events huge good 2>&1 | cut -d: -f1; rm $file",
+     "huge\ngood\ngood\n"},
     {"tessit events <&-", "", "<stdin>: error: Bad file descriptor\n", 2},
     {"tessit --version", "tessit " TESSIT_VERSION_STRING "\n"},
     {"tessit", "", "tessit: error: A subcommand is required" + See, 2},
