@@ -1,20 +1,23 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 
-/// Escapes that keep every line of output one line, every field one field, and
-/// the whole valid UTF-8, whatever bytes a document holds.
+/// Escapes that keep every line of output one line in its own order, every field one
+/// field, and the whole valid UTF-8, whatever bytes a document holds.
 ///
 /// Backslash, line feed, carriage return, tab and double quote become `\\`, `\n`,
 /// `\r`, `\t` and `\"`; the other bytes that cannot stand become `\xNN`, one each.
 
 /// Where the text will stand, which decides what would break the form there.
 enum class Within {
-    Line,    ///< on its own: control characters, line separators, bytes that are not UTF-8, backslashes
+    Line,    ///< on its own: control characters (of direction, too), line separators, bytes that are not UTF-8,
+             ///< backslashes
     Quotes,  ///< also double quotes
     Braces   ///< also closing braces and spaces
 };
@@ -30,6 +33,16 @@ consteval std::array<bool, 256> asciiThatStays() {
     return stays;
 }
 
+/// Whether the character makes another line of what stands behind it, or changes the order in which a terminal shows
+/// the line: text could then look like something else than it is.
+constexpr bool steersTheLine(std::uint32_t code) {
+    constexpr struct {
+        std::uint32_t first, last;
+    } Ranges[] = {{0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+    return std::any_of(std::begin(Ranges), std::end(Ranges),
+                       [code](const auto& range) { return code >= range.first && code <= range.last; });
+}
+
 /// How many bytes the character in front takes, which is not ASCII; 0 when it has
 /// to be escaped.
 inline std::size_t characterThatStays(std::string_view text) {
@@ -43,8 +56,7 @@ inline std::size_t characterThatStays(std::string_view text) {
         code = code << 6 | static_cast<std::uint32_t>(byte & 0x3F);
     }
     const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    const bool separatesLines = code == 0x2028 || code == 0x2029;
-    return code < Least[length] || code > 0x10FFFF || isSurrogate || separatesLines ? 0 : length;
+    return code < Least[length] || code > 0x10FFFF || isSurrogate || steersTheLine(code) ? 0 : length;
 }
 
 template <Within Place>

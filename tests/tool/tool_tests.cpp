@@ -74,6 +74,10 @@ const struct {
      ""},
     {"<a>\u0085\u009B \u2028 \u2029</a>",  // what some readers and terminals take for line ends or commands
      "start a {}\ntext \"\\xC2\\x85\\xC2\\x9B \\xE2\\x80\\xA8 \\xE2\\x80\\xA9\"\nend a {}\n", ""},
+    {"<a x='\u061B\u061C\u061D'>\u200D\u200E\u200F\u2010 \u202A\u202E\u202F \u2065\u2066\u2069\u206A</a>",  // directions
+     "start a {} x=\"\u061B\\xD8\\x9C\u061D\"\ntext \"\u200D\\xE2\\x80\\x8E\\xE2\\x80\\x8F\u2010 "
+     "\\xE2\\x80\\xAA\\xE2\\x80\\xAE\u202F \u2065\\xE2\\x81\\xA6\\xE2\\x81\\xA9\u206A\"\nend a {}\n",
+     ""},
     {"<a x='&amp;&unknown;'>&amp;</a>", "start a {} x=\"&&unknown;\"\ntext \"&\"\nend a {}\n", ""},
     {"<a>\n <b></a>", "start a {}\ntext \"\\n \"\nstart b {}\n", ":2:9: error: Unmatched start tag for a\n"},
     {"<a xmlns='u'></a><p:a/></p:a>", "start a {u} xmlns=\"u\"\nend a {u}\nempty p:a {}\n",
