@@ -7,6 +7,8 @@
 //   --megabytes=N   the size of the large documents that are read (default 10); what is written has 4/5 of it
 //   --corpora=DIR   write the documents into an existing directory, and do nothing else
 //   --check         read and write everything once, in small, and compare the counts
+//   --turns         print the benchmarks' names and an empty line; then run once each that is named in a line of the
+//                   input, and print its time in nanoseconds: so that several such programs can take turns
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -20,7 +22,9 @@
 #include <iostream>
 #include <map>
 #include <measurement.h>
+#include <optional>
 #include <reading.h>
+#include <stdexcept>
 #include <writing.h>
 
 namespace tessit::benchmarks {
@@ -33,6 +37,7 @@ struct Options {
     std::string csv;
     std::string corpora;
     bool check = false;
+    bool turns = false;
 };
 
 // Whether the argument is one of ours; the others go to the benchmark library.
@@ -45,6 +50,7 @@ bool takeOption(std::string_view argument, Options& options) {
     if (key == "--csv") return options.csv = value, true;
     if (key == "--corpora") return options.corpora = value, true;
     if (key == "--check") return options.check = true;
+    if (key == "--turns") return options.turns = true;
     return false;
 }
 
@@ -106,25 +112,63 @@ double shareOfProcessor(Work work) {
     return processorTime.seconds() / passed.count();
 }
 
-bool runRounds(const Options& options) {
-    const Contestants contestants = allContestants();
-    Reading reading(contestants.readers, options.megabytes * 1000000);
-    Writing writing(contestants.writers, options.megabytes * 800000);
+/// All benchmarks, ready to be run.
+class Suite {
+public:
+    explicit Suite(std::size_t megabytes)
+        : contestants(allContestants()),
+          reading(contestants.readers, megabytes * 1000000),
+          writing(std::move(contestants.writers), megabytes * 800000) {
+        reading.registerBenchmarks(measurements);
+        writing.registerBenchmarks(measurements);
+        recorder.emplace(measurements);
+        keepFreedMemory();
+    }
+
+    void run() { benchmark::RunSpecifiedBenchmarks(&*recorder); }
+    void run(const std::string& filter) { benchmark::RunSpecifiedBenchmarks(&*recorder, filter); }
+
+    const std::vector<Measurement>& results() const { return measurements; }
+    bool failed() const { return recorder->failed(); }
+
+private:
+    Contestants contestants;
+    Reading reading;
+    Writing writing;
     std::vector<Measurement> measurements;
-    reading.registerBenchmarks(measurements);
-    writing.registerBenchmarks(measurements);
-    Recorder recorder(measurements);
-    keepFreedMemory();
+    std::optional<Recorder> recorder;
+};
+
+bool runRounds(const Options& options) {
+    Suite suite(options.megabytes);
     const double processorShare = shareOfProcessor([&] {
         for (std::size_t round = 1; round <= options.rounds; ++round) {
             std::cerr << "round " << round << " of " << options.rounds << '\n';
-            benchmark::RunSpecifiedBenchmarks(&recorder);
+            suite.run();
         }
     });
-    for (const Measurement& measurement : measurements)
+    for (const Measurement& measurement : suite.results())
         if (!measurement.nanoseconds.empty()) print(measurement);
-    if (!options.csv.empty()) writeCsv(options.csv, measurements, processorShare);
-    return !recorder.failed();
+    if (!options.csv.empty()) writeCsv(options.csv, suite.results(), processorShare);
+    return !suite.failed();
+}
+
+double lastTime(const Suite& suite, const std::string& name) {
+    for (const Measurement& measurement : suite.results())
+        if (measurement.name() == name && !measurement.nanoseconds.empty()) return measurement.nanoseconds.back();
+    throw std::runtime_error("there is no benchmark " + name);
+}
+
+bool takeTurns(const Options& options) {
+    Suite suite(options.megabytes);
+    for (const Measurement& measurement : suite.results())
+        std::cout << measurement.name() << '\n';
+    std::cout << std::endl;
+    for (std::string name; !suite.failed() && std::getline(std::cin, name);) {
+        suite.run('^' + name + "/manual_time$");
+        std::cout << std::fixed << std::setprecision(0) << lastTime(suite, name) << std::endl;
+    }
+    return !suite.failed();
 }
 
 bool check() {
@@ -144,6 +188,7 @@ bool run(int argumentCount, char** arguments) {
     if (benchmark::ReportUnrecognizedArguments(remaining, arguments)) return false;
     if (options.check) return check();
     if (!options.corpora.empty()) return writeCorpora(options);
+    if (options.turns) return takeTurns(options);
     return runRounds(options);
 }
 

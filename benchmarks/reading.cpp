@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 #include <cpu_clock.h>
 #include <cstring>
+#include <instructions.h>
 #include <iostream>
 #include <reading.h>
 #include <vector_state.h>
@@ -72,18 +73,18 @@ void Reading::registerBenchmarks(std::vector<Measurement>& measurements) {
 
 namespace {
 
-Allocations allocationsOf(ReadyDocuments& documents, const Reader& reader) {
+Allocations allocationsOf(ReadyDocuments& documents, const Reader& reader, const std::string& name) {
     documents.renew();
     documents.read(reader);  // what is made once in a process counts for no document
     documents.renew();
-    return countAllocations([&] { documents.read(reader); });
+    return countAllocations([&] { countInstructions(name, [&] { documents.read(reader); }); });
 }
 
 }  // namespace
 
 void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader& reader, Measurement& measurement) {
     ReadyDocuments& documents = documentsOf(corpus);
-    if (!measurement.allocations) measurement.allocations = allocationsOf(documents, reader);
+    if (!measurement.allocations) measurement.allocations = allocationsOf(documents, reader, measurement.name());
     for ([[maybe_unused]] const auto& iteration : state) {
         documents.renew();
         if (corpora[corpus].freshMemory) releaseFreedMemory();

@@ -387,9 +387,10 @@ The most that was held at once beyond the input; our reader itself is an object 
 
     scripts/bench                 all of it, into docs/
     scripts/bench --rounds N      the same in N rounds instead of 11
-    scripts/bench --quick         two rounds, into build/bench/
+    scripts/bench --quick         five rounds, into build/bench/
     scripts/bench --filter REGEX  some of it: print the figures only, for names like `read/records/pugixml`
     scripts/bench --draw          this page anew, from docs/performance.csv
+    scripts/bench --against COMMIT  this library beside the one of that commit, in the same rounds
 
 Debian's packages are installed where they are missing. Figures of different machines, or of different runs, are not to be
 compared; ratios within a run are.

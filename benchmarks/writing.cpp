@@ -1,6 +1,7 @@
 #include <benchmark/benchmark.h>
 #include <cpu_clock.h>
 #include <expectation.h>
+#include <instructions.h>
 #include <iostream>
 #include <vector_state.h>
 #include <writing.h>
@@ -69,7 +70,8 @@ void Writing::measure(benchmark::State& state, Measurement& measurement, std::si
     std::size_t bytes = 0;
     const auto write = [&] { writable.write([&](std::string_view text) { bytes = text.size(); }); };
     write();  // what is made once in a process counts for no document
-    if (!measurement.allocations) measurement.allocations = countAllocations(write);
+    if (!measurement.allocations)
+        measurement.allocations = countAllocations([&] { countInstructions(measurement.name(), write); });
     for ([[maybe_unused]] const auto& iteration : state) {
         settleVectorState();
         const CpuClock clock;

@@ -10,8 +10,8 @@ test_packages=(libgtest-dev locales tzdata clang pkgconf dpkg-dev file)  # the l
 check_packages=(clang-format clang-tidy doxygen)
 fuzz_packages=(clang libclang-rt-14-dev)
 coverage_packages=(gcovr)
-bench_packages=(libbenchmark-dev libpugixml-dev librapidxml-dev libexpat1-dev libxml2-dev libtinyxml2-dev
-    libxerces-c-dev qt6-base-dev gnuplot-nox python3)
+bench_packages=(libbenchmark-dev gnuplot-nox python3)
+peer_packages=(libpugixml-dev librapidxml-dev libexpat1-dev libxml2-dev libtinyxml2-dev libxerces-c-dev qt6-base-dev)
 
 step() {
     printf '\n== %s\n' "$*" >&2
