@@ -9,10 +9,10 @@
 
 #include <corvel/byte_copy.h>
 
-#if !defined(TESSIT_SCALAR) && defined(__SSE2__)
+#if !defined(TESSIT_SCALAR) && defined(__GNUC__) && defined(__SSE2__)
 #define TESSIT_SCAN_BLOCKS
 #include <emmintrin.h>
-#elif !defined(TESSIT_SCALAR) && defined(__aarch64__)
+#elif !defined(TESSIT_SCALAR) && defined(__GNUC__) && defined(__aarch64__)
 #define TESSIT_SCAN_BLOCKS
 #include <arm_neon.h>
 #endif
@@ -186,6 +186,13 @@ inline bool sameBytes(std::string_view left, std::string_view right) {
     return left.size() == right.size() && sameBytes(left.data(), right.data(), left.size());
 }
 
+/// Compilers know this for the one instruction that it is.
+constexpr std::uint64_t byteSwapped(std::uint64_t word) {
+    word = (word & 0x00FF00FF00FF00FF) << 8 | (word >> 8 & 0x00FF00FF00FF00FF);
+    word = (word & 0x0000FFFF0000FFFF) << 16 | (word >> 16 & 0x0000FFFF0000FFFF);
+    return word << 32 | word >> 32;
+}
+
 /// The first eight bytes of a text as a number, in the order of the texts; zeros
 /// stand for what a shorter one lacks. Bytes up to `readableEnd` can be read: where
 /// there are eight, no branch depends on the length.
@@ -199,7 +206,7 @@ inline std::uint64_t firstBytes(std::string_view text, const char* readableEnd) 
     } else {
         std::memcpy(&bytes, text.data(), count);
     }
-    if constexpr (std::endian::native == std::endian::little) bytes = __builtin_bswap64(bytes);
+    if constexpr (std::endian::native == std::endian::little) bytes = byteSwapped(bytes);
     const std::size_t unused = 8 * (Size - count);
     return bytes >> unused << unused;
 }

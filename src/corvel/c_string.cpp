@@ -7,8 +7,10 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <corvel/c_string.h>
+#include <corvel/compiler.h>
 #include <corvel/exmsg.h>
 #include <corvel/keyed_hash.h>
 
@@ -26,6 +28,40 @@ char* allocated(void* block) {
     if (block == nullptr) throw std::bad_alloc();
     return static_cast<char*>(block);
 }
+
+// Where the part, which is not empty, begins in the text. Linear, unlike the search of string_view, which compares
+// the part at each place.
+#if defined(TESSIT_HAS_MEMMEM)
+
+std::size_t placeOf(std::string_view part, std::string_view text) noexcept {
+    const void* const found = memmem(text.data(), text.size(), part.data(), part.size());
+    return found == nullptr ? text.npos : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+}
+
+#else
+
+// No byte of the text is looked at twice: where one does not fit, the longest beginning of the part that is left, the
+// border of what was matched, is known.
+std::size_t placeOf(std::string_view part, std::string_view text) noexcept try {
+    std::vector<std::size_t> borders(part.size());
+    const auto matchedAfter = [&](std::size_t matched, char next) {
+        while (matched != 0 && part[matched] != next)
+            matched = borders[matched - 1];
+        return part[matched] == next ? matched + 1 : 0;
+    };
+    for (std::size_t i = 1; i < part.size(); ++i)
+        borders[i] = matchedAfter(borders[i - 1], part[i]);
+    std::size_t matched = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        matched = matchedAfter(matched, text[i]);
+        if (matched == part.size()) return i + 1 - matched;
+    }
+    return text.npos;
+} catch (const std::bad_alloc&) {
+    return text.find(part);  // slower, and needs no memory
+}
+
+#endif
 
 }  // namespace
 
@@ -172,12 +208,11 @@ std::size_t QeCString::find(char byte, std::size_t from) const noexcept {
     return std::string_view(*this).find(byte, from);
 }
 
-// The C library's search is linear; that of string_view compares the text at each place.
 std::size_t QeCString::find(std::string_view text, std::size_t from) const noexcept {
     if (from > length()) return npos;
     if (text.empty()) return from;
-    const void* const found = memmem(data() + from, length() - from, text.data(), text.size());
-    return found == nullptr ? npos : static_cast<std::size_t>(static_cast<const char*>(found) - data());
+    const std::size_t found = placeOf(text, std::string_view(*this).substr(from));
+    return found == npos ? npos : from + found;
 }
 
 std::size_t QeCString::findFirstOf(std::string_view set, std::size_t from) const noexcept {

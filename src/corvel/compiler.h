@@ -13,3 +13,8 @@
 #define TESSIT_NOINLINE
 #define TESSIT_ALWAYS_INLINE
 #endif
+
+// The C library's linear search for a text in another. Not where what is portable is to be tested.
+#if !defined(TESSIT_SCALAR) && (defined(__unix__) || defined(__APPLE__))
+#define TESSIT_HAS_MEMMEM
+#endif

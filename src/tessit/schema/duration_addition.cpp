@@ -51,9 +51,8 @@ std::int64_t takeCarry(std::int64_t& field, std::int64_t size) {
 }
 
 long difference(long a, long b) {
-    long result;
-    if (__builtin_sub_overflow(a, b, &result)) return b < 0 ? LONG_MAX : LONG_MIN;
-    return result;
+    if (b < 0) return a > LONG_MAX + b ? LONG_MAX : a - b;
+    return a < LONG_MIN + b ? LONG_MIN : a - b;
 }
 
 long truncated(double value) {
