@@ -1,11 +1,42 @@
 // An element under another name: three lines for prefix, URI and local name, then
-// its markup. Either nothing changes, or the content stands between tags of the new name.
+// its markup. Either nothing changes, or the content stands between tags of the new name,
+// which is in its namespace where it takes the place of another default namespace.
 
+#include <algorithm>
+
+#include <tessit/reader/xml_reader.h>
 #include <tessit/utils/xml_utils.h>
 
 #include "fuzzing.h"
 
 using tessit::fuzz::require;
+
+namespace {
+
+// Whether the tag has one default declaration, and values in double quotes only, without a tag's signs in them.
+bool declaresDefaultPlainly(std::string_view tag) {
+    const auto declaration = tag.find("xmlns=\"");
+    return declaration != tag.npos && tag.find("xmlns", declaration + 1) == tag.npos &&
+           tag.find_first_of("'&/") == tag.npos &&
+           std::count(tag.begin(), tag.end(), '=') * 2 == std::count(tag.begin(), tag.end(), '"');
+}
+
+bool isPlain(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 'a' && byte <= 'z'; });
+}
+
+// The URI of the first element; `none` where no tag can be read.
+QeCString uriOf(const QeCString& xml, const char* none) {
+    try {
+        QeXmlReader reader(xml);
+        reader.readNextNode();
+        return reader.getLastName().getNamespace().getURI();
+    } catch (const QeXmlParseError&) {
+        return none;
+    }
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     tessit::fuzz::Input input(data, size);
@@ -24,5 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ">" + QeCString(before.substr(startTagEnd + 1, endTag - startTagEnd - 1)) + "</" + qualified + ">\n";
     require(after.starts_with(std::string_view("<" + qualified)), "the start tag has the new name");
     require(after.ends_with(tail), "the content stands in front of the new end tag");
+    if (prefix.empty() && isPlain(uri) && isPlain(local) && declaresDefaultPlainly(before.substr(0, startTagEnd)) &&
+        uriOf(xml, "") != "")
+        require(uriOf(changed, uri.data()) == uri, "the element is in the namespace of its new name");
     return 0;
 }

@@ -75,7 +75,17 @@ TEST(XmlUtils, ChangesTheNameOfAnElement) {
         {Prefixed, "<xmlns:q=\"U\">t</x>", "<p:n xmlns:p=\"U\" >t</p:n>\n"},  // that is the name
         // A name without a prefix takes the default declaration, which a tag can have only once.
         {Default, "<old>t</old>", "<n xmlns=\"U\" >t</n>\n"},
-        {Default, "<old a=\"1\" xmlns=\"V\">t</old>", "<n a=\"1\" xmlns=\"V\">t</n>\n"},
+        {Default, "<old a=\"1\" xmlns=\"V\">t</old>", "<n a=\"1\" xmlns=\"U\">t</n>\n"},
+        {Default, "<old a='xmlns=\"V\"'\n\rxmlns\t= 'V'\n>t</old>", "<n a='xmlns=\"V\"'\n\rxmlns\t= \"U\"\n>t</n>\n"},
+        {Default, "<old\nxmlns=\"V\" b=\"1\">t</old>", "<n xmlns=\"U\"  b=\"1\">t</n>\n"},  // goes with the old name
+        {Default, "<old\nxmlns=\"U\">t</old>", "<n xmlns=\"U\" >t</n>\n"},
+        {Default, "<old xmlns='U'\n>t</old>", "<n xmlns='U'\n>t</n>\n"},  // that is the one
+        {Default, "<old xmlns=\"V\" xmlns:q=\"U\">t</old>", "<n xmlns=\"U\" xmlns:q=\"U\">t</n>\n"},
+        {Default, "<old xmlns:q=\"U\">t</old>", "<n xmlns:q=\"U\">t</n>\n"},
+        {Default, "<old a=\"xmlns='V'\" b=\"xmlns='V\">t</old>",
+         "<n xmlns=\"U\"  a=\"xmlns='V'\" b=\"xmlns='V\">t</n>\n"},
+        {Default, "<old xmlns='V>t</old>", "<n xmlns=\"U\"  xmlns='V>t</n>\n"},
+        {Plain, "<old xmlns=\"V\">t</old>", "<n xmlns=\"V\">t</n>\n"},
         {Default, "<old xmlnsx=\"U\">t</old>", "<n xmlns=\"U\"  xmlnsx=\"U\">t</n>\n"},
     };
     for (const auto& [name, xml, expected] : rows)

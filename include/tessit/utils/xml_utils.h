@@ -57,8 +57,12 @@ public:
     ///
     /// When the new name is in a namespace that the start tag does not declare
     /// under a prefix, a declaration is added: of the name's prefix, or, when that
-    /// is empty, of the default namespace, unless the start tag has one of that,
-    /// which stays in force. Text that cannot be taken apart (no leading '<', an
+    /// is empty, of the default namespace. A name without a prefix takes the place of
+    /// another URI in the tag's default declaration, whatever else the tag declares:
+    /// names without a prefix in the content are then in the new namespace, too.
+    ///
+    /// Only a space ends the old name: what stands behind a line feed or a tab goes
+    /// with it, up to the first space. Text that cannot be taken apart (no leading '<', an
     /// empty-element tag, no end tag) is returned unchanged.
     ///
     /// A rewrite of text, not a parse: a '>' in an attribute value, or values in

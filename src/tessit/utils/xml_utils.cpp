@@ -71,18 +71,34 @@ bool declares(std::string_view token, std::string_view uri) {
     return token.substr(quote + 1, token.size() - quote - 2) == uri;
 }
 
-bool declaresDefault(std::string_view token) {
-    return QeXmlNamespace::getXmlns().getPrefix() == token.substr(0, token.find('='));
-}
-
 bool needsDeclaration(const QeXmlNamespace& ns, std::string_view tagText) {
     if (ns.getURI() == QeXmlNamespace::getEmptyNamespace().getURI()) return false;
     takeToken(tagText);  // the old element name
-    for (std::string_view token = takeToken(tagText); !token.empty(); token = takeToken(tagText)) {
+    for (std::string_view token = takeToken(tagText); !token.empty(); token = takeToken(tagText))
         if (declares(token, ns.getURI())) return false;
-        if (ns.getPrefix().empty() && declaresDefault(token)) return false;  // a second one would be malformed
-    }
     return true;
+}
+
+// The value, in its quotes, that a start tag declares as the default namespace; empty if it declares none.
+std::string_view findDefaultDeclaration(std::string_view tagText) {
+    takeToken(tagText);  // the old element name
+    for (;;) {
+        const std::size_t equals = tagText.find('=');
+        const std::size_t quote = tagText.find_first_of("\"'", equals);
+        if (quote == std::string_view::npos) return {};
+        const std::size_t end = tagText.find(tagText[quote], quote + 1);
+        if (end == std::string_view::npos) return {};
+        const std::size_t first = tagText.find_first_not_of(" \t\r\n");  // a carriage return, too, ends a name in XML
+        const std::string_view name = tagText.substr(first, tagText.find_first_of("= \t\r\n", first) - first);
+        if (name == QeXmlNamespace::getXmlns().getPrefix()) return tagText.substr(quote, end + 1 - quote);
+        tagText.remove_prefix(end + 1);
+    }
+}
+
+void appendQuoted(QeCString& tag, const QeCString& uri) {
+    tag += '"';
+    tag += uri;
+    tag += '"';
 }
 
 void appendDeclaration(QeCString& tag, const QeXmlNamespace& ns) {
@@ -91,9 +107,28 @@ void appendDeclaration(QeCString& tag, const QeXmlNamespace& ns) {
         tag += ':';
         tag += ns.getPrefix();
     }
-    tag += "=\"";
-    tag += ns.getURI();
-    tag += "\" ";
+    tag += '=';
+    appendQuoted(tag, ns.getURI());
+    tag += ' ';
+}
+
+// Declares what the name needs, and appends the attributes that are kept: those behind the first space of the tag.
+void appendAttributes(QeCString& tag, const QeXmlNamespace& ns, std::string_view tagText) {
+    std::string_view kept = tagText.substr(std::min(tagText.find(' '), tagText.size()));
+    const bool isDefault = ns.getPrefix().empty() && !ns.getURI().empty();
+    const std::string_view declared = isDefault ? findDefaultDeclaration(tagText) : std::string_view();
+    if (!declared.empty() && declared.data() >= kept.data()) {
+        // A tag has room for one default declaration: another URI gives way in place.
+        tag += kept.substr(0, static_cast<std::size_t>(declared.data() - kept.data()));
+        kept.remove_prefix(static_cast<std::size_t>(declared.data() - kept.data()));
+        if (declared.substr(1, declared.size() - 2) != ns.getURI()) {
+            appendQuoted(tag, ns.getURI());
+            kept.remove_prefix(declared.size());
+        }
+    } else if (!declared.empty() || needsDeclaration(ns, tagText)) {
+        appendDeclaration(tag, ns);
+    }
+    tag += kept;
 }
 
 }  // namespace
@@ -107,14 +142,12 @@ QeCString QeXmlUtils::changeName(QeXmlName name, QeCString xml) {
 
     const std::string_view content = text.substr(startTagEnd + 1, endTag - startTagEnd - 1);
     const std::string_view tagText = text.substr(1, startTagEnd - 1);
-    const std::string_view attributes = tagText.substr(std::min(tagText.find(' '), tagText.size()));
     const QeCString newName = name.getQualifiedName();
 
     QeCString result("<");
     result.reserve(text.size() + 2 * newName.length() + name.getNamespace().getURI().length() + 64);
     result += newName;
-    if (needsDeclaration(name.getNamespace(), tagText)) appendDeclaration(result, name.getNamespace());
-    result += attributes;
+    appendAttributes(result, name.getNamespace(), tagText);
     result += ">";
     result += content;
     result += "</";
