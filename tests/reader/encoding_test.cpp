@@ -59,12 +59,18 @@ const EncodingCase Documents[] = {
      "!1:43 Couldn't transcode from input encoding '../../etc/x': it is not the name of an encoding"},
     {"\x4C\x6F\xA7\x94\x93", "",  // EBCDIC
      "!1:1 Couldn't transcode from input encoding 'EBCDIC': no converter is known for it"},
+    {"\xFE\xFF"s + "\0<\xD8\0\0/\0>"s, "", "!1:5 Illegal starting character for name: \xED\xA0\x80"},
     {"\x01\x02\x03\x04", "", "!1:2 First non-ws character in document wasn't '<'"},
     {"<\0ab"s, "", "!1:3 Illegal starting character for name: "},
     {declare("ISO-8859-1", "\n<a>\xE9</a x>"), "ISO-8859-1",
      "+a =\xC3\xA9 !2:11 Unexpected character x"},  // positions count from the conversion
     {"<a>\xC3\xA9" + declare("ISO-8859-1", "\xE9</a>"), "UTF-8", "+a =\xC3\xA9\xC3\xA9 -a"},  // converts the rest
-    {"<a>" + declare("ISO-8859-1", "\xE9") + declare("latin1", "</a>"), "UTF-8", "+a =\xC3\xA9 -a"},  // is in force
+    {"<a>" + declare("ISO-8859-1", "\xE9") + declare("ISO-8859-1", "\xE9</a>"), "UTF-8",
+     "+a =\xC3\xA9\xC3\xA9 -a"},  // is in force
+    // Another spelling is the same encoding where it was detected, and another one where it was declared.
+    {declare("ISO-8859-1", "<a>\xE9") + declare("iso-8859-1", "\xE9</a>"), "ISO-8859-1",
+     "+a =\xC3\xA9\xC3\x83\xC2\xA9 -a"},
+    {encode(declare("utf-16", "<a>" + declare("UTF-8", "x</a>")), LE), "utf-16", "+a =x -a"},
 };
 
 }  // namespace

@@ -42,7 +42,8 @@ constexpr NodeCase Tags[] = {
     {"<a></b>", "+a -b"},                    // the scanner does not match tags
     {"<a><a/>\n</a>\r\n ", "+a /a =\n -a"},  // blank text outside the root element is the end
     {"<\xC3\xA9\xC3\xBC/>", "/\xC3\xA9\xC3\xBC"},
-    {"<a\xC2\x80/>", "/a\xC2\x80"},  // past the first character all but ASCII may follow
+    {"<a\xC2\x80/>", "/a\xC2\x80"},          // past the first character all but ASCII may follow
+    {"<a\xED\xA0\x80/>", "/a\xED\xA0\x80"},  // a surrogate too
     {"<a\xF0\x9F\x98\x80:\xF4\x8F\xBF\xBF/>", "/a\xF0\x9F\x98\x80:\xF4\x8F\xBF\xBF"},
     {"<a z='1' y=\"2\" x = '3'/>", "/a[x=3 y=2 z=1]"},
     {"<a x='1'y='2'/>", "/a[x=1 y=2]"},  // no space needed between
@@ -65,7 +66,6 @@ constexpr NodeCase Errors[] = {
     {"<r><\xC3(/></r>", "+r !1:5 Malformed UTF-8 in name"},
     {"<r><a\xFF\xFF\xFF\xFF/></r>", "+r !1:6 Malformed UTF-8 in name"},
     {"<r><a\xE0\x80\x80/></r>", "+r !1:6 Malformed UTF-8 in name"},      // overlong
-    {"<r><a\xED\xA0\x80/></r>", "+r !1:6 Malformed UTF-8 in name"},      // a surrogate
     {"<r><a\xF4\x90\x80\x80/></r>", "+r !1:6 Malformed UTF-8 in name"},  // past U+10FFFF
     {"<r>\n<!x", "+r !2:4 Invalid character sequence <!x"},              // in text: behind the byte
     {"<r><!x", "+r !1:6 Invalid character sequence <!x"},                // between nodes: on it
@@ -80,6 +80,7 @@ constexpr NodeCase Errors[] = {
     {"<r / >", "!1:6 Invalid '/' found in tag"},
     {"<1a/>", "!1:3 Illegal starting character for name: 1"},
     {"<r>\n<\xC3\x97/>", "+r =\n !2:4 Illegal starting character for name: \xC3\x97"},
+    {"<r><\xED\xA0\x80/></r>", "+r !1:8 Illegal starting character for name: \xED\xA0\x80"},  // a surrogate
     {{"<r><\0/>", 7}, "+r !1:6 Illegal starting character for name: "},  // nothing is appended for U+0000
     {"<r a b='1'/>", "!1:7 Invalid character in attribute definition"},
     {"<r a='1' =''/>", "!1:11 Illegal starting character for name: ="},

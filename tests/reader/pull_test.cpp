@@ -211,6 +211,21 @@ TEST(XmlReader, ReadsRawElements) {
     check(RawElements);
 }
 
+// The length of a name takes one byte, or more.
+TEST(XmlReader, NamesTheInnermostOpenElement) {
+    for (const std::size_t length : {1u, 254u, 255u, 256u, 70'000u}) {
+        const std::string name(length, 'n');
+        const Document document("<r><" + name + "><x></x></" + name + "><" + name + "/></r>");
+        const auto reader = document.open(Source::Span);
+        reader->setMatchTags(true);
+        for (const std::string& open :
+             {std::string("r"), name, std::string("x"), name, std::string("r"), std::string("r"), std::string()}) {
+            reader->readNextNode();
+            EXPECT_TRUE(reader->getOpenElement() == std::string_view(open)) << length;
+        }
+    }
+}
+
 // Lines are counted on from the last error; the cursor can also have gone back since, or to another buffer.
 TEST(XmlReader, CountsLinesOverManyErrors) {
     const Document document("<a>\n\n<1\n<2\n<?xml version='1' encoding='latin1'?>\n  <3");

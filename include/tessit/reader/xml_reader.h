@@ -1,21 +1,16 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include <corvel/c_string.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
-
-namespace tessit {
-class OpenElements;
-}  // namespace tessit
 
 /// A pull reader: hands out a document one node at a time, and lets the caller
 /// demand the elements it expects.
@@ -26,9 +21,11 @@ class OpenElements;
 ///
 /// What cannot be read, or is not what the caller demanded, throws
 /// `QeXmlParseError` with line and column (from 1; the column in bytes) of where
-/// the reader stood; after a conversion they count from the conversion point. The
-/// reader can then be looked at and destroyed, but not resumed: nothing is rolled
-/// back. Any operation that stores text can throw `std::bad_alloc`.
+/// the reader stood; after a conversion they count from the conversion point. Nothing
+/// is rolled back: a node that was not the expected one has been read, and the next
+/// call goes on behind it. After an error of syntax the reader can be looked at and
+/// destroyed, but what it reads next is unspecified. Any operation that stores text
+/// can throw `std::bad_alloc`.
 ///
 /// References returned are to the reader's own members and show the last node:
 /// their content changes with the next call that scans. Copy what you keep.
@@ -148,7 +145,7 @@ public:
     /// Whether the document is exhausted. Outside the root element skips whitespace
     /// first: O(bytes skipped).
     bool eof() noexcept {
-        if (depth == 0) readS();
+        if (depth == 0) skipSpace();
         return cursor == bufferEnd;
     }
 
@@ -213,6 +210,17 @@ public:
     bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
     void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
 
+    /// Whether each end tag must be that of the innermost open element: local name and URI
+    /// are the same. If it is not, the call that reads it throws "Unmatched start tag for
+    /// NAME". Not by default. To be set before the first tag is read: of elements that are
+    /// open already nothing is known. O(1).
+    TESSIT_API void setMatchTags(bool match) noexcept;
+    TESSIT_API bool getMatchTags() const noexcept;
+
+    /// The innermost open element as its start tag names it, prefix included; empty when
+    /// none is open, or tags are not matched. O(length).
+    TESSIT_API QeCString getOpenElement() const;
+
     /// Throws `QeXmlParseError` with this text and the reader's present position;
     /// for callers who find the document wrong themselves. O(bytes read since the last error).
     [[noreturn]] TESSIT_API void err(const QeCString& message) const;
@@ -220,190 +228,14 @@ public:
     /// @}
 
 private:
-    friend class tessit::OpenElements;
-
-    // A name as written. `localStart` is 0 without a colon, else the position behind the first.
-    struct RawName {
-        const char* data;
-        std::size_t length;
-        std::size_t localStart;
-
-        std::string_view whole() const noexcept { return {data, length}; }
-        std::string_view local() const noexcept { return {data + localStart, length - localStart}; }
-        std::string_view prefix() const noexcept { return {data, localStart == 0 ? 0 : localStart - 1}; }
-    };
-
-    // An attribute as scanned. A value with references was expanded into
-    // `valueScratch`, which may still move: `value` is a null view then, and
-    // `expanded` says where the value stands there.
-    struct ScratchRange {
-        std::size_t start = 0;
-        std::size_t length = 0;
-    };
-    struct RawAttribute {
-        RawName name;
-        std::string_view value;
-        ScratchRange expanded;
-    };
-
-    // An attribute in the order of the set; `key` is the beginning of its local name.
-    struct Ordered {
-        std::uint64_t key;
-        RawAttribute* attribute;
-    };
-
-    // What a name in the last-node members was written from: a name that is
-    // there already is not written again. Empty raw bytes: not known.
-    struct WrittenName {
-        std::string_view raw;
-        const QeXmlNamespace* binding = nullptr;
-        std::uint64_t state = 0;
-    };
-
-    // The attributes of an earlier tag as they were written, and the slots that they
-    // went to. Where the next tag of that name has the same ones in the same order,
-    // as most have, names are only compared, and values go to the slots at once.
-    struct TagShape {
-        struct Attribute {
-            RawName name;
-            std::size_t slot;
-        };
-        std::vector<Attribute> attributes;   // in the order of the document; no declarations
-        std::vector<WrittenName> written;    // by slot
-        QeSlotArray<QeXmlAttribute> parked;  // the slots, unless `lastAttributes` has them
-        std::uint64_t state = 0;             // of the namespace stack, when the slots were written
-        unsigned pause = 0;                  // of so many tags, none is expected to be like this one
-        unsigned lastPause = 0;              // grows with each tag that turned out different
-        bool isInSlots = false;              // whether they have the names of `attributes`
-
-        void forget() noexcept {
-            attributes.clear();
-            written.clear();
-            isInSlots = false;
-        }
-    };
-
-    // A prefix of up to seven bytes with its length, and the binding it has in one state of the namespace stack.
-    struct CachedPrefix {
-        std::uint64_t key = ~std::uint64_t{0};
-        std::uint64_t state = 0;
-        const QeXmlNamespace* binding = nullptr;
-    };
-
-    // The line feeds in front of a place in the buffer.
-    struct LineCount {
-        const char* upTo = nullptr;
-        const char* lineStart = nullptr;
-        std::size_t lines = 0;
-    };
-
+    struct Engine;
     struct ExpectedName;
     class RawCopy;
 
-    // input.cpp
-    void takeInput(std::string_view document);
-    void readAndProcessBOM();
-    void declareEncoding(const QeCString& name);
-    void transcodeDocument(const QeCString& name);
-    void replaceDocument(QeCString&& converted);
-    QeCString transcode8859_1() const;
-    QeCString transcodeUTF16BE() const;
-    QeCString transcodeUTF16LE() const;
-    QeCString transcodeOther(const QeCString& name) const;
-    const LineCount& countLines() const;
-    [[noreturn]] void raiseTranscoding(const char* reason) const;
-    [[noreturn]] void raise(const char* message) const;
-    [[noreturn]] void raiseWith(const char* message, std::string_view found) const;
-    [[noreturn]] TESSIT_API void raiseEnd();
-    char rd() {
-        if (cursor == bufferEnd) raiseEnd();
-        return *cursor++;
-    }
-    std::string_view rd(std::size_t count);
+    void open(std::string_view document);
+    TESSIT_API void skipSpace() noexcept;
 
-    // prolog.cpp
-    void readDocument();
-    void readProlog();
-    void readPIOrXmlDecl();
-    void readXmlDecl();
-    void readEncodingDecl();
-    void readStandaloneDecl();
-    std::string_view readPseudoValue();
-    void skipInstruction();
-    void readDocTypeDecl();
-    void readComment();
-    void readCDATA();
-
-    // scanner.cpp
-    void readStartTag();
-    void readEndTag();
-    bool takeLastNameAgain() noexcept;
-    void closeStartTag(const RawName& name);
-    bool readIntoSlots();
-    bool passExpectedName(const RawName& expected) noexcept;
-    bool readValueInto(QeCString& value);
-    bool missShapeAt(const char* start) noexcept;
-    void readAttributes();
-    void readAttribute();
-    void readValue(char quote, RawAttribute& attribute);
-    void expandValue(QeCString& target, const char* start, char quote);
-    void scanContent();
-    bool readShortContent();
-    void readContentPieces();
-    void appendText();
-    bool readMarkupInContent();
-    RawName readName();
-    RawName readLongName();
-    RawName readNameSlowly(const char* from, std::size_t localStart);
-    const char* passCharacter(const char* at, std::uint32_t& codePoint);
-    TESSIT_API void readS() noexcept;
-    std::string_view readReference(char (&encoded)[4]);
-    std::string_view readNumericReference(std::string_view body, char (&encoded)[4]) const;
-
-    // names.cpp
-    void addAttribute(const RawAttribute& attribute);
-    void declareNamespace(const RawAttribute& attribute);
-    std::string_view valueOf(const RawAttribute& attribute) const noexcept;
-    TagShape* shapeNumber(std::size_t number);
-    void expectShapeOf(const RawName& element);
-    bool expectsShape() noexcept;
-    void noteMiss() noexcept;
-    void fixupAttributes();
-    std::span<Ordered> putInOrder(std::span<Ordered> ordered);
-    void writeAttributes(std::span<const Ordered> ordered);
-    void openSlots(std::size_t count);
-    void writeAttribute(std::size_t slot, const RawAttribute& attribute);
-    void learnShape(std::span<const Ordered> ordered);
-    void writeElementName(const RawName& name);
-    void writeName(QeXmlName& name, WrittenName& written, const RawName& raw, const QeXmlNamespace* binding);
-    void writeLocalName(QeXmlName& name, const RawName& raw);
-    const QeXmlNamespace* bindingFor(std::string_view prefix) noexcept;
-    void closeScope();
-    void forgetWrittenNames() noexcept;
-    void forgetSlots() noexcept;
-
-    // pull.cpp
-    const QeXmlName& keepExpected(const QeXmlName& name);
-    const QeCString& keepExpected(const QeCString& qname);
-    void takeNextNode();
-    void lookAhead();
-    bool opensElement() const noexcept { return lastNodeType == ElementStart || lastNodeType == EmptyElement; }
-    const QeCString& uriInsideTag(std::string_view prefix) const noexcept;
-    bool matchesStart(const ExpectedName& expected);
-    bool matchesEnd(const ExpectedName& expected);
-    template <typename Name>
-    const QeXmlAttributeSet& demandStart(const Name& name);
-    template <typename Name>
-    void demandEnd(const Name& name);
-    template <typename Name>
-    bool startsNext(const Name& name);
-    const QeCString& uriOfExpected(const ExpectedName& expected) const noexcept;
-    bool asksForAny(const ExpectedName& expected) const noexcept;
-    QeCString readRawElement(const ExpectedName& expected);
-    std::size_t skipToMatchingEnd(const RawCopy& copy);
-    QeCString rebuildTag() const;
-    [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
-
+    // What the inline accessors above show stays where it is in every later library; all else is the engine's.
     const char* cursor = nullptr;       // the next byte to be read
     const char* bufferStart = nullptr;  // lines and columns count from here
     const char* bufferEnd = nullptr;    // one past the last byte
@@ -421,30 +253,5 @@ private:
     NodeType lastNodeType = NoNode;
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
-    mutable LineCount counted;  // up to the last error
-
-    std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
-
-    // The bindings of the element that the last tag closed: names in front of that
-    // tag still resolve with them, the caller's lookups no longer.
-    QeXmlNamespaceStack closedScope;
-
-    // Working storage of a tag, kept between tags so that it is allocated once.
-    std::vector<RawAttribute> rawAttributes;
-    std::vector<Ordered> manyOrdered;
-    QeCString valueScratch;
-
-    // What the tags that are read are expected to hold, by the name of the element;
-    // `shape` is that of the last tag with attributes.
-    static constexpr std::size_t ShapeCount = 8;
-    TagShape firstShape;           // of tags that are the first of their name
-    std::uint32_t shapesSeen = 0;  // a bit each
-    std::vector<TagShape> shapes;
-    TagShape* shape = nullptr;
-
-    WrittenName lastNameWritten;
-    CachedPrefix prefixCache[16];
-    QeXmlName expectedName;                        // what the caller demands; working storage of one call
-    RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
-    tessit::OpenElements* openElements = nullptr;  // the names that the SAX parser keeps of this document
+    std::unique_ptr<Engine> engine;
 };

@@ -1,19 +1,18 @@
-// The input side of the reader: takes in the document, finds out its encoding,
-// converts it to UTF-8, and raises every error with its position.
+// How the bytes become UTF-8, and how errors get their position.
 
 #include <algorithm>
 #include <bit>
 #include <climits>
-#include <istream>
+#include <span>
+#include <utility>
 #include <voxal/converter.h>
 
 #include <corvel/byte_scan.h>
-#include <tessit/reader/open_elements.h>
-#include <tessit/reader/raw_copy.h>
+#include <tessit/errors/xml_error.h>
+#include <tessit/reader/input.h>
 #include <tessit/reader/transcode.h>
-#include <tessit/reader/xml_reader.h>
 
-constinit const QeXmlName QeXmlReader::NullName;
+namespace tessit {
 
 namespace {
 
@@ -24,36 +23,6 @@ namespace {
 constexpr std::uint64_t ConversionFactor = 16;
 constexpr std::uint64_t ConversionGrace = 4096;
 constexpr char TooManyConversions[] = "the document's encoding declarations make it grow too much";
-
-}  // namespace
-
-QeXmlReader::QeXmlReader(std::istream& in) {
-    ownedDocument.readFile(in);
-    takeInput(ownedDocument);
-}
-
-QeXmlReader::QeXmlReader(const QeCString& document) : ownedDocument(document) {
-    takeInput(ownedDocument);
-}
-
-QeXmlReader::QeXmlReader(unsigned char* bytes, unsigned int length)
-    : QeXmlReader(std::span<const unsigned char>(bytes, bytes == nullptr ? 0 : length)) {}
-
-QeXmlReader::QeXmlReader(std::span<const unsigned char> document) {
-    takeInput({reinterpret_cast<const char*>(document.data()), document.size()});
-}
-
-QeXmlReader::~QeXmlReader() = default;
-
-void QeXmlReader::takeInput(std::string_view document) {
-    cursor = bufferStart = document.data();
-    bufferEnd = bufferStart + document.size();
-    conversionAllowance = ConversionFactor * (document.size() + ConversionGrace);
-    namespaceStack.pushScope();  // the document's own
-    readDocument();
-}
-
-namespace {
 
 struct ByteOrderMark {
     std::string_view bytes;
@@ -87,97 +56,83 @@ bool beginsAsUtf8(std::string_view first) {
 
 }  // namespace
 
+void Input::take(std::string_view document) noexcept {
+    cursor = bufferStart = document.data();
+    bufferEnd = bufferStart + document.size();
+    conversionAllowance = ConversionFactor * (document.size() + ConversionGrace);
+}
+
 // A document that no row matches keeps an empty encoding: what follows fails at its first byte or name.
-void QeXmlReader::readAndProcessBOM() {
-    const std::string_view first = rd(4);
-    cursor = bufferStart;
+void Input::detectEncoding() {
+    isDetected = true;
+    const std::string_view first = rest().substr(0, 4);
+    if (first.size() < 4) raise("Premature EOF");
+    const char* name = nullptr;
     if (beginsAsUtf8(first)) {
         encoding = "UTF-8";
     } else if (const ByteOrderMark* mark = findMark(Marks, first)) {
         cursor += mark->bytes.size();
-        transcodeDocument(mark->encoding);
+        name = mark->encoding;
     } else if (const ByteOrderMark* row = findMark(FirstBytes, first)) {
-        transcodeDocument(row->encoding);
+        name = row->encoding;
     }
+    if (name == nullptr) return;
+    if (std::optional<QeCString> converted = convertRest(name)) replaceRest(std::move(*converted));
 }
 
-// A declared name that only spells the encoding in force differently converts
-// nothing: the text is UTF-8 by now, and a second conversion would garble it.
-void QeXmlReader::declareEncoding(const QeCString& name) {
-    encodingDeclared = true;
-    if (name == encoding) return;
-    if (QeUToUnicodeConverter::sameEncoding(name, encoding)) {
-        encoding = name;
-    } else {
-        transcodeDocument(name);
-    }
+// A declaration that only spells the detected encoding differently converts nothing:
+// the text is UTF-8 by now, and a second conversion would garble it. Declarations that
+// come later, in the midst of the document, mean what they say.
+std::optional<QeCString> Input::declareEncoding(const QeCString& name) {
+    const bool mayBeAnotherSpelling = std::exchange(isDetected, false);
+    if (name == encoding) return std::nullopt;
+    if (!mayBeAnotherSpelling || !QeUToUnicodeConverter::sameEncoding(name, encoding)) return convertRest(name);
+    encoding = name;
+    return std::nullopt;
 }
 
-void QeXmlReader::transcodeDocument(const QeCString& name) {
+std::optional<QeCString> Input::convertRest(const QeCString& name) {
     encoding = name;
     QeCString upperName = name;
     upperName.toUpper();
-    if (upperName == "UTF-8" || upperName == "US-ASCII") return;
-    if (upperName == "ISO-8859-1") {
-        replaceDocument(transcode8859_1());
-    } else if (upperName == "UTF-16" || upperName == "UTF-16BE") {
-        replaceDocument(transcodeUTF16BE());
-    } else if (upperName == "UTF-16LE") {
-        replaceDocument(transcodeUTF16LE());
-    } else {
-        replaceDocument(transcodeOther(name));
-    }
+    if (upperName == "UTF-8" || upperName == "US-ASCII") return std::nullopt;
+    if (upperName == "ISO-8859-1") return withinAllowance(latin1ToUtf8(rest(), conversionAllowance));
+    if (upperName == "UTF-16" || upperName == "UTF-16BE")
+        return withinAllowance(utf16ToUtf8<std::endian::big>(rest(), conversionAllowance));
+    if (upperName == "UTF-16LE") return withinAllowance(utf16ToUtf8<std::endian::little>(rest(), conversionAllowance));
+    return withinAllowance(convertByTables(name));
 }
 
-// The text before the cursor is not carried over, so positions count from here.
-void QeXmlReader::replaceDocument(QeCString&& converted) {
-    if (converted.length() > conversionAllowance) raiseTranscoding(TooManyConversions);
-    conversionAllowance -= converted.length();
-    if (rawCopy != nullptr) rawCopy->keepUpTo(cursor);
-    if (openElements != nullptr) openElements->keepNames();
-    forgetWrittenNames();  // they point into the old buffer
-    counted = {};
-    ownedDocument = std::move(converted);
-    cursor = bufferStart = ownedDocument.begin();
-    bufferEnd = ownedDocument.end();
-    if (rawCopy != nullptr) rawCopy->continueAt(cursor);
-}
-
-QeCString QeXmlReader::transcode8859_1() const {
-    return tessit::latin1ToUtf8({cursor, bufferEnd});
-}
-
-QeCString QeXmlReader::transcodeUTF16BE() const {
-    return tessit::utf16ToUtf8<std::endian::big>({cursor, bufferEnd});
-}
-
-QeCString QeXmlReader::transcodeUTF16LE() const {
-    return tessit::utf16ToUtf8<std::endian::little>({cursor, bufferEnd});
-}
-
-QeCString QeXmlReader::transcodeOther(const QeCString& name) const {
+QeCString Input::convertByTables(const QeCString& name) {
     try {
-        return QeUToUnicodeConverter(name).toUtf8({cursor, bufferEnd});
+        return QeUToUnicodeConverter(name).toUtf8(rest());
     } catch (const Qexmsg& error) {
         raiseTranscoding(error.why());
     }
 }
 
-void QeXmlReader::raiseTranscoding(const char* reason) const {
+QeCString Input::withinAllowance(std::optional<QeCString>&& converted) {
+    if (!converted || converted->length() > conversionAllowance) raiseTranscoding(TooManyConversions);
+    conversionAllowance -= converted->length();
+    return std::move(*converted);
+}
+
+void Input::replaceRest(QeCString&& converted) noexcept {
+    counted = {};
+    ownedDocument = std::move(converted);
+    cursor = bufferStart = ownedDocument.begin();
+    bufferEnd = ownedDocument.end();
+}
+
+void Input::raiseTranscoding(const char* reason) const {
     QeCString message("Couldn't transcode from input encoding '");
     message += encoding;
     message += "': ";
     message += reason;
-    err(message);
+    raise(message);
 }
 
-std::string_view QeXmlReader::rd(std::size_t count) {
-    if (static_cast<std::size_t>(bufferEnd - cursor) < count) raise("Premature EOF");
-    cursor += count;
-    return {cursor - count, count};
-}
-
-void QeXmlReader::err(const QeCString& message) const {
+void Input::raise(const QeCString& message) const {
     const LineCount& here = countLines();
     const auto fromOne = [](std::size_t count) {
         return static_cast<unsigned>(std::min<std::size_t>(count, UINT_MAX - 1) + 1);
@@ -186,8 +141,13 @@ void QeXmlReader::err(const QeCString& message) const {
     throw QeXmlParseError(message, QeCString(), fromOne(here.lines), fromOne(column));
 }
 
+void Input::raiseAt(const char* place, const char* message, std::string_view found) {
+    cursor = place;
+    raise(QeCString(message) + found);
+}
+
 // Goes on from where the last error was counted: a caller may raise any number of them.
-const QeXmlReader::LineCount& QeXmlReader::countLines() const {
+const Input::LineCount& Input::countLines() const {
     const bool goesOn = counted.upTo != nullptr && counted.upTo <= cursor;
     if (!goesOn) counted = {bufferStart, bufferStart, 0};
     for (const char* at = counted.upTo; (at = corvel::findByte(at, cursor, '\n')) != cursor; counted.lineStart = ++at)
@@ -196,15 +156,4 @@ const QeXmlReader::LineCount& QeXmlReader::countLines() const {
     return counted;
 }
 
-void QeXmlReader::raise(const char* message) const {
-    err(message);
-}
-
-void QeXmlReader::raiseWith(const char* message, std::string_view found) const {
-    err(QeCString(message) + found);
-}
-
-void QeXmlReader::raiseEnd() {
-    cursor = bufferEnd;
-    raise("Premature EOF");
-}
+}  // namespace tessit

@@ -1,248 +1,215 @@
-// The pull interface: drives the scanner and holds the node that it finds against
-// what the caller expects.
+// The calls that demand what comes next: they have the engine read the next node, and
+// hold it against what the caller expects.
 
-#include <corvel/byte_scan.h>
-#include <tessit/model/find_prefix.h>
-#include <tessit/reader/char_class.h>
+#include <utility>
+
+#include <tessit/reader/engine.h>
+#include <tessit/reader/expected_name.h>
 #include <tessit/reader/raw_copy.h>
-#include <tessit/reader/xml_reader.h>
-
-// A name that the caller expects, in either form; a view of `expectedName`. A string
-// is resolved only when the tag is known: what its prefix means depends on where
-// the tag stands.
-struct QeXmlReader::ExpectedName {
-    explicit ExpectedName(const QeXmlName& name)
-        : prefix(name.getNamespace().getPrefix()), local(name.getLocalName()), uri(&name.getNamespace().getURI()) {}
-
-    explicit ExpectedName(const QeCString& qname) : uri(nullptr) {
-        const std::string_view text(qname);
-        const bool isPlain = qname.isInline() && corvel::areNone(text.data(), text.size(), ':');  // as most
-        const std::size_t colon = isPlain ? std::string_view::npos : text.find(':');
-        if (colon != std::string_view::npos) prefix = text.substr(0, colon);
-        local = colon == std::string_view::npos ? text : text.substr(colon + 1);
-    }
-
-    QeCString asString() const {
-        QeCString text(prefix);
-        if (!prefix.empty()) text += ':';
-        text += local;
-        return text;
-    }
-
-    std::string_view prefix;
-    std::string_view local;
-    const QeCString* uri;  // of a name; null for a string
-};
 
 namespace {
 
-const QeCString& uriOf(const QeXmlNamespace* binding) {
-    return binding == nullptr ? QeXmlAttributeSet::EmptyString : binding->getURI();
+bool opensElement(QeXmlReader::NodeType type) {
+    return type == QeXmlReader::ElementStart || type == QeXmlReader::EmptyElement;
 }
 
 }  // namespace
 
-// The caller's name may be one of the last-node members, or part of one, which the
-// scan writes over: it is held against the tag as it is now. What demands a tag
-// looks at it only behind the scan, since a processor waits for bytes that were
-// written just before in other pieces than they are read: records take 10 % less time.
-const QeXmlName& QeXmlReader::keepExpected(const QeXmlName& name) {
+// The caller's name may be one of the last-node members, or part of one, which the scan
+// writes over: so it is copied first. It is looked at only behind the scan: right after the
+// copy was made, the processor would have to wait for it (records take 10 % less time so).
+const QeXmlName& QeXmlReader::Engine::keepExpected(const QeXmlName& name) {
     return expectedName = name;
 }
 
-const QeCString& QeXmlReader::keepExpected(const QeCString& qname) {
-    return expectedName.localName = qname;
+const QeCString& QeXmlReader::Engine::keepExpected(const QeCString& qname) {
+    return tessit::ModelAccess::localNameOf(expectedName) = qname;
 }
 
-void QeXmlReader::takeNextNode() {
-    if (nodePending) {
-        nodePending = false;
-        return;
-    }
-    scanContent();
-    readNextNode();
+void QeXmlReader::Engine::takeNextNode() {
+    if (std::exchange(reader.nodePending, false)) return;
+    readContent();
+    reader.readNextNode();
 }
 
 // An empty-element tag whose end was not taken yet is what comes next itself.
-void QeXmlReader::lookAhead() {
-    if (nodePending || lastNodeType == EmptyElement) return;
-    scanContent();
-    readNextNode();
-    nodePending = true;
-}
-
-// What a prefix is bound to inside the last tag, the tag's own declarations included.
-const QeCString& QeXmlReader::uriInsideTag(std::string_view prefix) const noexcept {
-    if (const QeXmlNamespace* own = closedScope.findPrefix(prefix)) return own->getURI();
-    return uriOf(namespaceStack.findPrefix(prefix));
+void QeXmlReader::Engine::lookAhead() {
+    if (reader.nodePending || reader.lastNodeType == EmptyElement) return;
+    readContent();
+    reader.readNextNode();
+    reader.nodePending = true;
 }
 
 // The URI of an expected name: a string has the one that its prefix has in front of the last tag, which opened an
 // element.
-const QeCString& QeXmlReader::uriOfExpected(const ExpectedName& expected) const noexcept {
+const QeCString& QeXmlReader::Engine::uriOf(const ExpectedName& expected) const noexcept {
     if (expected.uri != nullptr) return *expected.uri;
-    using From = QeXmlNamespaceStack::From;
-    const From infront = lastNodeType == ElementStart ? From::AroundInnermost : From::Innermost;
-    return uriOf(namespaceStack.findPrefix(expected.prefix, infront));
+    return bindings.uriInFrontOfTag(expected.prefix, reader.lastNodeType == ElementStart);
 }
 
-bool QeXmlReader::matchesStart(const ExpectedName& expected) {
-    if (lastName.getLocalName() != expected.local) return false;
-    const QeCString& uri = uriOfExpected(expected);
-    return lastName.ns.uri == (uri.empty() ? uriInsideTag(expected.prefix) : uri);
+bool QeXmlReader::Engine::matchesStart(const ExpectedName& expected) const {
+    if (reader.lastName.getLocalName() != expected.local) return false;
+    const QeCString& uri = uriOf(expected);
+    return reader.lastName.getNamespace().getURI() == (uri.empty() ? bindings.uriInsideTag(expected.prefix) : uri);
+}
+
+bool QeXmlReader::Engine::matchesEnd(const ExpectedName& expected) const {
+    if (reader.lastName.getLocalName() != expected.local) return false;
+    const QeCString& uri = expected.uri == nullptr ? bindings.uriInsideTag(expected.prefix) : *expected.uri;
+    return reader.lastName.getNamespace().getURI() == uri;
 }
 
 // Whether the name is the empty one, which asks for any element.
-bool QeXmlReader::asksForAny(const ExpectedName& expected) const noexcept {
-    return expected.local.empty() && uriOfExpected(expected).empty();
+bool QeXmlReader::Engine::asksForAny(const ExpectedName& expected) const noexcept {
+    return expected.local.empty() && uriOf(expected).empty();
 }
 
-bool QeXmlReader::matchesEnd(const ExpectedName& expected) {
-    if (lastName.getLocalName() != expected.local) return false;
-    return lastName.ns.uri == (expected.uri == nullptr ? uriInsideTag(expected.prefix) : *expected.uri);
-}
-
-void QeXmlReader::raiseMismatch(const ExpectedName& expected) const {
+void QeXmlReader::Engine::raiseMismatch(const ExpectedName& expected) const {
     QeCString message("Expected ");
     message += expected.asString();
     message += ", found ";
-    message += lastName.asString();
-    err(message);
+    message += reader.lastName.asString();
+    input.raise(message);
 }
 
-void QeXmlReader::readElementStart() {
+void QeXmlReader::Engine::demandStart() {
     takeNextNode();
-    if (!opensElement()) raise("Couldn't find start tag");
+    if (!opensElement(reader.lastNodeType)) input.raise("Couldn't find start tag");
 }
 
-template <typename Name>
-const QeXmlAttributeSet& QeXmlReader::demandStart(const Name& name) {
-    readElementStart();
-    const ExpectedName expected(name);
-    if (!matchesStart(expected)) raiseMismatch(expected);
-    return lastAttributes;
-}
-
-const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeXmlName& name) {
-    return demandStart(keepExpected(name));
-}
-
-const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeCString& qname) {
-    return demandStart(keepExpected(qname));
-}
-
-void QeXmlReader::readElementEnd() {
-    if (lastNodeType == EmptyElement) {
-        lastNodeType = ElementEnd;
-        nodePending = false;
+void QeXmlReader::Engine::demandEnd() {
+    if (reader.lastNodeType == EmptyElement) {
+        reader.lastNodeType = ElementEnd;
+        reader.nodePending = false;
         return;
     }
     takeNextNode();
-    if (lastNodeType != ElementEnd) raise("Couldn't find end tag");
+    if (reader.lastNodeType != ElementEnd) input.raise("Couldn't find end tag");
+}
+
+// `name` stays as it is while the node is read.
+template <typename Name>
+void QeXmlReader::Engine::demandStart(const Name& name) {
+    demandStart();
+    const ExpectedName expected(name);
+    if (!matchesStart(expected)) raiseMismatch(expected);
 }
 
 template <typename Name>
-void QeXmlReader::demandEnd(const Name& name) {
-    readElementEnd();
+void QeXmlReader::Engine::demandEnd(const Name& name) {
+    demandEnd();
     const ExpectedName expected(name);
     if (!matchesEnd(expected)) raiseMismatch(expected);
 }
 
-void QeXmlReader::readElementEnd(const QeXmlName& name) {
-    demandEnd(keepExpected(name));
-}
-
-void QeXmlReader::readElementEnd(const QeCString& qname) {
-    demandEnd(keepExpected(qname));
-}
-
-const QeCString& QeXmlReader::readElementValue() {
-    if (nodePending) {
-        nodePending = false;
-    } else {
-        scanContent();
-    }
-    return lastContent;
-}
-
 template <typename Name>
-bool QeXmlReader::startsNext(const Name& name) {
+bool QeXmlReader::Engine::startsNext(const Name& name) {
     lookAhead();
-    return opensElement() && matchesStart(ExpectedName(name));
+    return opensElement(reader.lastNodeType) && matchesStart(ExpectedName(name));
 }
 
-bool QeXmlReader::isElementNext(const QeXmlName& name) {
-    return startsNext(keepExpected(name));
-}
-
-bool QeXmlReader::isElementNext(const QeCString& qname) {
-    return startsNext(keepExpected(qname));
-}
-
-QeCString QeXmlReader::readElement(const QeXmlName& name) {
-    return readRawElement(ExpectedName(keepExpected(name)));
-}
-
-QeCString QeXmlReader::readElement(const QeCString& qname) {
-    return readRawElement(ExpectedName(keepExpected(qname)));
-}
-
-QeCString QeXmlReader::readRawElement(const ExpectedName& expected) {
+QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
     RawCopy copy(*this);
-    const bool wasPending = nodePending;
+    const bool wasPending = reader.nodePending;
     if (!wasPending) takeNextNode();
-    if (!opensElement()) {
-        nodePending = true;
-        lastContent.clear();
+    if (!opensElement(reader.lastNodeType)) {
+        reader.nodePending = true;
+        reader.lastContent.clear();
         return QeCString();
     }
     QeCString front;
     if (wasPending) front = rebuildTag();  // it stands before the copy's begin
-    nodePending = false;
+    reader.nodePending = false;
     if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
-    if (lastNodeType == EmptyElement) {
-        lastContent.clear();
+    if (reader.lastNodeType == EmptyElement) {
+        reader.lastContent.clear();
         return copy.textAfter(std::move(front));
     }
     const std::size_t frontLength = front.length();
     const std::size_t contentStart = copy.length();
     const std::size_t contentEnd = skipToMatchingEnd(copy);
     QeCString markup = copy.textAfter(std::move(front));
-    lastContent.assign(markup.substring(frontLength + contentStart, contentEnd - contentStart));
+    reader.lastContent.assign(markup.substring(frontLength + contentStart, contentEnd - contentStart));
     return markup;
 }
 
 // Reads up to the end tag of the element that the last tag opened, and leaves that
 // tag's attributes in place. Returns where the scan of the end tag began.
-std::size_t QeXmlReader::skipToMatchingEnd(const RawCopy& copy) {
-    QeXmlName startName(lastName.localName);
-    startName.ns.uri.shareBlockOf(lastName.ns.uri);
-    QeXmlAttributeSet attributes = std::move(lastAttributes);
-    forgetSlots();
+std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
+    const QeXmlName startName(reader.lastName);
+    QeXmlAttributeSet attributes = std::move(reader.lastAttributes);
+    slots.forgetSlots();
     std::size_t contentEnd = copy.length();
     for (std::ptrdiff_t level = 1;; contentEnd = copy.length()) {
-        readNextNode();
-        if (lastNodeType != ElementStart && lastNodeType != ElementEnd) continue;
-        if (lastName != startName) continue;
-        level += lastNodeType == ElementStart ? 1 : -1;
+        reader.readNextNode();
+        if (reader.lastNodeType != ElementStart && reader.lastNodeType != ElementEnd) continue;
+        if (reader.lastName != startName) continue;
+        level += reader.lastNodeType == ElementStart ? 1 : -1;
         if (level == 0) break;
     }
-    lastAttributes = std::move(attributes);
-    forgetSlots();
+    reader.lastAttributes = std::move(attributes);
+    slots.forgetSlots();
     return contentEnd;
 }
 
 // The start tag that was scanned ahead, written anew.
-QeCString QeXmlReader::rebuildTag() const {
+QeCString QeXmlReader::Engine::rebuildTag() const {
     QeCString tag("<");
-    tag += lastName.asString();
+    tag += reader.lastName.asString();
     tag += ' ';
-    for (const QeXmlAttribute& attribute : lastAttributes) {
+    for (const QeXmlAttribute& attribute : std::as_const(reader.lastAttributes)) {
         tag += attribute.getName().asString();
         tag += "=\"";
         tag += attribute.getValue();
         tag += "\" ";
     }
-    tag += lastNodeType == EmptyElement ? "/>" : ">";
+    tag += reader.lastNodeType == EmptyElement ? "/>" : ">";
     return tag;
+}
+
+void QeXmlReader::readElementStart() {
+    engine->demandStart();
+}
+
+const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeXmlName& name) {
+    engine->demandStart(engine->keepExpected(name));
+    return lastAttributes;
+}
+
+const QeXmlAttributeSet& QeXmlReader::readElementStart(const QeCString& qname) {
+    engine->demandStart(engine->keepExpected(qname));
+    return lastAttributes;
+}
+
+void QeXmlReader::readElementEnd() {
+    engine->demandEnd();
+}
+
+void QeXmlReader::readElementEnd(const QeXmlName& name) {
+    engine->demandEnd(engine->keepExpected(name));
+}
+
+void QeXmlReader::readElementEnd(const QeCString& qname) {
+    engine->demandEnd(engine->keepExpected(qname));
+}
+
+const QeCString& QeXmlReader::readElementValue() {
+    if (!std::exchange(nodePending, false)) engine->readContent();
+    return lastContent;
+}
+
+bool QeXmlReader::isElementNext(const QeXmlName& name) {
+    return engine->startsNext(engine->keepExpected(name));
+}
+
+bool QeXmlReader::isElementNext(const QeCString& qname) {
+    return engine->startsNext(engine->keepExpected(qname));
+}
+
+QeCString QeXmlReader::readElement(const QeXmlName& name) {
+    return engine->readElement(ExpectedName(engine->keepExpected(name)));
+}
+
+QeCString QeXmlReader::readElement(const QeCString& qname) {
+    return engine->readElement(ExpectedName(engine->keepExpected(qname)));
 }

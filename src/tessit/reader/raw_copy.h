@@ -1,6 +1,9 @@
 #pragma once
 
-#include <tessit/reader/xml_reader.h>
+#include <cstddef>
+
+#include <corvel/c_string.h>
+#include <tessit/reader/engine.h>
 
 /// The document's text from one position on, as it is read: the markup that
 /// `readElement` returns.
@@ -9,28 +12,37 @@
 /// can replace the buffer; then the text up to there is kept aside.
 class QeXmlReader::RawCopy {
 public:
-    /// Begins at the reader's cursor; until it ends, the reader knows of the copy.
-    explicit RawCopy(QeXmlReader& source) noexcept : reader(source), runStart(source.cursor) { reader.rawCopy = this; }
-    ~RawCopy() { reader.rawCopy = nullptr; }
+    /// Begins at the input's cursor; until it ends, the engine knows of the copy.
+    explicit RawCopy(Engine& source) noexcept : engine(source), runStart(source.input.position()) {
+        engine.rawCopy = this;
+    }
+    ~RawCopy() { engine.rawCopy = nullptr; }
     RawCopy(const RawCopy&) = delete;
     RawCopy& operator=(const RawCopy&) = delete;
 
     /// How many bytes lie between the begin and the cursor.
-    std::size_t length() const noexcept { return kept.length() + static_cast<std::size_t>(reader.cursor - runStart); }
+    std::size_t length() const noexcept { return kept.length() + run().size(); }
 
     /// The text from the begin to the cursor, behind what `front` holds.
     QeCString textAfter(QeCString front) const {
         front.reserve(front.length() + length());
         front += kept;
-        front.append(runStart, static_cast<std::size_t>(reader.cursor - runStart));
+        front += run();
         return front;
     }
 
-    void keepUpTo(const char* position) { kept.append(runStart, static_cast<std::size_t>(position - runStart)); }
-    void continueAt(const char* position) noexcept { runStart = position; }
+    /// What was read so far is about to go.
+    void keepRun() { kept += run(); }
+
+    /// The input begins anew at its cursor.
+    void goOn() noexcept { runStart = engine.input.position(); }
 
 private:
-    QeXmlReader& reader;
+    std::string_view run() const noexcept {
+        return {runStart, static_cast<std::size_t>(engine.input.position() - runStart)};
+    }
+
+    Engine& engine;
     QeCString kept;
     const char* runStart;
 };

@@ -1,339 +1,55 @@
-// The markup scanner: one function per construct, each entered and left as its
-// comment says. Hot loops run over plain bytes to the first that needs thought.
+// What names, values and texts hold that needs thought: characters past ASCII,
+// references, line ends, and what stands at the end of the input.
 
 #include <array>
 #include <bit>
 #include <cstring>
 
-#include <corvel/byte_scan.h>
-#include <tessit/reader/char_class.h>
-#include <tessit/reader/name_scan.h>
+#include <tessit/reader/scanner.h>
 #include <tessit/reader/text_builder.h>
 #include <tessit/reader/transcode.h>
-#include <tessit/reader/xml_reader.h>
 
 using corvel::findAny;
 using corvel::findByte;
-using tessit::nameByte;
 
-// Everything that is called here and stands in this file is made one function: with
-// the cursor in a register from one construct to the next, records read 12 % faster.
-[[gnu::flatten]] void QeXmlReader::readNextNode() {
-    if (nodePending) {
-        nodePending = false;
-        return;
-    }
-    for (;;) {
-        if (rd() != '<') {
-            --cursor;
-            return scanContent();
-        }
-        const char kind = rd();
-        if (kind == '/') return readEndTag();
-        if (kind == '?') {
-            readPIOrXmlDecl();
-        } else if (kind != '!') {
-            --cursor;
-            return readStartTag();
-        } else {
-            if (cursor == bufferEnd) raiseEnd();
-            if (*cursor == '[') {
-                cursor -= 2;
-                return scanContent();  // a CDATA section is text
-            }
-            if (*cursor != '-') raiseWith("Invalid character sequence <!", {cursor, 1});
-            ++cursor;
-            readComment();
-        }
-    }
-}
+namespace tessit {
 
-// Entered just after "</". The name is resolved while the element's scope is still open.
-void QeXmlReader::readEndTag() {
-    --depth;
-    lastNodeType = ElementEnd;
-    // Most end tags close the element whose start tag was the last one: then the name is there already.
-    if (!takeLastNameAgain()) writeElementName(readName());
-    readS();
-    closeScope();
-    if (const char byte = rd(); byte != '>') raiseWith("Unexpected character ", {&byte, 1});
-}
-
-// Passes the name of the last tag, if it stands here again, ended by a '>', and resolves to the same.
-bool QeXmlReader::takeLastNameAgain() noexcept {
-    const std::string_view raw = lastNameWritten.raw;
-    if (static_cast<std::size_t>(bufferEnd - cursor) <= raw.size() || cursor[raw.size()] != '>') return false;
-    if (lastNameWritten.state != namespaceStack.state()) return false;
-    if (raw.empty() || !corvel::sameBytes(cursor, raw.data(), raw.size())) return false;
-    cursor += raw.size();
-    return true;
-}
-
-// Entered just after the '<'. The scope is opened before the attributes are read,
-// so that the tag's declarations go into it; names are resolved once all were seen.
-void QeXmlReader::readStartTag() {
-    const RawName name = readName();
-    namespaceStack.pushScope();
-    closedScope.clear();
-    if (*cursor == '>') {
-        lastAttributes.clear();
-    } else {
-        expectShapeOf(name);
-        if (!expectsShape() || !readIntoSlots()) readAttributes();
-    }
-    closeStartTag(name);
-}
-
-// Entered in front of the '>' or '/', of which there is one.
-void QeXmlReader::closeStartTag(const RawName& name) {
-    if (*cursor++ == '>') {
-        ++depth;
-        lastNodeType = ElementStart;
-        return writeElementName(name);
-    }
-    lastNodeType = EmptyElement;
-    if (rd() != '>') raise("Invalid '/' found in tag");
-    writeElementName(name);
-    closeScope();
-}
-
-// Reads the attributes of a tag that is just like the last one of its name: the
-// names are in their slots already, and the values go there at once. Otherwise goes
-// back to where it began, and returns false.
-bool QeXmlReader::readIntoSlots() {
-    if (!shape->isInSlots || shape->state != namespaceStack.state()) return false;
-    const char* const start = cursor;
-    openSlots(shape->attributes.size());
-    for (const TagShape::Attribute& expected : shape->attributes) {
-        if (passExpectedName(expected.name) && readValueInto(lastAttributes.attributes[expected.slot].value)) continue;
-        return missShapeAt(start);
-    }
-    readS();
-    const bool isWhole = cursor != bufferEnd && (*cursor == '>' || *cursor == '/');
-    if (!isWhole) return missShapeAt(start);
-    lastAttributes.lookAtLocalNames();
-    shape->lastPause = 0;
-    return true;
-}
-
-// Goes back to `start`. Returns false.
-bool QeXmlReader::missShapeAt(const char* start) noexcept {
-    noteMiss();
-    cursor = start;
-    return false;
-}
-
-// Passes whitespace and the name with its '='. If something else stands there, stops anywhere and returns false.
-bool QeXmlReader::passExpectedName(const RawName& expected) noexcept {
-    readS();
-    if (static_cast<std::size_t>(bufferEnd - cursor) <= expected.length || cursor[expected.length] != '=') return false;
-    const char* const start = cursor;
-    cursor += expected.length + 1;
-    return corvel::sameBytes(start, expected.data, expected.length);
-}
-
-// Reads a value with its quotes. If there is none, or a wrong one, stops anywhere and returns false.
-bool QeXmlReader::readValueInto(QeCString& value) {
-    if (cursor == bufferEnd) return false;
-    const char quote = *cursor++;
-    if (quote != '"' && quote != '\'') return false;
-    const char* const start = cursor;
-    const char reference = expandAttributeReference ? '&' : quote;
-    if (bufferEnd - start >= 32) {
-        const std::size_t length = corvel::findIn32(start, quote, '<', reference);
-        if (length != 32 && start[length] == quote) {
-            value.assignFromWindow(start, length);
-            cursor = start + length + 1;
-            return true;
-        }
-    }
-    const char* const stop = findAny(start, bufferEnd, quote, '<', reference);
-    if (stop == bufferEnd || *stop == '<') return false;
-    cursor = stop + 1;
-    if (*stop == quote) {
-        value.assign(start, static_cast<std::size_t>(stop - start));
-    } else {
-        value.clear();
-        expandValue(value, start, quote);
-    }
-    return true;
-}
-
-// Reads what stands before the '>' or '/' of a start tag.
-[[gnu::noinline]] void QeXmlReader::readAttributes() {
-    rawAttributes.clear();
-    valueScratch.clear();
-    for (;;) {
-        readS();
-        if (cursor == bufferEnd) raiseEnd();
-        if (*cursor == '>' || *cursor == '/') return fixupAttributes();
-        readAttribute();
-    }
-}
-
-void QeXmlReader::readAttribute() {
-    RawAttribute attribute{readName(), {}, {}};
-    readS();
-    if (rd() != '=') raise("Invalid character in attribute definition");
-    readS();
-    const char quote = rd();
-    if (quote != '"' && quote != '\'') raise("invalid character in attribute definition");
-    readValue(quote, attribute);
-    addAttribute(attribute);
-}
-
-// Passes the value and its closing quote. A value without references is a view of the document.
-void QeXmlReader::readValue(char quote, RawAttribute& attribute) {
-    const char* const start = cursor;
-    const char* const stop = findAny(start, bufferEnd, quote, '<', expandAttributeReference ? '&' : quote);
-    cursor = stop;
-    const char byte = rd();
-    if (byte == '<') raise("Syntax error: unterminated attribute value");
-    if (byte == quote) {
-        attribute.value = {start, static_cast<std::size_t>(stop - start)};
-    } else {
-        const std::size_t scratchStart = valueScratch.length();
-        expandValue(valueScratch, start, quote);
-        attribute.expanded = {scratchStart, valueScratch.length() - scratchStart};
-    }
-}
-
-// Entered behind the first '&' of the value that begins at `start`; appends the value to `target`.
-[[gnu::noinline]] void QeXmlReader::expandValue(QeCString& target, const char* start, char quote) {
-    tessit::TextBuilder value(target);
-    value.put({start, static_cast<std::size_t>(cursor - 1 - start)});
-    for (;;) {
-        char encoded[4];
-        value.put(readReference(encoded));
-        value.putPlain(cursor, bufferEnd, quote, '<', '&');
-        const char stop = rd();
-        if (stop == quote) return;
-        if (stop == '<') raise("Syntax error: unterminated attribute value");
-    }
-}
-
-// Leaves the cursor on the '<' of the next tag. Most texts are one run up to there.
-void QeXmlReader::scanContent() {
-    lastNodeType = Content;
-    if (readShortContent()) return;
-    const char* const stop = findAny(cursor, bufferEnd, '<', '&', '\r');
-    lastContent.assign(cursor, static_cast<std::size_t>(stop - cursor));
-    cursor = stop;
-    const bool endsAtTag = bufferEnd - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
-    if (!endsAtTag) readContentPieces();
-}
-
-// Reads a text of up to 31 bytes that ends at a tag, without a branch on its
-// length: such lengths differ from text to text, and are mostly mispredicted.
-// Else does nothing.
-bool QeXmlReader::readShortContent() {
-    constexpr std::ptrdiff_t WindowSize = 32;
-    if (bufferEnd - cursor <= WindowSize + 1) return false;
-    const bool startsWithLine = cursor[0] == '\r' && cursor[1] == '\n';
-    const char* const start = cursor + startsWithLine;
-    const std::size_t length = corvel::findIn32(start, '<', '&', '\r');
-    const char* const stop = start + length;
-    if (length == WindowSize || *stop != '<' || stop[1] == '!' || stop[1] == '?') return false;
-    lastContent.assignFromWindow(start, length);
-    cursor = stop;
-    return true;
-}
-
-// Goes on with a text, from what is not plain in it.
-[[gnu::noinline]] void QeXmlReader::readContentPieces() {
-    for (;;) {
-        if (cursor == bufferEnd) raiseEnd();
-        if (*cursor == '<') {
-            ++cursor;
-            if (!readMarkupInContent()) return;
-        } else {
-            appendText();
-        }
-    }
-}
-
-// Appends text up to the next '<', with references replaced and line ends made one line feed.
-void QeXmlReader::appendText() {
-    tessit::TextBuilder text(lastContent);
-    for (;;) {
-        text.putPlain(cursor, bufferEnd, '<', '&', '\r');
-        if (cursor == bufferEnd || *cursor == '<') return;
-        if (*cursor++ == '&') {
-            char encoded[4];
-            text.put(readReference(encoded));
-        } else if (cursor == bufferEnd || *cursor != '\n') {
-            text.put('\n');  // a lone carriage return; before a line feed it is dropped
-        }
-    }
-}
-
-// Entered just after a '<' in text. Passes a comment or an instruction, takes in a
-// CDATA section, and steps back from a tag, where the text ends: then false.
-bool QeXmlReader::readMarkupInContent() {
-    const char byte = rd();
-    if (byte == '?') {
-        readPIOrXmlDecl();
-        return true;
-    }
-    if (byte != '!') {
-        cursor -= 2;
-        return false;
-    }
-    switch (const char kind = rd()) {
-        case '-':
-            readComment();
-            return true;
-        case '[':
-            readCDATA();
-            return true;
-        default:
-            raiseWith("Invalid character sequence <!", {&kind, 1});
-    }
-}
-
-// Passes a name. The first character is examined by its class; of the others,
-// everything past ASCII belongs to the name.
-QeXmlReader::RawName QeXmlReader::readName() {
-    if (bufferEnd - cursor >= tessit::NameBlock::Size) {
-        const tessit::NameBlock block(cursor);
-        if (block.isWhole()) {
-            cursor += block.length();
-            return {cursor - block.length(), block.length(), block.localStart()};
-        }
-    }
-    return readLongName();
+std::string_view Scanner::take(std::size_t count) {
+    if (static_cast<std::size_t>(end - cursor) < count) raise("Premature EOF");
+    cursor += count;
+    return {cursor - count, count};
 }
 
 // A name byte by byte: one of more than a block, or at the end of the document, or with characters past ASCII.
-[[gnu::noinline]] QeXmlReader::RawName QeXmlReader::readLongName() {
-    if (cursor == bufferEnd) raiseEnd();
+TESSIT_NOINLINE RawName Scanner::readLongName() {
+    if (cursor == end) raiseEnd();
     const char* const start = cursor;
-    if (nameByte(*start) != tessit::StartsName) return readNameSlowly(start, 0);
+    if (nameByte(*start) != StartsName) return readNameSlowly(start, 0);
     const char* at = start + 1;
-    while (at != bufferEnd && nameByte(*at) - 1u < tessit::StartsName)
+    while (at != end && nameByte(*at) - 1u < StartsName)
         ++at;
     std::size_t localStart = 0;
-    if (at != bufferEnd && nameByte(*at) == tessit::SplitsName) {
+    if (at != end && nameByte(*at) == SplitsName) {
         localStart = static_cast<std::size_t>(at + 1 - start);
         do
             ++at;
-        while (at != bufferEnd && nameByte(*at) - 1u < tessit::SplitsName);
+        while (at != end && nameByte(*at) - 1u < SplitsName);
     }
-    if (at == bufferEnd) raiseEnd();
-    if (nameByte(*at) == tessit::MultiByteName) return readNameSlowly(at, localStart);
+    if (at == end) raiseEnd();
+    if (nameByte(*at) == MultiByteName) return readNameSlowly(at, localStart);
     cursor = at;
     return {start, static_cast<std::size_t>(at - start), localStart};
 }
 
 // Goes on with a name at `from`, where a character stands that is not plain; the
 // cursor is still on the name's first.
-QeXmlReader::RawName QeXmlReader::readNameSlowly(const char* from, std::size_t localStart) {
+RawName Scanner::readNameSlowly(const char* from, std::size_t localStart) {
     const char* const start = cursor;
     const char* at = from;
     if (at == start) {
         std::uint32_t first = 0;
         cursor = passCharacter(at, first);
-        if (tessit::charClass(first) != tessit::NameStart) {
+        if (charClass(first) != NameStart) {
             const auto length = static_cast<std::size_t>(cursor - at);
             raiseWith("Illegal starting character for name: ", {at, first == 0 ? 0 : length});
         }
@@ -341,16 +57,16 @@ QeXmlReader::RawName QeXmlReader::readNameSlowly(const char* from, std::size_t l
         if (first == ':') localStart = 1;
     }
     for (;;) {
-        if (at == bufferEnd) raiseEnd();
-        const tessit::NameByte kind = nameByte(*at);
-        if (kind == tessit::EndsName) break;
-        if (kind == tessit::MultiByteName) {
+        if (at == end) raiseEnd();
+        const NameByte kind = nameByte(*at);
+        if (kind == EndsName) break;
+        if (kind == MultiByteName) {
             std::uint32_t character;
             at = passCharacter(at, character);
             continue;
         }
         ++at;
-        if (kind == tessit::SplitsName && localStart == 0) localStart = static_cast<std::size_t>(at - start);
+        if (kind == SplitsName && localStart == 0) localStart = static_cast<std::size_t>(at - start);
     }
     cursor = at;
     return {start, static_cast<std::size_t>(at - start), localStart};
@@ -363,7 +79,7 @@ std::ptrdiff_t characterLength(unsigned char lead) {
     return lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3 : 4;
 }
 
-// Decodes a character of that length; a value past Unicode where the bytes are not UTF-8.
+// Decodes a character of that length, a surrogate too; a value past Unicode where the bytes are not UTF-8.
 std::uint32_t decodeCharacter(const char* at, std::ptrdiff_t length) {
     constexpr std::uint32_t Malformed = 0x110000;
     constexpr std::uint32_t Least[] = {0, 0, 0x80, 0x800, 0x10000};
@@ -376,16 +92,15 @@ std::uint32_t decodeCharacter(const char* at, std::ptrdiff_t length) {
         if ((byte & 0xC0) != 0x80) return Malformed;
         value = value << 6 | (byte & 0x3F);
     }
-    const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
-    return value < Least[length] || isSurrogate ? Malformed : value;
+    return value < Least[length] ? Malformed : value;
 }
 
 }  // namespace
 
 // Decodes the character at `at` and returns where it ends. Errors are raised with the cursor on its first byte.
-const char* QeXmlReader::passCharacter(const char* at, std::uint32_t& codePoint) {
+const char* Scanner::passCharacter(const char* at, std::uint32_t& codePoint) {
     const std::ptrdiff_t length = characterLength(static_cast<unsigned char>(*at));
-    if (bufferEnd - at < length) {
+    if (end - at < length) {
         cursor = at;
         raise("Premature EOF inside character");
     }
@@ -397,9 +112,110 @@ const char* QeXmlReader::passCharacter(const char* at, std::uint32_t& codePoint)
     return at + length;
 }
 
-void QeXmlReader::readS() noexcept {
-    while (cursor != bufferEnd && tessit::isSpace(*cursor))
-        ++cursor;
+char Scanner::readEqualsAndQuote() {
+    skipSpace();
+    if (take() != '=') raise("Invalid character in attribute definition");
+    skipSpace();
+    const char quote = take();
+    if (quote != '"' && quote != '\'') raise("invalid character in attribute definition");
+    return quote;
+}
+
+std::string_view Scanner::readValue(char quote, bool expands, QeCString& scratch) {
+    const char* const start = cursor;
+    const char* const stop = findAny(start, end, quote, '<', expands ? '&' : quote);
+    cursor = stop;
+    const char byte = take();
+    if (byte == '<') raise("Syntax error: unterminated attribute value");
+    if (byte == quote) return {start, static_cast<std::size_t>(stop - start)};
+    expandValue(scratch, start, quote);
+    return {};
+}
+
+// Entered behind the first '&' of the value that begins at `start`; appends the value to `target`.
+TESSIT_NOINLINE void Scanner::expandValue(QeCString& target, const char* start, char quote) {
+    TextBuilder value(target);
+    value.put({start, static_cast<std::size_t>(cursor - 1 - start)});
+    for (;;) {
+        char encoded[4];
+        value.put(readReference(encoded));
+        value.putPlain(cursor, end, quote, '<', '&');
+        const char stop = take();
+        if (stop == quote) return;
+        if (stop == '<') raise("Syntax error: unterminated attribute value");
+    }
+}
+
+void Scanner::appendText(QeCString& target) {
+    TextBuilder text(target);
+    for (;;) {
+        text.putPlain(cursor, end, '<', '&', '\r');
+        if (cursor == end || *cursor == '<') return;
+        if (*cursor++ == '&') {
+            char encoded[4];
+            text.put(readReference(encoded));
+        } else if (cursor == end || *cursor != '\n') {
+            text.put('\n');  // a lone carriage return; before a line feed it is dropped
+        }
+    }
+}
+
+// Looks for the '>', which instructions seldom hold, and then back.
+void Scanner::skipInstruction() {
+    for (const char* at = cursor; (at = findByte(at, end, '>')) != end; ++at) {
+        if (at > cursor && at[-1] == '?') {
+            cursor = at + 1;
+            return;
+        }
+    }
+    raiseEnd();
+}
+
+void Scanner::skipDocumentType() {
+    for (std::ptrdiff_t brackets = 0;;) {
+        const char byte = take();
+        if (byte == '[') ++brackets;
+        if (byte == ']') --brackets;
+        if (byte == '>' && brackets == 0) return;
+    }
+}
+
+void Scanner::skipComment() {
+    if (take() != '-') raise("Syntax error on comment");
+    for (;;) {
+        cursor = findByte(cursor, end, '-');
+        take();
+        if (take() != '-') continue;
+        if (take() != '>') raise("Invalid -- inside comment");
+        return;
+    }
+}
+
+// Looks for the '>' and then back, so that runs of ']' cost nothing.
+void Scanner::readCDATA(QeCString& text) {
+    if (readName().whole() != "CDATA") raise("'<![' wasn't followed by 'CDATA'");
+    if (take() != '[') raise("'<![CDATA' wasn't followed by '['");
+    const char* const start = cursor;
+    for (const char* at = start; (at = findByte(at, end, '>')) != end; ++at) {
+        if (at - start >= 2 && at[-1] == ']' && at[-2] == ']') {
+            text.append(start, static_cast<std::size_t>(at - 2 - start));
+            cursor = at + 1;
+            return;
+        }
+    }
+    raiseEnd();
+}
+
+std::string_view Scanner::readPseudoValue() {
+    skipSpace();
+    take();
+    skipSpace();
+    take();
+    const char* const start = cursor;
+    for (;;) {
+        const char byte = take();
+        if (byte == '"' || byte == '\'') return {start, static_cast<std::size_t>(cursor - 1 - start)};
+    }
 }
 
 namespace {
@@ -460,16 +276,16 @@ const char* characterOf(std::string_view body) {
 // Entered just after the '&'; returns what the reference stands for. An unknown
 // entity is no error: it stands for its reference as written. `encoded` is room
 // for the character.
-std::string_view QeXmlReader::readReference(char (&encoded)[4]) {
-    if (bufferEnd - cursor >= std::ptrdiff_t{Entity::WordSize}) {
+std::string_view Scanner::readReference(char (&encoded)[4]) {
+    if (end - cursor >= std::ptrdiff_t{Entity::WordSize}) {
         if (const FoundEntity entity = findEntity(cursor); entity.length != 0) {
             cursor += entity.length;
             encoded[0] = entity.character;
             return {encoded, 1};
         }
     }
-    const char* const semicolon = findByte(cursor, bufferEnd, ';');
-    if (semicolon == bufferEnd) raiseEnd();
+    const char* const semicolon = findByte(cursor, end, ';');
+    if (semicolon == end) raiseEnd();
     const std::string_view body(cursor, static_cast<std::size_t>(semicolon - cursor));
     cursor = semicolon + 1;
     if (body.empty()) raise("Empty reference");
@@ -492,7 +308,7 @@ int digitValue(char digit, unsigned base) {
 
 // `body` is what stands between "&#" and ";". The value is not checked: it wraps
 // at 32 bits, and no digits after the 'x' make 0.
-std::string_view QeXmlReader::readNumericReference(std::string_view body, char (&encoded)[4]) const {
+std::string_view Scanner::readNumericReference(std::string_view body, char (&encoded)[4]) {
     if (body.empty()) raise("Empty character reference");
     const bool hexadecimal = body[0] == 'x';
     const unsigned base = hexadecimal ? 16 : 10;
@@ -503,5 +319,7 @@ std::string_view QeXmlReader::readNumericReference(std::string_view body, char (
         if (digitIn < 0) raise("invalid character in decimal character reference.");
         value = value * base + static_cast<unsigned>(digitIn);
     }
-    return {encoded, static_cast<std::size_t>(tessit::putUtf8(encoded, value) - encoded)};
+    return {encoded, static_cast<std::size_t>(putUtf8(encoded, value) - encoded)};
 }
+
+}  // namespace tessit

@@ -4,10 +4,12 @@
 
 namespace tessit {
 
-QeCString latin1ToUtf8(std::string_view bytes) {
+std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t mostBytes) {
     const auto high = std::count_if(bytes.begin(), bytes.end(), [](char byte) { return (byte & 0x80) != 0; });
+    const std::size_t length = bytes.size() + static_cast<std::size_t>(high);
+    if (length > mostBytes) return std::nullopt;
     QeCString result;
-    char* out = result.resizeForOverwrite(bytes.size() + static_cast<std::size_t>(high));
+    char* out = result.resizeForOverwrite(length);
     for (const char byte : bytes)
         out = putUtf8(out, static_cast<unsigned char>(byte));
     return result;
@@ -53,10 +55,11 @@ std::size_t utf8Length(std::uint32_t codePoint) {
 }  // namespace
 
 template <std::endian Order>
-QeCString utf16ToUtf8(std::string_view bytes) {
+std::optional<QeCString> utf16ToUtf8(std::string_view bytes, std::uint64_t mostBytes) {
     std::size_t length = 0;
     for (Utf16Units<Order> units(bytes); !units.done();)
         length += utf8Length(units.takeCodePoint());
+    if (length > mostBytes) return std::nullopt;
     QeCString result;
     char* out = result.resizeForOverwrite(length);
     for (Utf16Units<Order> units(bytes); !units.done();)
@@ -64,7 +67,7 @@ QeCString utf16ToUtf8(std::string_view bytes) {
     return result;
 }
 
-template QeCString utf16ToUtf8<std::endian::big>(std::string_view bytes);
-template QeCString utf16ToUtf8<std::endian::little>(std::string_view bytes);
+template std::optional<QeCString> utf16ToUtf8<std::endian::big>(std::string_view, std::uint64_t);
+template std::optional<QeCString> utf16ToUtf8<std::endian::little>(std::string_view, std::uint64_t);
 
 }  // namespace tessit

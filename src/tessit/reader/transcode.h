@@ -2,21 +2,25 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include <corvel/c_string.h>
 
 /// The conversions to UTF-8 that need no tables. Each counts its result first, so
-/// that it allocates exactly once and exactly as much as it needs.
+/// that it allocates exactly once and exactly as much as it needs, and gives up
+/// before that where the result would have more bytes than it may.
 namespace tessit {
 
-/// The UTF-8 form of ISO-8859-1 text.
-QeCString latin1ToUtf8(std::string_view bytes);
+/// The UTF-8 form of ISO-8859-1 text, unless it has more than `mostBytes`.
+std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t mostBytes);
 
-/// The UTF-8 form of UTF-16 text in the given byte order. A last odd byte is
-/// ignored; an unpaired surrogate is encoded like any other unit, in three bytes.
+/// The UTF-8 form of UTF-16 text in the given byte order, unless it has more than
+/// `mostBytes`. A last odd byte is ignored; an unpaired surrogate is encoded like any
+/// other unit, in three bytes.
 template <std::endian Order>
-QeCString utf16ToUtf8(std::string_view bytes);
+std::optional<QeCString> utf16ToUtf8(std::string_view bytes, std::uint64_t mostBytes);
 
 /// Writes the UTF-8 form of a code point, 1 to 4 bytes, and returns where it ends.
 /// Nothing is rejected; of a value past U+1FFFFF only the low 21 bits remain.

@@ -1,6 +1,5 @@
 #include <span>
 
-#include <tessit/reader/open_elements.h>
 #include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_sax_parser.h>
 
@@ -20,16 +19,12 @@ std::span<const unsigned char> bytesOf(const QeCString& text) {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.length()};
 }
 
-void closeElement(tessit::OpenElements& open, const QeXmlReader& reader) {
-    if (!open.close()) reader.err("Unmatched start tag for " + reader.getLastName().asString());
-}
-
 }  // namespace
 
 void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
     QeXmlReader reader(bytesOf(text));
     reader.setExpandAttributeReference(expandAttributeReference);
-    tessit::OpenElements open(reader);
+    reader.setMatchTags(true);
     if (contentHandler != nullptr && !reader.getVersion().empty()) contentHandler->prolog(prologOf(reader));
 
     while (!reader.eof()) {
@@ -37,11 +32,9 @@ void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
         const QeXmlName& name = reader.getLastName();
         switch (reader.getLastNodeType()) {
             case QeXmlReader::ElementStart:
-                open.push();
                 if (contentHandler != nullptr) contentHandler->elementStart(name, reader.getLastAttributes());
                 break;
             case QeXmlReader::ElementEnd:
-                closeElement(open, reader);
                 if (contentHandler != nullptr) contentHandler->elementEnd(name);
                 break;
             case QeXmlReader::EmptyElement:

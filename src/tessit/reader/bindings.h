@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include <corvel/byte_scan.h>
+#include <tessit/model/model_access.h>
+#include <tessit/model/xml_namespace_stack.h>
+
+namespace tessit {
+
+/// What prefixes mean: inside a tag, in front of it, and behind it. Knows nothing of
+/// the document but the prefixes that it is asked for.
+///
+/// A binding that is returned is valid until the next scope ends or a prefix is bound.
+class Bindings {
+public:
+    /// Works on the reader's stack.
+    explicit Bindings(QeXmlNamespaceStack& stack) noexcept : inForce(stack) {}
+
+    /// Opens the scope of a tag. The declarations of the last one that closed are forgotten.
+    void openScope() noexcept {
+        inForce.pushScope();
+        ModelAccess::clear(closed);
+    }
+
+    void declare(std::string_view prefix, std::string_view uri) { ModelAccess::addBinding(inForce, prefix, uri); }
+
+    /// Ends the innermost scope. Its own declarations can still be asked for by `uriInsideTag`.
+    void closeScope() {
+        if (!ModelAccess::hasScope(closed) && !tagDeclares()) return inForce.popScope();
+        ModelAccess::popScopeInto(inForce, closed);
+    }
+
+    /// Whether the innermost scope binds anything.
+    bool tagDeclares() const noexcept { return ModelAccess::innermostDeclares(inForce); }
+
+    /// A number for the bindings in force: as long as it is the same, each prefix has the
+    /// same binding, at the same address. It comes back when a scope ends.
+    std::uint64_t version() const noexcept { return ModelAccess::stateOf(inForce); }
+
+    /// The binding in force of a prefix, or null. Bytes up to `readableEnd` can be read.
+    const QeXmlNamespace* find(std::string_view prefix, const char* readableEnd) noexcept {
+        return version() == 0 ? nullptr : findBound(prefix, readableEnd);  // most documents bind nothing
+    }
+
+    /// The URI that a prefix has inside the last tag, the tag's own declarations included.
+    const QeCString& uriInsideTag(std::string_view prefix) const noexcept;
+
+    /// The URI that a prefix has in front of the last tag, which opened an element; its
+    /// scope is open or, where the tag was its own end, closed again.
+    const QeCString& uriInFrontOfTag(std::string_view prefix, bool isOpen) const noexcept;
+
+private:
+    // A prefix of up to seven bytes with its length, and the binding it has in one version of the bindings.
+    struct CachedPrefix {
+        std::uint64_t key = ~std::uint64_t{0};
+        std::uint64_t version = 0;
+        const QeXmlNamespace* binding = nullptr;
+    };
+
+    const QeXmlNamespace* findBound(std::string_view prefix, const char* readableEnd) noexcept;
+
+    static constexpr unsigned CacheBits = 4;
+
+    QeXmlNamespaceStack& inForce;
+
+    // The bindings of the element that the last tag closed: names in front of that
+    // tag still resolve with them, the caller's lookups no longer.
+    QeXmlNamespaceStack closed;
+
+    CachedPrefix cache[1 << CacheBits];
+};
+
+}  // namespace tessit

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <tessit/reader/bindings.h>
+#include <tessit/reader/input.h>
+#include <tessit/reader/open_elements.h>
+#include <tessit/reader/tag_slots.h>
+#include <tessit/reader/xml_reader.h>
+
+/// What stands behind a reader: its parts, each on the reader's members that it is
+/// about, and what the public calls do with them.
+///
+/// A byte goes from the input through a scanner, which lives as long as a call, to the
+/// tag slots or the text; what drives it on is the `NodeReader`. The public calls hold
+/// the node that comes of it against what the program expects.
+struct QeXmlReader::Engine {
+    explicit Engine(QeXmlReader& owner);
+
+    // nodes.cpp and prolog.cpp
+    void readProlog();
+    void readContent();
+
+    /// Takes in a declared encoding. All views of the document may be void behind it.
+    void declareEncoding(const QeCString& name);
+
+    // pull.cpp
+    const QeXmlName& keepExpected(const QeXmlName& name);
+    const QeCString& keepExpected(const QeCString& qname);
+    void takeNextNode();
+    void lookAhead();
+    void demandStart();
+    void demandEnd();
+    template <typename Name>
+    void demandStart(const Name& name);
+    template <typename Name>
+    void demandEnd(const Name& name);
+    template <typename Name>
+    bool startsNext(const Name& name);
+    const QeCString& uriOf(const ExpectedName& expected) const noexcept;
+    bool matchesStart(const ExpectedName& expected) const;
+    bool matchesEnd(const ExpectedName& expected) const;
+    bool asksForAny(const ExpectedName& expected) const noexcept;
+    QeCString readElement(const ExpectedName& expected);
+    std::size_t skipToMatchingEnd(const RawCopy& copy);
+    QeCString rebuildTag() const;
+    [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
+
+    class NodeReader;
+
+    QeXmlReader& reader;
+    tessit::Input input;
+    tessit::Bindings bindings;
+    tessit::TagSlots slots;
+    tessit::OpenElements openElements;  // of a reader that matches tags
+    bool matchesTags = false;
+    QeXmlName expectedName;      // what the caller demands; working storage of one call
+    RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
+};

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include <corvel/c_string.h>
+
+namespace tessit {
+
+/// The document's bytes and the place that was read up to. Finds out their encoding,
+/// converts them to UTF-8, bounds what conversions may produce, counts lines, and
+/// raises every error with its position. Knows nothing of XML.
+class Input {
+public:
+    /// The reader's members of these names, which the input sets and moves.
+    struct Members {
+        const char*& cursor;
+        const char*& bufferStart;
+        const char*& bufferEnd;
+        QeCString& ownedDocument;
+        QeCString& encoding;
+    };
+
+    explicit Input(const Members& members) noexcept
+        : cursor(members.cursor),
+          bufferStart(members.bufferStart),
+          bufferEnd(members.bufferEnd),
+          ownedDocument(members.ownedDocument),
+          encoding(members.encoding) {}
+
+    /// Begins with these bytes, which stay where they are.
+    void take(std::string_view document) noexcept;
+
+    /// Tells the encoding by a mark or by the first bytes, and converts what is not UTF-8.
+    void detectEncoding();
+
+    /// Makes the encoding a declared one. Returns all from the cursor on in UTF-8 where
+    /// that makes a difference: it is for `replaceRest`, once nobody needs the old bytes.
+    std::optional<QeCString> declareEncoding(const QeCString& name);
+
+    /// Goes on with these bytes. What was before the cursor is gone, so positions count from here.
+    void replaceRest(QeCString&& converted) noexcept;
+
+    const char* position() const noexcept { return cursor; }
+
+    /// The cursor itself, for who moves it, and where the bytes end.
+    const char*& place() noexcept { return cursor; }
+    const char* const& limit() const noexcept { return bufferEnd; }
+
+    /// Throws `QeXmlParseError` with this message and the cursor's line and column.
+    /// O(bytes read since the last error).
+    [[noreturn]] void raise(const QeCString& message) const;
+
+    /// The same with the cursor at that place, and with what was found there behind the message.
+    [[noreturn]] void raiseAt(const char* place, const char* message, std::string_view found = {});
+
+private:
+    // The line feeds in front of a place in the buffer.
+    struct LineCount {
+        const char* upTo = nullptr;
+        const char* lineStart = nullptr;
+        std::size_t lines = 0;
+    };
+
+    std::string_view rest() const noexcept { return {cursor, static_cast<std::size_t>(bufferEnd - cursor)}; }
+    std::optional<QeCString> convertRest(const QeCString& name);
+    QeCString convertByTables(const QeCString& name);
+    QeCString withinAllowance(std::optional<QeCString>&& converted);
+    const LineCount& countLines() const;
+    [[noreturn]] void raiseTranscoding(const char* reason) const;
+
+    const char*& cursor;       // the next byte to be read
+    const char*& bufferStart;  // lines and columns count from here
+    const char*& bufferEnd;
+    QeCString& ownedDocument;
+    QeCString& encoding;
+
+    bool isDetected = false;                // no declaration was taken in yet
+    std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
+    mutable LineCount counted;              // up to the last error
+};
+
+}  // namespace tessit

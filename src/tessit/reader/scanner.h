@@ -1,0 +1,220 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <corvel/byte_scan.h>
+#include <corvel/c_string.h>
+#include <corvel/compiler.h>
+#include <corvel/string_access.h>
+#include <tessit/reader/char_class.h>
+#include <tessit/reader/input.h>
+#include <tessit/reader/name_scan.h>
+#include <tessit/reader/raw_name.h>
+
+namespace tessit {
+
+/// Turns input into names, values and text: one function a construct, each entered and
+/// left as its comment says. Knows nothing of namespaces, nor what is open.
+///
+/// Lives on the stack for the length of one reading call, and has the cursor meanwhile;
+/// the input has it again before an error is raised, and when the scanner is gone. Hot
+/// loops run over bytes that need no thought to the first that does. What is rare is read
+/// by a scanner of its own: the address of the first one is then never taken, and all of it
+/// stays in registers.
+class Scanner {
+public:
+    explicit Scanner(Input& source) noexcept : Scanner(source, source.place(), source.limit()) {}
+
+    /// The same, for who knows where the input keeps its place and its end.
+    Scanner(Input& source, const char*& place, const char* const& limit) noexcept
+        : cursor(place), end(limit), home(place), homeEnd(limit), input(source) {}
+    ~Scanner() { giveCursor(); }
+    Scanner(const Scanner&) = delete;
+    Scanner& operator=(const Scanner&) = delete;
+
+    /// Has another scanner go on from here, and then goes on behind it.
+    template <typename Read>
+    auto apart(const Read& read) {
+        giveCursor();
+        struct GoOn {
+            Scanner& scanner;
+            ~GoOn() { scanner.takeCursor(); }
+        } goOn{*this};
+        Scanner other(input);
+        return read(other);
+    }
+
+    const char* position() const noexcept { return cursor; }
+    const char* inputEnd() const noexcept { return end; }
+    void goBackTo(const char* place) noexcept { cursor = place; }
+    bool atEnd() const noexcept { return cursor == end; }
+
+    /// The next byte, of which there must be one.
+    char peek() const noexcept { return *cursor; }
+    void skip(std::size_t count) noexcept { cursor += count; }
+    void stepBack(std::size_t count) noexcept { cursor -= count; }
+
+    /// Takes the next byte; raises an error at the end.
+    char take() {
+        if (cursor == end) raiseEnd();
+        return *cursor++;
+    }
+    std::string_view take(std::size_t count);
+
+    void skipSpace() noexcept {
+        while (cursor != end && isSpace(*cursor))
+            ++cursor;
+    }
+
+    /// Passes a name. The first character is examined by its class; of the others,
+    /// everything past ASCII belongs to the name.
+    RawName readName() {
+        if (end - cursor >= NameBlock::Size) {
+            const NameBlock block(cursor);
+            if (block.isWhole()) {
+                cursor += block.length();
+                return {cursor - block.length(), block.length(), block.localStart()};
+            }
+        }
+        return apart([](Scanner& scanner) { return scanner.readLongName(); });
+    }
+
+    /// Whether these bytes stand here, in front of that one.
+    bool standsHere(std::string_view bytes, char next) const noexcept {
+        if (static_cast<std::size_t>(end - cursor) <= bytes.size() || cursor[bytes.size()] != next) return false;
+        return corvel::sameBytes(cursor, bytes.data(), bytes.size());
+    }
+
+    /// Passes white space and the name with its '='. If something else stands there, stops anywhere and returns false.
+    bool passExpectedName(std::string_view name) noexcept {
+        skipSpace();
+        if (static_cast<std::size_t>(end - cursor) <= name.size() || cursor[name.size()] != '=') return false;
+        const char* const start = cursor;
+        cursor += name.size() + 1;
+        return corvel::sameBytes(start, name.data(), name.size());
+    }
+
+    /// Reads a value with its quotes. If there is none, or a wrong one, stops anywhere and returns false.
+    bool readValueInto(QeCString& value, bool expands);
+
+    /// Passes the equals sign of an attribute and the opening quote, which it returns.
+    char readEqualsAndQuote();
+
+    /// Passes a value and its closing quote. One without references is returned as it
+    /// stands in the document; else its text goes behind that of `scratch`, and the
+    /// result is a null view.
+    std::string_view readValue(char quote, bool expands, QeCString& scratch);
+
+    /// Reads a text of up to 31 bytes that ends at a tag, without a branch on its
+    /// length: such lengths differ from text to text, and are mostly mispredicted.
+    /// Else does nothing and returns false.
+    bool readShortText(QeCString& text);
+
+    /// Reads a text up to what needs thought in it. Returns whether that is the tag that ends it.
+    bool readTextRun(QeCString& text);
+
+    /// Appends text up to the next '<', with references replaced and line ends made one line feed.
+    void appendText(QeCString& text);
+
+    /// Entered just after "<![". Appends the section's text as it stands, up to the first "]]>".
+    void readCDATA(QeCString& text);
+
+    /// Entered just after "<!-".
+    void skipComment();
+
+    /// Entered just after the target. Passes the first "?>".
+    void skipInstruction();
+
+    /// Entered just after "<!DOCTYPE". Nothing of the declaration is kept. Brackets are
+    /// counted, quotes are not special: a '>' in a quoted identifier ends it.
+    void skipDocumentType();
+
+    /// Passes an equals sign, an opening quote, and the value to the next quote of either
+    /// kind; what stands for the first two is not examined.
+    std::string_view readPseudoValue();
+
+    /// Raises an error at the cursor.
+    [[noreturn]] void raise(const char* message) const { input.raiseAt(cursor, message); }
+    [[noreturn]] void raiseWith(const char* message, std::string_view found) const {
+        input.raiseAt(cursor, message, found);
+    }
+
+    /// Goes to the end, where something was missing.
+    [[noreturn]] void raiseEnd() {
+        cursor = end;
+        raise("Premature EOF");
+    }
+
+    /// For while the input is changed by another.
+    void giveCursor() noexcept { home = cursor; }
+    void takeCursor() noexcept {
+        cursor = home;
+        end = homeEnd;
+    }
+
+private:
+    RawName readLongName();
+    RawName readNameSlowly(const char* from, std::size_t localStart);
+    const char* passCharacter(const char* at, std::uint32_t& codePoint);
+    void expandValue(QeCString& target, const char* start, char quote);
+    std::string_view readReference(char (&encoded)[4]);
+    std::string_view readNumericReference(std::string_view body, char (&encoded)[4]);
+
+    const char* cursor;
+    const char* end;
+    const char*& home;
+    const char* const& homeEnd;
+
+protected:
+    Input& input;
+};
+
+inline bool Scanner::readValueInto(QeCString& value, bool expands) {
+    if (cursor == end) return false;
+    const char quote = *cursor++;
+    if (quote != '"' && quote != '\'') return false;
+    const char* const start = cursor;
+    const char reference = expands ? '&' : quote;
+    if (end - start >= 32) {
+        const std::size_t length = corvel::findIn32(start, quote, '<', reference);
+        if (length != 32 && start[length] == quote) {
+            corvel::StringAccess::assignFromWindow(value, start, length);
+            cursor = start + length + 1;
+            return true;
+        }
+    }
+    const char* const stop = corvel::findAny(start, end, quote, '<', reference);
+    if (stop == end || *stop == '<') return false;
+    cursor = stop + 1;
+    if (*stop == quote) {
+        value.assign(start, static_cast<std::size_t>(stop - start));
+    } else {
+        value.clear();
+        apart([&](Scanner& scanner) { scanner.expandValue(value, start, quote); });
+    }
+    return true;
+}
+
+inline bool Scanner::readShortText(QeCString& text) {
+    constexpr std::ptrdiff_t WindowSize = 32;
+    if (end - cursor <= WindowSize + 1) return false;
+    const bool startsWithLine = cursor[0] == '\r' && cursor[1] == '\n';
+    const char* const start = cursor + startsWithLine;
+    const std::size_t length = corvel::findIn32(start, '<', '&', '\r');
+    const char* const stop = start + length;
+    if (length == WindowSize || *stop != '<' || stop[1] == '!' || stop[1] == '?') return false;
+    corvel::StringAccess::assignFromWindow(text, start, length);
+    cursor = stop;
+    return true;
+}
+
+inline bool Scanner::readTextRun(QeCString& text) {
+    const char* const stop = corvel::findAny(cursor, end, '<', '&', '\r');
+    text.assign(cursor, static_cast<std::size_t>(stop - cursor));
+    cursor = stop;
+    return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
+}
+
+}  // namespace tessit

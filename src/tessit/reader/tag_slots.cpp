@@ -1,0 +1,218 @@
+#include <algorithm>
+
+#include <tessit/reader/tag_slots.h>
+
+namespace tessit {
+
+namespace {
+
+constexpr std::string_view Xmlns = "xmlns";
+
+// A tag with very many attributes is not worth the memory that it takes to expect another like it.
+constexpr std::size_t MostExpected = 64;
+
+// What names without a namespace are resolved to: its prefix and URI are empty.
+constinit const QeXmlNamespace NoNamespace;
+
+}  // namespace
+
+TagSlots::TagSlots(QeXmlName& lastName, QeXmlAttributeSet& lastAttributes, const char* const& bufferEnd,
+                   Bindings& bindingsInForce)
+    : elementName(lastName), attributes(lastAttributes), readableEnd(bufferEnd), bindings(bindingsInForce) {}
+
+void TagSlots::readAny(Input& input, bool expands) {
+    Scanner scanner(input);
+    rawAttributes.clear();
+    rawAttributes.reserve(Few);
+    valueScratch.clear();
+    for (;;) {
+        scanner.skipSpace();
+        if (scanner.atEnd()) scanner.raiseEnd();
+        if (scanner.peek() == '>' || scanner.peek() == '/') return writeAttributes();
+        readAttribute(scanner, expands);
+    }
+}
+
+void TagSlots::readAttribute(Scanner& scanner, bool expands) {
+    const RawName name = scanner.readName();
+    const char quote = scanner.readEqualsAndQuote();
+    const std::size_t scratchLength = valueScratch.length();
+    const std::string_view value = scanner.readValue(quote, expands, valueScratch);
+    const std::size_t length = value.data() != nullptr ? value.size() : valueScratch.length() - scratchLength;
+    rawAttributes.push_back({name, value.data(), length});
+    if (name.whole().starts_with(Xmlns)) declare(rawAttributes.back());
+}
+
+// Declarations take effect at once, for the names of the whole tag, and stay among the attributes.
+void TagSlots::declare(const RawAttribute& attribute) {
+    const RawName& name = attribute.name;
+    const bool isDefault = name.whole() == Xmlns;
+    if (!isDefault && name.prefix() != Xmlns) return;
+    const std::string_view uri = attribute.value != nullptr
+                                     ? attribute.valueText()
+                                     : valueScratch.substring(valueScratch.length() - attribute.valueLength);
+    bindings.declare(isDefault ? std::string_view() : name.local(), uri);
+}
+
+// Called once the whole tag was read: turns the attributes as scanned into the set.
+// They are put in order before they are written, so that each string is written
+// once, into its final place.
+void TagSlots::writeAttributes() {
+    if (rawAttributes.empty()) return writeNoAttributes();
+    shape->isInSlots = false;  // until all is written: an assignment can throw
+    findValues();
+    Ordered few[Few];
+    const std::size_t count = rawAttributes.size();
+    if (count > Few) manyOrdered.resize(count);
+    const std::span<Ordered> ordered = putInOrder({count > Few ? manyOrdered.data() : few, count});
+    openSlots(ordered.size());
+    for (std::size_t slot = 0; slot < ordered.size(); ++slot)
+        writeAttribute(slot, *ordered[slot].attribute);
+    if (shape->pause == 0 && shape != &firstShape && ordered.size() == count) learnShape(ordered);
+    ModelAccess::lookAtLocalNames(attributes);
+}
+
+// Values that were expanded stand in the scratch text, which moves no more, one behind the other.
+void TagSlots::findValues() noexcept {
+    if (valueScratch.empty()) return;
+    const char* next = valueScratch.data();
+    for (RawAttribute& attribute : rawAttributes) {
+        if (attribute.value != nullptr) continue;
+        attribute.value = next;
+        next += attribute.valueLength;
+    }
+}
+
+// Where tags often turned out different, most are not even compared.
+void TagSlots::noteMiss() noexcept {
+    constexpr unsigned LongestPause = 31;
+    shape->pause = shape->lastPause = std::min(2 * shape->lastPause + 1, LongestPause);
+}
+
+namespace {
+
+// The order of the set, and what makes two attributes the same: the local name,
+// then the prefix as written, whatever it is bound to. A default declaration
+// stands by its value there.
+int compareAsWritten(const RawAttribute& left, const RawAttribute& right) {
+    const auto secondKey = [](const RawAttribute& attribute) {
+        return attribute.name.whole() == Xmlns ? attribute.valueText() : attribute.name.prefix();
+    };
+    const int order = left.name.local().compare(right.name.local());
+    return order != 0 ? order : secondKey(left).compare(secondKey(right));
+}
+
+}  // namespace
+
+// Puts the attributes in order, each name once: of equal ones, the first one's
+// name and the last one's value count.
+std::span<TagSlots::Ordered> TagSlots::putInOrder(std::span<Ordered> ordered) {
+    for (std::size_t i = 0; i < ordered.size(); ++i)
+        ordered[i] = {corvel::firstBytes(rawAttributes[i].name.local(), readableEnd), &rawAttributes[i]};
+    if (ordered.size() == 1) return ordered;
+
+    const auto compare = [](const Ordered& left, const Ordered& right) {
+        if (left.key != right.key) return left.key < right.key ? -1 : 1;
+        return compareAsWritten(*left.attribute, *right.attribute);
+    };
+    std::sort(ordered.begin(), ordered.end(), [&](const Ordered& left, const Ordered& right) {
+        const int order = compare(left, right);
+        return order != 0 ? order < 0 : left.attribute < right.attribute;  // equal ones as in the document
+    });
+    auto out = ordered.begin();
+    for (auto first = out; first != ordered.end(); ++out) {
+        const auto next =
+            std::find_if(first + 1, ordered.end(), [&](const Ordered& other) { return compare(*first, other) != 0; });
+        first->attribute->value = (next - 1)->attribute->value;
+        first->attribute->valueLength = (next - 1)->attribute->valueLength;
+        *out = *first;
+        first = next;
+    }
+    return {ordered.begin(), out};
+}
+
+// Gives the set that many attributes, with what earlier tags left in them.
+void TagSlots::openSlots(std::size_t count) {
+    const std::size_t slots = std::max(count, LeastSlots);
+    const std::size_t expected = shape == &firstShape ? 0 : std::min(count, MostExpected);
+    if (shape->written.size() < expected) shape->written.resize(std::min(slots, MostExpected));
+    ModelAccess::slotsOf(attributes).reserveSlots(slots);
+    takeSlots(count);
+}
+
+// What was in a slot that nobody expects anything of is not known.
+void TagSlots::writeAttribute(std::size_t slot, const RawAttribute& attribute) {
+    const std::string_view prefix = attribute.name.prefix();
+    const QeXmlNamespace* binding = prefix.empty() ? &NoNamespace : bindings.find(prefix, readableEnd);
+    QeXmlAttribute& target = ModelAccess::slotsOf(attributes)[slot];
+    NameWritten unknown;
+    writeName(target.getName(), slot < shape->written.size() ? shape->written[slot] : unknown, attribute.name, binding);
+    ModelAccess::valueOf(target).assign(attribute.valueText());
+}
+
+// Keeps the tag that was just written as what the next one of its name is
+// expected to look like. A tag that declares namespaces is none to expect again.
+void TagSlots::learnShape(std::span<const Ordered> ordered) {
+    const std::size_t count = ordered.size();
+    shape->attributes.clear();
+    if (count > MostExpected || bindings.tagDeclares()) return;
+    shape->attributes.reserve(std::max(count, LeastSlots));
+    shape->attributes.resize(count);
+    for (std::size_t slot = 0; slot < count; ++slot)
+        shape->attributes[static_cast<std::size_t>(ordered[slot].attribute - rawAttributes.data())] = {
+            ordered[slot].attribute->name.whole(), slot};
+    shape->isInSlots = true;
+    shape->version = bindings.version();
+}
+
+void TagSlots::writeElementName(const RawName& name) {
+    const std::string_view prefix = name.prefix();
+    const QeXmlNamespace* binding = bindings.find(prefix, readableEnd);
+    if (binding == nullptr && prefix.empty()) binding = &NoNamespace;
+    writeName(elementName, nameWritten, name, binding);
+}
+
+// Makes `name` the name as written, in the namespace of `binding`; without one, in
+// no namespace, though with its prefix. Does not write what is there already:
+// `written` says what that is.
+void TagSlots::writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding) {
+    const std::uint64_t version = bindings.version();
+    const bool sameBinding = binding == written.binding && !written.raw.empty();
+    const bool sameNamespace =
+        sameBinding && binding != nullptr && (written.version == version || binding == &NoNamespace);
+    if (sameNamespace) {
+        writeLocalName(name, raw);
+        written.raw = raw.whole();
+        return;
+    }
+    if (sameBinding && binding == nullptr && corvel::sameBytes(written.raw, raw.whole())) return;
+
+    written = {};  // until all is there: an assignment can throw
+    writeLocalName(name, raw);
+    if (binding == nullptr) {
+        ModelAccess::prefixOf(name.getNamespace()).assign(raw.prefix());
+        ModelAccess::clearURI(name.getNamespace());
+    } else {
+        ModelAccess::prefixOf(name.getNamespace()) = binding->getPrefix();
+        ModelAccess::shareURI(name.getNamespace(), *binding);
+    }
+    written = {raw.whole(), binding, version};
+}
+
+void TagSlots::writeLocalName(QeXmlName& name, const RawName& raw) {
+    const std::string_view local = raw.local();
+    if (static_cast<std::size_t>(readableEnd - local.data()) >= corvel::StringAccess::Window) {
+        corvel::StringAccess::assignFromWindow(ModelAccess::localNameOf(name), local.data(), local.size());
+    } else {
+        ModelAccess::localNameOf(name).assign(local);
+    }
+}
+
+void TagSlots::forgetDocument() noexcept {
+    nameWritten = {};
+    firstShape.forget();
+    for (TagShape& known : shapes)
+        known.forget();
+}
+
+}  // namespace tessit

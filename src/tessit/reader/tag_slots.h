@@ -1,0 +1,214 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <corvel/byte_scan.h>
+#include <corvel/slot_array.h>
+#include <tessit/model/model_access.h>
+#include <tessit/model/xml_attribute_set.h>
+#include <tessit/reader/bindings.h>
+#include <tessit/reader/raw_name.h>
+#include <tessit/reader/scanner.h>
+
+namespace tessit {
+
+/// An attribute as scanned. A value with references was expanded into a scratch text,
+/// behind the ones before, and is null until that text has all of the tag's.
+struct RawAttribute {
+    RawName name;
+    const char* value;
+    std::size_t valueLength;
+
+    std::string_view valueText() const noexcept { return {value, valueLength}; }
+};
+
+/// Turns the names and values of a tag into the name and the attributes that the reader
+/// delivers, and declares what the tag declares. Knows bindings and what earlier tags
+/// left; of the document only the bytes that it was handed.
+///
+/// What is there already is compared and not written again: most tags look like an
+/// earlier one of the same name, whose attributes stand in their slots still.
+class TagSlots {
+public:
+    /// Works on the reader's members. Bytes up to `bufferEnd` can be read.
+    TagSlots(QeXmlName& lastName, QeXmlAttributeSet& lastAttributes, const char* const& bufferEnd,
+             Bindings& bindingsInForce);
+
+    /// @name The element's name
+    /// @{
+
+    /// Makes the last name that one, resolved.
+    void writeElementName(const RawName& name);
+
+    /// The last name as it stands in the document; empty when that is not known.
+    std::string_view elementAsWritten() const noexcept { return nameWritten.raw; }
+
+    /// Whether the last name means the same if it is written again here.
+    bool meansTheSameHere() const noexcept { return nameWritten.version == bindings.version(); }
+
+    /// @}
+    /// @name The attributes
+    /// @{
+
+    void writeNoAttributes() noexcept { attributes.clear(); }
+
+    /// Reads the attributes of a tag that looks like an earlier one of its name: their names
+    /// are in the slots already, and the values go there at once. Otherwise goes back to
+    /// where it began, and returns false. Ends in front of what is no attribute.
+    bool readKnown(const RawName& element, Scanner& scanner, bool expands);
+
+    /// Reads the attributes of any tag, up to its '>' or '/'.
+    void readAny(Input& input, bool expands);
+
+    /// @}
+
+    /// For when the document's bytes are about to go.
+    void forgetDocument() noexcept;
+
+    /// For when the attributes in the slots are no longer those that were written there.
+    void forgetSlots() noexcept {
+        if (shape != nullptr) shape->forget();
+    }
+
+private:
+    // What a name in the slots was written from. Empty raw bytes: not known.
+    struct NameWritten {
+        std::string_view raw;
+        const QeXmlNamespace* binding = nullptr;
+        std::uint64_t version = 0;
+    };
+
+    // An attribute in the order of the set; `key` is the beginning of its local name.
+    struct Ordered {
+        std::uint64_t key;
+        RawAttribute* attribute;
+    };
+
+    // The attributes of an earlier tag as they were written, and the slots that they
+    // went to. Where the next tag of that name has the same ones in the same order,
+    // as most have, names are only compared, and values go to the slots at once.
+    struct TagShape {
+        struct Attribute {
+            std::string_view name;
+            std::size_t slot;
+        };
+        std::vector<Attribute> attributes;   // in the order of the document; no declarations
+        std::vector<NameWritten> written;    // by slot
+        QeSlotArray<QeXmlAttribute> parked;  // the slots, unless the delivered set has them
+        std::uint64_t version = 0;           // of the bindings, when the slots were written
+        unsigned pause = 0;                  // of so many tags, none is expected to be like this one
+        unsigned lastPause = 0;              // grows with each tag that turned out different
+        bool isInSlots = false;              // whether they have the names of `attributes`
+
+        void forget() noexcept {
+            attributes.clear();
+            written.clear();
+            isInSlots = false;
+        }
+    };
+
+    TagShape* shapeOf(const RawName& element);
+    void useShapeOf(const RawName& element);
+    bool takeKnownAttributes(Scanner& scanner, bool expands);
+    void noteMiss() noexcept;
+    void readAttribute(Scanner& scanner, bool expands);
+    void declare(const RawAttribute& attribute);
+    void writeAttributes();
+    void findValues() noexcept;
+    std::span<Ordered> putInOrder(std::span<Ordered> ordered);
+    void openSlots(std::size_t count);
+    void takeSlots(std::size_t count);
+    void writeAttribute(std::size_t slot, const RawAttribute& attribute);
+    void learnShape(std::span<const Ordered> ordered);
+    void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
+    void writeLocalName(QeXmlName& name, const RawName& raw);
+
+    static constexpr std::size_t Few = 8;
+    static constexpr std::size_t LeastSlots = 4;  // growing attribute by attribute would allocate each time
+
+    QeXmlName& elementName;
+    QeXmlAttributeSet& attributes;
+    const char* const& readableEnd;
+    Bindings& bindings;
+    NameWritten nameWritten;
+
+    // Working storage of a tag, kept between tags so that it is allocated once.
+    std::vector<RawAttribute> rawAttributes;
+    std::vector<Ordered> manyOrdered;
+    QeCString valueScratch;
+
+    // What the tags that are read are expected to hold, by the name of the element;
+    // `shape` is that of the last tag with attributes.
+    static constexpr unsigned ShapeBits = 3;
+    TagShape firstShape;           // of tags that are the first of their name
+    std::uint32_t shapesSeen = 0;  // a bit each
+    std::vector<TagShape> shapes;
+    TagShape* shape = nullptr;
+};
+
+inline bool TagSlots::readKnown(const RawName& element, Scanner& scanner, bool expands) {
+    useShapeOf(element);
+    if (shape->pause != 0) {
+        --shape->pause;
+        return false;
+    }
+    if (!shape->isInSlots || shape->version != bindings.version()) return false;
+    const char* const start = scanner.position();
+    if (takeKnownAttributes(scanner, expands)) return true;
+    noteMiss();
+    scanner.goBackTo(start);
+    return false;
+}
+
+// Makes that many of the slots the set's attributes. Where local names are equal, they stand by prefix, not by URI.
+inline void TagSlots::takeSlots(std::size_t count) {
+    ModelAccess::slotsOf(attributes).takeSlots(count);
+    ModelAccess::setKnownSorted(attributes, false);
+}
+
+inline bool TagSlots::takeKnownAttributes(Scanner& scanner, bool expands) {
+    takeSlots(shape->attributes.size());
+    for (const TagShape::Attribute& expected : shape->attributes) {
+        if (!scanner.passExpectedName(expected.name)) return false;
+        if (!scanner.readValueInto(ModelAccess::valueOf(ModelAccess::slotsOf(attributes)[expected.slot]), expands))
+            return false;
+    }
+    scanner.skipSpace();
+    if (scanner.atEnd() || (scanner.peek() != '>' && scanner.peek() != '/')) return false;
+    ModelAccess::lookAtLocalNames(attributes);
+    shape->lastPause = 0;
+    return true;
+}
+
+// The slots of one shape are those of the delivered set; those of the others are parked.
+inline void TagSlots::useShapeOf(const RawName& element) {
+    TagShape* const expected = shapeOf(element);
+    if (expected == shape) return;
+    if (shape != nullptr) ModelAccess::slotsOf(attributes).swap(shape->parked);
+    ModelAccess::slotsOf(attributes).swap(expected->parked);
+    shape = expected;
+}
+
+// A tag that is the first of its name may be the only one, in a small document:
+// nothing is learnt from it.
+inline TagSlots::TagShape* TagSlots::shapeOf(const RawName& element) {
+    constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15;
+    constexpr std::size_t Word = sizeof(std::uint64_t);
+    std::uint64_t key = corvel::firstBytes(element.whole(), readableEnd) + element.length;
+    if (element.length > Word)
+        key ^= Spread * corvel::firstBytes({element.data + element.length - Word, Word}, readableEnd);
+    const std::size_t number = (key * Spread) >> (64 - ShapeBits);
+    const std::uint32_t bit = std::uint32_t{1} << number;
+    if ((shapesSeen & bit) == 0) [[unlikely]] {
+        shapesSeen |= bit;
+        return &firstShape;
+    }
+    if (shapes.empty()) shapes.resize(std::size_t{1} << ShapeBits);
+    return &shapes[number];
+}
+
+}  // namespace tessit
