@@ -104,15 +104,18 @@ std::optional<QeCString> Input::convertRest(const QeCString& name) {
 }
 
 QeCString Input::convertByTables(const QeCString& name) {
+    const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(conversionAllowance, SIZE_MAX));
     try {
-        return QeUToUnicodeConverter(name).toUtf8(rest());
+        return QeUToUnicodeConverter(name).toUtf8(rest(), most);
+    } catch (const QeUConversionTooLong&) {
+        raiseTranscoding(TooManyConversions);
     } catch (const Qexmsg& error) {
         raiseTranscoding(error.why());
     }
 }
 
 QeCString Input::withinAllowance(std::optional<QeCString>&& converted) {
-    if (!converted || converted->length() > conversionAllowance) raiseTranscoding(TooManyConversions);
+    if (!converted) raiseTranscoding(TooManyConversions);
     conversionAllowance -= converted->length();
     return std::move(*converted);
 }

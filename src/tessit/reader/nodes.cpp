@@ -92,9 +92,9 @@ inline void QeXmlReader::Engine::NodeReader::readStartTag() {
     engine.bindings.openScope();
     if (peek() == '>') {
         engine.slots.writeNoAttributes();
-    } else if (!engine.slots.readKnown(name, *this, reader.expandAttributeReference)) {
+    } else {
         giveCursor();
-        engine.slots.readAny(input, reader.expandAttributeReference);
+        engine.slots.readAttributes(name, input, reader.expandAttributeReference);
         takeCursor();
     }
     closeStartTag(name);
@@ -115,15 +115,14 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
     engine.bindings.closeScope();
 }
 
-// Most texts are one run up to the tag.
 inline void QeXmlReader::Engine::NodeReader::readContent() {
     reader.lastNodeType = Content;
-    if (readShortText(reader.lastContent) || readTextRun(reader.lastContent)) return;
-    apart(&NodeReader::readContentPieces);
+    if (!readShortText(reader.lastContent)) apart(&NodeReader::readLongContent);
 }
 
-// Goes on with a text, from what needs thought in it.
-TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::readContentPieces() {
+// Most texts are one run up to the tag. Others go on, piece by piece, with what needs thought in them.
+TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::readLongContent() {
+    if (readTextRun(reader.lastContent)) return;
     for (;;) {
         if (atEnd()) raiseEnd();
         if (peek() == '<') {

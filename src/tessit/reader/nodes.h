@@ -30,7 +30,7 @@ private:
     bool isLikeInnermost() const;
     template <typename Read>
     void apart(const Read& read);
-    void readContentPieces();
+    void readLongContent();
     bool readMarkupInContent();
 
     // prolog.cpp

@@ -121,6 +121,22 @@ char Scanner::readEqualsAndQuote() {
     return quote;
 }
 
+// Entered in front of the quote.
+TESSIT_NOINLINE bool Scanner::readLongValueInto(QeCString& value, bool expands) {
+    const char quote = *cursor++;
+    const char* const start = cursor;
+    const char* const stop = findAny(start, end, quote, '<', expands ? '&' : quote);
+    if (stop == end || *stop == '<') return false;
+    cursor = stop + 1;
+    if (*stop == quote) {
+        value.assign(start, static_cast<std::size_t>(stop - start));
+    } else {
+        value.clear();
+        expandValue(value, start, quote);
+    }
+    return true;
+}
+
 std::string_view Scanner::readValue(char quote, bool expands, QeCString& scratch) {
     const char* const start = cursor;
     const char* const stop = findAny(start, end, quote, '<', expands ? '&' : quote);
@@ -158,6 +174,13 @@ void Scanner::appendText(QeCString& target) {
             text.put('\n');  // a lone carriage return; before a line feed it is dropped
         }
     }
+}
+
+bool Scanner::readTextRun(QeCString& text) {
+    const char* const stop = findAny(cursor, end, '<', '&', '\r');
+    text.assign(cursor, static_cast<std::size_t>(stop - cursor));
+    cursor = stop;
+    return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
 }
 
 // Looks for the '>', which instructions seldom hold, and then back.

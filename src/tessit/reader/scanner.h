@@ -159,6 +159,7 @@ private:
     RawName readNameSlowly(const char* from, std::size_t localStart);
     const char* passCharacter(const char* at, std::uint32_t& codePoint);
     void expandValue(QeCString& target, const char* start, char quote);
+    bool readLongValueInto(QeCString& value, bool expands);
     std::string_view readReference(char (&encoded)[4]);
     std::string_view readNumericReference(std::string_view body, char (&encoded)[4]);
 
@@ -171,30 +172,22 @@ protected:
     Input& input;
 };
 
+// Most values are short and without references. What is not is read apart, with nothing of
+// this function but its arguments: it has registers enough then.
 inline bool Scanner::readValueInto(QeCString& value, bool expands) {
+    constexpr std::ptrdiff_t WindowSize = 32;
     if (cursor == end) return false;
-    const char quote = *cursor++;
+    const char quote = *cursor;
     if (quote != '"' && quote != '\'') return false;
-    const char* const start = cursor;
-    const char reference = expands ? '&' : quote;
-    if (end - start >= 32) {
-        const std::size_t length = corvel::findIn32(start, quote, '<', reference);
-        if (length != 32 && start[length] == quote) {
-            corvel::StringAccess::assignFromWindow(value, start, length);
-            cursor = start + length + 1;
+    if (end - cursor > WindowSize) {
+        const std::size_t length = corvel::findIn32(cursor + 1, quote, '<', expands ? '&' : quote);
+        if (length != WindowSize && cursor[1 + length] == quote) {
+            corvel::StringAccess::assignFromWindow(value, cursor + 1, length);
+            cursor += length + 2;
             return true;
         }
     }
-    const char* const stop = corvel::findAny(start, end, quote, '<', reference);
-    if (stop == end || *stop == '<') return false;
-    cursor = stop + 1;
-    if (*stop == quote) {
-        value.assign(start, static_cast<std::size_t>(stop - start));
-    } else {
-        value.clear();
-        apart([&](Scanner& scanner) { scanner.expandValue(value, start, quote); });
-    }
-    return true;
+    return apart([&value, expands](Scanner& scanner) { return scanner.readLongValueInto(value, expands); });
 }
 
 inline bool Scanner::readShortText(QeCString& text) {
@@ -208,13 +201,6 @@ inline bool Scanner::readShortText(QeCString& text) {
     corvel::StringAccess::assignFromWindow(text, start, length);
     cursor = stop;
     return true;
-}
-
-inline bool Scanner::readTextRun(QeCString& text) {
-    const char* const stop = corvel::findAny(cursor, end, '<', '&', '\r');
-    text.assign(cursor, static_cast<std::size_t>(stop - cursor));
-    cursor = stop;
-    return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
 }
 
 }  // namespace tessit

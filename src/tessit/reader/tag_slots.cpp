@@ -20,7 +20,78 @@ TagSlots::TagSlots(QeXmlName& lastName, QeXmlAttributeSet& lastAttributes, const
                    Bindings& bindingsInForce)
     : elementName(lastName), attributes(lastAttributes), readableEnd(bufferEnd), bindings(bindingsInForce) {}
 
-void TagSlots::readAny(Input& input, bool expands) {
+// Known and unknown attributes are read by functions of their own, each with the cursor in a
+// register: in one with all that is around, it would not stay there.
+TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& input, bool expands) {
+    useShapeOf(element);
+    if (shape->pause != 0) {
+        --shape->pause;
+    } else if (shape->isInSlots && shape->version == bindings.version()) {
+        Scanner scanner(input);
+        const char* const start = scanner.position();
+        if (readKnown(scanner, expands)) return;
+        scanner.goBackTo(start);
+        noteMiss();
+    }
+    readAny(input, expands);
+}
+
+// Where tags often turned out different, most are not even compared.
+void TagSlots::noteMiss() noexcept {
+    constexpr unsigned LongestPause = 31;
+    shape->pause = shape->lastPause = std::min(2 * shape->lastPause + 1, LongestPause);
+}
+
+// Reads a tag that looks like an earlier one of its name: the names are in the slots already, and
+// the values go there at once. Where it is another after all, stops anywhere and returns false.
+inline bool TagSlots::readKnown(Scanner& scanner, bool expands) {
+    takeSlots(shape->attributes.size());
+    QeXmlAttribute* const slots = ModelAccess::slotsOf(attributes).begin();
+    for (const TagShape::Attribute& expected : shape->attributes) {
+        if (!scanner.passExpectedName(expected.name)) return false;
+        if (!scanner.readValueInto(ModelAccess::valueOf(slots[expected.slot]), expands)) return false;
+    }
+    scanner.skipSpace();
+    if (scanner.atEnd() || (scanner.peek() != '>' && scanner.peek() != '/')) return false;
+    ModelAccess::lookAtLocalNames(attributes);
+    shape->lastPause = 0;
+    return true;
+}
+
+// The slots of one shape are those of the delivered set; those of the others are parked.
+void TagSlots::useShapeOf(const RawName& element) {
+    TagShape* const expected = shapeOf(element);
+    if (expected == shape) return;
+    if (shape != nullptr) ModelAccess::slotsOf(attributes).swap(shape->parked);
+    ModelAccess::slotsOf(attributes).swap(expected->parked);
+    shape = expected;
+}
+
+// A tag that is the first of its name may be the only one, in a small document:
+// nothing is learnt from it.
+TagSlots::TagShape* TagSlots::shapeOf(const RawName& element) {
+    constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15;
+    constexpr std::size_t Word = sizeof(std::uint64_t);
+    std::uint64_t key = corvel::firstBytes(element.whole(), readableEnd) + element.length;
+    if (element.length > Word)
+        key ^= Spread * corvel::firstBytes({element.data + element.length - Word, Word}, readableEnd);
+    const std::size_t number = (key * Spread) >> (64 - ShapeBits);
+    const std::uint32_t bit = std::uint32_t{1} << number;
+    if ((shapesSeen & bit) == 0) [[unlikely]] {
+        shapesSeen |= bit;
+        return &firstShape;
+    }
+    if (shapes.empty()) shapes.resize(std::size_t{1} << ShapeBits);
+    return &shapes[number];
+}
+
+// Makes that many of the slots the set's attributes. Where local names are equal, they stand by prefix, not by URI.
+void TagSlots::takeSlots(std::size_t count) {
+    ModelAccess::slotsOf(attributes).takeSlots(count);
+    ModelAccess::setKnownSorted(attributes, false);
+}
+
+TESSIT_NOINLINE void TagSlots::readAny(Input& input, bool expands) {
     Scanner scanner(input);
     rawAttributes.clear();
     rawAttributes.reserve(Few);
@@ -81,12 +152,6 @@ void TagSlots::findValues() noexcept {
         attribute.value = next;
         next += attribute.valueLength;
     }
-}
-
-// Where tags often turned out different, most are not even compared.
-void TagSlots::noteMiss() noexcept {
-    constexpr unsigned LongestPause = 31;
-    shape->pause = shape->lastPause = std::min(2 * shape->lastPause + 1, LongestPause);
 }
 
 namespace {

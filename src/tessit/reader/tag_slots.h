@@ -56,13 +56,8 @@ public:
 
     void writeNoAttributes() noexcept { attributes.clear(); }
 
-    /// Reads the attributes of a tag that looks like an earlier one of its name: their names
-    /// are in the slots already, and the values go there at once. Otherwise goes back to
-    /// where it began, and returns false. Ends in front of what is no attribute.
-    bool readKnown(const RawName& element, Scanner& scanner, bool expands);
-
-    /// Reads the attributes of any tag, up to its '>' or '/'.
-    void readAny(Input& input, bool expands);
+    /// Reads the attributes of a tag, up to its '>' or '/'. The input has the cursor.
+    void readAttributes(const RawName& element, Input& input, bool expands);
 
     /// @}
 
@@ -113,7 +108,8 @@ private:
 
     TagShape* shapeOf(const RawName& element);
     void useShapeOf(const RawName& element);
-    bool takeKnownAttributes(Scanner& scanner, bool expands);
+    bool readKnown(Scanner& scanner, bool expands);
+    void readAny(Input& input, bool expands);
     void noteMiss() noexcept;
     void readAttribute(Scanner& scanner, bool expands);
     void declare(const RawAttribute& attribute);
@@ -149,66 +145,5 @@ private:
     std::vector<TagShape> shapes;
     TagShape* shape = nullptr;
 };
-
-inline bool TagSlots::readKnown(const RawName& element, Scanner& scanner, bool expands) {
-    useShapeOf(element);
-    if (shape->pause != 0) {
-        --shape->pause;
-        return false;
-    }
-    if (!shape->isInSlots || shape->version != bindings.version()) return false;
-    const char* const start = scanner.position();
-    if (takeKnownAttributes(scanner, expands)) return true;
-    noteMiss();
-    scanner.goBackTo(start);
-    return false;
-}
-
-// Makes that many of the slots the set's attributes. Where local names are equal, they stand by prefix, not by URI.
-inline void TagSlots::takeSlots(std::size_t count) {
-    ModelAccess::slotsOf(attributes).takeSlots(count);
-    ModelAccess::setKnownSorted(attributes, false);
-}
-
-inline bool TagSlots::takeKnownAttributes(Scanner& scanner, bool expands) {
-    takeSlots(shape->attributes.size());
-    for (const TagShape::Attribute& expected : shape->attributes) {
-        if (!scanner.passExpectedName(expected.name)) return false;
-        if (!scanner.readValueInto(ModelAccess::valueOf(ModelAccess::slotsOf(attributes)[expected.slot]), expands))
-            return false;
-    }
-    scanner.skipSpace();
-    if (scanner.atEnd() || (scanner.peek() != '>' && scanner.peek() != '/')) return false;
-    ModelAccess::lookAtLocalNames(attributes);
-    shape->lastPause = 0;
-    return true;
-}
-
-// The slots of one shape are those of the delivered set; those of the others are parked.
-inline void TagSlots::useShapeOf(const RawName& element) {
-    TagShape* const expected = shapeOf(element);
-    if (expected == shape) return;
-    if (shape != nullptr) ModelAccess::slotsOf(attributes).swap(shape->parked);
-    ModelAccess::slotsOf(attributes).swap(expected->parked);
-    shape = expected;
-}
-
-// A tag that is the first of its name may be the only one, in a small document:
-// nothing is learnt from it.
-inline TagSlots::TagShape* TagSlots::shapeOf(const RawName& element) {
-    constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15;
-    constexpr std::size_t Word = sizeof(std::uint64_t);
-    std::uint64_t key = corvel::firstBytes(element.whole(), readableEnd) + element.length;
-    if (element.length > Word)
-        key ^= Spread * corvel::firstBytes({element.data + element.length - Word, Word}, readableEnd);
-    const std::size_t number = (key * Spread) >> (64 - ShapeBits);
-    const std::uint32_t bit = std::uint32_t{1} << number;
-    if ((shapesSeen & bit) == 0) [[unlikely]] {
-        shapesSeen |= bit;
-        return &firstShape;
-    }
-    if (shapes.empty()) shapes.resize(std::size_t{1} << ShapeBits);
-    return &shapes[number];
-}
 
 }  // namespace tessit
