@@ -23,14 +23,13 @@ inline void keepMemory() {
 }
 
 // Of the processor on this thread, so that a busy machine has no say.
-inline double now() {
-    std::timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
 template <typename Operation>
 double secondsOf(const Operation& operation) {
+    const auto now = [] {
+        std::timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+    };
     const double start = now();
     operation();
     return now() - start + 3e-5;  // so that what hardly takes time is not seen to grow
@@ -54,19 +53,36 @@ void expectLinearGrowth(const std::string& name, std::size_t parts, const Make& 
     EXPECT_LT(ratio, 10) << name;
 }
 
-/// The numbers below `count`, each once, in an order that is neither up nor down.
-template <typename Visit>
-void inOddOrder(std::size_t count, const Visit& visit) {
+/// The text `part` so many times; in each, its own number stands for `#`, and the
+/// number read backwards for `~`. The numbers go neither up nor down.
+inline std::string numbered(std::string_view part, std::size_t count) {
     constexpr std::size_t Prime = 7919;  // must not divide the count
-    for (std::size_t i = 0; i < count; ++i)
-        visit(std::to_string(i * Prime % count));
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i * Prime % count);
+        for (const char byte : part)
+            if (byte == '#') {
+                text += number;
+            } else if (byte == '~') {
+                text.append(number.rbegin(), number.rend());
+            } else {
+                text += byte;
+            }
+    }
+    return text;
 }
 
-/// A text as the argument of a template.
-template <std::size_t Length>
-struct Literal {
-    constexpr Literal(const char (&text)[Length]) { std::copy_n(text, Length, bytes); }
-    char bytes[Length];
-};
+/// A text of `pattern`, in which each part in brackets stands so many times, numbered.
+inline std::string expand(std::string_view pattern, std::size_t count) {
+    std::string text;
+    for (;;) {
+        const std::size_t open = std::min(pattern.find('{'), pattern.size());
+        text += pattern.substr(0, open);
+        if (open == pattern.size()) return text;
+        const std::size_t close = pattern.find('}', open);
+        text += numbered(pattern.substr(open + 1, close - open - 1), count);
+        pattern.remove_prefix(close + 1);
+    }
+}
 
 }  // namespace tessit::test

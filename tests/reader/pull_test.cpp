@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/documents.h"
+#include "support/calls.h"
 
 using namespace tessit::test;
 
@@ -15,59 +15,32 @@ struct PullCase {
     const char* results;
 };
 
-// S NAME, E NAME: demand a start or an end, by string (S and E alone: any); N NAME: is that next; R NAME: raw
-// element (R alone: any), then the text it left behind; V: value; F: end of file; T: next node; A: the last
-// attributes; B PREFIX=URI: bind; U PREFIX: its URI; P URI: its prefix. A name in braces, {URI}local, is passed as a
-// QeXmlName with the prefix "z"; $c, $v and $n are the reader's own last content, attribute's value and name.
-template <typename Name>
-std::string demand(QeXmlReader& reader, char call, const Name& name) {
-    switch (call) {
-        case 'S':
-            return "S" + describe(reader.readElementStart(name));
-        case 'E':
-            return reader.readElementEnd(name), "E";
-        case 'N':
-            return reader.isElementNext(name) ? "yes" : "no";
-        default: {
-            const std::string markup(std::string_view(reader.readElement(name)));
-            return "<<" + markup + ">>" + reader.getLastContent().data();
-        }
-    }
-}
-
-std::string demand(QeXmlReader& reader, char call, const std::string& name) {
-    if (name == "$c") return demand(reader, call, reader.getLastContent());
-    if (name == "$v") return demand(reader, call, reader.getLastAttributes().begin()->getValue());
-    if (name == "$n") return demand(reader, call, reader.getLastName());
-    if (!name.starts_with('{')) return demand(reader, call, QeCString(name));
-    const std::size_t close = name.find('}');
-    const QeXmlNamespace ns("z", QeCString(name.substr(1, close - 1)));
-    return demand(reader, call, QeXmlName(QeCString(name.substr(close + 1)), ns));
-}
-
-std::string callOn(QeXmlReader& reader, const std::string& call) {
-    const auto text = [](const QeCString& value) { return std::string(std::string_view(value)); };
-    const std::string argument = call.size() > 1 ? call.substr(2) : "";
+// What a call gave: yes or no, the text, or what the reader shows now.
+std::string resultOf(QeXmlReader& reader, const std::string& call) {
+    const Returned returned = perform(reader, call);
+    const std::string text(std::string_view(returned.text));
     switch (call[0]) {
+        case 'S':
+            return call == "S" ? call : "S" + describe(reader.getLastAttributes());
+        case 'N':
+            return returned.yes ? "yes" : "no";
+        case 'R':
+            return "<<" + text + ">>" + reader.getLastContent().data();
         case 'V':
-            return "'" + text(reader.readElementValue()) + "'";
+            return "'" + std::string(std::string_view(reader.getLastContent())) + "'";
         case 'F':
-            return reader.eof() ? "eof" : "more";
+            return returned.yes ? "eof" : "more";
         case 'T':
-            return reader.readNextNode(), describeNode(reader);
+            return describeNode(reader);
         case 'A':
             return describe(reader.getLastAttributes());
-        case 'B':
-            return reader.addNamespace({QeCString(argument.substr(0, 1)), QeCString(argument.substr(2))}), "B";
         case 'U':
-            return "=" + text(reader.getURIForPrefix(QeCString(argument)));
+            return "=" + text;
         case 'P':
-            return text(reader.getPrefixForURI(QeCString(argument))) + "=";
+            return text + "=";
+        default:
+            return call.substr(0, 1);
     }
-    if (call == "S") return reader.readElementStart(), "S";
-    if (call == "E") return reader.readElementEnd(), "E";
-    if (call == "R") return demand(reader, 'R', QeXmlReader::NullName);
-    return demand(reader, call[0], argument);
 }
 
 std::string run(const char* xml, const char* calls) {
@@ -78,7 +51,7 @@ std::string run(const char* xml, const char* calls) {
     for (std::string call; script >> call;) {
         if (!results.empty()) results += " ";
         try {
-            results += callOn(*reader, call);
+            results += resultOf(*reader, call);
         } catch (const QeXmlParseError& error) {
             return results + describe(error);
         }

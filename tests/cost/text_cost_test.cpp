@@ -1,0 +1,364 @@
+// Documents of each kind that someone could choose to hurt, read in each way and
+// written again, and texts of values: four times the text takes about four times as
+// long, whatever it is made of. Run by hand, the program prints what a part costs at
+// both sizes.
+
+#include <sstream>
+#include <vector>
+
+#include <corvel/value_error.h>
+#include <tessit/sax/xml_sax_parser.h>
+#include <tessit/schema/xml_schema_utils.h>
+#include <tessit/schema/xml_validator.h>
+#include <tessit/utils/xml_utils.h>
+#include <tessit/writer/xml_string_writer.h>
+
+#include "cost/growth.h"
+#include "support/calls.h"
+
+using namespace tessit::test;
+
+namespace {
+
+using Text = std::string;
+
+// --- Ways to use a text.
+
+/// A text as the argument of a template.
+template <std::size_t Length>
+struct Literal {
+    constexpr Literal(const char (&text)[Length]) { std::copy_n(text, Length, bytes); }
+    char bytes[Length];
+};
+
+std::span<const unsigned char> bytesOf(const Text& text) {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+// Makes the calls over and over until the document or its bytes end, whatever is raised meanwhile. What stands in
+// front of a bar is called once.
+template <Literal script>
+void calls(const Text& document) {
+    std::istringstream in(script.bytes);
+    const std::vector<Text> each{std::istream_iterator<Text>(in), {}};
+    const auto begin = std::find(each.rbegin(), each.rend(), "|").base();
+    QeXmlReader reader(bytesOf(document));
+    for (auto call = each.begin(); !reader.eof(); ++call) {
+        if (call == each.end()) call = begin;
+        try {
+            if (*call != "|") perform(reader, *call);
+        } catch (const QeXmlParseError& error) {
+            if (std::string_view(error.why()).starts_with("Premature EOF")) return;
+        }
+    }
+}
+
+// Up to the first error.
+void walk(const Text& document) {
+    try {
+        for (QeXmlReader reader(bytesOf(document)); !reader.eof();)
+            reader.readNextNode();
+    } catch (const QeXmlParseError&) {
+    }
+}
+
+void walkReferencesAsWritten(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    for (reader.setExpandAttributeReference(false); !reader.eof();)
+        reader.readNextNode();
+}
+
+void fromStream(const Text& document) {
+    std::istringstream in(document);
+    for (QeXmlReader reader(in); !reader.eof();)
+        reader.readNextNode();
+}
+
+void bindByHand(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    for (int i = 0; !reader.eof(); ++i) {
+        const QeCString text(std::string_view(std::to_string(i)));
+        reader.addNamespace(QeXmlNamespace(text, text));
+        ASSERT_TRUE(reader.getPrefixForURI(text) == text && reader.getURIForPrefix(text) == text);
+        reader.readNextNode();
+    }
+}
+
+// Keeps the name of each element, to demand its end by, and binds its namespace once more, over many of the same.
+void keepNames(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    QeXmlNamespaceStack stack;
+    for (std::vector<QeXmlName> open; !reader.eof();) {
+        reader.readNextNode();
+        stack.pushScope();
+        stack.addNamespace(reader.getLastName().getNamespace());
+        const QeXmlReader::NodeType type = reader.getLastNodeType();
+        if (type == QeXmlReader::ElementStart) open.push_back(reader.getLastName());
+        if (type == QeXmlReader::EmptyElement) reader.readElementEnd(reader.getLastName());
+        if (type != QeXmlReader::ElementEnd) continue;
+        ASSERT_TRUE(open.back() == reader.getLastName() && !(open.back() < reader.getLastName()));
+        open.pop_back();
+    }
+}
+
+// Asks for an element like the first one, by a name with a URI of its own.
+void askForTheFirst(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    reader.readElementStart();
+    reader.readElementStart();
+    const QeXmlName& first = reader.getLastName();
+    const QeXmlName own(first.getLocalName(), QeXmlNamespace("own", first.getNamespace().getURI()));
+    for (reader.readElementEnd(); !reader.eof(); reader.readNextNode())
+        ASSERT_FALSE(reader.isElementNext(own));
+}
+
+void parse(const Text& document) {
+    struct Handler final : QeXmlContentHandler {
+        void elementStart(const QeXmlName&, const QeXmlAttributeSet&) override {}
+        void elementEnd(const QeXmlName&) override {}
+        void content(const QeCString&) override {}
+    } handler;
+    QeXmlSAXParser parser;
+    parser.setContentHandler(&handler);
+    parser.parse(QeCString(std::string_view(document)), "");
+}
+
+void compareWithItself(const Text& document) {
+    const QeCString text{std::string_view(document)};
+    ASSERT_TRUE(QeXmlUtils::compareXml(text, text));
+}
+
+void changeName(const Text& document) {
+    QeXmlUtils::changeName(QeXmlName("n", QeXmlNamespace("p", "other")), QeCString(std::string_view(document)));
+}
+
+void writeRest(QeXmlReader& reader, QeXmlWriter& writer) {
+    while (!reader.eof()) {
+        reader.readNextNode();
+        const QeXmlReader::NodeType type = reader.getLastNodeType();
+        if (type == QeXmlReader::Content) writer.write(reader.getLastContent(), true);
+        if (type == QeXmlReader::ElementEnd) writer.writeElementEnd(reader.getLastName());
+        if (type == QeXmlReader::ElementStart || type == QeXmlReader::EmptyElement)
+            writer.writeElementStart(reader.getLastName(), reader.getLastAttributes(),
+                                     type == QeXmlReader::EmptyElement);
+    }
+}
+
+void writeToString(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    QeXmlStringWriter writer;
+    writeRest(reader, writer);
+}
+
+void writeToSink(const Text& document) {
+    struct Sink final : QeXmlWriter {
+        using QeXmlWriter::writeToSink;
+        void writeToSink(char) override {}
+        void writeToSink(const QeCString&) override {}
+        void flush() override {}
+    } writer;
+    QeXmlReader reader(bytesOf(document));
+    writeRest(reader, writer);
+}
+
+// The root's namespace is the default one, by a URI of the writer's own.
+void writeContent(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    reader.readElementStart();
+    QeXmlStringWriter writer;
+    writer.addNamespace(QeXmlNamespace("", reader.getLastName().getNamespace().getURI()));
+    writeRest(reader, writer);
+}
+
+// One element in each namespace, which is bound by hand; then byte by byte.
+void writeByHand(const Text& text) {
+    QeXmlStringWriter writer;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const QeCString number(std::string_view(std::to_string(i)));
+        writer.addNamespace(QeXmlNamespace(number, number));
+        writer.writeSimpleElement(QeXmlName("e", QeXmlNamespace(number, number)), "", "t", true);
+        ASSERT_GT(writer.getLength(), i);
+    }
+    for (const char byte : text) {
+        writer.writeToSink(byte);
+        writer.removeLastCharFromSink('-');
+    }
+}
+
+// Whatever the text is meant to be, it is taken for anything.
+void useAsValue(const Text& bytes) {
+    const QeCString text{std::string_view(bytes)};
+    const auto allowRefusal = [](const auto& operation) {
+        try {
+            operation();
+        } catch (const QeValueError&) {
+        }
+    };
+    text.find(QeCString(text.substring(text.length() / 2)) + "!");
+    QeCString upper(text);
+    upper.toUpper();
+    upper.findFirstOf("!?");
+    QeXmlDuration(text).asString();
+    allowRefusal([&] { QeDecimalPortable number(text); });
+    allowRefusal([&] { QeXmlUtils::convertISODateStringToDateTime(text); });
+    QeXmlUtils::convertDateTimeToISOString(QeDateTime(), text);
+    QeXmlUtils::stripWhiteSpaceAndNewlines(text, QeCString::stripBoth);
+    QeCString prefix, local;
+    QeXmlUtils::getPrefixAndLocalName(text, prefix, local);
+    // the facets of a value, of which most fail with long messages, and results of one part after the other
+    QeXmlValidator whole("whole");
+    whole.checkMinLength(text, text);
+    whole.checkMaxLength(text, "0");
+    whole.checkWhiteSpace(text, "collapse");
+    whole.checkWhiteSpace(text, "replace");
+    whole.checkEnumeration(text, text);
+    whole.checkPattern(text, "^(?:[a-z]|[0-9 ])*\\z");
+    whole.checkEnumerations();
+    whole.checkPatterns();
+    for (std::size_t i = 0; i < text.length() / 16; ++i) {
+        QeXmlValidator part("part");
+        part.checkMinLength("", "1");
+        whole.isValid(part);
+    }
+}
+
+// --- The texts: what stands in braces stands there once for each part.
+
+constexpr char Children[] = "<r>{<a>t</a>}</r>";
+constexpr char Nested[] = "{<a>}{</a>}", NestedDeclarations[] = "{<a xmlns:p#='u'>}{</a>}";
+constexpr char UsingDeclarations[] = "<r xmlns:p='u'{ xmlns:p#='#'}>{<p#:a/><p:a p#:x=''/>}</r>";
+constexpr char UsingDeclarationsAtOnce[] = "<r{ xmlns:p#='~'}><a{ p#:x='' x#='&lt;'}/></r>";
+
+// URIs that are nearly half of the document, of which one differs in its last bytes.
+constexpr char LongURIs[] =
+    "<a xmlns='{uuuu}1' xmlns:p='{uuuu}2' xmlns:q='{uuuu}1'>{<a><p:a></p:a></a><q:a></q:a>}</a>";
+constexpr char PrefixedLongURIs[] =
+    "<r xmlns:p='{uuuu}1uuuuuuuuuuuuuuuuuuuu' xmlns:q='{uuuu}2uuuuuuuuuuuuuuuuuuuu'><q:a/>{<p:a p:a='' q:a=''/>}</r>";
+const Text TagsOfManyLongURIs =
+    "<r" + numbered(" xmlns:p#='{uu}#'", 20) + ">{<a" + numbered(" p#:a=''", 20) + "/>}</r>";
+const Text TwentyDeclarationsEach = "<r>{<a" + numbered(" xmlns:p#='#'", 20) + "></a>}</r>";
+// Each child makes of few bindings many, and of many few again.
+const Text NineDeclarationsUnderLongURIs =
+    "<r" + numbered(" xmlns:q#='{uuu}#'", 8) + ">{<c" + numbered(" xmlns:p#='#'", 9) + "></c>}</r>";
+
+constexpr std::size_t Few = 1'000, Many = 4'000, VeryMany = 100'000;
+
+const struct {
+    const char* name;
+    std::size_t parts;  // of the smaller text
+    Text pattern;
+    void (*use)(const Text& text);
+} Cases[] = {
+    {"WalkDepthFromStream", Many, Nested, fromStream},
+    {"ParseDepth", Many, Nested, parse},
+    {"DemandDepth", Many, Nested, calls<"N:a N:p:a N:{}a T">},
+    {"DemandInVain", Many, Nested, calls<"S:none E:none">},
+    {"TakeMarkupOfDepth", Many, Nested, calls<"R">},
+    {"TakeMarkupAtEachLevel", Many, "{<a><b>t</b>}", calls<"S:a R:b">},
+    {"BindByHandAtEachLevel", Many, Nested, bindByHand},
+    {"TakeValues", Many, Children, calls<"S | S:a V E:{}a">},
+    {"TakeMarkupOfChildren", Many, Children, calls<"S | N:a R">},
+    {"Compare", Many, Children, compareWithItself},
+
+    {"WalkRepeatedAttributes", Many, "<r{ a=''}/>", walk},
+    {"CompareAttributes", Few, "<r{ a#='#'}/>", compareWithItself},
+    {"TakeMarkupUnderAWideTag", Few, "<r{ a#='#'}>{<a/>}</r>", calls<"S | N:a R">},
+    {"WalkNarrowTagsBehindAWideOne", Few, "<r><a{ a#='#'}/>{<a a='1'/>}</r>", walk},
+
+    {"ParseUnderDeclarations", Few, UsingDeclarations, parse},
+    {"DemandUnderDeclarations", Few, UsingDeclarations, calls<"N:a N:p:a N:{}a T">},
+    {"DemandNestedDeclarations", Few, NestedDeclarations, calls<"N:a N:p:a N:{}a T">},
+    {"DemandTwentyDeclarationsEach", Few / 20, TwentyDeclarationsEach, calls<"N:a N:p:a N:{}a T">},
+    {"WriteUnderDeclarations", Few, UsingDeclarations, writeToString},
+    {"WriteUnderDeclarationsToSink", Few, UsingDeclarations, writeToSink},
+    {"WriteContentUnderDeclarations", Few, UsingDeclarationsAtOnce, writeContent},
+
+    {"DemandUnderLongURIs", Many, LongURIs, calls<"N:a N:p:a N:{}a T">},
+    {"TakeMarkupUnderLongURIs", Many, LongURIs, calls<"R">},
+    {"TakeMarkupOfChildrenUnderLongURIs", Many, LongURIs, calls<"S | N:a R">},
+    {"ParseUnderLongURIs", Many, LongURIs, parse},
+    {"ParseChangingPrefixes", Many, "<a xmlns='{uuuu}' xmlns:q='{uuuu}'>{<a></q:a><q:a></a>}</a>", parse},
+    {"CompareUnderLongURIs", Many, LongURIs, compareWithItself},
+    {"KeepNamesUnderLongURIs", Many, LongURIs, keepNames},
+    {"AskForTheFirstUnderLongURIs", Many, PrefixedLongURIs, askForTheFirst},
+    {"DemandOfPrefixedLongURIs", Many, PrefixedLongURIs, calls<"N:a N:p:a N:{}a T">},
+    {"WriteUnderLongURIs", Many, PrefixedLongURIs, writeToString},
+    {"WriteUnderLongDefault", Many, "<r xmlns='{uuuu}'>{<a/>}</r>", writeContent},
+    {"WalkNineDeclarationsUnderLongURIs", Few / 5, NineDeclarationsUnderLongURIs, walk},
+    {"WalkAttributesWithLongURI", Few, "<a xmlns:p='{uuuuuuuuuuuuuuuu}'{ p:a#='#'}/>", walk},
+    {"WalkTagsOfManyLongURIs", Few, TagsOfManyLongURIs, walk},
+    {"WriteTagsOfManyLongURIs", Few, TagsOfManyLongURIs, writeToString},
+
+    {"WalkOneLongReference", VeryMany, "<a>&#{6};</a>", walk},
+    {"WalkReferencesAsWritten", VeryMany, "<a x='{&amp;}'/>", walkReferencesAsWritten},
+    {"WalkOneLongPrefix", VeryMany, "<{n}:n/>", walk},
+    {"GoOnAfterErrors", Many, "<a>{a text of forty bytes in front of an error<1}", calls<"T">},
+
+    {"WalkUtf16", VeryMany, Text("\xFE\xFF") + Children, fromStream},
+    {"WalkGB18030", VeryMany, Text("<?xml version='1.0' encoding='GB18030'?>") + Children, fromStream},
+    {"WalkISO2022", VeryMany, Text("<?xml version='1.0' encoding='ISO-2022-JP'?>") + Children, fromStream},
+    {"WalkVersions", Many, "<a>{<?xml version='1'?>}</a>", walk},
+    {"WalkChangesOfEncoding", Few,
+     "<a>{\xE9<?xml version='1' encoding='ISO-8859-1'?><?xml version='1' encoding='latin2'?>}</a>", walk},
+    {"WalkChangesOfEncodingAtOnce", Few, "<a>\xE9<?xml version='1' {e       ='ISO-8859-1' e       ='latin2' }?></a>",
+     walk},
+    {"WalkOtherNamesOfTheEncoding", Few,
+     "<a>{<?xml version='1' encoding='UTF-8'?><?xml version='1' encoding='utf-8'?>}</a>", walk},
+
+    {"ChangeNameOverContent", VeryMany, "<a>{<b/>}</a>", changeName},
+    {"ChangeNameOverAttributes", Many, "<a{ x='1'}></a>", changeName},
+    {"ChangeNameOverDeclarations", Few, "<r{ xmlns:p#='#'}></r>", changeName},
+
+    {"WriteDepthToSink", Many, "{<p#:a xmlns:p#='#' x='&quot;'>&lt;}{</a>}", writeToSink},
+    {"WriteLongTexts", VeryMany, "<a x='{&quot;}' y='{&amp;amp;}'>{&lt;x}</a>", writeToString},
+    {"WriteByHand", Few, "{-x}", writeByHand},
+
+    {"DurationOfManyFields", VeryMany / 5, "P{1Y}", useAsValue},
+    {"DurationOfLongFields", VeryMany / 5, "P{000000000000000001D}", useAsValue},
+    {"DurationOfDigits", VeryMany / 5, "P{1}Y", useAsValue},
+    {"DurationOfFractions", VeryMany / 5, "PT1.{1}S", useAsValue},
+    {"Decimal", VeryMany / 5, "-{1}.5", useAsValue},
+    {"DecimalOfZeros", VeryMany / 5, "0{0}.0", useAsValue},
+    {"DateOfDigits", VeryMany / 5, "{1}-01-01", useAsValue},
+    {"DateWithALongFraction", VeryMany / 5, "2003-05-20T09:01:08.{1}Z", useAsValue},
+    {"FormatOfDirectives", VeryMany / 5, "{%c}", useAsValue},
+    {"FormatOfPercentSigns", VeryMany / 5, "{%}", useAsValue},
+    {"BlanksToStrip", VeryMany / 5, "{ }", useAsValue},
+    {"BlanksBetween", VeryMany / 5, "x{ }x", useAsValue},
+    {"NameOfColons", VeryMany / 5, "{:}", useAsValue},
+    {"WordsThatMatch", VeryMany / 5, "{1a }", useAsValue},
+    {"WordsThatDoNot", VeryMany / 5, "{1a }-", useAsValue},
+};
+
+Text makeText(const Text& pattern, std::size_t parts) {
+    const Text text = expand(pattern, parts);
+    if (!text.starts_with("\xFE\xFF")) return text;
+    Text units = "\xFE\xFF";
+    for (const char byte : text.substr(2))
+        units.append({'\0', byte});
+    return units;
+}
+
+// What runs are made of, and where they stand, instead of the @. Some of these are errors.
+constexpr std::string_view Parts[] = {"]", "?",       "-",     "-x",           "&", "&amp;", "&#x41;", "&x;", "\r",
+                                      ">", "<!---->", "<?x?>", "<![CDATA[]]>", "a", ":",     "[]",     " "};
+constexpr std::string_view Frames[] = {"<r>@</r>", "<r><![CDATA[@]]></r>", "<r><?pi @?></r>",      "<r x='@'/>",
+                                       "<r@/>",    "<r><!--@--></r>",      "<!DOCTYPE r [@]><r/>", "<r/>@"};
+
+}  // namespace
+
+TEST(Cost, OfTextsGrowsWithTheirLength) {
+    for (const auto& [name, parts, pattern, use] : Cases)
+        expectLinearGrowth(
+            name, parts, [&](std::size_t count) { return makeText(pattern, count); }, use);
+}
+
+TEST(Cost, OfLongRunsGrowsWithTheirLength) {
+    for (const std::string_view frame : Frames)
+        for (const std::string_view part : Parts) {
+            const auto document = [&](std::size_t count) {
+                return Text(frame).replace(frame.find('@'), 1, repeat(part, count));
+            };
+            expectLinearGrowth("Walk " + Text(frame) + " " + Text(part), VeryMany / part.size(), document, walk);
+        }
+}
