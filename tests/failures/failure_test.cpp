@@ -1,11 +1,9 @@
-// Whole operations in which memory runs out at any place, or a class of the
-// application throws at any call: the exception arrives, nothing leaks, and what is
-// left is as promised. The rooms' own tests do the same for single classes.
+// Memory runs out at any allocation, or a class of the application throws at any call: the exception arrives, nothing
+// leaks, and what is left is as promised. And what takes no memory, or little.
 
 #include <functional>
 #include <gtest/gtest.h>
 #include <istream>
-#include <stdexcept>
 #include <streambuf>
 #include <utility>
 
@@ -25,233 +23,493 @@ using namespace tessit::test;
 
 namespace {
 
-const QeCString Long(std::string_view(std::string(300, 'l')));  // past what a string, or a name, holds in place
+// Past what a string holds in place; and so long that names share it.
+const QeCString Long(std::string_view(std::string(100, 'l'))), Shared(std::string_view(std::string(300, 's')));
 
-// With references, a conversion, URIs that are shared and elements within them.
-QeCString document(const char* text) {
-    return "<?xml version='1.0' encoding='ISO-8859-1'?><r xmlns='" + Long + "' xmlns:p='" + Long + "1' a='" + Long +
-           "&amp;'><p:a p:x='" + Long + "'>\xE9&lt;</p:a><b></b><c/><!-- -->" + text + Long + "</r>";
+// --- Values.
+
+QeXmlNamespace binding(int number) {
+    const std::string text = std::to_string(1000 + number);
+    return {"a prefix that takes a block of its own, " + QeCString(text), (number % 2 == 0 ? Long : Shared) + text};
 }
 
-// Counts the events, and can be told to throw at one of them.
-class Counter final : public QeXmlContentHandler {
-public:
-    explicit Counter(int failingCall = -1) : untilFailure(failingCall) {}
+QeXmlAttributeSet filledSet(int count) {
+    QeXmlAttributeSet set;
+    for (int i = count; i-- > 0;)
+        set.add(QeXmlName(binding(i).getPrefix(), binding(i)), binding(i).getURI());
+    return set;
+}
 
-    void prolog(const QeXmlProlog&) override { count(); }
-    void elementStart(const QeXmlName&, const QeXmlAttributeSet&) override { count(); }
-    void elementEnd(const QeXmlName&) override { count(); }
-    void content(const QeCString&) override { count(); }
-
-    int events = 0;
-
-private:
-    void count() {
-        if (untilFailure-- == 0) throw std::runtime_error("handler");
-        ++events;
+// Two bindings to a scope.
+QeXmlNamespaceStack filledStack(int count) {
+    QeXmlNamespaceStack stack;
+    for (int i = 0; i < count; ++i) {
+        if (i % 2 == 0) stack.pushScope();
+        stack.addNamespace(binding(i));
     }
+    return stack;
+}
 
-    int untilFailure;
-};
+void expectHolds(const QeXmlNamespaceStack& stack, int count) {
+    for (int i = 0; i <= count; ++i) {
+        const QeXmlNamespace& bound = i < count ? binding(i) : QeXmlNamespace();
+        EXPECT_EQ(stack.getURIForPrefix(binding(i).getPrefix()), bound.getURI()) << i;
+        EXPECT_EQ(stack.getPrefixForURI(binding(i).getURI()), bound.getPrefix()) << i;
+    }
+}
 
+// --- Documents.
+
+// Declarations of `count` prefixes, more than are looked up one by one when there are twenty.
+std::string declarations(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text +=
+            " xmlns:prefix" + std::to_string(i) + "='" + (i % 2 == 0 ? Long : Shared).data() + std::to_string(i) + "'";
+    return text;
+}
+
+// All that allocates: conversions, references, many bindings, a tag that is looked at and one that is written anew,
+// and an element whose text is converted half-way.
+std::string documentWith(const std::string& text) {
+    const std::string l = Long.data();
+    return "<?xml version='1.0' encoding='windows-1252' standalone='yes'?><r" + declarations(20) + ">" + l + "&lt;" +
+           text + "<prefix3:a" + declarations(18) + " x='" + l + "&gt;' " + l + "='1' y=''/>" + "<b y='2' x='" + l +
+           "'>" + l + "<c/></b><!-- --><d>\xE9" + l + "<?xml version='1.0' encoding='ISO-8859-1'?>" + l +
+           "\xE9</d></r>";
+}
+
+void readEverything(QeXmlReader& reader) {
+    reader.readElementStart("r");
+    reader.addNamespace(QeXmlNamespace(Long, Long));
+    EXPECT_TRUE(reader.isElementNext("prefix3:a"));
+    reader.readElementStart("prefix3:a");
+    reader.readElementEnd("prefix3:a");
+    EXPECT_TRUE(reader.isElementNext("b"));
+    reader.readElement("b");
+    EXPECT_FALSE(reader.readElement(QeXmlReader::NullName).empty());
+    EXPECT_NE(messageOf<QeXmlParseError>([&] { reader.readElementEnd(Long); }), "");
+}
+
+// What is left after a failure can be looked at, and read on, whatever it gives.
+void readOn(QeXmlReader& reader) {
+    describeNode(reader);
+    for (const QeXmlAttribute& attribute : reader.getLastAttributes())
+        EXPECT_TRUE(reader.getLastAttributes().contains(attribute)) << describe(attribute.getName());
+    try {
+        while (!reader.eof())
+            reader.readNextNode();
+    } catch (const QeXmlParseError&) {
+    }
+}
+
+// Counts the events, at each of which it can fail.
 int countEvents(QeXmlSAXParser& parser, const QeCString& text) {
-    Counter counter;
+    struct Counter final : QeXmlContentHandler {
+        void prolog(const QeXmlProlog&) override { count(); }
+        void elementStart(const QeXmlName&, const QeXmlAttributeSet&) override { count(); }
+        void elementEnd(const QeXmlName&) override { count(); }
+        void content(const QeCString&) override { count(); }
+        void count() { allocator::call(), ++events; }
+        int events = 0;
+    } counter;
     parser.setContentHandler(&counter);
     parser.parse(text, "");
     return counter.events;
 }
 
-void writeAll(QeXmlWriter& writer) {
-    const QeXmlNamespace p("p", Long), byDefault("", Long + "1");
-    QeXmlAttributeSet attributes;
-    attributes.add(QeXmlName("a", p), Long + "'");
-    for (int i = 0; i < 20; ++i) {
-        writer.writeElementStart(QeXmlName(Long, byDefault), attributes, false);
-        writer.incrementIndent();
-        writer.writeNewLine();
-        writer.write(Long + "<", true);
-        writer.writeSimpleElement(QeXmlName("s", p), Long, "t", true);
+// A stream that fails at its end.
+struct Breaking final : std::streambuf {
+    int_type underflow() override {
+        if (std::exchange(given, true)) return allocator::call(), traits_type::eof();
+        setg(text.data(), text.data(), text.data() + text.size());
+        return traits_type::to_int_type(text[0]);
     }
-    for (int i = 0; i < 20; ++i)
-        writer.writeElementEnd(QeXmlName(Long, byDefault));
+    std::string text = "<r>" + std::string(100'000, 'x');
+    bool given = false;
+};
+
+// --- Output.
+
+const QeXmlName Root("root-element-with-a-name-of-more-than-23-bytes", binding(1));
+const QeXmlName Item("item", QeXmlNamespace("", Shared));
+const QeCString Escaped = Shared + "<";
+
+QeXmlAttributeSet someAttributes() {
+    QeXmlAttributeSet set;
+    set.add(QeXmlName("lang", binding(2)), Long + "'");
+    set.add(QeXmlName("quotes"), QeCString(std::string_view(std::string(150, '"'))));
+    for (int i = 0; i < 30; ++i)
+        set.add(QeXmlName("name" + QeCString(std::to_string(i))), "value" + QeCString(std::to_string(i)));
+    set.begin();  // from now on it could be out of order
+    return set;
 }
 
-QeCString everything() {
-    QeXmlStringWriter undisturbed;
-    writeAll(undisturbed);
-    return undisturbed.getString();
+void writeOrdinary(QeXmlWriter& writer, const QeXmlAttributeSet& attributes) {
+    for (const QeXmlName* name : {&Root, &Item, &Item})
+        writer.writeElementStart(*name, attributes, false);
+    writer.incrementIndent();
+    for (int i = 0; i < 10; ++i) {
+        writer.writeNewLine();
+        writer.writeElementStart(Item, attributes, true);
+        writer.write("a text & <its> escapes", true);
+        writer.write(Long, true);
+        writer.writeSimpleElement(Item, Escaped, "t", true);
+    }
+    writer.decrementIndent();
+    for (const QeXmlName* name : {&Item, &Item, &Root})
+        writer.writeElementEnd(*name);
 }
+
+// The slots of a string writer, replaced by ones that can fail before they do anything.
+class Failing final : public QeXmlStringWriter {
+public:
+    void writeToSink(char byte) override { allocator::call(), QeXmlStringWriter::writeToSink(byte); }
+    void writeToSink(const char* bytes, unsigned length) override {
+        allocator::call(), QeXmlStringWriter::writeToSink(bytes, length);
+    }
+    void writeToSink(const QeCString& text) override { allocator::call(), QeXmlStringWriter::writeToSink(text); }
+    void flush() override { allocator::call(), QeXmlStringWriter::flush(); }
+};
+
+// What went to the string stays, and nothing else does.
+template <typename Writer>
+void writeText(Attempt& attempt) {
+    static const QeXmlAttributeSet attributes = someAttributes();
+    Writer undisturbed, writer;
+    writeOrdinary(undisturbed, attributes);
+    const bool done = attempt([&] { writeOrdinary(writer, attributes); });
+    const QeCString written = writer.getString(), expected = undisturbed.getString();
+    EXPECT_TRUE(std::string_view(expected).starts_with(written));
+    EXPECT_EQ(written == expected, done);
+    EXPECT_EQ(writer.getLength(), written.length());
+}
+
+// Keeps nothing: in its first form by the slot for bytes, in the second by that for strings.
+template <bool takesBytes>
+struct Discarding final : QeXmlWriter {
+    void writeToSink(char) override {}
+    void writeToSink(const char* bytes, unsigned length) override {
+        if (!takesBytes) QeXmlWriter::writeToSink(bytes, length);
+    }
+    void writeToSink(const QeCString&) override {}
+    void flush() override {}
+};
+
+// --- What may fail, and what must hold then.
+
+const struct {
+    const char* name;
+    void (*run)(Attempt& attempt);
+} Failures[] = {
+    {"a string stays as it was",
+     [](Attempt& attempt) {
+         using Change = void (*)(QeCString & text);
+         for (const Change change : {Change([](QeCString& text) { text.assign(Long.data(), Long.length()); }),
+                                     Change([](QeCString& text) { text.append(Long.data(), Long.length()); }),
+                                     Change([](QeCString& text) { text = text + Long.data(); }),
+                                     Change([](QeCString& text) { text.reserve(200); })})
+             for (const char* target : {"", "in place", "a text of 24 bytes......", "a text that has had a block"}) {
+                 QeCString text(target), expected(target);
+                 change(expected);
+                 const bool done = attempt([&] { change(text); });
+                 EXPECT_EQ(text, done ? std::string_view(expected) : target);
+             }
+     }},
+    {"an attribute set stays as it was",
+     [](Attempt& attempt) {
+         for (const int count : {0, 1, 4, 5, 20}) {  // with and without a spare slot
+             QeXmlAttributeSet set = filledSet(count), copy = filledSet(2);
+             const std::string before = describe(set), copyBefore = describe(copy);
+             const bool wasAdded = attempt([&] { set.add(QeXmlName(Long), Long); });
+             EXPECT_TRUE(wasAdded || describe(set) == before);
+             const bool wasCopied = attempt([&] { copy = set; });
+             EXPECT_EQ(describe(copy), wasCopied ? describe(set) : copyBefore);
+         }
+     }},
+    {"a namespace stack stays as it was",
+     [](Attempt& attempt) {
+         for (const int count : {0, 1, 2, 3, 15, 16, 17, 40}) {  // an index is made for more than 16
+             QeXmlNamespaceStack stack = filledStack(count);
+             if (count % 2 == 0) stack.pushScope();
+             const auto *const begin = stack.namespacesBegin(), *const end = stack.namespacesEnd();
+             const QeXmlNamespace added = binding(count);
+             const bool wasAdded = attempt([&] { stack.addNamespace(added); });
+             if (!wasAdded) {
+                 EXPECT_TRUE(stack.namespacesBegin() == begin && stack.namespacesEnd() == end);
+                 expectHolds(stack, count);
+                 stack.addNamespace(QeXmlNamespace("another", "in its place"));
+             }
+             expectHolds(stack, count + (wasAdded ? 1 : 0));
+         }
+     }},
+    {"what a namespace stack was copied to stays as it was, as a member too",
+     [](Attempt& attempt) {
+         struct Context {
+             QeXmlNamespaceStack stack;
+         } to{filledStack(20)};
+         const Context from{filledStack(30)};
+         const bool wasCopied = attempt([&] { to = from; });
+         expectHolds(to.stack, wasCopied ? 30 : 20);
+     }},
+    {"an element stays as it was, though an override of its end, which a removal asks, throws",
+     [](Attempt& attempt) {
+         struct Element final : QeXmlElementImp {
+             using QeXmlElementImp::attributesEnd;
+             QeXmlAttribute* attributesEnd() override { return allocator::call(), QeXmlElementImp::attributesEnd(); }
+         } element;
+         element.addAttribute(QeXmlName("a"), "1");
+         const bool done = attempt([&] { element.removeAttribute(element.attributesBegin()); });
+         EXPECT_EQ(element.attributeCount(), done ? 0u : 1u);
+     }},
+    {"a reader can be looked at and read on",
+     [](Attempt& attempt) {
+         const Document document(documentWith(Long.data()));
+         for (const Source source : Sources) {
+             std::unique_ptr<QeXmlReader> reader;
+             attempt([&] {
+                 reader = document.open(source);
+                 readEverything(*reader);
+             });
+             if (reader != nullptr) readOn(*reader);
+         }
+     }},
+    {"attributes sorted by prefix, not by URI, are found by those that a lookup among many relies on",
+     [](Attempt& attempt) {
+         std::string inOrder, notInOrder;
+         for (char local = 'a'; local <= 'z'; ++local) {
+             inOrder += std::string(" ") + local + "=''";
+             notInOrder += std::string(" p:") + local + "='" + Long.data() + "' q:" + local + "='" + Long.data() + "'";
+         }
+         QeXmlReader reader(QeCString("<r xmlns:p='v' xmlns:q='u'><a" + inOrder + "/><b" + notInOrder + "/></r>"));
+         reader.readElementStart("r");
+         reader.readElementStart("a");
+         reader.readElementEnd("a");
+         attempt([&] { reader.readElementStart("b"); });
+         readOn(reader);
+     }},
+    {"a binding that could not be added has changed nothing, not even what was resolved before",
+     [](Attempt& attempt) {
+         QeXmlReader reader("<r xmlns:p='u'><p:a/><a/><p:b/></r>");
+         const QeXmlNamespace added("q", Long);
+         for (const char* name : {"r", "p:a"})
+             reader.readElementStart(name);
+         reader.readElementEnd();
+         const bool done = attempt([&] { reader.addNamespace(added); });
+         EXPECT_EQ(reader.getURIForPrefix("q"), done ? Long : "");
+         for (const char* expected : {"/a", "/{u}p:b"}) {
+             reader.readNextNode();
+             EXPECT_EQ(describeNode(reader), expected);
+         }
+     }},
+    {"a stream that breaks leaves no reader",
+     [](Attempt& attempt) {
+         Breaking buffer;
+         std::istream in(&buffer);
+         attempt([&] { EXPECT_NE(messageOf<QeXmlParseError>([&] { QeXmlReader(in).readElement("r"); }), ""); });
+     }},
+    {"a comparison ends",
+     [](Attempt& attempt) {
+         for (const bool equal : {true, false}) {
+             const QeCString left(documentWith("x")), right(documentWith(equal ? "x" : "y"));
+             bool result = !equal;
+             const bool done = attempt([&] { result = QeXmlUtils::compareXml(left, right); });
+             EXPECT_EQ(result == equal, done);
+         }
+     }},
+    {"a parse ends, and its parser can parse once more",
+     [](Attempt& attempt) {
+         const QeCString text(documentWith("x"));
+         QeXmlSAXParser parser;
+         const int expected = countEvents(parser, text);
+         int events = 0;
+         const bool done = attempt([&] { events = countEvents(parser, text); });
+         EXPECT_EQ(events, done ? expected : 0);
+         EXPECT_EQ(countEvents(parser, text), expected);
+     }},
+    {"a text ends", writeText<QeXmlStringWriter>},
+    {"a text ends in an override", writeText<Failing>},
+    {"a start that failed is as if it had not been written",
+     [](Attempt& attempt) {
+         const QeXmlAttributeSet attributes = someAttributes();
+         QeXmlStringWriter undisturbed, writer;
+         writeOrdinary(undisturbed, attributes);
+         const auto open = [&] { writer.writeElementStart(Root, attributes, false); };
+         if (attempt(open)) writer.writeElementEnd(Root);
+         const std::size_t before = writer.getString().length();
+         writeOrdinary(writer, attributes);
+         EXPECT_EQ(writer.getString().substring(before), undisturbed.getString());
+     }},
+    {"a validator stays as it was",
+     [](Attempt& attempt) {
+         using V = QeXmlValidator;
+         using Check = void (*)(V & validator, const V& part);
+         V part(Long);
+         part.checkMinLength(Long, "1000");
+         for (const Check check :
+              {Check([](V&validator, const V&) { validator.checkMinLength(Long, "1000"); }),
+               Check([](V&validator, const V&) { validator.checkMaxLength(Long, "1"); }),
+               Check([](V&validator, const V&) { validator.checkWhiteSpace(Long + "\t", "replace"); }),
+               Check([](V&validator, const V&) { validator.checkVectorBounds(1, 2, 3); }),
+               Check([](V&validator, const V&) { validator.checkPattern(Long, "^x"); }),
+               Check([](V&validator, const V&from) { validator.isValid(from); }),
+               Check([](V&validator, const V&from) { validator = from; })}) {
+             V validator(Long);
+             const bool done = attempt([&] { check(validator, part); });
+             EXPECT_EQ(validator.isValid(), !done);
+             EXPECT_TRUE(done || validator.getErrors().empty());
+             EXPECT_FALSE(validator.checkMaxLength("x", "0")) << "checked on";
+         }
+     }},
+    {"a conversion ends",
+     [](Attempt& attempt) {
+         struct Duration final : QeXmlDuration {
+             QeCString asString() const override { return allocator::call(), Long; }
+             int compareTo(const QeXmlDuration&) override { return allocator::call(), 0; }
+         } duration;
+         const QeDateTime instant(QeDate(1, 2, 2003), 4, 5, 6, 7, QeZone(90));
+         const std::function<void()> conversions[] = {
+             [] { QeXmlUtils::changeName(QeXmlName("n", QeXmlNamespace("p", Long)), "<a>" + Long + "</a>"); },
+             [] { QeXmlUtils::stripWhiteSpaceAndNewlines(" " + Long, QeCString::stripBoth); },
+             [] { EXPECT_NE(messageOf<QeValueError>([] { QeXmlUtils::convertISODateStringToDateTime(Long); }), ""); },
+             [] { EXPECT_NE(messageOf<QeValueError>([] { QeDecimalPortable number(Long); }), ""); },
+             [] { QeXmlSchemaUtils::ConvertTypeToString(QeDecimalPortable(1e300), ""); },
+             [] { QeDecimalPortable("0" + QeCString(std::string_view(std::string(100, '1')))); },
+             [&] { QeXmlUtils::convertDateTimeToISOString(instant, "%c %c"); },
+             [&] { instant.asString(QeDateTime::Iso8601, QeLocale::defaultLocale(), QeZone(90)); },
+             [] { EXPECT_EQ(QeXmlDuration(1, 22, 333, 4444, 55555, 6.5).asString(), "P1Y22M333DT4444H55555M6.5S"); },
+             [&] { QeXmlSchemaUtils::ConvertTypeToString(static_cast<const QeXmlDuration&>(duration), ""); },
+             [&] { static_cast<QeXmlDuration&>(duration).isEqual(QeXmlDuration()); },
+             [] { QeXmlSchemaError error("Bounds error in: " + Long); },
+         };
+         for (const std::function<void()>& convert : conversions)
+             attempt(convert);
+     }},
+};
+
+// --- What takes no memory, once that of the first times is there.
+
+std::size_t allocationsOfReading(const std::string& root, std::string_view record, std::size_t count) {
+    const Document document("<r" + root + ">" + repeat(record, count) + "</r>");
+    return countAllocations([&] {
+        const auto reader = document.open(Source::Span);
+        while (!reader->eof()) {
+            reader->readNextNode();
+            if (reader->getLastNodeType() == QeXmlReader::ElementStart) reader->isElementNext("record");
+        }
+    });
+}
+
+template <bool takesBytes>
+std::size_t allocationsOfWriting() {
+    const QeXmlAttributeSet attributes = someAttributes();
+    Discarding<takesBytes> writer;
+    for (int i = 0; i < 100; ++i)  // until each string that is reused has held the longest text
+        writeOrdinary(writer, attributes);
+    return countAllocations([&] { writeOrdinary(writer, attributes); });
+}
+
+// An attribute goes through the buffer of 1,024 bytes as long as its worst case fits: a name and its value, six bytes
+// each when escaped, and four around them.
+std::size_t allocationsOfAttribute(std::size_t length, char byte, bool escape) {
+    const QeCString value(std::string_view(std::string(length, byte)));
+    Discarding<true> writer;
+    return countAllocations([&] { writer.writeAttribute("a", value, escape); });
+}
+
+std::size_t allocationsOfText(const QeCString& text) {
+    Discarding<true> writer;
+    return countAllocations([&] { writer.write(text, true); });
+}
+
+const QeCString Megabyte(std::string_view(std::string(1'000'000, 'x')));
+
+const struct {
+    const char* name;
+    std::size_t (*count)();
+    std::size_t most;
+} Allocations[] = {
+    {"texts where there is room",
+     [] {
+         const std::string full(QeCString::InlineCapacity, 'f');
+         const QeCString source(full.c_str());
+         QeCString block(Long);
+         return countAllocations([&] {
+             QeCString copy(source);
+             copy = full.c_str();
+             QeCString moved(std::move(block));
+             moved.clear();
+             moved.append(Long);
+             moved = source;
+             moved.assign(Long);
+             block = std::move(moved);
+         });
+     },
+     0},
+    {"100,000 bytes appended one by one",
+     [] {
+         return countAllocations([] {
+             QeCString text;
+             for (int i = 0; i < 100'000; ++i)
+                 text += 'x';
+         });
+     },
+     31},
+    {"an attribute set that is filled again",
+     [] {
+         QeXmlAttributeSet set = filledSet(20);
+         const QeXmlAttributeSet same(set);
+         return countAllocations([&] {
+             set.clear();
+             for (const QeXmlAttribute& attribute : same)
+                 set.add(attribute);
+         });
+     },
+     0},
+    {"elements whose long URIs are not kept",
+     [] {
+         std::string text;
+         for (int i = 0; i < 200; ++i)
+             text += std::string("<p:e xmlns:p='") + Shared.data() + std::to_string(1000 + i) + "'/>";
+         QeXmlReader reader(QeCString("<r>" + text + "</r>"));
+         reader.readElementStart();
+         const auto readHalf = [&] {
+             for (int i = 0; i < 200; ++i)
+                 i % 2 == 0 ? reader.readElementStart() : reader.readElementEnd();
+         };
+         readHalf();
+         return countAllocations(readHalf);
+     },
+     0},
+    {"ordinary output, as bytes", allocationsOfWriting<true>, 0},
+    {"ordinary output, as strings", allocationsOfWriting<false>, 0},
+    {"a plain long text", [] { return allocationsOfText(Megabyte); }, 0},
+    {"a long text with an escape", [] { return allocationsOfText(Megabyte + "&"); }, 1},
+    {"a long value", [] { return allocationsOfAttribute(1'000'000, 'x', true); }, 1},
+    {"an attribute of 1024 bytes", [] { return allocationsOfAttribute(1019, 'v', false); }, 0},
+};
 
 }  // namespace
 
-TEST(Failures, OfMemoryEndAComparison) {
-    const QeCString left = document("x"), right = document("x"), other = document("y");
-    for (const bool equal : {true, false})
-        forEachFailingAllocation([&](Attempt& attempt) {
-            bool result = !equal;
-            const bool done = attempt([&] { result = QeXmlUtils::compareXml(left, equal ? right : other); });
-            EXPECT_EQ(result == equal, done);
-        });
-}
-
-TEST(Failures, OfMemoryEndAParse) {
-    const QeCString text = document("x");
-    QeXmlSAXParser parser;
-    const int expected = countEvents(parser, text);
-    forEachFailingAllocation([&](Attempt& attempt) {
-        int events = expected;
-        attempt([&] { events = countEvents(parser, text); });
-        EXPECT_EQ(events, expected);
-        EXPECT_EQ(countEvents(parser, text), expected) << "parsed once more";
-    });
-}
-
-TEST(Failures, OfAHandlerEndAParse) {
-    const QeCString text = document("x");
-    QeXmlSAXParser parser;
-    const int expected = countEvents(parser, text);
-    for (int failing = 0; failing < expected; ++failing) {
-        const std::size_t blocksBefore = allocator::liveBlocks;
-        Counter counter(failing);
-        parser.setContentHandler(&counter);
-        EXPECT_THROW(parser.parse(text, ""), std::runtime_error);
-        EXPECT_EQ(counter.events, failing);
-        EXPECT_EQ(allocator::liveBlocks, blocksBefore) << "blocks leaked";
-        EXPECT_EQ(countEvents(parser, text), expected) << "parsed once more";
+TEST(Failures, LeaveWhatIsPromised) {
+    for (const auto& [name, run] : Failures) {
+        SCOPED_TRACE(name);
+        forEachFailure(run);
     }
 }
 
-// The exception is the stream buffer's own, and what was read until then goes.
-TEST(Failures, OfAStreamEndTheMakingOfAReader) {
-    struct Failing final : std::streambuf {
-        int_type underflow() override {
-            if (std::exchange(given, true)) throw std::runtime_error("stream");
-            setg(text.data(), text.data(), text.data() + text.size());
-            return traits_type::to_int_type(text[0]);
-        }
-        std::string text = "<r>" + std::string(100'000, 'x');
-        bool given = false;
-    } buffer;
-    std::istream in(&buffer);
-    const std::size_t blocksBefore = allocator::liveBlocks;
-    EXPECT_THROW(QeXmlReader reader(in), std::runtime_error);
-    EXPECT_EQ(allocator::liveBlocks, blocksBefore) << "blocks leaked";
-}
-
-// What went to the string stays, and nothing else does.
-TEST(Failures, OfMemoryLeaveTheBeginningOfAText) {
-    const QeCString expected = everything();
-    forEachFailingAllocation([&](Attempt& attempt) {
-        QeXmlStringWriter writer;
-        const bool done = attempt([&] { writeAll(writer); });
-        const QeCString written = writer.getString();
-        EXPECT_TRUE(std::string_view(expected).starts_with(written));
-        EXPECT_EQ(written == expected, done);
-        EXPECT_EQ(writer.getLength(), written.length());
-    });
-}
-
-// The slots of a string writer, replaced by ones that throw before they do anything.
-TEST(Failures, OfAnOverrideLeaveTheBeginningOfAText) {
-    class Failing final : public QeXmlStringWriter {
-    public:
-        void writeToSink(char byte) override { pass(), QeXmlStringWriter::writeToSink(byte); }
-        void writeToSink(const char* bytes, unsigned length) override {
-            pass(), QeXmlStringWriter::writeToSink(bytes, length);
-        }
-        void writeToSink(const QeCString& text) override { pass(), QeXmlStringWriter::writeToSink(text); }
-        void flush() override { pass(), QeXmlStringWriter::flush(); }
-
-        int untilFailure = 0;
-
-    private:
-        void pass() {
-            if (untilFailure-- == 0) throw std::runtime_error("override");
-        }
+TEST(Allocations, AreNotMadeOverAndOver) {
+    for (const auto& [name, count, most] : Allocations)
+        EXPECT_LE(count(), most) << name;
+    const std::string l = Long.data();
+    const std::string records[][2] = {
+        // the root's attributes, and what is repeated
+        {"", "<record>text</record>\n"},
+        {"", "<record x='1' y='" + l + "&amp;' " + l + "=''>" + l + "&lt;<![CDATA[" + l + "]]></record>"},
+        {"", "<record" + repeat(" :x='1' y='2'", 20) + "/>"},
+        {" xmlns='" + l + "'", "<record><a/><b xmlns='' xmlns:p='" + l + "'><p:c/></b></record>"},
+        {declarations(20), "<record><prefix7:a prefix8:b='1'/></record>"},
     };
-    const QeCString expected = everything();
-    bool failed = true;
-    for (int calls = 0; failed; ++calls) {
-        SCOPED_TRACE(testing::Message() << "fails behind " << calls << " calls");
-        const std::size_t blocksBefore = allocator::liveBlocks;
-        {
-            Failing writer;
-            writer.untilFailure = calls;
-            try {
-                writeAll(writer);
-                failed = false;
-            } catch (const std::runtime_error&) {
-            }
-            writer.untilFailure = -1;
-            const QeCString written = writer.getString();
-            EXPECT_TRUE(std::string_view(expected).starts_with(written));
-            EXPECT_EQ(written == expected, !failed);
-        }
-        ASSERT_EQ(allocator::liveBlocks, blocksBefore) << "blocks leaked";
-    }
-}
-
-TEST(Failures, OfMemoryLeaveAValidatorAsItWas) {
-    using V = QeXmlValidator;
-    using Check = void (*)(V & validator, const V& part);
-    const Check checks[] = {
-        [](V& validator, const V&) { validator.checkMinLength(Long, "1000"); },
-        [](V& validator, const V&) { validator.checkMaxLength(Long, "1"); },
-        [](V& validator, const V&) { validator.checkWhiteSpace(Long + "\t", "replace"); },
-        [](V& validator, const V&) { validator.checkVectorBounds(1, 2, 3); },
-        [](V& validator, const V&) { validator.checkPattern(Long, "^x"); },
-        [](V& validator, const V& part) { validator.isValid(part); },
-        [](V& validator, const V& part) { validator = part; },
-    };
-    QeXmlValidator part(Long);
-    part.checkMinLength(Long, "1000");
-    for (const Check check : checks)
-        forEachFailingAllocation([&](Attempt& attempt) {
-            QeXmlValidator validator(Long);
-            const bool done = attempt([&] { check(validator, part); });
-            EXPECT_EQ(validator.isValid(), !done);
-            EXPECT_TRUE(done || validator.getErrors().empty());
-            EXPECT_FALSE(validator.checkMaxLength("x", "0")) << "checked on";
-        });
-}
-
-TEST(Failures, OfMemoryEndTheConversionOfAValue) {
-    const QeDateTime instant(QeDate(1, 2, 2003), 4, 5, 6, 7, QeZone(90));
-    using Conversion = std::function<void()>;
-    const Conversion conversions[] = {
-        [] { QeXmlUtils::changeName(QeXmlName("n", QeXmlNamespace("p", Long)), "<a>" + Long + "</a>"); },
-        [] { QeXmlUtils::stripWhiteSpaceAndNewlines(" " + Long, QeCString::stripBoth); },
-        [] { EXPECT_NE(messageOf<QeValueError>([] { QeXmlUtils::convertISODateStringToDateTime(Long); }), ""); },
-        [] { EXPECT_NE(messageOf<QeValueError>([] { QeDecimalPortable number(Long); }), ""); },
-        [] { QeXmlSchemaUtils::ConvertTypeToString(QeDecimalPortable(1e300), ""); },
-        [] { QeDecimalPortable("0" + QeCString(std::string_view(std::string(100, '1')))); },
-        [&] { QeXmlUtils::convertDateTimeToISOString(instant, "%c %c"); },
-        [&] { instant.asString(QeDateTime::Iso8601, QeLocale::defaultLocale(), QeZone(90)); },
-        [] { EXPECT_EQ(QeXmlDuration(1, 22, 333, 4444, 55555, 6.5).asString(), "P1Y22M333DT4444H55555M6.5S"); },
-        [] { QeXmlSchemaError error("Bounds error in: " + Long); },
-    };
-    for (const Conversion& convert : conversions)
-        forEachFailingAllocation([&](Attempt& attempt) { attempt(convert); });
-}
-
-// `removeAttribute` by position asks the end's slot.
-TEST(Failures, OfAnOverrideLeaveAnElementAsItWas) {
-    class Element final : public QeXmlElementImp {
-    public:
-        using QeXmlElementImp::attributesEnd;
-        QeXmlAttribute* attributesEnd() override { throw std::runtime_error("override"); }
-    } element;
-    element.addAttribute(QeXmlName("a"), "1");
-    EXPECT_THROW(element.removeAttribute(element.attributesBegin()), std::runtime_error);
-    EXPECT_EQ(element.attributeCount(), 1u);
-}
-
-TEST(Failures, OfAnOverrideEndTheUseOfADuration) {
-    class Duration final : public QeXmlDuration {
-        QeCString asString() const override { throw std::runtime_error("override"); }
-        int compareTo(const QeXmlDuration&) override { throw std::runtime_error("override"); }
-    } duration;
-    QeXmlDuration& used = duration;
-    EXPECT_THROW(QeXmlSchemaUtils::ConvertTypeToString(used, ""), std::runtime_error);
-    EXPECT_THROW(used.isEqual(QeXmlDuration()), std::runtime_error);
+    for (const auto& [root, record] : records)
+        EXPECT_EQ(allocationsOfReading(root, record, 50), allocationsOfReading(root, record, 100)) << record;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-// Counts the allocations of a test program and lets any one of them fail.
+// Counts the allocations of a test program and lets any one of them fail, or any
+// call of the program's own classes.
 //
 // Replaces the global operator new and delete, so exactly one source of a
 // program includes it. Blocks of more than the default alignment and those that
@@ -15,14 +16,23 @@ namespace allocator {
 
 inline std::size_t allocations = 0;   // since the program began
 inline std::size_t liveBlocks = 0;    // allocated and not yet freed
-inline std::size_t untilFailure = 0;  // allocations up to the one that fails; 0: none fails
+inline std::size_t untilFailure = 0;  // allocations and calls up to the one that fails; 0: none fails
 inline bool failureHappened = false;
 
+inline bool failsNow() noexcept {
+    if (untilFailure == 0 || --untilFailure != 0) return false;
+    return failureHappened = true;
+}
+
+struct CallFailed {};
+
+/// In a class of the program: a call that can fail like an allocation.
+inline void call() {
+    if (failsNow()) throw CallFailed();
+}
+
 inline void* allocate(std::size_t size) noexcept {
-    if (untilFailure != 0 && --untilFailure == 0) {
-        failureHappened = true;
-        return nullptr;
-    }
+    if (failsNow()) return nullptr;
     void* block = std::malloc(size == 0 ? 1 : size);
     if (block == nullptr) return nullptr;
     ++allocations;
@@ -82,70 +92,61 @@ std::size_t countAllocations(const Operation& operation) {
     return allocator::allocations - before;
 }
 
-/// What a scenario of `forEachFailingAllocation` tries its operation with.
+/// What a scenario of `forEachFailure` tries its operation with.
 class Attempt {
 public:
-    /// `failing` counts the operation's allocations from 1; with 0, none fails.
-    explicit Attempt(std::size_t failing) : failingAllocation(failing) {}
+    /// `failing` counts the operation's allocations and calls from 1; with 0, none fails.
+    explicit Attempt(std::size_t failing) : failingOne(failing) {}
 
-    /// Runs the operation with the one allocation failing. Whether it got through:
-    /// false when it threw `std::bad_alloc`. Other exceptions pass.
+    /// Runs the operation with the one allocation or call failing. Whether it got
+    /// through: false when that failure arrived. Other exceptions pass.
     template <typename Operation>
     bool operator()(const Operation& operation) {
-        const Arm arm(*this);
+        allocator::failureHappened = false;
+        allocator::untilFailure = failingOne;
+        bool done = false;
         try {
             operation();
-            return true;
+            done = true;
         } catch (const std::bad_alloc&) {
-            return false;
+        } catch (const allocator::CallFailed&) {
         }
+        allocator::untilFailure = 0;
+        failed |= allocator::failureHappened;
+        return done;
     }
 
-    /// Whether an allocation did fail, whatever the operation made of it.
+    /// Whether one did fail, whatever the operation made of it.
     bool sawFailure() const { return failed; }
 
 private:
-    struct Arm {
-        explicit Arm(Attempt& armed) : attempt(armed) {
-            allocator::failureHappened = false;
-            allocator::untilFailure = attempt.failingAllocation;
-        }
-        ~Arm() {
-            allocator::untilFailure = 0;
-            attempt.failed |= allocator::failureHappened;
-        }
-        Arm(const Arm&) = delete;
-        Arm& operator=(const Arm&) = delete;
-        Attempt& attempt;
-    };
-
-    std::size_t failingAllocation;
+    std::size_t failingOne;
     bool failed = false;
 };
 
-/// Runs `scenario` over and over, each time letting another allocation of the
-/// operation that it attempts fail: the first, the second, and so on, until a run
-/// needs no more. What a scenario made must be gone when it returns: each run is
+/// Runs `scenario` over and over, each time letting another allocation or call of
+/// the operations that it attempts fail: the first, the second, and so on, until a
+/// run needs no more. What a scenario made must be gone when it returns: each run is
 /// checked for leaks.
 ///
-///     forEachFailingAllocation([](Attempt& attempt) {
+///     forEachFailure([](Attempt& attempt) {
 ///         QeCString text("before");
 ///         const bool done = attempt([&] { text = LongText; });
 ///         EXPECT_EQ(text, done ? LongText : "before");
 ///     });
 template <typename Scenario>
-void forEachFailingAllocation(const Scenario& scenario) {
+void forEachFailure(const Scenario& scenario) {
     Attempt undisturbed(0);
     scenario(undisturbed);  // makes what is made on first use and stays
     for (std::size_t failing = 1;; ++failing) {
-        SCOPED_TRACE(testing::Message() << "allocation " << failing << " fails");
+        SCOPED_TRACE(testing::Message() << "number " << failing << " fails");
         const std::size_t blocksBefore = allocator::liveBlocks;
         Attempt attempt(failing);
         scenario(attempt);
         if (testing::Test::HasFailure()) return;  // one report is enough, and it allocates
         ASSERT_EQ(allocator::liveBlocks, blocksBefore) << "blocks leaked";
         if (!attempt.sawFailure()) {
-            EXPECT_GT(failing, 1u) << "the operation allocates nothing";
+            EXPECT_GT(failing, 1u) << "nothing could fail";
             return;
         }
     }
