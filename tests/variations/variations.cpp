@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -65,10 +66,9 @@ private:
 }  // namespace
 
 int main(int argc, char** argv) {
-    constexpr int Runs = 2000;
-    if (argc != 2) return std::cerr << "which folder holds the seeds?\n", 2;
+    if (argc != 3) return std::cerr << "which folder holds the seeds, and how many runs?\n", 2;
     Variations variations(contentsOf(argv[1]));
-    for (int run = 0; run < Runs; ++run) {
+    for (int runs = std::atoi(argv[2]); runs > 0; --runs) {
         const Bytes input = variations.next();
         LLVMFuzzerTestOneInput(input.data(), input.size());
     }
