@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <stdexcept>
 
 #include <corvel/exmsg.h>
@@ -117,9 +118,14 @@ public:
     void setColumnNumber(unsigned column) noexcept { columnNumber = column; }
 
 private:
+    struct Details;
+
     QeCString sourceFile;
     unsigned lineNumber;
     unsigned columnNumber;
+
+    // Room for what a reader of a later version knows besides, so that programs built today catch its errors, too.
+    std::shared_ptr<const Details> details;
 };
 
 /// Throws a copy of the argument, of exactly the parameter's class: the overload

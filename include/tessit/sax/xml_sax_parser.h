@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <corvel/c_string.h>
 #include <tessit/sax/xml_content_handler.h>
 
@@ -33,6 +35,11 @@ public:
     void parse(const QeCString& text, const QeCString& unused);
 
 private:
+    struct Settings;
+
     QeXmlContentHandler* contentHandler = nullptr;
     bool expandAttributeReference = true;
+
+    // Room for the settings of later versions, so that programs built today run with them, too.
+    std::shared_ptr<const Settings> settings;
 };

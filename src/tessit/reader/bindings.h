@@ -72,4 +72,16 @@ private:
     CachedPrefix cache[1 << CacheBits];
 };
 
+// Short prefixes go through a small cache, which is right as long as the bindings in force are the same.
+inline const QeXmlNamespace* Bindings::findBound(std::string_view prefix, const char* readableEnd) noexcept {
+    constexpr std::size_t LongestCached = 7;
+    constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15;
+    const std::uint64_t now = version();
+    if (prefix.size() > LongestCached) return ModelAccess::findPrefix(inForce, prefix);
+    const std::uint64_t key = corvel::firstBytes(prefix, readableEnd);
+    CachedPrefix& cached = cache[(key * Spread) >> (64 - CacheBits)];
+    if (cached.key != key || cached.version != now) cached = {key, now, ModelAccess::findPrefix(inForce, prefix)};
+    return cached.binding;
+}
+
 }  // namespace tessit

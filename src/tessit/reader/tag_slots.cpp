@@ -45,9 +45,9 @@ void TagSlots::noteMiss() noexcept {
 // Reads a tag that looks like an earlier one of its name: the names are in the slots already, and
 // the values go there at once. Where it is another after all, stops anywhere and returns false.
 inline bool TagSlots::readKnown(Scanner& scanner, bool expands) {
-    takeSlots(shape->attributes.size());
+    takeSlots(shape->expectedCount);
     QeXmlAttribute* const slots = ModelAccess::slotsOf(attributes).begin();
-    for (const TagShape::Attribute& expected : shape->attributes) {
+    for (const TagShape::Entry& expected : shape->expected()) {
         if (!scanner.passExpectedName(expected.name)) return false;
         if (!scanner.readValueInto(ModelAccess::valueOf(slots[expected.slot]), expands)) return false;
     }
@@ -198,9 +198,9 @@ std::span<TagSlots::Ordered> TagSlots::putInOrder(std::span<Ordered> ordered) {
 
 // Gives the set that many attributes, with what earlier tags left in them.
 void TagSlots::openSlots(std::size_t count) {
-    const std::size_t slots = std::max(count, LeastSlots);
+    const std::size_t slots = std::max(count, Few / 2);
     const std::size_t expected = shape == &firstShape ? 0 : std::min(count, MostExpected);
-    if (shape->written.size() < expected) shape->written.resize(std::min(slots, MostExpected));
+    if (shape->entries.size() < expected) shape->entries.resize(std::min(slots, MostExpected));
     ModelAccess::slotsOf(attributes).reserveSlots(slots);
     takeSlots(count);
 }
@@ -211,21 +211,22 @@ void TagSlots::writeAttribute(std::size_t slot, const RawAttribute& attribute) {
     const QeXmlNamespace* binding = prefix.empty() ? &NoNamespace : bindings.find(prefix, readableEnd);
     QeXmlAttribute& target = ModelAccess::slotsOf(attributes)[slot];
     NameWritten unknown;
-    writeName(target.getName(), slot < shape->written.size() ? shape->written[slot] : unknown, attribute.name, binding);
+    writeName(target.getName(), slot < shape->entries.size() ? shape->entries[slot].written : unknown, attribute.name,
+              binding);
     ModelAccess::valueOf(target).assign(attribute.valueText());
 }
 
 // Keeps the tag that was just written as what the next one of its name is
 // expected to look like. A tag that declares namespaces is none to expect again.
 void TagSlots::learnShape(std::span<const Ordered> ordered) {
-    const std::size_t count = ordered.size();
-    shape->attributes.clear();
-    if (count > MostExpected || bindings.tagDeclares()) return;
-    shape->attributes.reserve(std::max(count, LeastSlots));
-    shape->attributes.resize(count);
-    for (std::size_t slot = 0; slot < count; ++slot)
-        shape->attributes[static_cast<std::size_t>(ordered[slot].attribute - rawAttributes.data())] = {
-            ordered[slot].attribute->name.whole(), slot};
+    if (ordered.size() > MostExpected || bindings.tagDeclares()) return;
+    for (std::size_t slot = 0; slot < ordered.size(); ++slot) {
+        const RawAttribute& attribute = *ordered[slot].attribute;
+        TagShape::Entry& entry = shape->entries[static_cast<std::size_t>(&attribute - rawAttributes.data())];
+        entry.name = attribute.name.whole();
+        entry.slot = slot;
+    }
+    shape->expectedCount = ordered.size();
     shape->isInSlots = true;
     shape->version = bindings.version();
 }

@@ -87,21 +87,23 @@ private:
     // went to. Where the next tag of that name has the same ones in the same order,
     // as most have, names are only compared, and values go to the slots at once.
     struct TagShape {
-        struct Attribute {
-            std::string_view name;
-            std::size_t slot;
+        struct Entry {
+            std::string_view name;  // of the attribute with this number in the document; no declaration
+            std::size_t slot;       // where that went
+            NameWritten written;    // in the slot with this number
         };
-        std::vector<Attribute> attributes;   // in the order of the document; no declarations
-        std::vector<NameWritten> written;    // by slot
+        std::vector<Entry> entries;
+        std::size_t expectedCount = 0;       // so many attributes are expected, if they are in the slots
         QeSlotArray<QeXmlAttribute> parked;  // the slots, unless the delivered set has them
         std::uint64_t version = 0;           // of the bindings, when the slots were written
         unsigned pause = 0;                  // of so many tags, none is expected to be like this one
         unsigned lastPause = 0;              // grows with each tag that turned out different
-        bool isInSlots = false;              // whether they have the names of `attributes`
+        bool isInSlots = false;              // whether they have the names that are expected
+
+        std::span<const Entry> expected() const noexcept { return {entries.data(), expectedCount}; }
 
         void forget() noexcept {
-            attributes.clear();
-            written.clear();
+            entries.clear();
             isInSlots = false;
         }
     };
@@ -123,8 +125,7 @@ private:
     void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
     void writeLocalName(QeXmlName& name, const RawName& raw);
 
-    static constexpr std::size_t Few = 8;
-    static constexpr std::size_t LeastSlots = 4;  // growing attribute by attribute would allocate each time
+    static constexpr std::size_t Few = 8;  // at least this much at once: ordinary tags fit in
 
     QeXmlName& elementName;
     QeXmlAttributeSet& attributes;
