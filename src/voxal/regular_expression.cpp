@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <new>
 #include <string>
 #include <string_view>
@@ -40,7 +39,7 @@ constexpr Reason Reasons[] = {
 const char* describe(UErrorCode code) {
     const auto found = std::find_if(std::begin(Reasons), std::end(Reasons),
                                     [code](const Reason& reason) { return reason.code == code; });
-    return found != std::end(Reasons) ? found->words : u_errorName(code);
+    return found != std::end(Reasons) ? found->words : "this cannot be compiled";
 }
 
 QeCString quote(const QeCString& pattern) {
@@ -116,7 +115,7 @@ void requireUtf8(const QeCString& pattern, std::u16string_view units) {
 
 void requireSuccess(UErrorCode status) {
     if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-    if (U_FAILURE(status)) throw QeURegexError(u_errorName(status));
+    if (U_FAILURE(status)) throw QeURegexError("the pattern cannot be searched for");
 }
 
 }  // namespace
@@ -125,7 +124,7 @@ void QeURegularExpression::Close::operator()(URegularExpression* expression) con
     uregex_close(expression);
 }
 
-QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(source) {
+QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(source), sight(pattern) {
     if (pattern.length() > LongestPattern) raiseTooLong(pattern);
     const QeUString text(pattern);
     requireUtf8(pattern, text.units());
@@ -141,61 +140,32 @@ QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(so
 
 namespace {
 
-bool isBackReference(std::string_view at) {
-    return at.size() > 1 && at[0] == '\\' && ((at[1] >= '1' && at[1] <= '9') || at[1] == 'k');
-}
-
-// With blanks allowed inside (flag x), a group of this kind can be written in other ways: then the flag counts.
-bool opensFarSightedGroup(std::string_view at) {
-    if (!at.starts_with("(?")) return false;
-    at.remove_prefix(2);
-    for (const char* kind : {"=", "!", ">", "<=", "<!"})
-        if (at.starts_with(kind)) return true;
-    return at.substr(0, at.find_first_of(":)")).find('x') != std::string_view::npos;
-}
-
-// Whether one step may run over the whole text: look-around, atomic groups and
-// back references do. Does not tell quoted text apart, which costs such a
-// pattern no more than a smaller budget.
-bool looksFar(std::string_view pattern) {
-    for (std::size_t at = 0; (at = pattern.find_first_of("\\(", at)) != std::string_view::npos; ++at)
-        if (isBackReference(pattern.substr(at)) || opensFarSightedGroup(pattern.substr(at))) return true;
-    return false;
-}
-
-// How much costlier a step is than in a simple pattern: each one saves the state
-// of all groups and repetitions.
-std::int64_t stepWeight(std::string_view pattern) {
-    const auto holdsState = [](char byte) { return std::string_view("({*+?").find(byte) != std::string_view::npos; };
-    return 1 + std::count_if(pattern.begin(), pattern.end(), holdsState) / 64;
-}
-
-// The limit that ICU is given, in its unit of ten thousand steps.
-std::int32_t timeLimit(std::string_view pattern, std::int64_t textLength) {
-    constexpr std::int64_t StepsPerUnitOfTime = 10'000;
-    constexpr std::int64_t Steps = 10'000'000, StepsPerUnitOfText = 64;
-    constexpr std::int64_t FarSightedVisits = 4'000'000'000;  // units of text looked at, in all steps together
-    constexpr std::int64_t StepsPerPair = 4;                  // of units: for what is tried at each place, to the end
-    constexpr std::int64_t MostForPairs = 256'000'000;
-    const std::int64_t pairs = textLength < 8'000 ? StepsPerPair * textLength * textLength : MostForPairs;
-    std::int64_t steps = std::max(Steps + StepsPerUnitOfText * textLength, pairs);
-    if (looksFar(pattern)) steps = std::min(steps, FarSightedVisits / std::max<std::int64_t>(textLength, 1));
-    const std::int64_t limit = steps / stepWeight(pattern) / StepsPerUnitOfTime;
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(limit, 1, std::numeric_limits<std::int32_t>::max()));
-}
-
 std::int32_t stackLimit(std::int64_t textLength) {
     constexpr std::int64_t MiB = 1024 * 1024;
     return static_cast<std::int32_t>(std::min(8 * MiB + 128 * textLength, 512 * MiB));
 }
 
+voxal::SearchWork& workOf(const void* context) {
+    return *const_cast<voxal::SearchWork*>(static_cast<const voxal::SearchWork*>(context));
+}
+
+UBool U_CALLCONV chargeStart(const void* context, std::int64_t) {
+    return workOf(context).chargeStart();
+}
+
+UBool U_CALLCONV chargeSteps(const void* context, std::int32_t) {
+    return workOf(context).chargeSteps();
+}
+
 }  // namespace
 
-void QeURegularExpression::setLimits(std::size_t textLength) {
-    const auto length = static_cast<std::int64_t>(textLength);
+// Has ICU ask `work` at each place where a match is tried, and after each portion of steps.
+void QeURegularExpression::setLimits(voxal::SearchWork& work, std::u16string_view text) {
     UErrorCode status = U_ZERO_ERROR;
-    uregex_setTimeLimit(compiled.get(), timeLimit(pattern, length), &status);
-    uregex_setStackLimit(compiled.get(), stackLimit(length), &status);
+    uregex_setFindProgressCallback(compiled.get(), chargeStart, &work, &status);
+    uregex_setMatchCallback(compiled.get(), chargeSteps, &work, &status);
+    uregex_setStackLimit(compiled.get(), stackLimit(std::ssize(text)), &status);
+    uregex_setText(compiled.get(), text.data(), static_cast<std::int32_t>(text.size()), &status);
     requireSuccess(status);
 }
 
@@ -207,17 +177,21 @@ void QeURegularExpression::releaseText() noexcept {
     uregex_setStackLimit(compiled.get(), KeptStack, &status);
 }
 
+void QeURegularExpression::raiseTooMuch(const char* what, std::size_t textLength) const {
+    throw QeURegexError("Pattern " + quote(pattern) + " takes too " + what + " on a text of " +
+                        std::to_string(textLength) + " UTF-16 units");
+}
+
 QeURegexResult QeURegularExpression::search(const QeUString& text) {
     const std::u16string_view units = text.units();
-    setLimits(units.size());
+    voxal::SearchWork work(sight, units);
+    if (!work.affordsPortion()) raiseTooMuch("many steps", units.size());
+    setLimits(work, units);
     UErrorCode status = U_ZERO_ERROR;
-    uregex_setText(compiled.get(), units.data(), static_cast<std::int32_t>(units.size()), &status);
     const bool found = uregex_find(compiled.get(), 0, &status);
     releaseText();
-    if (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW)
-        throw QeURegexError("Pattern " + quote(pattern) + " takes too " +
-                            (status == U_REGEX_TIME_OUT ? "many steps" : "much memory") + " on a text of " +
-                            std::to_string(units.size()) + " UTF-16 units");
+    if (status == U_REGEX_STOPPED_BY_CALLER) raiseTooMuch("many steps", units.size());
+    if (status == U_REGEX_STACK_OVERFLOW) raiseTooMuch("much memory", units.size());
     requireSuccess(status);
-    return QeURegexResult(found);
+    return {found, work.charged()};
 }

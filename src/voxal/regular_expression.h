@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
+#include <voxal/search_work.h>
 #include <voxal/u_string.h>
 
 #include <corvel/c_string.h>
@@ -18,13 +21,17 @@ public:
 /// What a search came to.
 class QeURegexResult {
 public:
-    explicit QeURegexResult(bool wasFound) noexcept : found(wasFound) {}
+    QeURegexResult(bool wasFound, std::int64_t work) noexcept : found(wasFound), charged(work) {}
 
     /// Whether the text holds a match.
     explicit operator bool() const noexcept { return found; }
 
+    /// The steps that the search was charged with.
+    std::int64_t getWork() const noexcept { return charged; }
+
 private:
     bool found;
+    std::int64_t charged;
 };
 
 /// A regular expression in ICU's syntax, compiled once and searched for many times.
@@ -45,12 +52,11 @@ public:
 
     /// Whether the pattern matches anywhere in the text.
     ///
-    /// Throws `QeURegexError` when the search takes more than some ten million
-    /// steps of backtracking and 64 a unit of text, or a stack of more than 8 MiB
-    /// and 128 bytes a unit (at most 512 MiB): the first is what ends a search that
-    /// would take exponential time. Where a step can cost more than usual, fewer are
-    /// allowed. Counted, not timed, so that the same search always comes to the same
-    /// end. The expression can be used again.
+    /// Throws `QeURegexError` when the search takes more work than `SearchWork`
+    /// allows, or a stack of more than 8 MiB and 128 bytes a unit of text (at most
+    /// 512 MiB): the first is what ends a search that would take exponential time.
+    /// Counted, not timed, so that the same search always comes to the same end. The
+    /// expression can be used again.
     QeURegexResult search(const QeUString& text);
 
 private:
@@ -58,9 +64,11 @@ private:
         void operator()(URegularExpression* expression) const noexcept;
     };
 
-    void setLimits(std::size_t textLength);
+    void setLimits(voxal::SearchWork& work, std::u16string_view text);
     void releaseText() noexcept;
+    [[noreturn]] void raiseTooMuch(const char* what, std::size_t textLength) const;
 
     QeCString pattern;
+    voxal::PatternSight sight;
     std::unique_ptr<URegularExpression, Close> compiled;
 };

@@ -52,12 +52,15 @@ public:
     /// value, malformed UTF-8 counts as U+FFFD.
     ///
     /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid or
-    /// malformed UTF-8 (the text names the pattern and the place), when it is longer than 64 KiB, and when matching
-    /// takes too many steps or too much memory, as a pattern does that would take exponential time. Patterns that begin
-    /// with '^' mostly take time linear in the value. Others are tried at each place of it: one that begins with a
-    /// repetition takes quadratic time where it does not match, and reaches the limit on values of ten to twenty
-    /// thousand characters. The limits grow with the value, and allow 8 MiB and 128 bytes for each UTF-16 unit of it,
-    /// up to 512 MiB, while matching.
+    /// malformed UTF-8 (the text names the pattern and the place), when it is longer
+    /// than 64 KiB, and when matching takes too many steps or too much memory, as a
+    /// pattern does that would take exponential time. A check takes at most 50 million
+    /// steps, and 64 for each UTF-16 unit of the value: up to some seconds. A step in a
+    /// long pattern counts for several; in one that looks around, all the more in a
+    /// long value. Patterns that begin with '^' and have one way only to match take
+    /// time linear in the value; those that begin with a repetition take quadratic time
+    /// where they do not match, and reach the limit on some 10,000 characters. The
+    /// stack takes at most 8 MiB and 128 bytes for each UTF-16 unit, up to 512 MiB.
     ///
     /// The last few patterns stay compiled, so that checking value after value
     /// against the same ones compiles nothing. Before it is matched, the value is
