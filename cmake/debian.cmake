@@ -28,7 +28,10 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtessit-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION}), libicu-dev")
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
+if(TESSIT_ICU)
+    string(APPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS ", libicu-dev")
+endif()
 set(CPACK_COMPONENT_DEV_DESCRIPTION "Compact XML library, development files
 Headers, and the files by which CMake and pkg-config find the library.")
 

@@ -22,6 +22,9 @@ install(EXPORT tessit FILE tessitTargets.cmake NAMESPACE tessit:: DESTINATION ${
 file(RELATIVE_PATH pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 cmake_path(APPEND pc_includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
 cmake_path(APPEND pc_libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+if(TESSIT_ICU)
+    set(pc_requires_private " icu-i18n icu-uc")
+endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/tessit.pc.in ${package_files}/tessit.pc @ONLY)
 install(FILES ${package_files}/tessit.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 

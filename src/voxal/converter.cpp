@@ -1,10 +1,7 @@
 #include <algorithm>
-#include <cstdint>
 #include <iterator>
-#include <new>
-#include <unicode/ucnv.h>
-#include <unicode/ucnv_cb.h>
 #include <voxal/converter.h>
+#include <voxal/decoder.h>
 
 namespace {
 
@@ -18,79 +15,15 @@ bool isEncodingName(std::string_view name) {
     });
 }
 
-// ICU's own name of an encoding; empty when it knows none.
-std::string_view canonicalName(const QeCString& name) {
-    if (!isEncodingName(name)) return {};
-    UErrorCode status = U_ZERO_ERROR;
-    const char* canonical = ucnv_getAlias(name.data(), 0, &status);
-    return U_FAILURE(status) || canonical == nullptr ? std::string_view() : std::string_view(canonical);
-}
-
-// Running out of memory is not the document's fault.
-[[noreturn]] void raise(UErrorCode status, const char* message) {
-    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-    throw QeUConversionError(message);
-}
-
-struct Close {
-    void operator()(UConverter* converter) const noexcept { ucnv_close(converter); }
-};
-using Handle = std::unique_ptr<UConverter, Close>;
-
-Handle open(const char* name) {
-    UErrorCode status = U_ZERO_ERROR;
-    Handle converter(ucnv_open(name, &status));
-    if (U_FAILURE(status)) raise(status, "no converter is known for it");
-    return converter;
-}
-
-// ICU's own way makes U+001A, which XML forbids, of some bytes.
-void replaceMalformed(const void*, UConverterToUnicodeArgs* where, const char*, std::int32_t,
-                      UConverterCallbackReason reason, UErrorCode* status) {
-    constexpr UChar Replacement = 0xFFFD;
-    if (reason > UCNV_IRREGULAR) return;
-    *status = U_ZERO_ERROR;
-    ucnv_cbToUWriteUChars(where, &Replacement, 1, 0, status);
-}
-
 bool bothIn(std::string_view family, std::string_view left, std::string_view right) {
     return left.starts_with(family) && right.starts_with(family);
 }
 
 }  // namespace
 
-// What ICU keeps between two pieces: the converters' states, and units that were
-// read and not yet written.
-class QeUToUnicodeConverter::Conversion {
-public:
-    explicit Conversion(const char* name) : source(open(name)), target(open("UTF-8")) {
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_setToUCallBack(source.get(), replaceMalformed, nullptr, nullptr, nullptr, &status);
-    }
-
-    // Writes to `out` until that is full, or `at` has come to `end`: then true.
-    bool convert(const char*& at, const char* end, Piece position, char*& out, const char* outEnd) {
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_convertEx(target.get(), source.get(), &out, outEnd, &at, end, pivot, &pivotRead, &pivotWrite,
-                       std::end(pivot), isNew, position == Last, &status);
-        isNew = false;
-        if (status == U_BUFFER_OVERFLOW_ERROR) return false;
-        if (U_FAILURE(status)) raise(status, "its bytes cannot be converted");
-        isNew = position == Last;
-        return true;
-    }
-
-private:
-    Handle source, target;
-    UChar pivot[1024];
-    UChar* pivotRead = pivot;
-    UChar* pivotWrite = pivot;
-    bool isNew = true;
-};
-
 QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
     if (!isEncodingName(name)) throw QeUConversionError("it is not the name of an encoding");
-    conversion = std::make_unique<Conversion>(name.data());
+    decoder = voxal::openDecoder(name);
 }
 
 QeUToUnicodeConverter::QeUToUnicodeConverter(QeUToUnicodeConverter&&) noexcept = default;
@@ -124,7 +57,7 @@ void QeUToUnicodeConverter::append(QeCString& utf8, std::string_view piece, Piec
     const char* at = piece.data();
     for (bool done = false; !done;) {
         char* written = chunk;
-        done = conversion->convert(at, piece.data() + piece.size(), position, written, std::end(chunk));
+        done = decoder->decode(at, piece.data() + piece.size(), position == Last, written, std::end(chunk));
         const auto count = static_cast<std::size_t>(written - chunk);
         makeRoom(utf8, count, mostBytes);
         utf8.append(chunk, count);
@@ -132,8 +65,9 @@ void QeUToUnicodeConverter::append(QeCString& utf8, std::string_view piece, Piec
 }
 
 bool QeUToUnicodeConverter::sameEncoding(const QeCString& left, const QeCString& right) {
-    const std::string_view canonicalLeft = canonicalName(left);
-    const std::string_view canonicalRight = canonicalName(right);
+    if (!isEncodingName(left) || !isEncodingName(right)) return false;
+    const std::string_view canonicalLeft = voxal::canonicalName(left);
+    const std::string_view canonicalRight = voxal::canonicalName(right);
     if (canonicalLeft.empty() || canonicalRight.empty()) return false;
     return canonicalLeft == canonicalRight || bothIn("UTF-16", canonicalLeft, canonicalRight) ||
            bothIn("UTF-32", canonicalLeft, canonicalRight);

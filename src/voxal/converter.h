@@ -8,6 +8,10 @@
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
 
+namespace voxal {
+class Decoder;
+}
+
 /// A character encoding that no converter is known for, or text that could not be converted.
 class QeUConversionError : public Qexmsg {
 public:
@@ -28,9 +32,10 @@ class QeUToUnicodeConverter {
 public:
     static constexpr std::size_t NoLimit = std::numeric_limits<std::size_t>::max();
 
-    /// Any name that ICU knows, whatever its case; throws `QeUConversionError` for
-    /// others, and for names that hold more than letters, digits and a few signs:
-    /// ICU would look for a file of that name.
+    /// Any name in ICU's list, whatever its case, hyphens and underlines; throws
+    /// `QeUConversionError` for others, and for names that hold more than letters,
+    /// digits and the signs - _ . : + , = ( ). Without ICU, the encodings that need no
+    /// tables: UTF-8 and US-ASCII, whose bytes pass as they are, ISO-8859-1, UTF-16, UTF-32.
     explicit QeUToUnicodeConverter(const QeCString& name);
 
     QeUToUnicodeConverter(QeUToUnicodeConverter&&) noexcept;
@@ -56,7 +61,5 @@ public:
     static bool sameEncoding(const QeCString& left, const QeCString& right);
 
 private:
-    class Conversion;
-
-    std::unique_ptr<Conversion> conversion;
+    std::unique_ptr<voxal::Decoder> decoder;
 };

@@ -1,10 +1,14 @@
 #include <algorithm>
 #include <cstdint>
+#include <limits>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
 #include <unicode/uregex.h>
+#include <unicode/ustring.h>
 #include <voxal/regular_expression.h>
+#include <voxal/search_work.h>
 
 #include <corvel/value_message.h>
 
@@ -56,6 +60,26 @@ QeCString quote(const QeCString& pattern) {
     const std::string place = "at byte " + std::to_string(Limit), length = std::to_string(pattern.length());
     throw QeURegexError("Invalid pattern '" + begin + "...' " + place + ": its " + length + " bytes are more than " +
                         std::to_string(Limit));
+}
+
+void requireSuccess(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    if (U_FAILURE(status)) throw QeURegexError("the pattern cannot be searched for");
+}
+
+// Each malformed sequence becomes U+FFFD. ICU cannot count more than 2 GiB.
+std::u16string toUtf16(std::string_view utf8) {
+    constexpr UChar32 Replacement = 0xFFFD;
+    if (utf8.size() > std::numeric_limits<std::int32_t>::max())
+        throw QeURegexError("a text of more than 2 GiB cannot be held against a pattern");
+    const auto length = static_cast<std::int32_t>(utf8.size());
+    std::u16string text(utf8.size(), u'\0');  // no byte makes more than one unit
+    std::int32_t written = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8WithSub(text.data(), length, &written, utf8.data(), length, Replacement, nullptr, &status);
+    requireSuccess(status);
+    text.resize(static_cast<std::size_t>(written));
+    return text;
 }
 
 URegularExpression* open(std::u16string_view pattern, UParseError& place, UErrorCode& status) {
@@ -113,30 +137,42 @@ void requireUtf8(const QeCString& pattern, std::u16string_view units) {
     }
 }
 
-void requireSuccess(UErrorCode status) {
-    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-    if (U_FAILURE(status)) throw QeURegexError("the pattern cannot be searched for");
-}
-
 }  // namespace
 
-void QeURegularExpression::Close::operator()(URegularExpression* expression) const noexcept {
-    uregex_close(expression);
-}
+// What a pattern was compiled to, and how far it looks.
+struct QeURegularExpression::Compiled {
+    Compiled(const QeCString& pattern, std::u16string_view units);
+    Compiled(const Compiled&) = delete;
+    Compiled& operator=(const Compiled&) = delete;
+    ~Compiled() { uregex_close(expression); }
 
-QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(source), sight(pattern) {
-    if (pattern.length() > LongestPattern) raiseTooLong(pattern);
-    const QeUString text(pattern);
-    requireUtf8(pattern, text.units());
-    const std::u16string_view units = pattern.empty() ? u"(?:)" : text.units();  // ICU refuses an empty one
+    void begin(voxal::SearchWork& work, std::u16string_view text);
+    void releaseText() noexcept;
+
+    voxal::PatternSight sight;
+    URegularExpression* expression;
+};
+
+QeURegularExpression::Compiled::Compiled(const QeCString& pattern, std::u16string_view units) : sight(pattern) {
     UParseError place{};
     UErrorCode status = U_ZERO_ERROR;
-    compiled.reset(open(units, place, status));
+    expression = open(units, place, status);
     if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     if (U_SUCCESS(status)) return;
     if (place.line < 1) findPlace(place, units, status);
     raiseInvalid(pattern, describePlace(place), describe(status));
 }
+
+QeURegularExpression::QeURegularExpression(const QeCString& source) : pattern(source) {
+    if (pattern.length() > LongestPattern) raiseTooLong(pattern);
+    const std::u16string units = toUtf16(pattern);
+    requireUtf8(pattern, units);
+    compiled = std::make_unique<Compiled>(pattern, pattern.empty() ? u"(?:)" : units);  // ICU refuses an empty one
+}
+
+QeURegularExpression::QeURegularExpression(QeURegularExpression&&) noexcept = default;
+QeURegularExpression& QeURegularExpression::operator=(QeURegularExpression&&) noexcept = default;
+QeURegularExpression::~QeURegularExpression() = default;
 
 namespace {
 
@@ -160,38 +196,42 @@ UBool U_CALLCONV chargeSteps(const void* context, std::int32_t) {
 }  // namespace
 
 // Has ICU ask `work` at each place where a match is tried, and after each portion of steps.
-void QeURegularExpression::setLimits(voxal::SearchWork& work, std::u16string_view text) {
+void QeURegularExpression::Compiled::begin(voxal::SearchWork& work, std::u16string_view text) {
     UErrorCode status = U_ZERO_ERROR;
-    uregex_setFindProgressCallback(compiled.get(), chargeStart, &work, &status);
-    uregex_setMatchCallback(compiled.get(), chargeSteps, &work, &status);
-    uregex_setStackLimit(compiled.get(), stackLimit(std::ssize(text)), &status);
-    uregex_setText(compiled.get(), text.data(), static_cast<std::int32_t>(text.size()), &status);
+    uregex_setFindProgressCallback(expression, chargeStart, &work, &status);
+    uregex_setMatchCallback(expression, chargeSteps, &work, &status);
+    uregex_setStackLimit(expression, stackLimit(std::ssize(text)), &status);
+    uregex_setText(expression, text.data(), static_cast<std::int32_t>(text.size()), &status);
     requireSuccess(status);
 }
 
 // Lets go of the caller's text, and of the stack that a long one made grow.
-void QeURegularExpression::releaseText() noexcept {
+void QeURegularExpression::Compiled::releaseText() noexcept {
     constexpr std::int32_t KeptStack = 64 * 1024;
     UErrorCode status = U_ZERO_ERROR;
-    uregex_setText(compiled.get(), u"", 0, &status);
-    uregex_setStackLimit(compiled.get(), KeptStack, &status);
+    uregex_setText(expression, u"", 0, &status);
+    uregex_setStackLimit(expression, KeptStack, &status);
 }
 
-void QeURegularExpression::raiseTooMuch(const char* what, std::size_t textLength) const {
+namespace {
+
+[[noreturn]] void raiseTooMuch(const char* what, const QeCString& pattern, std::u16string_view text) {
     throw QeURegexError("Pattern " + quote(pattern) + " takes too " + what + " on a text of " +
-                        std::to_string(textLength) + " UTF-16 units");
+                        std::to_string(text.size()) + " UTF-16 units");
 }
 
-QeURegexResult QeURegularExpression::search(const QeUString& text) {
-    const std::u16string_view units = text.units();
-    voxal::SearchWork work(sight, units);
-    if (!work.affordsPortion()) raiseTooMuch("many steps", units.size());
-    setLimits(work, units);
+}  // namespace
+
+QeURegexResult QeURegularExpression::search(std::string_view text) {
+    const std::u16string units = toUtf16(text);
+    voxal::SearchWork work(compiled->sight, units);
+    if (!work.affordsPortion()) raiseTooMuch("many steps", pattern, units);
+    compiled->begin(work, units);
     UErrorCode status = U_ZERO_ERROR;
-    const bool found = uregex_find(compiled.get(), 0, &status);
-    releaseText();
-    if (status == U_REGEX_STOPPED_BY_CALLER) raiseTooMuch("many steps", units.size());
-    if (status == U_REGEX_STACK_OVERFLOW) raiseTooMuch("much memory", units.size());
+    const bool found = uregex_find(compiled->expression, 0, &status);
+    compiled->releaseText();
+    if (status == U_REGEX_STOPPED_BY_CALLER) raiseTooMuch("many steps", pattern, units);
+    if (status == U_REGEX_STACK_OVERFLOW) raiseTooMuch("much memory", pattern, units);
     requireSuccess(status);
     return {found, work.charged()};
 }

@@ -4,13 +4,9 @@
 #include <memory>
 #include <stdexcept>
 #include <string_view>
-#include <voxal/search_work.h>
-#include <voxal/u_string.h>
 
 #include <corvel/c_string.h>
 #include <corvel/exmsg.h>
-
-struct URegularExpression;
 
 /// A pattern that is invalid, or a search that was given up because it takes too long or too much memory.
 class QeURegexError : public Qexmsg, public std::runtime_error {
@@ -48,27 +44,25 @@ public:
     /// where it stops being valid, that is malformed UTF-8, or too long.
     explicit QeURegularExpression(const QeCString& source);
 
+    QeURegularExpression(QeURegularExpression&&) noexcept;
+    QeURegularExpression& operator=(QeURegularExpression&&) noexcept;
+    ~QeURegularExpression();
+
     const QeCString& getPattern() const noexcept { return pattern; }
 
-    /// Whether the pattern matches anywhere in the text.
+    /// Whether the pattern matches anywhere in the text, which is UTF-8: what is
+    /// malformed in it counts as U+FFFD. O(text) to convert it.
     ///
-    /// Throws `QeURegexError` when the search takes more work than `SearchWork`
+    /// Throws `QeURegexError` when the text is longer than 2 GiB, and when the search takes more work than `SearchWork`
     /// allows, or a stack of more than 8 MiB and 128 bytes a unit of text (at most
     /// 512 MiB): the first is what ends a search that would take exponential time.
     /// Counted, not timed, so that the same search always comes to the same end. The
     /// expression can be used again.
-    QeURegexResult search(const QeUString& text);
+    QeURegexResult search(std::string_view text);
 
 private:
-    struct Close {
-        void operator()(URegularExpression* expression) const noexcept;
-    };
-
-    void setLimits(voxal::SearchWork& work, std::u16string_view text);
-    void releaseText() noexcept;
-    [[noreturn]] void raiseTooMuch(const char* what, std::size_t textLength) const;
+    struct Compiled;
 
     QeCString pattern;
-    voxal::PatternSight sight;
-    std::unique_ptr<URegularExpression, Close> compiled;
+    std::unique_ptr<Compiled> compiled;
 };

@@ -5,6 +5,7 @@
 #include <string>
 #include <support/documents.h>
 #include <voxal/regular_expression.h>
+#include <voxal/search_work.h>
 
 using tessit::test::repeat;
 
@@ -17,12 +18,12 @@ std::int64_t weight(std::string_view pattern, const std::u16string& text) {
 }
 
 std::int64_t workOf(const char* pattern, const std::string& text) {
-    return QeURegularExpression(pattern).search(QeUString(text)).getWork();
+    return QeURegularExpression(pattern).search(text).getWork();
 }
 
 bool isRefused(const std::string& pattern, const std::string& text) {
     try {
-        QeURegularExpression(QeCString(std::string_view(pattern))).search(QeUString(text));
+        QeURegularExpression(QeCString(std::string_view(pattern))).search(text);
         return false;
     } catch (const QeURegexError&) {
         return true;

@@ -49,7 +49,8 @@ public:
     /// `checkPatterns` once the last one was checked.
     ///
     /// Patterns are ICU regular expressions; nothing depends on the locale. In the
-    /// value, malformed UTF-8 counts as U+FFFD.
+    /// value, malformed UTF-8 counts as U+FFFD. A library that was built without ICU
+    /// throws for every pattern.
     ///
     /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid or
     /// malformed UTF-8 (the text names the pattern and the place), when it is longer

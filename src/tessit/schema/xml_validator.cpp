@@ -36,7 +36,7 @@ QeXmlValidator::CompiledPatterns::~CompiledPatterns() = default;
 
 bool QeXmlValidator::CompiledPatterns::match(const QeCString& value, const QeCString& pattern) {
     if (cache == nullptr) cache = std::make_unique<Cache>();
-    return static_cast<bool>(cache->get(pattern).search(QeUString(value)));
+    return static_cast<bool>(cache->get(pattern).search(value));
 }
 
 QeXmlValidator::QeXmlValidator(const QeCString& itemName) : name(itemName) {}
