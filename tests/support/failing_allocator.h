@@ -3,9 +3,9 @@
 // Counts the allocations of a test program and lets any one of them fail, or any
 // call of the program's own classes.
 //
-// Replaces the global operator new and delete, so exactly one source of a
-// program includes it. Blocks of more than the default alignment and those that
-// C libraries allocate are not seen. One thread.
+// Replaces the global operator new and delete, by which the other forms of default
+// alignment work, so exactly one source of a program includes it. Blocks of more
+// alignment and those that C libraries allocate are not seen. One thread.
 
 #include <cstddef>
 #include <cstdlib>
@@ -31,18 +31,11 @@ inline void call() {
     if (failsNow()) throw CallFailed();
 }
 
-inline void* allocate(std::size_t size) noexcept {
-    if (failsNow()) return nullptr;
-    void* block = std::malloc(size == 0 ? 1 : size);
-    if (block == nullptr) return nullptr;
+inline void* allocate(std::size_t size) {
+    void* const block = failsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (block == nullptr) throw std::bad_alloc();
     ++allocations;
     ++liveBlocks;
-    return block;
-}
-
-inline void* allocateOrThrow(std::size_t size) {
-    void* block = allocate(size);
-    if (block == nullptr) throw std::bad_alloc();
     return block;
 }
 
@@ -54,36 +47,14 @@ inline void release(void* block) noexcept {
 }  // namespace allocator
 
 void* operator new(std::size_t size) {
-    return allocator::allocateOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-    return allocator::allocateOrThrow(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return allocator::allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return allocator::allocate(size);
 }
 void operator delete(void* block) noexcept {
     allocator::release(block);
 }
-void operator delete[](void* block) noexcept {
-    allocator::release(block);
-}
 void operator delete(void* block, std::size_t) noexcept {
     allocator::release(block);
 }
-void operator delete[](void* block, std::size_t) noexcept {
-    allocator::release(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    allocator::release(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    allocator::release(block);
-}
-
 /// The number of allocations that `operation` makes.
 template <typename Operation>
 std::size_t countAllocations(const Operation& operation) {
