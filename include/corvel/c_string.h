@@ -272,7 +272,6 @@ private:
     friend class QeXmlNamespace;
     friend class QeXmlNamespaceStack;
     friend class QeXmlReader;
-    friend class QeXmlWriter;  // copies short strings as a whole, too
     friend class tessit::LongUris;
     friend struct tessit::ModelAccess;
 

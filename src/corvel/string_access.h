@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <span>
 
 #include <corvel/c_string.h>
 
@@ -27,6 +28,12 @@ struct StringAccess {
 
     /// Where up to `size` more bytes can be written, which count once the length was set.
     static char* roomBehind(QeCString& text, std::size_t size) { return text.roomBehind(size); }
+
+    /// What can be written behind the text without another block. The text has its block for itself.
+    static std::span<char> spareRoom(QeCString& text) noexcept {
+        if (text.isInline()) return {text.raw + text.length(), QeCString::InlineCapacity - text.length()};
+        return {text.heapData() + text.heapLength(), text.heapCapacity() - text.heapLength()};
+    }
 
     /// Sets the length, up to the capacity, and ends the text there.
     static void setLength(QeCString& text, std::size_t length) noexcept { text.setLength(length); }

@@ -66,7 +66,6 @@ public:
 private:
     friend struct tessit::ModelAccess;
     friend class QeXmlReader;  // resolves names without building strings for the lookup
-    friend class QeXmlWriter;  // binds names without building a namespace for it
 
     // Most elements declare nothing, so such a scope is only a count: opening one
     // allocates nothing, and a lookup at depth 10^6 visits none of them.

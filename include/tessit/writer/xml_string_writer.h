@@ -22,7 +22,7 @@ public:
 
     /// Everything written so far, without a copy, for a writer that is no longer
     /// needed: `std::move(writer).getString()`. The string keeps the room to grow that
-    /// the writer had, up to its length again; a copy has none. The writer is left
+    /// the writer had, up to its length again or half a kilobyte; a copy has none. The writer is left
     /// without output; bindings and indentation stay. Flushes, through its slot.
     /// O(bytes in the buffer).
     QeCString getString() &&;
@@ -50,10 +50,9 @@ public:
     void flush() override;
 
 private:
-    friend class QeXmlWriter;  // writes into the text of what is exactly a string writer
-
     static constexpr std::size_t BufferSize = 1024;
 
+    TESSIT_NO_EXPORT void offerText() noexcept;
     TESSIT_NO_EXPORT void emptyBuffer();
 
     // The output is `sinkText`, then the first `bufferedBytes` bytes of the buffer. Both can

@@ -1,18 +1,11 @@
 #pragma once
 
-#include <cstddef>
-#include <span>
-#include <string_view>
-#include <vector>
+#include <memory>
 
 #include <corvel/c_string.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
-
-namespace tessit {
-class PlainAttributes;
-}  // namespace tessit
 
 /// Writes markup: elements with their attributes, text, namespace declarations,
 /// escapes and, where asked for, indentation. The bytes go to a sink, which a
@@ -126,7 +119,7 @@ public:
     /// element, for the whole document. Nothing is written: the writer takes the
     /// namespace for declared from then on. Costs and guarantees are those of
     /// `QeXmlNamespaceStack::addNamespace`.
-    void addNamespace(const QeXmlNamespace& ns) { addBinding(ns.getPrefix(), ns.getURI(), &ns.getURI()); }
+    void addNamespace(const QeXmlNamespace& ns);
 
     /// @}
     /// @name Layout
@@ -137,9 +130,7 @@ public:
 
     /// Writes the indentation, space by space, if nothing has been written since
     /// `writeNewLine`. O(spaces).
-    void writeIndentChars() {
-        if (atLineStart) indent();
-    }
+    void writeIndentChars();
 
     /// The number of spaces that lines begin with; a negative one counts as 0.
     void setCurrentIndent(int spaces) noexcept;
@@ -180,75 +171,13 @@ public:
     /// @}
 
 private:
-    // Storage that is kept from call to call. It is taken out while in use, so that
-    // a sink may call its writer. Copies of a writer start without.
-    struct Storage {
-        QeCString tag;
-        QeCString bytes;
-        QeXmlAttributeSet completedAttributes;
-        QeXmlAttributeSet typeAttribute;
-        std::vector<const QeXmlAttribute*> positions;
-        std::vector<const QeXmlAttribute*> completedPositions;
-        std::vector<const QeXmlNamespace*> bindings;
-    };
+    friend class QeXmlStringWriter;  // has the engine put bytes into its text
 
-    enum class Tag : unsigned char { Start, End };
-
-    class Output;
-    class ScopeRollback;
-
-    TESSIT_NO_EXPORT QeCString* ownText();
-    TESSIT_NO_EXPORT static char* putString(char* to, const QeCString& text) noexcept;
-    TESSIT_NO_EXPORT static char* putName(char* to, const QeCString& prefix, const QeCString& localName) noexcept;
-    TESSIT_NO_EXPORT static char* putAttribute(char* to, const QeCString& prefix, const QeCString& localName,
-                                               const QeCString& value, bool escape) noexcept;
-    template <typename Escapes>
-    TESSIT_NO_EXPORT static char* putEscaped(char* to, const QeCString& text) noexcept;
-
-    void indent();
-    TESSIT_NO_EXPORT void writeRepeated(char byte, int count);
-    TESSIT_NO_EXPORT void writeEscapedText(const QeCString& text);
-    TESSIT_NO_EXPORT void writeLongText(const QeCString& text);
-    TESSIT_NO_EXPORT bool appendInPlace(const QeCString& text);
-    TESSIT_NO_EXPORT void writeTag(Tag kind, const QeXmlName& name);
-    TESSIT_NO_EXPORT void writeStartInPlace(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
-    TESSIT_NO_EXPORT void writeStartToSink(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
-    template <typename Write>
-    TESSIT_NO_EXPORT void withBindings(const QeXmlAttributeSet& attributes, const Write& write);
-    TESSIT_NO_EXPORT void putStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty);
-    TESSIT_NO_EXPORT void writeAttributeSet(const QeXmlAttributeSet& attributes);
-    TESSIT_NO_EXPORT void writeQualifiedAttribute(const QeCString& prefix, const QeCString& localName,
-                                                  const QeCString& value, bool escape);
-    TESSIT_NO_EXPORT void writeToSinkInPieces(const char* bytes, std::size_t length);
-
-    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeXmlNamespace& ns);
-    TESSIT_NO_EXPORT bool addNamespaceToScopeIfNecessary(const QeCString& prefix, const QeCString& uri,
-                                                         const QeCString* shared);
-    void addBinding(const QeCString& prefix, const QeCString& uri, const QeCString* shared);
-    TESSIT_NO_EXPORT void popScope() noexcept;
-    TESSIT_NO_EXPORT const QeXmlNamespace* findPrefixed(const QeCString& uri);
-    TESSIT_NO_EXPORT const QeXmlNamespace* findDefault(const QeCString& uri) const;
-    TESSIT_NO_EXPORT bool addNamespacesOf(const QeXmlAttributeSet& attributes);
-    TESSIT_NO_EXPORT static bool isSurelyInOrder(const QeXmlAttributeSet& attributes) noexcept;
-    TESSIT_NO_EXPORT static bool areLocalNamesInOrder(const QeXmlAttributeSet& attributes) noexcept;
-    TESSIT_NO_EXPORT static void setValueAt(QeXmlAttributeSet& set, const QeXmlAttribute* position,
-                                            const QeCString& value);
-    TESSIT_NO_EXPORT std::span<const QeXmlNamespace> innermostBindings() const noexcept;
-    TESSIT_NO_EXPORT bool declaresInnermostBindings(const tessit::PlainAttributes& declarations) const;
-    TESSIT_NO_EXPORT const QeXmlAttributeSet& getCompleteAttributeSet(const QeXmlAttributeSet& attributes,
-                                                                      QeXmlAttributeSet& completed);
-    TESSIT_NO_EXPORT void completeInOrder(const QeXmlAttributeSet& attributes,
-                                          const tessit::PlainAttributes& declarations, QeXmlAttributeSet& completed);
-    TESSIT_NO_EXPORT void addMissingDeclarations(const QeXmlAttributeSet& attributes,
-                                                 const tessit::PlainAttributes& declarations,
-                                                 QeXmlAttributeSet& completed);
-    TESSIT_NO_EXPORT void completeOutOfOrder(const QeXmlAttributeSet& attributes,
-                                             const tessit::PlainAttributes& declarations, QeXmlAttributeSet& completed);
+    class TESSIT_NO_EXPORT Engine;
 
     int currentIndent = 0;
     int indentSize = 2;
     bool atLineStart = false;
-    QeXmlNamespaceStack namespaces;             // one scope for the document, one for each open element
-    const QeXmlNamespace* lastFound = nullptr;  // where the last URI looked for is bound, until bindings change
-    Storage spare;
+    QeXmlNamespaceStack namespaces;  // one scope for the document, one for each open element
+    std::unique_ptr<Engine> engine;
 };

@@ -4,15 +4,25 @@
 
 #include <corvel/byte_copy.h>
 #include <tessit/errors/xml_error.h>
+#include <tessit/writer/engine.h>
 #include <tessit/writer/pieces.h>
 #include <tessit/writer/xml_string_writer.h>
 
-QeXmlStringWriter::QeXmlStringWriter() = default;
+QeXmlStringWriter::QeXmlStringWriter() {
+    offerText();
+}
 
 // Only the bytes in use are copied: the rest of the buffer was never written.
 QeXmlStringWriter::QeXmlStringWriter(const QeXmlStringWriter& other)
     : QeXmlWriter(other), bufferedBytes(other.bufferedBytes), sinkText(other.sinkText) {
     std::memcpy(sinkBuffer, other.sinkBuffer, bufferedBytes);
+    offerText();
+}
+
+// What the slots of this class do, in the end, is to append to its text. The engine may do so itself as long as no
+// class derived from this one can have overridden a slot.
+void QeXmlStringWriter::offerText() noexcept {
+    engine->offerText({&sinkText, sinkBuffer, &bufferedBytes, &typeid(QeXmlStringWriter)});
 }
 
 QeXmlStringWriter& QeXmlStringWriter::operator=(const QeXmlStringWriter& other) {
