@@ -50,6 +50,9 @@ constexpr NameCase Names[] = {
     // Nor does what a name meant inside the tag in front.
     {"<p:a xmlns:p='u'><p:a xmlns:p='v'/></p:a>", "+{u}p:a[xmlns:p=u] /{v}p:a[xmlns:p=v] -{u}p:a"},
     {"<r xmlns='u' xmlns:p='u'><a/><p:a/><a/></r>", "+{u}r[xmlns:p=u xmlns=u] /{u}a /{u}p:a /{u}a -{u}r"},
+    {"<r xmlns:prefixes1='u' xmlns:prefixes2='v'><prefixes1:a/><prefixes2:a/></r>",
+     "+r[xmlns:prefixes1=u xmlns:prefixes2=v] /{u}prefixes1:a /{v}prefixes2:a -r"},
+    {"<p:\xC3\xA9:b xmlns:p='u'/>", "/{u}p:\xC3\xA9:b[xmlns:p=u]"},
     {"<a></a></a><b/>", "+a -a -a /b"},  // more ends than starts
 };
 

@@ -29,6 +29,9 @@ constexpr NodeCase Content[] = {
     {"<r>&lt;&gt;&amp;&apos;&quot;</r>", "+r =<>&'\" -r"},
     {"<r>&ltx;&Amp;&nbsp;&a<b;</r>", "+r =&ltx;&Amp;&nbsp;&a<b; -r"},  // unknown entities pass through
     {"<r>&#65;&#x41;&#x4a;&#xE9;&#8364;&#x1f600;</r>", "+r =AAJ\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 -r"},
+    {"<r>\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80&#x7F;&#x80;&#x7FF;&#x800;&#xFFFF;&#x10000;</r>",
+     "+r =\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80"
+     "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80 -r"},
     {"<r>&#0;&#x;</r>", {"+r =\0\0 -r", 9}},
     {"<r>&#4294967361;&#x100000041;</r>", "+r =AA -r"},  // wrap at 32 bits
     {"<r>&#xFFFFFFFF;</r>", "+r =\xF7\xBF\xBF\xBF -r"},  // only 21 bits can be written
@@ -45,6 +48,7 @@ constexpr NodeCase Tags[] = {
     {"<a\xC2\x80/>", "/a\xC2\x80"},          // past the first character all but ASCII may follow
     {"<a\xED\xA0\x80/>", "/a\xED\xA0\x80"},  // a surrogate too
     {"<a\xF0\x9F\x98\x80:\xF4\x8F\xBF\xBF/>", "/a\xF0\x9F\x98\x80:\xF4\x8F\xBF\xBF"},
+    {"<a\xDF\x80\xEF\xA4\x80/>", "/a\xDF\x80\xEF\xA4\x80"},
     {"<a z='1' y=\"2\" x = '3'/>", "/a[x=3 y=2 z=1]"},
     {"<a x='1'y='2'/>", "/a[x=1 y=2]"},  // no space needed between
     {"<a x='say \"hi\"' y=\"it's\"/>", "/a[x=say \"hi\" y=it's]"},
@@ -65,6 +69,7 @@ constexpr NodeCase Errors[] = {
     {"<r><a\xC3(/></r>", "+r !1:6 Malformed UTF-8 in name"},
     {"<r><\xC3(/></r>", "+r !1:5 Malformed UTF-8 in name"},
     {"<r><a\xFF\xFF\xFF\xFF/></r>", "+r !1:6 Malformed UTF-8 in name"},
+    {"<r><a\xC1\xBF\xBF\xBF/></r>", "+r !1:6 Malformed UTF-8 in name"},
     {"<r><a\xE0\x80\x80/></r>", "+r !1:6 Malformed UTF-8 in name"},      // overlong
     {"<r><a\xF4\x90\x80\x80/></r>", "+r !1:6 Malformed UTF-8 in name"},  // past U+10FFFF
     {"<r>\n<!x", "+r !2:4 Invalid character sequence <!x"},              // in text: behind the byte

@@ -19,6 +19,7 @@ constexpr PrologCase Prologs[] = {
     {"<?xml version=\"1.0\" standalone=\"no\"?>", "1.0|UTF-8|no+"},
     {"<?xml version = \"1.0\" \t\r\n standalone = 'yes' encoding = 'utf-8' ?>",
      "1.0|utf-8+|yes+"},  // any order, name as given
+    {"\r", "|UTF-8|"},
     {" \r\n\t<?xml version='1.0'?>", "1.0|UTF-8|"},
     {"<?xml version='1.0'>", "1.0|UTF-8|"},                       // no '?' needed
     {"<?xml version='1.0'?><?xml version='2'?>", "1.02|UTF-8|"},  // a second one appends

@@ -83,7 +83,9 @@ constexpr PullCase Demands[] = {
     {"<p:a xmlns:p='u'/>", "S:{v}a", "!1:19 Expected z:a, found p:a"},
     {"<p:a xmlns:p='u' xmlns:z='u'/>", "S:{}a", "S[xmlns:p=u xmlns:z=u]"},  // z is bound by the tag itself
     {"<z:a xmlns:z='u'></z:a>", "S:{}a E:{}a", "S[xmlns:z=u] !1:24 Expected z:a, found z:a"},  // ends match exactly
+    {"<r xmlns:p='u'><s xmlns:p='v'><p:a></p:a></s></r>", "S S S:p:a E:p:a", "S S S E"},
     {"<a xmlns='u'><b xmlns=''/></a>", "S:a S:b", "S[xmlns=u] !1:27 Expected b, found b"},
+    {"<r><a xmlns:z='u'/><b></b></r>", "S S:a E S:{}b", "S S[xmlns:z=u] E S"},  // not by what is closed
     {"<:a/>", "S::a E::b", "S !1:6 Expected b, found a"},
 };
 
