@@ -43,24 +43,6 @@ struct Storage {
 
 constexpr Storage Storages[] = {{0, 0}, {15, 15}, {23, 23}, {24, 24}, {47, 47}, {40, 3}, {64, 0}};
 
-TEST(CString, HoldsTextsOfEveryLengthInEveryStorage) {
-    for (std::size_t length = 0; length <= 64; ++length)
-        for (const Storage& storage : Storages) {
-            SCOPED_TRACE(testing::Message() << length << " bytes over " << storage.length << " of " << storage.grown);
-            const std::string bytes = sample(length), old = storage.text();
-            const QeCString source(bytes.data(), bytes.size());
-            QeCString target = storage.make();
-            expectHolds(QeCString(target), old);
-            expectHolds(target + source, old + bytes);
-            EXPECT_EQ(target == source, old == bytes);
-            QeCString& same = target;
-            target = same;
-            target = std::move(same);
-            expectHolds(target, old);
-            expectHolds(target = source, bytes);
-        }
-}
-
 TEST(CString, IsEqualInEveryByteOnly) {
     for (std::size_t length = 0; length <= 100; ++length)
         for (std::size_t at = 0; at < length; ++at) {
@@ -105,18 +87,6 @@ TEST(CString, TakesANullPointerForTheEmptyText) {
     EXPECT_FALSE(text == null);
     expectHolds(text = null, "");
     EXPECT_TRUE(text == null && text == QeCString(null) && text == QeCString(null, 0));
-}
-
-TEST(CString, SearchesFromAnyPosition) {
-    const QeCString text("ab:cd:e");
-    EXPECT_EQ(text.find(':', 3), 5u);
-    EXPECT_EQ(text.find(':', QeCString::npos), QeCString::npos);
-    EXPECT_EQ(text.find("d:"), 4u);
-    EXPECT_EQ(text.find("e:"), QeCString::npos);  // would reach past the end
-    EXPECT_EQ(text.findFirstOf("d:", 3), 4u);
-    EXPECT_EQ(text.substring(3, 2), "cd");
-    EXPECT_EQ(text.substring(6, QeCString::npos), "e");
-    EXPECT_EQ(text.substring(8), "");
 }
 
 TEST(CString, ReadsWhatIsLeftOfAStream) {

@@ -55,22 +55,6 @@ TEST(QeDateTime, ReadsBackInTheZoneItWasMadeIn) {
         }
 }
 
-TEST(QeDateTime, WritesTheZoneAndOnlyTheFractionThereIs) {
-    const struct {
-        int millisecond;
-        int offset;
-        const char* text;
-    } cases[] = {
-        {0, 0, "2003-05-20T09:01:08Z"},         {250, 0, "2003-05-20T09:01:08,25Z"},
-        {7, 0, "2003-05-20T09:01:08,007Z"},     {100, 120, "2003-05-20T11:01:08,1+02:00"},
-        {0, -570, "2003-05-19T23:31:08-09:30"}, {0, -30, "2003-05-20T08:31:08-00:30"},
-    };
-    for (const auto& [millisecond, offset, text] : cases) {
-        const QeDateTime when(QeDate(20, 5, 2003), 9, 1, 8, millisecond, QeZone::utc());
-        EXPECT_EQ(isoText(when, QeZone(offset)), text);
-    }
-}
-
 // The C library, in the C locale, as the judge of days and texts; it writes years of four digits as we do.
 TEST(QeDateTime, CountsAndFormatsAsTheCLibraryDoes) {
     const char all[] =

@@ -249,7 +249,9 @@ const struct {
     Text pattern;
     void (*use)(const Text& text);
 } Cases[] = {
-    {"WalkDepthFromStream", Many, Nested, fromStream},
+    // so deep that recursion would take the stack
+    {"WalkDepthFromStream", VeryMany, Nested, fromStream},
+    {"CompareDepth", VeryMany, Nested, compareWithItself},
     {"ParseDepth", Many, Nested, parse},
     {"DemandDepth", Many, Nested, calls<"N:a N:p:a N:{}a T">},
     {"DemandInVain", Many, Nested, calls<"S:none E:none">},

@@ -159,16 +159,6 @@ TEST(XmlReader, EndsWhereADocumentIsCutOff) {
             }
 }
 
-TEST(XmlReader, ReadsAMillionNestedElements) {
-    constexpr std::size_t Depth = 1'000'000;
-    const Document document(repeat("<a>", Depth) + repeat("</a>", Depth));
-    const auto reader = document.open(Source::Span);
-    std::size_t nodes = 0;
-    for (; !reader->eof(); ++nodes)
-        reader->readNextNode();
-    EXPECT_EQ(nodes, 2 * Depth);
-}
-
 // Names and values of every length around the sizes that the scans and the strings work in.
 TEST(XmlReader, DeliversEveryLength) {
     for (std::size_t length = 1; length <= 70; ++length) {

@@ -122,15 +122,6 @@ TEST(CompareXml, PassesOnWhatTheReadersRaise) {
     EXPECT_EQ(errorOf("<a", "x"), "!1:1 Premature EOF");  // the first document is opened first
 }
 
-// Anything recursive in these would take the stack.
-TEST(CompareXml, ComparesLargeDocuments) {
-    constexpr std::size_t Count = 100'000;
-    EXPECT_TRUE(
-        compare(repeat("<a>", Count) + repeat("</a>", Count), repeat("<a>\n", Count) + repeat("</a>\t", Count)));
-    for (const char* part : {"<b></b> ", "<b> </b>", "<?p?><b/>", "<b/>&#9;"})
-        EXPECT_TRUE(compare("<r>x<b/>" + repeat(part, Count) + "</r>", "<r>x<b/>" + repeat(part, Count) + "</r>"));
-}
-
 TEST(CompareXml, TellsLongUrisApartThatFollowOneAnother) {
     std::string left = "<r>", right = "<r>", other = "<r>";
     for (int i = 100; i < 200; ++i) {  // in the same storage, where nothing keeps it
