@@ -1,13 +1,11 @@
 #pragma once
 
-#include <atomic>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <iosfwd>
-#include <new>
 #include <string_view>
 #include <type_traits>
 
@@ -16,11 +14,6 @@
 namespace corvel {
 struct StringAccess;
 }  // namespace corvel
-
-namespace tessit {
-class LongUris;
-struct ModelAccess;
-}  // namespace tessit
 
 /// An owned string of bytes: every name, URI, value and text of the library.
 ///
@@ -136,7 +129,6 @@ public:
     /// The byte at `index`, to be changed; throws `QeBoundsError` unless `index < length()`.
     char& operator[](std::size_t index) {
         if (index >= length()) raiseIndex(index);
-        if (isShared()) unshare();
         return mutableData()[index];
     }
 
@@ -159,14 +151,11 @@ public:
     void assign(const char* text) { assign(viewOf(text)); }
 
     /// Empties the text and keeps its storage. O(1).
-    void clear() noexcept {
-        if (isShared()) return dropBlock();
-        truncate(0);
-    }
+    void clear() noexcept { truncate(0); }
 
     /// Shortens the text to `length` bytes; does nothing when it is not longer. O(1).
     void truncate(std::size_t newLength) noexcept {
-        if (newLength < length()) setLength(newLength);  // shared texts are only assigned to and cleared
+        if (newLength < length()) setLength(newLength);
     }
 
     /// Makes the text `length` bytes long and returns them, to be written over:
@@ -185,7 +174,7 @@ public:
     /// Appends bytes. Amortised O(bytes).
     void append(const char* bytes, std::size_t count) {
         const std::size_t oldLength = length();
-        if (count > InlineCapacity || count > capacity() - oldLength || isShared()) return appendSlowly(bytes, count);
+        if (count > InlineCapacity || count > capacity() - oldLength) return appendSlowly(bytes, count);
         copyShort(mutableData() + oldLength, bytes, count);
         setLength(oldLength + count);
     }
@@ -268,18 +257,14 @@ public:
 private:
     friend struct corvel::StringAccess;
 
-    // They hand one long URI to many names, which must not cost its length each time.
-    friend class QeXmlNamespace;
-    friend class QeXmlNamespaceStack;
-    friend class QeXmlReader;
-    friend class tessit::LongUris;
-    friend struct tessit::ModelAccess;
-
-    // The last byte tells the two layouts apart. Up to 23: the text is in place
-    // and this is the room left, so that a full string's tag is its terminator.
-    // HeapTag: the first bytes are a Block.
+    // The last byte tells the layouts apart. Up to 23: the text is in place and this
+    // is the room left, so that a full string's tag is its terminator. HeapTag: the
+    // first bytes are a Block. SharedTag: so they are, and other strings may have the
+    // same block, which therefore is only read: to give such a string another text is
+    // to leave the block. No function here makes such a string, and no user meets one
+    // but as a constant.
     static constexpr std::size_t TagIndex = InlineCapacity;
-    static constexpr char HeapTag = static_cast<char>(0x80);
+    static constexpr char HeapTag = static_cast<char>(0x80), SharedTag = static_cast<char>(0x81);
 
     struct Block {
         char* data;
@@ -289,27 +274,11 @@ private:
     static constexpr std::size_t UnitSize = 16;
     static_assert(sizeof(Block) <= 24 && offsetof(Block, units) + sizeof(std::uint32_t) <= TagIndex);
 
-    // A block has a count of its owners in front. Sharing is the library's own affair: a copy of a string
-    // has a block of its own. Only URIs inside namespaces are shared, where no user can change them: among
-    // the names of one object, and, if they are long, by all copies of a namespace. These can be in other
-    // threads: then the count is atomic.
-    //
-    // A document can use a long URI in each of its tags, so that its length must not count each time: a block
-    // that was shared once changes by assignments only, and keeps the hash of its text from when it is asked for.
-    struct Header {
-        alignas(UnitSize) std::size_t owners;
-        std::size_t hash;  // or one of the next two
-    };
-    static constexpr std::size_t KeepsNoHash = 0, HashNotKnown = 1;
-
-    // Texts of so many bytes and more are long.
-    static constexpr std::size_t LongLength = 256;
-    static constexpr std::uint32_t LongUnits = LongLength / UnitSize + 1;
-
     // The longest text whose block, terminator included, both `units` and a pointer difference can measure.
     static constexpr std::size_t MaxUnits = sizeof(std::size_t) > 4 ? UINT32_MAX : PTRDIFF_MAX / UnitSize;
     static constexpr std::size_t MaxLength = MaxUnits * UnitSize - 1;
 
+    bool isShared() const noexcept { return raw[TagIndex] == SharedTag; }
     bool isInline() const noexcept { return static_cast<signed char>(raw[TagIndex]) >= 0; }
 
     constexpr void setInlineLength(std::size_t length) noexcept {
@@ -335,57 +304,6 @@ private:
     }
     std::size_t heapCapacity() const noexcept { return heapUnits() * UnitSize - 1; }
 
-    Header& header() const noexcept { return *std::launder(reinterpret_cast<Header*>(heapData() - sizeof(Header))); }
-    bool isLong() const noexcept { return length() >= LongLength; }
-    bool isShared() const noexcept {
-        return !isInline() && std::atomic_ref(header().owners).load(std::memory_order_acquire) > 1;
-    }
-
-    void joinBlock() const noexcept {
-        std::size_t& owners = header().owners;
-        if (heapUnits() < LongUnits) {
-            ++owners;
-        } else {
-            std::atomic_ref(owners).fetch_add(1, std::memory_order_relaxed);
-        }
-    }
-
-    // Whether nobody has the block any more. A single owner knows that nobody joins meanwhile.
-    bool leaveBlock() const noexcept {
-        if (!isShared()) return true;
-        std::size_t& owners = header().owners;
-        if (heapUnits() < LongUnits) return --owners == 0;
-        return std::atomic_ref(owners).fetch_sub(1, std::memory_order_acq_rel) == 1;
-    }
-
-    // Has a long text, which from now on is only assigned to, keep its hash.
-    void keepHash() const noexcept {
-        if (!isLong()) return;
-        const std::atomic_ref hash(header().hash);
-        if (hash.load(std::memory_order_relaxed) == KeepsNoHash) hash.store(HashNotKnown, std::memory_order_relaxed);
-    }
-    // With a key of the process's own. O(length); O(1) for a kept one.
-    TESSIT_NO_EXPORT std::size_t keyedHash() const noexcept;
-    TESSIT_NO_EXPORT static std::size_t keyedHashOf(std::string_view text) noexcept;
-
-    // Becomes equal to `other` in O(1): both then have one block, and whichever
-    // changes first gets another.
-    void shareBlockOf(const QeCString& other) noexcept {
-        if (data() == other.data()) return;
-        if (!other.isInline()) other.joinBlock();
-        other.keepHash();
-        releaseBlock();
-        std::memcpy(raw, other.raw, sizeof raw);
-    }
-    void shareIfLong(const QeCString& other) {
-        if (!other.isLong()) {
-            *this = other;
-        } else {
-            shareBlockOf(other);
-        }
-    }
-    void unshare();
-
     // `assign` where `Window` bytes can be read from `bytes` on, none of them the
     // string's own: texts that fit are moved as a whole, without a branch on their length.
     static constexpr std::size_t Window = 2 * UnitSize;  // no block is smaller
@@ -396,7 +314,7 @@ private:
         setInlineLength(length);
     }
     void assignFromWindowSlowly(const char* bytes, std::size_t length) {
-        if (length >= Window || isInline() || isShared()) return assign(bytes, length);
+        if (length >= Window || isInline()) return assign(bytes, length);
         std::memcpy(heapData(), bytes, Window);
         heapData()[length] = '\0';
         setHeapLength(length);
@@ -408,7 +326,7 @@ private:
 
     // Where up to `size` more bytes can be written, which count once the length was set.
     char* roomBehind(std::size_t size) {
-        if (isShared() || size > capacity() - length()) makeRoomBehind(size);
+        if (size > capacity() - length()) makeRoomBehind(size);
         return mutableData() + length();
     }
 
@@ -444,12 +362,7 @@ private:
     }
 
     void releaseBlock() noexcept {
-        if (!isInline() && leaveBlock()) freeBlock();
-    }
-
-    void dropBlock() noexcept {
-        releaseBlock();
-        forgetBlock();
+        if (!isInline()) freeBlock();
     }
 
     // Names and URIs of one length mostly differ in their last bytes.
@@ -476,7 +389,6 @@ private:
         return count <= 64 ? sameEnds<16>(data() + 16, bytes + 16, count - 32) : sameLongMiddle(bytes, count, other);
     }
     bool sameLongMiddle(const char* bytes, std::size_t count, const QeCString* other) const noexcept;
-    TESSIT_NO_EXPORT bool keepsHash() const noexcept;
 
     // Copies up to 23 bytes with a few fixed-size moves instead of a call. Each
     // branch loads everything before it stores, so the ranges may overlap.
@@ -515,8 +427,7 @@ private:
     void makeRoomBehind(std::size_t size);
     void assignSlowly(const char* bytes, std::size_t length);
     void freeBlock() noexcept;
-    TESSIT_NO_EXPORT bool hasLargeBlock() const noexcept;
-    TESSIT_NO_EXPORT void growBlock(std::uint32_t units);
+    TESSIT_NO_EXPORT void growLargeBlock(std::uint32_t units);
     TESSIT_NO_EXPORT void grow(std::size_t wanted);
     TESSIT_NO_EXPORT void setBlock(char* data, std::uint32_t units) noexcept;
     TESSIT_NO_EXPORT void adoptBlock(char* data, std::size_t length, std::uint32_t units) noexcept;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <span>
 
@@ -35,8 +36,35 @@ struct StringAccess {
         return {text.heapData() + text.heapLength(), text.heapCapacity() - text.heapLength()};
     }
 
+    /// The bytes, to be written over.
+    static char* bytesOf(QeCString& text) noexcept { return text.mutableData(); }
+
     /// Sets the length, up to the capacity, and ends the text there.
     static void setLength(QeCString& text, std::size_t length) noexcept { text.setLength(length); }
+
+    /// @name For what is shared
+    /// @{
+
+    /// Blocks have a whole number of units, the terminator's byte included.
+    static constexpr std::size_t UnitSize = QeCString::UnitSize;
+    static std::uint32_t unitsFor(std::size_t length) { return QeCString::unitsFor(length); }
+
+    /// Whether the string has a block that others may have.
+    static bool isShared(const QeCString& text) noexcept { return text.isShared(); }
+
+    /// Puts a string into a block that is to be shared, in place of its old one.
+    static void adoptShared(QeCString& text, char* data, std::size_t length, std::uint32_t units) noexcept {
+        text.adoptBlock(data, length, units);
+        text.raw[QeCString::TagIndex] = QeCString::SharedTag;
+    }
+
+    /// Gives a string the block that another one has, and goes on having.
+    static void takeOver(QeCString& text, const QeCString& other) noexcept {
+        text.releaseBlock();
+        std::memcpy(text.raw, other.raw, sizeof text.raw);
+    }
+
+    /// @}
 };
 
 }  // namespace corvel

@@ -20,13 +20,13 @@ struct ModelAccess;
 class TESSIT_API QeXmlNamespace {
 public:
     QeXmlNamespace() = default;
-    QeXmlNamespace(const QeCString& nsPrefix, const QeCString& nsURI) : prefix(nsPrefix), uri(nsURI) {}
+    QeXmlNamespace(const QeCString& nsPrefix, const QeCString& nsURI) : prefix(nsPrefix) { setURI(nsURI); }
 
-    QeXmlNamespace(const QeXmlNamespace& other) : prefix(other.prefix) { uri.shareIfLong(other.uri); }
+    QeXmlNamespace(const QeXmlNamespace& other) : prefix(other.prefix) { copyURI(other); }
     QeXmlNamespace(QeXmlNamespace&& other) noexcept = default;
     QeXmlNamespace& operator=(const QeXmlNamespace& other) {
         prefix = other.prefix;
-        uri.shareIfLong(other.uri);
+        copyURI(other);
         return *this;
     }
     QeXmlNamespace& operator=(QeXmlNamespace&& other) noexcept = default;
@@ -36,7 +36,10 @@ public:
     void setPrefix(const QeCString& value) { prefix = value; }
 
     const QeCString& getURI() const noexcept { return uri; }
-    void setURI(const QeCString& value) { uri = value; }
+    void setURI(const QeCString& value) {
+        if (value.length() >= SharedLength) return setLongURI(value);
+        uri = value;
+    }
 
     /// -1, 0 or 1 by the URIs alone: bytes as unsigned, a proper prefix first. O(length).
     int compareTo(const QeXmlNamespace& other) const noexcept;
@@ -75,6 +78,16 @@ private:
     friend struct tessit::ModelAccess;
     friend class QeXmlReader;          // fills its nodes in place
     friend class QeXmlNamespaceStack;  // fills its slots in place
+
+    void copyURI(const QeXmlNamespace& other) {
+        if (other.uri.length() >= SharedLength) return shareLongURI(other);
+        uri = other.uri;
+    }
+    void setLongURI(const QeCString& value);
+    void shareLongURI(const QeXmlNamespace& other);
+
+    // The shortest URI that copies share.
+    static constexpr std::size_t SharedLength = 256;
 
     QeCString prefix;
     QeCString uri;

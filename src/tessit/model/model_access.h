@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include <corvel/shared_text.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace_stack.h>
 
@@ -23,10 +24,14 @@ struct ModelAccess {
     /// @name URIs
     /// @{
 
-    static void clearURI(QeXmlNamespace& ns) noexcept { ns.uri.clear(); }
+    static void clearURI(QeXmlNamespace& ns) noexcept { corvel::SharedText::clear(ns.uri); }
 
-    /// Gives one namespace the URI of another, in O(1).
-    static void shareURI(QeXmlNamespace& to, const QeXmlNamespace& from) noexcept { to.uri.shareBlockOf(from.uri); }
+    /// Gives one namespace the URI of another: in O(1), and without a copy, where that
+    /// is in a stack or was made so. A name that shares a short one must stay with the
+    /// object that has the stack.
+    static void shareURI(QeXmlNamespace& to, const QeXmlNamespace& from) {
+        corvel::SharedText::share(to.uri, from.uri);
+    }
 
     /// In O(1) where both are long and shared.
     static bool haveSameURI(const QeXmlNamespace& left, const QeXmlNamespace& right) noexcept {
@@ -34,7 +39,7 @@ struct ModelAccess {
     }
 
     /// Whether a URI is so long that its length must not count at every tag.
-    static bool hasLongURI(const QeXmlNamespace& ns) noexcept { return ns.uri.isLong(); }
+    static bool hasLongURI(const QeXmlNamespace& ns) noexcept { return corvel::SharedText::isLong(ns.uri); }
 
     /// @}
     /// @name Attribute sets

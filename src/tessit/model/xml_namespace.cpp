@@ -1,4 +1,7 @@
+#include <corvel/shared_text.h>
 #include <tessit/model/xml_namespace.h>
+
+using corvel::SharedText;
 
 namespace {
 
@@ -8,6 +11,15 @@ constexpr std::string_view XsiUri1999 = "http://www.w3.org/1999/XMLSchema-instan
 constexpr std::string_view XsdUri1999 = "http://www.w3.org/1999/XMLSchema";
 
 }  // namespace
+
+void QeXmlNamespace::setLongURI(const QeCString& value) {
+    static_assert(SharedLength == SharedText::LongLength);
+    SharedText::assign(uri, value);
+}
+
+void QeXmlNamespace::shareLongURI(const QeXmlNamespace& other) {
+    SharedText::share(uri, other.uri);
+}
 
 int QeXmlNamespace::compareTo(const QeXmlNamespace& other) const noexcept {
     if (uri.data() == other.uri.data()) return 0;

@@ -1,9 +1,12 @@
 #include <utility>
 #include <vector>
 
+#include <corvel/shared_text.h>
 #include <tessit/model/find_prefix.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace_stack.h>
+
+using corvel::SharedText;
 
 namespace {
 
@@ -37,7 +40,7 @@ struct QeXmlNamespaceStack::Index {
         // There must be room for it.
         void add(const Scopes& scopes, Place place) noexcept {
             const QeCString& added = (bindingAt(scopes, place).*key)();
-            const std::size_t hash = added.keyedHash();
+            const std::size_t hash = SharedText::hashOf(added);
             const Entry* same = findEntry(scopes, added, hash, place.scope + 1);
             if (same != nullptr && same->place.scope == place.scope) return;
             entries.push_back({hash, place, 0});
@@ -190,17 +193,16 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     }
     if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
     // A long URI that is bound already is shared, so that names can be compared by where it stands.
-    const bool isLong = uri.size() >= QeCString::LongLength;
+    const bool isLong = SharedText::isLong(uri);
     const QeXmlNamespace* same = nullptr;
     if (isLong) same = shared != nullptr ? findURI(*shared) : findURI(uri);
     if (same != nullptr) shared = &same->uri;
     scope.bindings.append([=](QeXmlNamespace& slot) {
         slot.prefix.assign(prefix);
         if (isLong && shared != nullptr) {
-            slot.uri.shareBlockOf(*shared);
+            SharedText::share(slot.uri, *shared);
         } else {
-            slot.uri.assign(uri);
-            slot.uri.keepHash();
+            SharedText::assign(slot.uri, uri);
         }
     });
 
@@ -216,7 +218,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
 }
 
 void QeXmlNamespaceStack::shareBlock(const QeXmlNamespace& binding, const QeCString& uri) noexcept {
-    const_cast<QeXmlNamespace&>(binding).uri.shareBlockOf(uri);  // ours, and equal: nobody sees it
+    SharedText::share(const_cast<QeXmlNamespace&>(binding).uri, uri);  // ours, and equal: nobody sees it
 }
 
 // Makes sure that there is an index, and that taking one more binding into it cannot fail.
@@ -287,16 +289,16 @@ const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view pref
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
     const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
     if (indexed) [[unlikely]]
-        return index->byPrefix.find(declaring, prefix, QeCString::keyedHashOf(prefix), scopeEnd);
+        return index->byPrefix.find(declaring, prefix, SharedText::hashOf(prefix), scopeEnd);
     return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(const QeCString& uri) const noexcept {
-    return findEqualURI(uri, [&] { return uri.keyedHash(); });
+    return findEqualURI(uri, [&] { return SharedText::hashOf(uri); });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
-    return findEqualURI(uri, [&] { return QeCString::keyedHashOf(uri); });
+    return findEqualURI(uri, [&] { return SharedText::hashOf(uri); });
 }
 
 template <typename Text, typename Hash>

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include <corvel/c_string.h>
+#include <corvel/shared_text.h>
 
 namespace tessit {
 
@@ -17,7 +17,7 @@ namespace tessit {
 class LongUris {
 public:
     bool areEqual(const QeCString& left, const QeCString& right) {
-        if (left.length() != right.length() || left.length() < QeCString::LongLength) return left == right;
+        if (left.length() != right.length() || !corvel::SharedText::isLong(left)) return left == right;
         return firstEqual(left) == firstEqual(right);
     }
 
@@ -33,7 +33,7 @@ private:
     const char* firstEqual(const QeCString& uri) {
         Known& entry = known[uri.data()];
         if (entry.firstEqual == nullptr) {  // it is new, or memory was missing the last time
-            entry.uri.shareBlockOf(uri);
+            corvel::SharedText::share(entry.uri, uri);
             entry.firstEqual = firsts.try_emplace(uri, uri.data()).first->second;
         }
         return entry.firstEqual;
