@@ -438,7 +438,8 @@ private:
 
 static_assert(sizeof(QeCString) == 24);
 
+/// With a key of the process's own, so that nobody who chooses texts can choose equal hashes. O(length).
 template <>
 struct std::hash<QeCString> {
-    std::size_t operator()(const QeCString& text) const noexcept { return std::hash<std::string_view>()(text); }
+    TESSIT_API std::size_t operator()(const QeCString& text) const noexcept;
 };

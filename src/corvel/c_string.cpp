@@ -160,6 +160,10 @@ bool QeCString::sameLongMiddle(const char* bytes, std::size_t count, const QeCSt
     return std::memcmp(data() + 16, bytes + 16, count - 32) == 0;
 }
 
+std::size_t std::hash<QeCString>::operator()(const QeCString& text) const noexcept {
+    return corvel::SharedText::hashOf(text);
+}
+
 QeCString QeCString::concatenate(std::string_view left, std::string_view right) {
     QeCString result;
     result.reserve(left.size() + right.size());

@@ -64,3 +64,10 @@ inline bool operator!=(const QeXmlName& left, const QeXmlName& right) noexcept {
 inline bool operator<(const QeXmlName& left, const QeXmlName& right) noexcept {
     return left.compareTo(right) < 0;
 }
+
+/// Of the local name and the URI, with a key of the process's own: nobody who chooses
+/// names can choose equal hashes. O(length), without that of a URI that copies share.
+template <>
+struct std::hash<QeXmlName> {
+    TESSIT_API std::size_t operator()(const QeXmlName& name) const noexcept;
+};

@@ -1,3 +1,4 @@
+#include <corvel/keyed_hash.h>
 #include <tessit/model/xml_name.h>
 
 namespace {
@@ -14,4 +15,12 @@ QeCString QeXmlName::getQualifiedName() const {
 
 QeCString QeXmlName::getUniqueName() const {
     return join(ns.getURI(), "::", localName);
+}
+
+std::size_t std::hash<QeXmlName>::operator()(const QeXmlName& name) const noexcept {
+    const std::hash<QeCString> hashOf;
+    corvel::SipState both(corvel::HashSecret::ofProcess());
+    both.add(hashOf(name.getLocalName()));
+    both.add(hashOf(name.getNamespace().getURI()));
+    return static_cast<std::size_t>(both.finish());
 }
