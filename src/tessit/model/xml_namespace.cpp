@@ -1,6 +1,8 @@
+#include <corvel/immortal.h>
 #include <corvel/shared_text.h>
 #include <tessit/model/xml_namespace.h>
 
+using corvel::Immortal;
 using corvel::SharedText;
 
 namespace {
@@ -36,24 +38,26 @@ QeCString QeXmlNamespace::infoString() const {
     return info;
 }
 
+// An object of the program that was made before these can use them in its destructor.
+
 const QeXmlNamespace& QeXmlNamespace::getXmlns() {
-    static const QeXmlNamespace xmlns("xmlns", "");
-    return xmlns;
+    static Immortal<QeXmlNamespace> xmlns("xmlns", "");
+    return xmlns.value;
 }
 
 QeXmlNamespace& QeXmlNamespace::getXsi() {
-    static QeXmlNamespace xsi("xsi", XsiUri);
-    return xsi;
+    static Immortal<QeXmlNamespace> xsi("xsi", XsiUri);
+    return xsi.value;
 }
 
 QeXmlNamespace& QeXmlNamespace::getXsd() {
-    static QeXmlNamespace xsd("xsd", XsdUri);
-    return xsd;
+    static Immortal<QeXmlNamespace> xsd("xsd", XsdUri);
+    return xsd.value;
 }
 
 const QeXmlNamespace& QeXmlNamespace::getEmptyNamespace() {
-    static const QeXmlNamespace empty;
-    return empty;
+    static constinit const Immortal<QeXmlNamespace> empty;
+    return empty.value;
 }
 
 bool QeXmlNamespace::matchXmlns(const QeXmlNamespace& ns) {
