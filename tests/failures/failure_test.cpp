@@ -510,3 +510,33 @@ TEST(Allocations, AreNotMadeOverAndOver) {
     for (const auto& [root, record] : records)
         EXPECT_EQ(allocationsOfReading(root, record, 50), allocationsOfReading(root, record, 100)) << record;
 }
+
+// How many bytes a stack takes, at most, for each byte of declarations that a document has.
+TEST(Allocations, OfBindingsGrowWithTheirDeclarations) {
+    constexpr std::size_t Count = 50'000;
+    const struct {
+        const char* element;  // each declares one; if empty, all stand in one tag
+        const char* uri;
+        bool ofOnePrefix;
+        std::size_t most;
+    } rows[] = {
+        {"<a>", "", true, 8},   {"<a>", "u", true, 8},
+        {"<a>", "u", false, 8}, {"<a>", "a URI that takes a block of its own", true, 8},
+        {"", "", true, 16},  // side by side, in one array: while it grows, the old one is there, too
+        {"", "u", false, 16},
+    };
+    for (const auto& [element, uri, ofOnePrefix, most] : rows) {
+        std::size_t declarations = 0;
+        const std::size_t before = allocator::peakBytes = allocator::liveBytes;
+        QeXmlNamespaceStack stack;
+        for (std::size_t i = 0; i < Count; ++i) {
+            const std::string prefix = ofOnePrefix ? "" : ":" + std::to_string(i);
+            if (*element != '\0') stack.pushScope();
+            stack.addNamespace(QeXmlNamespace(QeCString(prefix), uri));
+            declarations += (element + prefix + " xmlns=''" + uri).size();
+        }
+        EXPECT_LT(allocator::peakBytes - before, most * declarations)
+            << element << " xmlns='" << uri << "', of one prefix: " << ofOnePrefix << ", "
+            << (allocator::peakBytes - before) / Count << " bytes each";
+    }
+}

@@ -10,12 +10,15 @@
 #include <cstddef>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <new>
 
 namespace allocator {
 
 inline std::size_t allocations = 0;   // since the program began
 inline std::size_t liveBlocks = 0;    // allocated and not yet freed
+inline std::size_t liveBytes = 0;     // of these blocks
+inline std::size_t peakBytes = 0;     // the most that there ever were
 inline std::size_t untilFailure = 0;  // allocations and calls up to the one that fails; 0: none fails
 inline bool failureHappened = false;
 
@@ -36,11 +39,14 @@ inline void* allocate(std::size_t size) {
     if (block == nullptr) throw std::bad_alloc();
     ++allocations;
     ++liveBlocks;
+    liveBytes += malloc_usable_size(block);
+    if (liveBytes > peakBytes) peakBytes = liveBytes;
     return block;
 }
 
 inline void release(void* block) noexcept {
     if (block != nullptr) --liveBlocks;
+    liveBytes -= malloc_usable_size(block);
     std::free(block);
 }
 

@@ -29,7 +29,6 @@ public:
 
 private:
     friend struct tessit::ModelAccess;
-    friend class QeXmlReader;  // fills its nodes in place
 
     QeXmlName name;
     QeCString value;

@@ -125,7 +125,6 @@ public:
 
 private:
     friend struct tessit::ModelAccess;
-    friend class QeXmlReader;  // fills the set of each tag in place
 
     // A modifiable pointer that is out can be used to rename at any time, so nothing
     // is known about the order from then on, until an addition or removal makes the

@@ -46,7 +46,6 @@ public:
 
 private:
     friend struct tessit::ModelAccess;
-    friend class QeXmlReader;  // fills its nodes in place
 
     QeCString localName;
     QeXmlNamespace ns;

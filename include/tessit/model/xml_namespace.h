@@ -76,7 +76,6 @@ public:
 
 private:
     friend struct tessit::ModelAccess;
-    friend class QeXmlReader;          // fills its nodes in place
     friend class QeXmlNamespaceStack;  // fills its slots in place
 
     void copyURI(const QeXmlNamespace& other) {

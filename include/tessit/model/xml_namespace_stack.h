@@ -5,7 +5,6 @@
 #include <memory>
 #include <string_view>
 
-#include <corvel/slot_array.h>
 #include <tessit/model/xml_namespace.h>
 
 /// The namespace bindings in force at one point of a document.
@@ -56,72 +55,48 @@ public:
 
     /// The bindings of the innermost scope, in the order of adding; an empty range
     /// without a scope. Valid until the scope is popped or gains a binding. O(1).
-    const QeXmlNamespace* namespacesBegin() const noexcept {
-        return innermostDeclares() ? declaring.back().bindings.begin() : nullptr;
-    }
-    const QeXmlNamespace* namespacesEnd() const noexcept {
-        return innermostDeclares() ? declaring.back().bindings.end() : nullptr;
-    }
+    const QeXmlNamespace* namespacesBegin() const noexcept;
+    const QeXmlNamespace* namespacesEnd() const noexcept;
 
 private:
     friend struct tessit::ModelAccess;
-    friend class QeXmlReader;  // resolves names without building strings for the lookup
 
-    // Most elements declare nothing, so such a scope is only a count: opening one
-    // allocates nothing, and a lookup at depth 10^6 visits none of them.
-    struct DeclaringScope {
-        std::size_t depth = 0;
-        std::uint64_t state = 0;
-        std::uint64_t uriLengths = 0;          // a bit for each length, modulo 64, of a URI bound here or further out
-        QeSlotArray<QeXmlNamespace> bindings;  // in the order of adding
-    };
-    struct Index;
+    struct Declarations;
 
-    bool innermostDeclares() const noexcept { return !declaring.empty() && declaring.back().depth == depth; }
+    bool innermostDeclares() const noexcept { return depth != 0 && depth == declaringDepth; }
 
-    // A number for the bindings in force: as long as it is the same, every lookup
-    // gives the same binding, at the same address. Popping a scope brings back the
-    // number from before it.
-    std::uint64_t state() const noexcept { return declaring.empty() ? 0 : declaring.back().state; }
+    // A number for the bindings in force, 0 for none: as long as it is the same, every
+    // lookup gives the same binding, at the same address. Popping a scope brings back
+    // the number from before it.
+    std::uint64_t state() const noexcept { return stateInForce; }
 
     // Where a lookup begins: with the innermost scope, or with the one around it.
     enum class From : unsigned char { Innermost, AroundInnermost };
 
-    TESSIT_NO_EXPORT const QeXmlNamespace* findPrefix(std::string_view prefix,
-                                                      From from = From::Innermost) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findBoundPrefix(std::string_view prefix, From from) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(const QeCString& uri) const noexcept;
     TESSIT_NO_EXPORT const QeXmlNamespace* findURI(std::string_view uri) const noexcept;
 
-    template <typename Text, typename Hash>
-    const QeXmlNamespace* findEqualURI(const Text& uri, const Hash& hash) const noexcept;
-    template <typename Matches>
-    const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept;
-
-    // `shared` is equal to `uri`, and a long one's block is taken over; it must not be the caller's to change.
+    // `shared` is equal to `uri`, and a long one is shared with it.
     TESSIT_NO_EXPORT void addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared = nullptr);
+    TESSIT_NO_EXPORT void writeBinding(QeXmlNamespace& slot, std::string_view prefix, std::string_view uri,
+                                       const QeCString* shared) const;
 
-    // Has a binding, which must be one of this stack, take over the block of an equal URI.
+    // Has a binding, which must be one of this stack, share an equal URI that is long.
     TESSIT_NO_EXPORT void shareBlock(const QeXmlNamespace& binding, const QeCString& uri) noexcept;
 
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);
-    TESSIT_NO_EXPORT void takeScope(DeclaringScope& scope) noexcept;
-    void clear() noexcept {
-        if (depth != 0) dropAll();
-    }
+    TESSIT_NO_EXPORT void takeInnermost(Declarations& from);
 
-    void dropAll() noexcept;
+    TESSIT_NO_EXPORT Declarations& declarations();
+    TESSIT_NO_EXPORT void dropAll() noexcept;
+    TESSIT_NO_EXPORT void lookAtInnermost() noexcept;
     void dropBindings() noexcept;
-    TESSIT_NO_EXPORT void forgetInnermost() noexcept;
-    TESSIT_NO_EXPORT void makeRoomInIndex();
-    TESSIT_NO_EXPORT void buildIndex();
-    TESSIT_NO_EXPORT void clearIndex() noexcept;
 
+    // Programs have code inlined that relies on these two; all else may change.
     std::size_t depth = 0;
-    QeSlotArray<DeclaringScope> declaring;  // outermost first
-    std::size_t bindingCount = 0;           // in all scopes
-    std::uint64_t lastState = 0;
-    bool indexed = false;          // while many bindings are in force
-    std::unique_ptr<Index> index;  // from the first time that there are many
+    std::size_t declaringDepth = 0;  // of the innermost scope with bindings; 0 for none
+    std::uint64_t stateInForce = 0;
+    std::unique_ptr<Declarations> declared;  // from the first binding on
 };

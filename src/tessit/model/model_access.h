@@ -33,6 +33,14 @@ struct ModelAccess {
         corvel::SharedText::share(to.uri, from.uri);
     }
 
+    /// A copy whose URI can be shared, however short.
+    static QeXmlNamespace toBeShared(const QeXmlNamespace& ns) {
+        QeXmlNamespace copy;
+        copy.prefix = ns.prefix;
+        corvel::SharedText::assign(copy.uri, ns.uri);
+        return copy;
+    }
+
     /// In O(1) where both are long and shared.
     static bool haveSameURI(const QeXmlNamespace& left, const QeXmlNamespace& right) noexcept {
         return left.uri == right.uri;
@@ -85,7 +93,7 @@ struct ModelAccess {
     /// The binding of a prefix that is in force, or null. Most documents bind none, which calls for no call.
     static const QeXmlNamespace* findPrefix(const QeXmlNamespaceStack& stack, std::string_view prefix,
                                             From from = From::Innermost) noexcept {
-        return stack.declaring.empty() ? nullptr : stack.findBoundPrefix(prefix, from);
+        return stack.state() == 0 ? nullptr : stack.findBoundPrefix(prefix, from);
     }
 
     /// The innermost binding of a URI, or null. That of a namespace is found in O(1)
@@ -116,7 +124,9 @@ struct ModelAccess {
     /// Pops a scope and leaves its bindings as the only scope of `closed`.
     static void popScopeInto(QeXmlNamespaceStack& stack, QeXmlNamespaceStack& closed) { stack.popScopeInto(closed); }
 
-    static void clear(QeXmlNamespaceStack& stack) noexcept { stack.clear(); }
+    static void clear(QeXmlNamespaceStack& stack) noexcept {
+        if (stack.depth != 0) stack.dropAll();
+    }
 
     /// @}
 };

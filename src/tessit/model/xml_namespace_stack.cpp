@@ -1,8 +1,11 @@
+#include <algorithm>
+#include <memory>
+#include <span>
 #include <utility>
-#include <vector>
 
 #include <corvel/shared_text.h>
-#include <tessit/model/find_prefix.h>
+#include <tessit/model/binding_index.h>
+#include <tessit/model/binding_store.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_namespace_stack.h>
 
@@ -14,151 +17,126 @@ namespace {
 // long as any binding does: building it costs the bytes of all.
 constexpr std::size_t IndexThreshold = 16;
 
-std::uint64_t lengthBit(std::string_view text) noexcept {
-    return std::uint64_t{1} << (text.size() & 63);
-}
-
 }  // namespace
 
-// Bindings by prefix and by URI, for stacks that hold many.
-//
-// Scopes come and go last in, first out, and so do the entries of the index. Each
-// entry knows the older one of its bucket: dropping it brings that one back, and
-// nothing is allocated once the arrays have their size.
-struct QeXmlNamespaceStack::Index {
-    using Scopes = QeSlotArray<DeclaringScope>;
+// Most elements declare nothing, so such a scope is only a count: opening one
+// allocates nothing, and a lookup at depth 10^6 visits none of them.
+struct QeXmlNamespaceStack::Declarations {
+    using Number = tessit::BindingStore::Number;
 
-    struct Place {
-        std::size_t scope;
-        std::size_t binding;
+    struct Scope {
+        std::uint64_t state;
+        std::size_t depth;
+        Number first;
+        Number count;
     };
 
-    template <const QeCString& (QeXmlNamespace::*key)() const noexcept>
-    class Table {
-    public:
-        // Lists the newest binding, unless its scope has a binding with the same key: a lookup returns the first one.
-        // There must be room for it.
-        void add(const Scopes& scopes, Place place) noexcept {
-            const QeCString& added = (bindingAt(scopes, place).*key)();
-            const std::size_t hash = SharedText::hashOf(added);
-            const Entry* same = findEntry(scopes, added, hash, place.scope + 1);
-            if (same != nullptr && same->place.scope == place.scope) return;
-            entries.push_back({hash, place, 0});
-            link(entries.size());
-        }
+    const Scope& innermost() const noexcept { return scopes[scopeCount - 1]; }
 
-        // Makes sure that the next addition finds room.
-        void makeRoom() {
-            if (entries.size() == buckets.size()) growBuckets();
-            if (entries.size() == entries.capacity()) entries.reserve(2 * entries.size() + 1);
-        }
+    // The number behind those of the first scopes.
+    Number endOf(std::size_t scopeEnd) const noexcept {
+        return scopeEnd == 0 ? 0 : scopes[scopeEnd - 1].first + scopes[scopeEnd - 1].count;
+    }
 
-        void dropScope(std::size_t scope) noexcept {
-            while (!entries.empty() && entries.back().place.scope == scope)
-                dropLast();
-        }
+    std::span<const QeXmlNamespace> bindingsOf(const Scope& scope) const noexcept {
+        return {&bindings[scope.first], scope.count};
+    }
 
-        // Costs as much as the entries, not as the buckets, which once may have been many more.
-        void clear() noexcept {
-            while (!entries.empty())
-                dropLast();
-        }
+    template <typename Matches>
+    const QeXmlNamespace* findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept {
+        for (std::size_t scope = scopeEnd; scope-- > 0;)
+            for (const QeXmlNamespace& binding : bindingsOf(scopes[scope]))
+                if (matches(binding)) return &binding;
+        return nullptr;
+    }
 
-        // The innermost binding with that key in a scope before `scopeEnd`.
-        const QeXmlNamespace* find(const Scopes& scopes, std::string_view wanted, std::size_t hash,
-                                   std::size_t scopeEnd) const noexcept {
-            const Entry* found = findEntry(scopes, wanted, hash, scopeEnd);
-            return found == nullptr ? nullptr : &bindingAt(scopes, found->place);
-        }
+    template <typename Text>
+    const QeXmlNamespace* findURI(const Text& uri) const noexcept {
+        if (isIndexed) [[unlikely]]
+            return index->byURI.find(bindings, uri, endOf(scopeCount));
+        return findInScopes(scopeCount, [&](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
+    }
 
-    private:
-        struct Entry {
-            std::size_t hash;
-            Place place;
-            std::size_t older;  // in the same bucket; from 1, and 0 for none
-        };
+    void makeRoomFor(Number number, bool inNewScope) {
+        scopes.makeRoomFor(scopeCount + (inNewScope ? 1 : 0));
+        if (!isIndexed && bindingCount < IndexThreshold) return;
+        if (!isIndexed) buildIndex();
+        index->makeRoomFor(bindings, endOf(scopeCount), number);
+    }
 
-        static const QeXmlNamespace& bindingAt(const Scopes& scopes, Place place) noexcept {
-            return scopes[place.scope].bindings[place.binding];
-        }
-
-        std::size_t bucketIndex(std::size_t hash) const noexcept { return hash & (buckets.size() - 1); }
-        std::size_t& bucketOf(std::size_t hash) noexcept { return buckets[bucketIndex(hash)]; }
-
-        const Entry* findEntry(const Scopes& scopes, std::string_view wanted, std::size_t hash,
-                               std::size_t scopeEnd) const noexcept {
-            if (buckets.empty()) return nullptr;
-            for (std::size_t at = buckets[bucketIndex(hash)]; at != 0; at = entries[at - 1].older) {
-                const Entry& entry = entries[at - 1];
-                if (entry.hash == hash && entry.place.scope < scopeEnd &&
-                    (bindingAt(scopes, entry.place).*key)() == wanted)
-                    return &entry;
+    void buildIndex() {
+        if (index == nullptr) index = std::make_unique<tessit::BindingIndex>();
+        Number number = 0;
+        for (std::size_t scope = 0; scope < scopeCount; ++scope) {
+            const Number first = scopes[scope].first;
+            for (; number < first; ++number) {
+                index->makeRoomFor(bindings, number, number);
+                index->skip(number);
             }
-            return nullptr;
+            for (; number < first + scopes[scope].count; ++number) {
+                index->makeRoomFor(bindings, number, number);
+                index->add(bindings, number, first);
+            }
         }
-
-        void dropLast() noexcept {
-            bucketOf(entries.back().hash) = entries.back().older;
-            entries.pop_back();
-        }
-
-        // Puts an entry in front of its bucket.
-        void link(std::size_t at) noexcept {
-            std::size_t& bucket = bucketOf(entries[at - 1].hash);
-            entries[at - 1].older = bucket;
-            bucket = at;
-        }
-
-        void growBuckets() {
-            std::vector<std::size_t> grown(buckets.empty() ? 4 * IndexThreshold : 2 * buckets.size());
-            buckets.swap(grown);
-            for (std::size_t at = 1; at <= entries.size(); ++at)
-                link(at);
-        }
-
-        std::vector<Entry> entries;        // outermost first
-        std::vector<std::size_t> buckets;  // the newest entry of each; their number is a power of two
-    };
-
-    void makeRoom() {
-        byPrefix.makeRoom();
-        byURI.makeRoom();
+        isIndexed = true;
     }
 
-    void add(const Scopes& scopes, Place place) noexcept {
-        byPrefix.add(scopes, place);
-        byURI.add(scopes, place);
+    // Has the innermost scope stand where it has room for one more.
+    void settle(Scope& scope, tessit::BindingStore::Place place) noexcept {
+        const Number to = place.first;
+        const bool changesNumbers = isIndexed && to != scope.first;
+        if (changesNumbers) dropFromIndex(scope);
+        bindings.settle(std::move(place), scope.first, scope.count);
+        if (changesNumbers) {
+            for (Number hole = scope.first; hole < to; ++hole)
+                index->skip(hole);
+            for (Number i = 0; i < scope.count; ++i)
+                index->add(bindings, to + i, to);
+        }
+        scope.first = to;
     }
 
-    void dropScope(std::size_t scope) noexcept {
-        byPrefix.dropScope(scope);
-        byURI.dropScope(scope);
+    void dropFromIndex(const Scope& scope) noexcept {
+        for (Number left = scope.count; left-- > 0;)
+            index->drop(bindings, scope.first + left);
     }
 
-    void clear() noexcept {
-        byPrefix.clear();
-        byURI.clear();
+    // Its bindings stay as storage for the next ones.
+    void dropInnermost() noexcept {
+        if (isIndexed) dropFromIndex(innermost());
+        bindingCount -= innermost().count;
+        if (bindingCount == 0) isIndexed = false;
+        --scopeCount;
     }
 
-    Table<&QeXmlNamespace::getPrefix> byPrefix;
-    Table<&QeXmlNamespace::getURI> byURI;
+    tessit::BindingStore bindings;
+    tessit::ChunkedArray<Scope, 8> scopes;  // those with bindings, outermost first
+    std::size_t scopeCount = 0;
+    std::size_t bindingCount = 0;
+    std::uint64_t lastState = 0;
+    bool isIndexed = false;                       // while many bindings are in force
+    std::unique_ptr<tessit::BindingIndex> index;  // from the first time that there are many
 };
 
 QeXmlNamespaceStack::QeXmlNamespaceStack() noexcept = default;
 QeXmlNamespaceStack::~QeXmlNamespaceStack() = default;
 
-QeXmlNamespaceStack::QeXmlNamespaceStack(const QeXmlNamespaceStack& other)
-    : depth(other.depth), declaring(other.declaring), bindingCount(other.bindingCount), lastState(other.lastState) {
-    if (bindingCount > IndexThreshold) buildIndex();
+QeXmlNamespaceStack::QeXmlNamespaceStack(const QeXmlNamespaceStack& other) {
+    if (other.state() != 0)
+        for (std::size_t i = 0; i < other.declared->scopeCount; ++i) {
+            const Declarations::Scope& scope = other.declared->scopes[i];
+            depth = scope.depth;
+            for (const QeXmlNamespace& binding : other.declared->bindingsOf(scope))
+                addNamespace(binding);
+        }
+    depth = other.depth;
 }
 
 QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
     : depth(std::exchange(other.depth, 0)),
-      declaring(std::move(other.declaring)),
-      bindingCount(std::exchange(other.bindingCount, 0)),
-      lastState(other.lastState),
-      indexed(std::exchange(other.indexed, false)),
-      index(std::move(other.index)) {}
+      declaringDepth(std::exchange(other.declaringDepth, 0)),
+      stateInForce(std::exchange(other.stateInForce, 0)),
+      declared(std::move(other.declared)) {}
 
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
     return *this = QeXmlNamespaceStack(other);
@@ -166,11 +144,9 @@ QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& o
 
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other) noexcept {
     depth = std::exchange(other.depth, 0);
-    declaring = std::move(other.declaring);
-    bindingCount = std::exchange(other.bindingCount, 0);
-    lastState = other.lastState;
-    indexed = std::exchange(other.indexed, false);
-    index = std::move(other.index);
+    declaringDepth = std::exchange(other.declaringDepth, 0);
+    stateInForce = std::exchange(other.stateInForce, 0);
+    declared = std::move(other.declared);
     return *this;
 }
 
@@ -178,151 +154,138 @@ void QeXmlNamespaceStack::addNamespace(const QeXmlNamespace& ns) {
     addBinding(ns.prefix, ns.uri, &ns.uri);
 }
 
+QeXmlNamespaceStack::Declarations& QeXmlNamespaceStack::declarations() {
+    if (declared == nullptr) declared = std::make_unique<Declarations>();
+    return *declared;
+}
+
 // Everything that can throw comes first and changes nothing that can be seen; the
 // last lines make the binding visible and cannot fail. The views may point into
 // the stack, whose bindings do not move before the new one was written.
 void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view uri, const QeCString* shared) {
-    const bool opensDeclaring = !innermostDeclares();
-    const std::size_t scopeIndex = declaring.size() - (opensDeclaring ? 0 : 1);
-    declaring.reserveSlots(scopeIndex + 1);
-    DeclaringScope& scope = declaring[scopeIndex];
-    const std::uint64_t outerLengths = scopeIndex == 0 ? 0 : declaring[scopeIndex - 1].uriLengths;
-    if (opensDeclaring) {
-        scope.bindings.clear();
-        scope.uriLengths = 0;
-    }
-    if (indexed || bindingCount >= IndexThreshold) makeRoomInIndex();
-    // A long URI that is bound already is shared, so that names can be compared by where it stands.
-    const bool isLong = SharedText::isLong(uri);
-    const QeXmlNamespace* same = nullptr;
-    if (isLong) same = shared != nullptr ? findURI(*shared) : findURI(uri);
-    if (same != nullptr) shared = &same->uri;
-    scope.bindings.append([=](QeXmlNamespace& slot) {
-        slot.prefix.assign(prefix);
-        if (isLong && shared != nullptr) {
-            SharedText::share(slot.uri, *shared);
-        } else {
-            SharedText::assign(slot.uri, uri);
-        }
-    });
+    Declarations& all = declarations();
+    const bool opensScope = !innermostDeclares();
+    Declarations::Scope scope{0, std::max<std::size_t>(depth, 1), all.endOf(all.scopeCount), 0};
+    if (!opensScope) scope = all.innermost();
+    tessit::BindingStore::Place place = all.bindings.placeBehind(scope.first, scope.count);
+    const Declarations::Number number = place.first + scope.count;
+    all.makeRoomFor(number, opensScope);
+    writeBinding(*place.slot, prefix, uri, shared);
 
-    if (indexed) index->add(declaring, {scopeIndex, scope.bindings.size() - 1});
-    if (depth == 0) pushScope();
-    if (opensDeclaring) {
-        scope.depth = depth;
-        declaring.append();
+    all.settle(scope, std::move(place));
+    if (all.isIndexed) all.index->add(all.bindings, number, scope.first);
+    ++scope.count;
+    ++all.bindingCount;
+    scope.state = ++all.lastState;
+    if (opensScope) ++all.scopeCount;
+    all.scopes[all.scopeCount - 1] = scope;
+    depth = std::max<std::size_t>(depth, 1);
+    lookAtInnermost();
+}
+
+// A long URI that is bound already is shared, so that names can be compared by where it stands.
+void QeXmlNamespaceStack::writeBinding(QeXmlNamespace& slot, std::string_view prefix, std::string_view uri,
+                                       const QeCString* shared) const {
+    if (!SharedText::isLong(uri)) {
+        shared = nullptr;
+    } else if (const QeXmlNamespace* same = shared != nullptr ? findURI(*shared) : findURI(uri)) {
+        shared = &same->uri;
     }
-    scope.state = ++lastState;
-    scope.uriLengths |= outerLengths | lengthBit(uri);
-    ++bindingCount;
+    slot.prefix.assign(prefix);
+    if (shared != nullptr) {
+        SharedText::share(slot.uri, *shared);
+    } else {
+        SharedText::assign(slot.uri, uri);
+    }
 }
 
 void QeXmlNamespaceStack::shareBlock(const QeXmlNamespace& binding, const QeCString& uri) noexcept {
-    SharedText::share(const_cast<QeXmlNamespace&>(binding).uri, uri);  // ours, and equal: nobody sees it
-}
-
-// Makes sure that there is an index, and that taking one more binding into it cannot fail.
-void QeXmlNamespaceStack::makeRoomInIndex() {
-    if (!indexed) buildIndex();
-    index->makeRoom();
-}
-
-void QeXmlNamespaceStack::buildIndex() {
-    if (index == nullptr) index = std::make_unique<Index>();
-    index->clear();
-    for (std::size_t scope = 0; scope < declaring.size(); ++scope)
-        for (std::size_t binding = 0; binding < declaring[scope].bindings.size(); ++binding) {
-            index->makeRoom();
-            index->add(declaring, {scope, binding});
-        }
-    indexed = true;
-}
-
-// Its storage stays for the next time.
-void QeXmlNamespaceStack::clearIndex() noexcept {
-    if (indexed) index->clear();
-    indexed = false;
+    if (SharedText::isLong(uri))
+        SharedText::share(const_cast<QeXmlNamespace&>(binding).uri, uri);  // ours, and equal: nobody sees it
 }
 
 void QeXmlNamespaceStack::dropBindings() noexcept {
-    forgetInnermost();
-    declaring.back().bindings.clear();
-    declaring.dropLast();
+    declared->dropInnermost();
+    lookAtInnermost();
 }
 
-// Takes the bindings of the innermost scope out of the count and the index.
-void QeXmlNamespaceStack::forgetInnermost() noexcept {
-    bindingCount -= declaring.back().bindings.size();
-    if (indexed) index->dropScope(declaring.size() - 1);
-    if (bindingCount == 0) clearIndex();
+// For after the scopes with bindings have changed.
+void QeXmlNamespaceStack::lookAtInnermost() noexcept {
+    const bool isBound = declared->scopeCount != 0;
+    declaringDepth = isBound ? declared->innermost().depth : 0;
+    stateInForce = isBound ? declared->innermost().state : 0;
 }
 
 void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
-    closed.clear();
+    if (closed.depth != 0) closed.dropAll();
     if (innermostDeclares()) {
-        closed.declaring.reserveSlots(1);
-        forgetInnermost();
-        closed.takeScope(declaring.back());
-        declaring.dropLast();
+        closed.takeInnermost(*declared);
+        lookAtInnermost();
     }
     popScope();
-    if (closed.bindingCount > IndexThreshold) closed.buildIndex();
+    if (closed.state() != 0) closed.declared->makeRoomFor(closed.declared->endOf(1), false);
 }
 
-void QeXmlNamespaceStack::takeScope(DeclaringScope& scope) noexcept {
-    DeclaringScope& only = declaring.append();
-    only.bindings.swap(scope.bindings);  // and leaves our old storage there, for the next scope
-    only.depth = depth = 1;
-    only.state = ++lastState;
-    only.uriLengths = scope.uriLengths;
-    bindingCount = only.bindings.size();
+// Makes the bindings of an innermost scope the only ones here, and leaves old storage in their place.
+void QeXmlNamespaceStack::takeInnermost(Declarations& from) {
+    Declarations& all = declarations();
+    const Declarations::Scope scope = from.innermost();
+    Declarations::Number first = 0;
+    for (Declarations::Number count = 0; count < scope.count; ++count) {
+        tessit::BindingStore::Place place = all.bindings.placeBehind(first, count);
+        const Declarations::Number old = std::exchange(first, place.first);
+        all.bindings.settle(std::move(place), old, 0);
+    }
+    from.dropInnermost();
+    for (Declarations::Number i = 0; i < scope.count; ++i)
+        std::swap(all.bindings[first + i], from.bindings[scope.first + i]);
+    all.scopes[0] = {++all.lastState, 1, first, scope.count};
+    all.scopeCount = 1;
+    all.bindingCount = scope.count;
+    depth = 1;
+    lookAtInnermost();
 }
 
 void QeXmlNamespaceStack::dropAll() noexcept {
-    clearIndex();
-    declaring.clear();
-    bindingCount = 0;
+    if (declared != nullptr) {
+        while (declared->scopeCount > 0)
+            declared->dropInnermost();
+        lookAtInnermost();
+    }
     depth = 0;
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view prefix, From from) const noexcept {
+    const Declarations& all = *declared;
     const bool skipsInnermost = from == From::AroundInnermost && innermostDeclares();
-    const std::size_t scopeEnd = declaring.size() - (skipsInnermost ? 1 : 0);
-    if (indexed) [[unlikely]]
-        return index->byPrefix.find(declaring, prefix, SharedText::hashOf(prefix), scopeEnd);
-    return findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
+    const std::size_t scopeEnd = all.scopeCount - (skipsInnermost ? 1 : 0);
+    if (all.isIndexed) [[unlikely]]
+        return all.index->byPrefix.find(all.bindings, prefix, all.endOf(scopeEnd));
+    return all.findInScopes(scopeEnd, [=](const QeXmlNamespace& binding) { return binding.getPrefix() == prefix; });
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(const QeCString& uri) const noexcept {
-    return findEqualURI(uri, [&] { return SharedText::hashOf(uri); });
+    return state() == 0 ? nullptr : declared->findURI(uri);
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
-    return findEqualURI(uri, [&] { return SharedText::hashOf(uri); });
-}
-
-template <typename Text, typename Hash>
-const QeXmlNamespace* QeXmlNamespaceStack::findEqualURI(const Text& uri, const Hash& hash) const noexcept {
-    if (declaring.empty() || (declaring.back().uriLengths & lengthBit(uri)) == 0) return nullptr;
-    if (indexed) [[unlikely]]
-        return index->byURI.find(declaring, uri, hash(), declaring.size());
-    return findInScopes(declaring.size(), [&](const QeXmlNamespace& binding) { return binding.getURI() == uri; });
-}
-
-template <typename Matches>
-const QeXmlNamespace* QeXmlNamespaceStack::findInScopes(std::size_t scopeEnd, const Matches& matches) const noexcept {
-    for (std::size_t scope = scopeEnd; scope-- > 0;)
-        for (const QeXmlNamespace& binding : declaring[scope].bindings)
-            if (matches(binding)) return &binding;
-    return nullptr;
+    return state() == 0 ? nullptr : declared->findURI(uri);
 }
 
 const QeCString& QeXmlNamespaceStack::getURIForPrefix(const QeCString& prefix) const noexcept {
-    const QeXmlNamespace* found = findPrefix(prefix);
+    const QeXmlNamespace* found = state() == 0 ? nullptr : findBoundPrefix(prefix, From::Innermost);
     return found == nullptr ? QeXmlAttributeSet::EmptyString : found->getURI();
 }
 
 const QeCString& QeXmlNamespaceStack::getPrefixForURI(const QeCString& uri) const noexcept {
     const QeXmlNamespace* found = findURI(uri);
     return found == nullptr ? QeXmlAttributeSet::EmptyString : found->getPrefix();
+}
+
+const QeXmlNamespace* QeXmlNamespaceStack::namespacesBegin() const noexcept {
+    return innermostDeclares() ? declared->bindingsOf(declared->innermost()).data() : nullptr;
+}
+
+const QeXmlNamespace* QeXmlNamespaceStack::namespacesEnd() const noexcept {
+    return innermostDeclares() ? namespacesBegin() + declared->innermost().count : nullptr;
 }
