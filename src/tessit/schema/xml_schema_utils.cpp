@@ -2,13 +2,20 @@
 #include <string_view>
 
 #include <corvel/decimal_text.h>
+#include <corvel/immortal.h>
+#include <tessit/model/model_access.h>
 #include <tessit/schema/xml_schema_utils.h>
 #include <tessit/utils/xml_utils.h>
 
 namespace {
 
+// The URI is that of a namespace that is never destroyed, and so outlives the name.
 QeXmlName xsiName(const char* localName) {
-    return {localName, QeXmlNamespace::getXsi()};
+    static const corvel::Immortal<QeXmlNamespace> xsi(tessit::ModelAccess::toBeShared(QeXmlNamespace::getXsi()));
+    QeXmlName name(localName);
+    tessit::ModelAccess::prefixOf(name.getNamespace()) = xsi.value.getPrefix();
+    tessit::ModelAccess::shareURI(name.getNamespace(), xsi.value);
+    return name;
 }
 
 QeCString exponentText(double value) {

@@ -2,6 +2,7 @@
 // what it is.
 
 #include <cstdio>
+#include <cstdlib>
 #include <sstream>
 
 #include <tessit/tessit.h>
@@ -54,6 +55,29 @@ bool catchesByType() {
            throwsAs<QeBoundsError, std::out_of_range>([] { static_cast<void>(QeCString("a")[1]); });
 }
 
+// Uses what the library has ready for everybody.
+QeCString writeWellKnownNames() {
+    QeXmlStringWriter writer;
+    QeXmlAttributeSet attributes;
+    attributes.add(QeXmlSchemaUtils::XsiNilAttributeName, QeXmlWriter::TrueValue);
+    attributes.setDefaultNamespaceAttribute(QeXmlNamespace::getEmptyNamespace());
+    writer.writeElementStart(QeXmlName("schema", QeXmlNamespace::getXsd()), attributes, false);
+    writer.writeSimpleElement(QeXmlName("e", QeXmlNamespace::getXsi()), QeXmlUtils::TZD, "xsd:string", true);
+    const bool isLonger = QeXmlDuration("P2M") < QeXmlDuration("P1M");
+    writer.write(QeXmlNamespace::getXmlns().infoString() + (isLonger ? "!" : ""), true);
+    QeXmlReader reader(writer.getString());
+    reader.readElementStart(QeXmlName("schema", QeXmlNamespace::getXsd()));
+    return writer.getString();
+}
+
+// Made before what it uses, and so destroyed when that would be gone.
+struct AtExit {
+    ~AtExit() {
+        if (!expected.empty() && (writeWellKnownNames() != expected || !readsWindows1252())) std::_Exit(1);
+    }
+    QeCString expected;
+} atExit;
+
 bool hasOneVersion() {
     return tessit::version() == TESSIT_VERSION && std::string_view(tessit::versionString()) == TESSIT_VERSION_STRING;
 }
@@ -66,6 +90,7 @@ bool fails(const char* what, bool works) {
 }  // namespace
 
 int main() {
+    atExit.expected = writeWellKnownNames();
     return fails("reading what was written", readsWhatItWrote()) + fails("reading windows-1252", readsWindows1252()) +
            fails("catching errors by type", catchesByType()) + fails("the version", hasOneVersion());
 }
