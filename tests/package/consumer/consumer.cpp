@@ -63,8 +63,8 @@ QeCString writeWellKnownNames() {
     attributes.setDefaultNamespaceAttribute(QeXmlNamespace::getEmptyNamespace());
     writer.writeElementStart(QeXmlName("schema", QeXmlNamespace::getXsd()), attributes, false);
     writer.writeSimpleElement(QeXmlName("e", QeXmlNamespace::getXsi()), QeXmlUtils::TZD, "xsd:string", true);
-    const bool isLonger = QeXmlDuration("P2M") < QeXmlDuration("P1M");
-    writer.write(QeXmlNamespace::getXmlns().infoString() + (isLonger ? "!" : ""), true);
+    const bool isShorter = QeXmlDuration("P2M") < QeXmlDuration("P1M");
+    writer.write(QeXmlNamespace::getXmlns().infoString() + (isShorter ? "!" : ""), true);
     QeXmlReader reader(writer.getString());
     reader.readElementStart(QeXmlName("schema", QeXmlNamespace::getXsd()));
     return writer.getString();
