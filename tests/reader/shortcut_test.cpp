@@ -92,11 +92,11 @@ TEST(XmlReader, FindsTheEndOfANameInABlock) {
                 const tessit::NameByte kind = tessit::nameByte(in);
                 return kind == tessit::EndsName || kind == tessit::MultiByteName;
             });
-            const bool isPlain = end != block.end() && tessit::nameByte(*end) == tessit::EndsName &&
+            const bool isWhole = end != block.end() && tessit::nameByte(*end) == tessit::EndsName &&
                                  tessit::nameByte(block[0]) == tessit::StartsName;
-            ASSERT_EQ(found.isWhole(), isPlain) << byte << ' ' << place;
+            ASSERT_EQ(found.isWhole(), isWhole) << byte << ' ' << place;
             const std::string name(block.begin(), end);
-            if (!isPlain) continue;
+            if (!isWhole) continue;
             EXPECT_EQ(found.length(), name.size());
             EXPECT_EQ(found.localStart(), name.find(':') + 1) << name;  // 0 without a colon
         }

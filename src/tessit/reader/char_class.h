@@ -5,11 +5,13 @@
 #include <span>
 
 /// The class of every code point of the Basic Multilingual Plane: whether it may
-/// stand in a name, or start one. The ranges are those of XML 1.0, Appendix B,
-/// as it stands in the editions before the fifth.
+/// stand in a document, in a name, or start one. What starts a name is a letter,
+/// `_` or `:`; digits, combining characters and extenders follow. Letters are those
+/// that XML 1.0 listed before its fifth edition, which were those of Unicode 2.0.
 namespace tessit {
 
-enum CharClass : std::uint8_t { NotXml = 0, Plain = 1, NamePart = 2, NameStart = 3 };
+/// `InText`: allowed in a document, and in no name.
+enum CharClass : std::uint8_t { NotXml = 0, InText = 1, NamePart = 2, NameStart = 3 };
 
 struct CodeRange {
     std::uint32_t first, last;
@@ -367,7 +369,7 @@ constexpr void fillClasses(PackedClasses& packed, std::span<const CodeRange> ran
 
 consteval PackedClasses packCharClasses() {
     PackedClasses packed{};  // NotXml until a range says otherwise
-    fillClasses(packed, XmlChars, Plain);
+    fillClasses(packed, XmlChars, InText);
     fillClasses(packed, NameParts, NamePart);
     fillClasses(packed, NameStarts, NameStart);
     return packed;
@@ -381,7 +383,7 @@ constexpr CharClass charClass(std::uint32_t codePoint) {
     return static_cast<CharClass>((CharClasses[codePoint / 4] >> shiftOf(codePoint)) & 3);
 }
 
-static_assert(charClass('-') == NamePart && charClass('_') == NameStart && charClass(' ') == Plain);
+static_assert(charClass('-') == NamePart && charClass('_') == NameStart && charClass(' ') == InText);
 
 /// What a byte means to the scan of a name.
 enum NameByte : std::uint8_t {

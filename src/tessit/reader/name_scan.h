@@ -17,11 +17,11 @@ public:
         const Found found = find(at);
         name = found.length;
         local = found.localStart;
-        isPlain = name != Size && nameByte(at[name]) == EndsName && nameByte(*at) == StartsName;
+        isComplete = name != Size && nameByte(at[name]) == EndsName && nameByte(*at) == StartsName;
     }
 
     /// Whether the name ends in the block and has nothing in it that needs thought.
-    bool isWhole() const { return isPlain; }
+    bool isWhole() const { return isComplete; }
     std::size_t length() const { return name; }
 
     /// Where the local name starts: behind the first colon, or at 0.
@@ -60,7 +60,7 @@ private:
 
     std::size_t name;
     std::size_t local;
-    bool isPlain;
+    bool isComplete;
 };
 
 }  // namespace tessit

@@ -41,7 +41,7 @@ TESSIT_NOINLINE RawName Scanner::readLongName() {
     return {start, static_cast<std::size_t>(at - start), localStart};
 }
 
-// Goes on with a name at `from`, where a character stands that is not plain; the
+// Goes on with a name at `from`, where a character stands that needs thought; the
 // cursor is still on the name's first.
 RawName Scanner::readNameSlowly(const char* from, std::size_t localStart) {
     const char* const start = cursor;
@@ -155,7 +155,7 @@ TESSIT_NOINLINE void Scanner::expandValue(QeCString& target, const char* start, 
     for (;;) {
         char encoded[4];
         value.put(readReference(encoded));
-        value.putPlain(cursor, end, quote, '<', '&');
+        value.putRun(cursor, end, quote, '<', '&');
         const char stop = take();
         if (stop == quote) return;
         if (stop == '<') raise("Syntax error: unterminated attribute value");
@@ -165,7 +165,7 @@ TESSIT_NOINLINE void Scanner::expandValue(QeCString& target, const char* start, 
 void Scanner::appendText(QeCString& target) {
     TextBuilder text(target);
     for (;;) {
-        text.putPlain(cursor, end, '<', '&', '\r');
+        text.putRun(cursor, end, '<', '&', '\r');
         if (cursor == end || *cursor == '<') return;
         if (*cursor++ == '&') {
             char encoded[4];

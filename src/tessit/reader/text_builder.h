@@ -10,7 +10,7 @@
 
 namespace tessit {
 
-/// Appends to a string through a plain pointer into its spare room, so that short
+/// Appends to a string through a pointer into its spare room, so that short
 /// pieces cost a few moves each. The string has its right length again once the
 /// builder is gone, also when an exception ends it.
 class TextBuilder {
@@ -34,7 +34,7 @@ public:
     }
 
     /// Takes over bytes from `at` up to the first that is `a`, `b` or `c`, or to `end`.
-    void putPlain(const char*& at, const char* end, char a, char b, char c) {
+    void putRun(const char*& at, const char* end, char a, char b, char c) {
         do {
             need(1);
             const std::ptrdiff_t count = std::min(limit - out, end - at);

@@ -30,7 +30,7 @@ bool isSurelyInOrder(const QeXmlAttributeSet& attributes) noexcept {
 }
 
 const QeXmlAttributeSet& Completion::of(const QeXmlAttributeSet& attributes) {
-    const PlainAttributes declarations(attributes, storage.given);
+    const UnqualifiedAttributes declarations(attributes, storage.given);
     if (isDeclaredBy(declarations)) return attributes;
     if (areLocalNamesInOrder(attributes)) {
         completeInOrder(attributes, declarations);
@@ -40,16 +40,16 @@ const QeXmlAttributeSet& Completion::of(const QeXmlAttributeSet& attributes) {
     return storage.completed;
 }
 
-bool Completion::isDeclaredBy(const PlainAttributes& declarations) const {
+bool Completion::isDeclaredBy(const UnqualifiedAttributes& declarations) const {
     return std::all_of(bindings.begin(), bindings.end(), [&](const QeXmlNamespace& binding) {
         const QeXmlAttribute* declaration = declarations.find(binding.getPrefix());
         return declaration != nullptr && declaration->getValue() == binding.getURI();
     });
 }
 
-void Completion::completeInOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations) {
+void Completion::completeInOrder(const QeXmlAttributeSet& attributes, const UnqualifiedAttributes& declarations) {
     merge(attributes, findMissing(declarations));
-    const PlainAttributes entries(storage.completed, storage.entries);
+    const UnqualifiedAttributes entries(storage.completed, storage.entries);
     for (const QeXmlNamespace& binding : bindings)
         setValueAt(entries.find(binding.getPrefix()), binding.getURI());
 }
@@ -60,7 +60,7 @@ void Completion::setValueAt(const QeXmlAttribute* position, const QeCString& val
 }
 
 // The bindings that no attribute declares, one for each prefix, in order.
-Completion::Missing Completion::findMissing(const PlainAttributes& declarations) {
+Completion::Missing Completion::findMissing(const UnqualifiedAttributes& declarations) {
     if (bindings.size() > few.size()) storage.missing.resize(bindings.size());
     const QeXmlNamespace** const first = bindings.size() > few.size() ? storage.missing.data() : few.data();
     const QeXmlNamespace** last = first;
@@ -97,7 +97,7 @@ void Completion::merge(const QeXmlAttributeSet& attributes, Missing missing) {
 
 // A set out of order keeps what order it has: values are replaced where they stand,
 // and what is missing goes where an addition puts it.
-void Completion::completeOutOfOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations) {
+void Completion::completeOutOfOrder(const QeXmlAttributeSet& attributes, const UnqualifiedAttributes& declarations) {
     QeXmlAttributeSet& completed = storage.completed;
     ModelAccess::assignInPlace(completed, attributes);
     for (const QeXmlNamespace& binding : bindings) {

@@ -5,15 +5,15 @@
 #include <vector>
 
 #include <tessit/model/xml_attribute_set.h>
-#include <tessit/writer/plain_attributes.h>
+#include <tessit/writer/unqualified_attributes.h>
 
 namespace tessit {
 
 /// What the completion of one tag's attributes takes, to be used for the next tag, too.
 struct CompletionStorage {
     QeXmlAttributeSet completed;
-    PlainAttributes::Positions given;
-    PlainAttributes::Positions entries;
+    UnqualifiedAttributes::Positions given;
+    UnqualifiedAttributes::Positions entries;
     std::vector<const QeXmlNamespace*> missing;
 
     void clear() noexcept {
@@ -38,11 +38,11 @@ public:
     const QeXmlAttributeSet& of(const QeXmlAttributeSet& attributes);
 
 private:
-    bool isDeclaredBy(const PlainAttributes& declarations) const;
-    void completeInOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations);
-    void completeOutOfOrder(const QeXmlAttributeSet& attributes, const PlainAttributes& declarations);
+    bool isDeclaredBy(const UnqualifiedAttributes& declarations) const;
+    void completeInOrder(const QeXmlAttributeSet& attributes, const UnqualifiedAttributes& declarations);
+    void completeOutOfOrder(const QeXmlAttributeSet& attributes, const UnqualifiedAttributes& declarations);
     using Missing = std::span<const QeXmlNamespace* const>;
-    Missing findMissing(const PlainAttributes& declarations);
+    Missing findMissing(const UnqualifiedAttributes& declarations);
     void merge(const QeXmlAttributeSet& attributes, Missing missing);
     void setValueAt(const QeXmlAttribute* position, const QeCString& value);
 

@@ -96,13 +96,13 @@ void QeXmlWriter::Engine::writeEscaped(const QeCString& text) {
 // Long texts are looked through first, since the room for the worst case would be much.
 void QeXmlWriter::Engine::writeLongText(const QeCString& text) {
     Output output(*this);
-    const auto plainLength = static_cast<std::size_t>(TextEscapes::find(text.begin(), text.end()) - text.begin());
-    if (plainLength == text.length()) {
+    const auto lengthAsIs = static_cast<std::size_t>(TextEscapes::find(text.begin(), text.end()) - text.begin());
+    if (lengthAsIs == text.length()) {
         output.sendBytes(text);
     } else {
         char* const to = output.begin(escapedLength<TextEscapes>(text));
-        char* const end = corvel::put(to, text.substring(0, plainLength));
-        output.sendBytes(tessit::writeEscaped<TextEscapes>(end, text.substring(plainLength)));
+        char* const end = corvel::put(to, text.substring(0, lengthAsIs));
+        output.sendBytes(tessit::writeEscaped<TextEscapes>(end, text.substring(lengthAsIs)));
     }
     output.finish();
 }

@@ -45,7 +45,7 @@ struct TextEscapes {
     static void copyRun(const char*& from, const char* end, char*& to) {
         corvel::copyUntilAny(from, end, to, '\r', '&', '<', '>');
     }
-    static bool arePlain(const char* at, std::size_t length) {
+    static bool haveNone(const char* at, std::size_t length) {
         return corvel::areNone(at, length, '\r', '&', '<', '>');
     }
     static std::string_view replacement(const char* at, const char* /*end*/) { return markupFor(*at); }
@@ -62,7 +62,7 @@ struct ValueEscapes {
     static void copyRun(const char*& from, const char* end, char*& to) {
         corvel::copyUntilAny(from, end, to, '"', '\'', '<', '>', '&');
     }
-    static bool arePlain(const char* at, std::size_t length) {
+    static bool haveNone(const char* at, std::size_t length) {
         return corvel::areNone(at, length, '"', '\'', '<', '>', '&');
     }
     static std::string_view replacement(const char* at, const char* end) {

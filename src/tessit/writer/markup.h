@@ -75,7 +75,7 @@ inline char* putName(char* to, NameParts name) {
 /// Most values are short and have nothing to escape: that is found out without a branch on their length.
 template <typename Escapes>
 char* putEscaped(char* to, const QeCString& text) {
-    if (corvel::StringAccess::isInline(text) && Escapes::arePlain(text.data(), text.length()))
+    if (corvel::StringAccess::isInline(text) && Escapes::haveNone(text.data(), text.length()))
         return putString(to, text);
     return writeEscaped<Escapes>(to, text);
 }

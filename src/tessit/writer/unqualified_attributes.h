@@ -13,12 +13,12 @@ namespace tessit {
 /// A set that has lost its order, as the reader's can, finds its attributes one by
 /// one. For large sets the attributes are therefore put in order here: a search
 /// costs O(log n), whatever the set.
-class PlainAttributes {
+class UnqualifiedAttributes {
 public:
     using Positions = std::vector<const QeXmlAttribute*>;
 
     /// `storage` is an empty array, for large sets to be sorted in.
-    PlainAttributes(const QeXmlAttributeSet& set, Positions& storage) : attributes(set), byLocalName(storage) {
+    UnqualifiedAttributes(const QeXmlAttributeSet& set, Positions& storage) : attributes(set), byLocalName(storage) {
         if (set.size() > LinearSearchLimit) sortByLocalName();
     }
 
@@ -31,11 +31,13 @@ private:
     static constexpr unsigned LinearSearchLimit = 16;
 
     static const QeCString& localNameOf(const QeXmlAttribute& attribute) { return attribute.getName().getLocalName(); }
-    static bool isPlain(const QeXmlAttribute& attribute) { return attribute.getName().getNamespace().getURI().empty(); }
+    static bool isUnqualified(const QeXmlAttribute& attribute) {
+        return attribute.getName().getNamespace().getURI().empty();
+    }
 
     void sortByLocalName() {
         for (const QeXmlAttribute& attribute : attributes)
-            if (isPlain(attribute)) byLocalName.push_back(&attribute);
+            if (isUnqualified(attribute)) byLocalName.push_back(&attribute);
         const auto before = [](const QeXmlAttribute* left, const QeXmlAttribute* right) {
             const int order = localNameOf(*left).compare(localNameOf(*right));
             return order != 0 ? order < 0 : left < right;  // equal ones in set order
@@ -46,7 +48,7 @@ private:
 
     const QeXmlAttribute* findOneByOne(const QeCString& localName) const noexcept {
         for (const QeXmlAttribute& attribute : attributes)
-            if (localNameOf(attribute) == localName && isPlain(attribute)) return &attribute;
+            if (localNameOf(attribute) == localName && isUnqualified(attribute)) return &attribute;
         return nullptr;
     }
 
