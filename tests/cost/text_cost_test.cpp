@@ -68,6 +68,12 @@ void walkReferencesAsWritten(const Text& document) {
         reader.readNextNode();
 }
 
+void walkMatchingTags(const Text& document) {
+    QeXmlReader reader(bytesOf(document));
+    for (reader.setMatchTags(true); !reader.eof(); reader.readNextNode())
+        ASSERT_LE(reader.getOpenElement().length(), 1u);
+}
+
 void fromStream(const Text& document) {
     std::istringstream in(document);
     for (QeXmlReader reader(in); !reader.eof();)
@@ -279,6 +285,7 @@ const struct {
     {"TakeMarkupUnderLongURIs", Many, LongURIs, calls<"R">},
     {"TakeMarkupOfChildrenUnderLongURIs", Many, LongURIs, calls<"S | N:a R">},
     {"ParseUnderLongURIs", Many, LongURIs, parse},
+    {"MatchTagsUnderALongURI", Many, "<r xmlns='{uuuu}'>{<a></a>}</r>", walkMatchingTags},
     {"ParseChangingPrefixes", Many, "<a xmlns='{uuuu}' xmlns:q='{uuuu}'>{<a></q:a><q:a></a>}</a>", parse},
     {"CompareUnderLongURIs", Many, LongURIs, compareWithItself},
     {"KeepNamesUnderLongURIs", Many, LongURIs, keepNames},
