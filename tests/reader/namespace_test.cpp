@@ -45,6 +45,9 @@ constexpr NameCase Names[] = {
      "+r[xmlns:p=u] /{u}p:a[{u}p:x= q:y=] /q:a[q:x= {u}p:y=] -r"},
     {"<r><p:a xmlns:p='u' p:x=''></p:a><p:a xmlns:p='w'/><p:a xmlns:p='w'/><p:a xmlns:p='u'/></r>",
      "+r +{u}p:a[xmlns:p=u {u}p:x=] -{u}p:a /{w}p:a[xmlns:p=w] /{w}p:a[xmlns:p=w] /{u}p:a[xmlns:p=u] -r"},
+    {"<r><a x='1' x='2'/><a x='1' x='2'/><a x='3' x='4'/></r>", "+r /a[x=2] /a[x=2] /a[x=4] -r"},
+    {"<r><a y=''/><b y=''/><a xmlns:p='u' p:x=''/><b xmlns:p='v' p:x=''/><a xmlns:p='w' p:x=''/></r>",
+     "+r /a[y=] /b[y=] /a[xmlns:p=u {u}p:x=] /b[xmlns:p=v {v}p:x=] /a[xmlns:p=w {w}p:x=] -r"},
     {"<r><item p:x='1'/><item p:x='1'/><w xmlns:p='v'><item p:x='1'/></w></r>",
      "+r /item[p:x=1] /item[p:x=1] +w[xmlns:p=v] /item[{v}p:x=1] -w -r"},
     // Nor does what a name meant inside the tag in front.

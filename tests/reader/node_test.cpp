@@ -42,6 +42,7 @@ constexpr NodeCase Content[] = {
 constexpr NodeCase Tags[] = {
     {"<a></a>", "+a -a"},
     {"<a\r\n\t ></a\t\r\n >", "+a -a"},
+    {"<a></ab>", "+a -ab"},
     {"<a></b>", "+a -b"},                    // the scanner does not match tags
     {"<a><a/>\n</a>\r\n ", "+a /a =\n -a"},  // blank text outside the root element is the end
     {"<\xC3\xA9\xC3\xBC/>", "/\xC3\xA9\xC3\xBC"},
@@ -92,6 +93,11 @@ constexpr NodeCase Errors[] = {
     {"<r a=1/>", "!1:7 invalid character in attribute definition"},
     {"<r a='1>\n</r>", "!2:2 Syntax error: unterminated attribute value"},
     {"<r a='&lt;<'/>", "!1:12 Syntax error: unterminated attribute value"},
+    // in a tag that looked like the ones in front of it
+    {"<r><a x='1'/><a x='2'/><a xy'3'/></r>", "+r /a[x=1] /a[x=2] !1:30 Invalid character in attribute definition"},
+    {"<r><a x='1'/><a x='2'/><a x='3<>'/></r>", "+r /a[x=1] /a[x=2] !1:32 Syntax error: unterminated attribute value"},
+    {"<r><a x='1'/><a x='2'/><a x='3<>'/>text of more than a block</r>",
+     "+r /a[x=1] /a[x=2] !1:32 Syntax error: unterminated attribute value"},
     {"<r>&#xg;</r>", "+r !1:9 invalid character in hexadecimal character reference."},
     {"<r>&#X41;</r>", "+r !1:10 invalid character in decimal character reference."},
     {"<r>&;</r>", "+r !1:6 Empty reference"},

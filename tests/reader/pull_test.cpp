@@ -150,6 +150,7 @@ constexpr PullCase RawElements[] = {
     {"<a><b></a></b></a>", "R T", "<<<a><b></a>>><b> -b"},            // only names like its own count
     {"<p:a xmlns:p='u' xmlns:q='v'><q:a></q:a></p:a>", "R F",
      "<<<p:a xmlns:p='u' xmlns:q='v'><q:a></q:a></p:a>>><q:a></q:a> eof"},
+    {"<p:a xmlns:p='u' xmlns:q='v'><q:a></p:a>", "R", "<<<p:a xmlns:p='u' xmlns:q='v'><q:a></p:a>>><q:a>"},
     {"<p:a xmlns:p='u'></b><x xmlns:p='u'></p:a>", "R F",  // bound anew, after an end too many
      "<<<p:a xmlns:p='u'></b><x xmlns:p='u'></p:a>>></b><x xmlns:p='u'> eof"},
     {"<a x='1'><b/></a>", "R:b", "!1:10 Expected b, found a"},
