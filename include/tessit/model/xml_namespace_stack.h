@@ -68,7 +68,7 @@ private:
     // A number for the bindings in force, 0 for none: as long as it is the same, every
     // lookup gives the same binding, at the same address. Popping a scope brings back
     // the number from before it.
-    std::uint64_t state() const noexcept { return stateInForce; }
+    std::uint64_t version() const noexcept { return versionInForce; }
 
     // Where a lookup begins: with the innermost scope, or with the one around it.
     enum class From : unsigned char { Innermost, AroundInnermost };
@@ -97,6 +97,6 @@ private:
     // Programs have code inlined that relies on these two; all else may change.
     std::size_t depth = 0;
     std::size_t declaringDepth = 0;  // of the innermost scope with bindings; 0 for none
-    std::uint64_t stateInForce = 0;
+    std::uint64_t versionInForce = 0;
     std::unique_ptr<Declarations> declared;  // from the first binding on
 };

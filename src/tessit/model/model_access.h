@@ -88,12 +88,12 @@ struct ModelAccess {
     /// A number for the bindings in force, 0 for none: as long as it is the same, every
     /// lookup gives the same binding, at the same address. Popping a scope brings back
     /// the number from before it.
-    static std::uint64_t stateOf(const QeXmlNamespaceStack& stack) noexcept { return stack.state(); }
+    static std::uint64_t versionOf(const QeXmlNamespaceStack& stack) noexcept { return stack.version(); }
 
     /// The binding of a prefix that is in force, or null. Most documents bind none, which calls for no call.
     static const QeXmlNamespace* findPrefix(const QeXmlNamespaceStack& stack, std::string_view prefix,
                                             From from = From::Innermost) noexcept {
-        return stack.state() == 0 ? nullptr : stack.findBoundPrefix(prefix, from);
+        return stack.version() == 0 ? nullptr : stack.findBoundPrefix(prefix, from);
     }
 
     /// The innermost binding of a URI, or null. That of a namespace is found in O(1)

@@ -25,7 +25,7 @@ struct QeXmlNamespaceStack::Declarations {
     using Number = tessit::BindingStore::Number;
 
     struct Scope {
-        std::uint64_t state;
+        std::uint64_t version;
         std::size_t depth;
         Number first;
         Number count;
@@ -113,7 +113,7 @@ struct QeXmlNamespaceStack::Declarations {
     tessit::ChunkedArray<Scope, 8> scopes;  // those with bindings, outermost first
     std::size_t scopeCount = 0;
     std::size_t bindingCount = 0;
-    std::uint64_t lastState = 0;
+    std::uint64_t lastVersion = 0;
     bool isIndexed = false;                       // while many bindings are in force
     std::unique_ptr<tessit::BindingIndex> index;  // from the first time that there are many
 };
@@ -122,7 +122,7 @@ QeXmlNamespaceStack::QeXmlNamespaceStack() noexcept = default;
 QeXmlNamespaceStack::~QeXmlNamespaceStack() = default;
 
 QeXmlNamespaceStack::QeXmlNamespaceStack(const QeXmlNamespaceStack& other) {
-    if (other.state() != 0)
+    if (other.version() != 0)
         for (std::size_t i = 0; i < other.declared->scopeCount; ++i) {
             const Declarations::Scope& scope = other.declared->scopes[i];
             depth = scope.depth;
@@ -135,7 +135,7 @@ QeXmlNamespaceStack::QeXmlNamespaceStack(const QeXmlNamespaceStack& other) {
 QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
     : depth(std::exchange(other.depth, 0)),
       declaringDepth(std::exchange(other.declaringDepth, 0)),
-      stateInForce(std::exchange(other.stateInForce, 0)),
+      versionInForce(std::exchange(other.versionInForce, 0)),
       declared(std::move(other.declared)) {}
 
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
@@ -145,7 +145,7 @@ QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& o
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other) noexcept {
     depth = std::exchange(other.depth, 0);
     declaringDepth = std::exchange(other.declaringDepth, 0);
-    stateInForce = std::exchange(other.stateInForce, 0);
+    versionInForce = std::exchange(other.versionInForce, 0);
     declared = std::move(other.declared);
     return *this;
 }
@@ -176,7 +176,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     if (all.isIndexed) all.index->add(all.bindings, number, scope.first);
     ++scope.count;
     ++all.bindingCount;
-    scope.state = ++all.lastState;
+    scope.version = ++all.lastVersion;
     if (opensScope) ++all.scopeCount;
     all.scopes[all.scopeCount - 1] = scope;
     depth = std::max<std::size_t>(depth, 1);
@@ -213,7 +213,7 @@ void QeXmlNamespaceStack::dropBindings() noexcept {
 void QeXmlNamespaceStack::lookAtInnermost() noexcept {
     const bool isBound = declared->scopeCount != 0;
     declaringDepth = isBound ? declared->innermost().depth : 0;
-    stateInForce = isBound ? declared->innermost().state : 0;
+    versionInForce = isBound ? declared->innermost().version : 0;
 }
 
 void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
@@ -223,7 +223,7 @@ void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
         lookAtInnermost();
     }
     popScope();
-    if (closed.state() != 0) closed.declared->makeRoomFor(closed.declared->endOf(1), false);
+    if (closed.version() != 0) closed.declared->makeRoomFor(closed.declared->endOf(1), false);
 }
 
 // Makes the bindings of an innermost scope the only ones here, and leaves old storage in their place.
@@ -239,7 +239,7 @@ void QeXmlNamespaceStack::takeInnermost(Declarations& from) {
     from.dropInnermost();
     for (Declarations::Number i = 0; i < scope.count; ++i)
         std::swap(all.bindings[first + i], from.bindings[scope.first + i]);
-    all.scopes[0] = {++all.lastState, 1, first, scope.count};
+    all.scopes[0] = {++all.lastVersion, 1, first, scope.count};
     all.scopeCount = 1;
     all.bindingCount = scope.count;
     depth = 1;
@@ -265,15 +265,15 @@ const QeXmlNamespace* QeXmlNamespaceStack::findBoundPrefix(std::string_view pref
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(const QeCString& uri) const noexcept {
-    return state() == 0 ? nullptr : declared->findURI(uri);
+    return version() == 0 ? nullptr : declared->findURI(uri);
 }
 
 const QeXmlNamespace* QeXmlNamespaceStack::findURI(std::string_view uri) const noexcept {
-    return state() == 0 ? nullptr : declared->findURI(uri);
+    return version() == 0 ? nullptr : declared->findURI(uri);
 }
 
 const QeCString& QeXmlNamespaceStack::getURIForPrefix(const QeCString& prefix) const noexcept {
-    const QeXmlNamespace* found = state() == 0 ? nullptr : findBoundPrefix(prefix, From::Innermost);
+    const QeXmlNamespace* found = version() == 0 ? nullptr : findBoundPrefix(prefix, From::Innermost);
     return found == nullptr ? QeXmlAttributeSet::EmptyString : found->getURI();
 }
 

@@ -37,7 +37,7 @@ public:
 
     /// A number for the bindings in force: as long as it is the same, each prefix has the
     /// same binding, at the same address. It comes back when a scope ends.
-    std::uint64_t version() const noexcept { return ModelAccess::stateOf(inForce); }
+    std::uint64_t version() const noexcept { return ModelAccess::versionOf(inForce); }
 
     /// The binding in force of a prefix, or null. Bytes up to `readableEnd` can be read.
     const QeXmlNamespace* find(std::string_view prefix, const char* readableEnd) noexcept {
