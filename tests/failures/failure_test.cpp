@@ -73,10 +73,10 @@ std::string declarations(int count) {
 // and an element whose text is converted half-way.
 std::string documentWith(const std::string& text) {
     const std::string l = Long.data();
-    return "<?xml version='1.0' encoding='windows-1252' standalone='yes'?><r" + declarations(20) + ">" + l + "&lt;" +
-           text + "<prefix3:a" + declarations(18) + " x='" + l + "&gt;' " + l + "='1' y=''/>" + "<b y='2' x='" + l +
-           "'>" + l + "<c/></b><!-- --><d>\xE9" + l + "<?xml version='1.0' encoding='ISO-8859-1'?>" + l +
-           "\xE9</d></r>";
+    return "<?xml version='1.0' encoding='latin1' standalone='yes'?><r" + declarations(20) + ">" + l + "&lt;" + text +
+           "<prefix3:a" + declarations(18) + " x='" + l + "&gt;' " + l + "='1' y=''/>" + "<b y='2' x='" + l + "'>" + l +
+           "<c/></b><!-- --><d>\xE9" + l +
+           "<?xml version='1.0' encoding='US-ASCII'?><?xml version='1.0' encoding='ISO-8859-1'?>" + l + "\xE9</d></r>";
 }
 
 void readEverything(QeXmlReader& reader) {
@@ -343,14 +343,17 @@ const struct {
          using Check = void (*)(V & validator, const V& part);
          V part(Long);
          part.checkMinLength(Long, "1000");
-         for (const Check check :
-              {Check([](V&validator, const V&) { validator.checkMinLength(Long, "1000"); }),
-               Check([](V&validator, const V&) { validator.checkMaxLength(Long, "1"); }),
-               Check([](V&validator, const V&) { validator.checkWhiteSpace(Long + "\t", "replace"); }),
-               Check([](V&validator, const V&) { validator.checkVectorBounds(1, 2, 3); }),
-               Check([](V&validator, const V&) { validator.checkPattern(Long, "^x"); }),
-               Check([](V&validator, const V&from) { validator.isValid(from); }),
-               Check([](V&validator, const V&from) { validator = from; })}) {
+         for (const Check check : {
+                  Check([](V& validator, const V&) { validator.checkMinLength(Long, "1000"); }),
+                      Check([](V& validator, const V&) { validator.checkMaxLength(Long, "1"); }),
+                      Check([](V& validator, const V&) { validator.checkWhiteSpace(Long + "\t", "replace"); }),
+                      Check([](V& validator, const V&) { validator.checkVectorBounds(1, 2, 3); }),
+#if !defined(TESSIT_WITHOUT_ICU)
+                      Check([](V& validator, const V&) { validator.checkPattern(Long, "^x"); }),
+#endif
+                      Check([](V& validator, const V& from) { validator.isValid(from); }),
+                      Check([](V& validator, const V& from) { validator = from; })
+              }) {
              V validator(Long);
              const bool done = attempt([&] { check(validator, part); });
              EXPECT_EQ(validator.isValid(), !done);
