@@ -69,6 +69,14 @@ std::size_t countAllocations(const Operation& operation) {
     return allocator::allocations - before;
 }
 
+/// The most bytes that `operation` has at any time, beside those that are there before.
+template <typename Operation>
+std::size_t countPeakBytes(const Operation& operation) {
+    const std::size_t before = allocator::peakBytes = allocator::liveBytes;
+    operation();
+    return allocator::peakBytes - before;
+}
+
 /// What a scenario of `forEachFailure` tries its operation with.
 class Attempt {
 public:
