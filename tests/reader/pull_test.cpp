@@ -202,6 +202,30 @@ TEST(XmlReader, NamesTheInnermostOpenElement) {
     }
 }
 
+// Also where the call that raised has replaced the document first.
+TEST(XmlReader, StandsWhereItHasRaised) {
+    for (const char* xml :
+         {"<a b='1' c=", "<a>&amp;\n&;", "<a><?p", "<a>&amp;<?xml version='1' encoding='ISO-8859-1'?>&;",
+          "<a><?xml version='1' encoding='ISO-8859-1'?>\n<?p", "<a></a><?xml version='1' encoding='x'?>"}) {
+        const Document document(std::string(xml) + std::string(100, ' '));
+        const auto reader = document.open(Source::String);
+        const auto raise = [&](const auto& read) {
+            try {
+                read();
+            } catch (const QeXmlParseError& error) {
+                return std::pair(error.getLineNumber(), error.getColumnNumber());
+            }
+            return std::pair(0u, 0u);
+        };
+        const auto raised = raise([&] {
+            for (;;)
+                reader->readNextNode();
+        });
+        EXPECT_EQ(raise([&] { reader->err("here"); }), raised) << xml;
+        EXPECT_FALSE(reader->eof() && raised.first == 0) << xml;
+    }
+}
+
 // Lines are counted on from the last error; the cursor can also have gone back since, or to another buffer.
 TEST(XmlReader, CountsLinesOverManyErrors) {
     const Document document("<a>\n\n<1\n<2\n<?xml version='1' encoding='latin1'?>\n  <3");

@@ -44,9 +44,8 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
 // The same as the scanner's, for what a node reader does.
 template <typename Read>
 void QeXmlReader::Engine::NodeReader::apart(const Read& read) {
-    giveCursor();
+    const Lending lending(*this);
     (NodeReader(engine).*read)();
-    takeCursor();
 }
 
 // Entered just after "</". The name is resolved while the element's scope is still open.
@@ -93,9 +92,8 @@ inline void QeXmlReader::Engine::NodeReader::readStartTag() {
     if (peek() == '>') {
         engine.slots.writeNoAttributes();
     } else {
-        giveCursor();
+        const Lending lending(*this);
         engine.slots.readAttributes(name, input, reader.expandAttributeReference);
-        takeCursor();
     }
     closeStartTag(name);
 }

@@ -69,9 +69,8 @@ void QeXmlReader::Engine::NodeReader::readXmlDeclaration() {
 void QeXmlReader::Engine::NodeReader::readEncoding() {
     take(std::string_view("ncoding").size());
     const QeCString name(readPseudoValue());
-    giveCursor();
+    const Lending lending(*this);
     engine.declareEncoding(name);
-    takeCursor();
 }
 
 // Entered just after the 's'.

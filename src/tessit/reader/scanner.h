@@ -30,24 +30,36 @@ public:
     /// The same, for who knows where the input keeps its place and its end.
     Scanner(Input& source, const char*& place, const char* const& limit) noexcept
         : cursor(place), end(limit), home(place), homeEnd(limit), input(source) {}
-    ~Scanner() { giveCursor(); }
+    ~Scanner() { home = cursor; }
     Scanner(const Scanner&) = delete;
     Scanner& operator=(const Scanner&) = delete;
+
+    /// Gives the cursor back to the input for as long as this lives, so that others can
+    /// move it, or replace the bytes. The scanner then goes on from there, also when an
+    /// exception comes by: its own cursor may point into bytes that are gone.
+    class Lending {
+    public:
+        explicit Lending(Scanner& lender) noexcept : scanner(lender) { scanner.home = scanner.cursor; }
+        ~Lending() {
+            scanner.cursor = scanner.home;
+            scanner.end = scanner.homeEnd;
+        }
+        Lending(const Lending&) = delete;
+        Lending& operator=(const Lending&) = delete;
+
+    private:
+        Scanner& scanner;
+    };
 
     /// Has another scanner go on from here, and then goes on behind it.
     template <typename Read>
     auto apart(const Read& read) {
-        giveCursor();
-        struct GoOn {
-            Scanner& scanner;
-            ~GoOn() { scanner.takeCursor(); }
-        } goOn{*this};
+        const Lending lending(*this);
         Scanner other(input);
         return read(other);
     }
 
     const char* position() const noexcept { return cursor; }
-    const char* inputEnd() const noexcept { return end; }
     void goBackTo(const char* place) noexcept { cursor = place; }
     bool atEnd() const noexcept { return cursor == end; }
 
@@ -145,13 +157,6 @@ public:
     [[noreturn]] void raiseEnd() {
         cursor = end;
         raise("Premature EOF");
-    }
-
-    /// For while the input is changed by another.
-    void giveCursor() noexcept { home = cursor; }
-    void takeCursor() noexcept {
-        cursor = home;
-        end = homeEnd;
     }
 
 private:
