@@ -10,7 +10,7 @@ template <typename T>
 union Immortal {
     template <typename... Arguments>
     explicit constexpr Immortal(Arguments&&... arguments) : value(std::forward<Arguments>(arguments)...) {}
-    constexpr ~Immortal() {}
+    constexpr ~Immortal() {}  // NOLINT(modernize-use-equals-default): that would be deleted
 
     T value;
 };
