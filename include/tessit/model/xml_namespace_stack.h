@@ -88,6 +88,7 @@ private:
     // Pops a scope and leaves its bindings as the only scope of `closed`.
     TESSIT_NO_EXPORT void popScopeInto(QeXmlNamespaceStack& closed);
     TESSIT_NO_EXPORT void takeInnermost(Declarations& from);
+    TESSIT_NO_EXPORT void makeInnermostOnly() noexcept;
 
     TESSIT_NO_EXPORT Declarations& declarations();
     TESSIT_NO_EXPORT void dropAll() noexcept;
@@ -98,5 +99,6 @@ private:
     std::size_t depth = 0;
     std::size_t declaringDepth = 0;  // of the innermost scope with bindings; 0 for none
     std::uint64_t versionInForce = 0;
+    std::uint64_t lastVersion = 0;
     std::unique_ptr<Declarations> declared;  // from the first binding on
 };

@@ -110,10 +110,9 @@ struct QeXmlNamespaceStack::Declarations {
     }
 
     tessit::BindingStore bindings;
-    tessit::ChunkedArray<Scope, 8> scopes;  // those with bindings, outermost first
+    tessit::ChunkedArray<Scope, 4> scopes;  // those with bindings, outermost first
     std::size_t scopeCount = 0;
     std::size_t bindingCount = 0;
-    std::uint64_t lastVersion = 0;
     bool isIndexed = false;                       // while many bindings are in force
     std::unique_ptr<tessit::BindingIndex> index;  // from the first time that there are many
 };
@@ -136,6 +135,7 @@ QeXmlNamespaceStack::QeXmlNamespaceStack(QeXmlNamespaceStack&& other) noexcept
     : depth(std::exchange(other.depth, 0)),
       declaringDepth(std::exchange(other.declaringDepth, 0)),
       versionInForce(std::exchange(other.versionInForce, 0)),
+      lastVersion(other.lastVersion),
       declared(std::move(other.declared)) {}
 
 QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(const QeXmlNamespaceStack& other) {
@@ -146,6 +146,7 @@ QeXmlNamespaceStack& QeXmlNamespaceStack::operator=(QeXmlNamespaceStack&& other)
     depth = std::exchange(other.depth, 0);
     declaringDepth = std::exchange(other.declaringDepth, 0);
     versionInForce = std::exchange(other.versionInForce, 0);
+    lastVersion = other.lastVersion;
     declared = std::move(other.declared);
     return *this;
 }
@@ -176,7 +177,7 @@ void QeXmlNamespaceStack::addBinding(std::string_view prefix, std::string_view u
     if (all.isIndexed) all.index->add(all.bindings, number, scope.first);
     ++scope.count;
     ++all.bindingCount;
-    scope.version = ++all.lastVersion;
+    scope.version = ++lastVersion;
     if (opensScope) ++all.scopeCount;
     all.scopes[all.scopeCount - 1] = scope;
     depth = std::max<std::size_t>(depth, 1);
@@ -211,7 +212,7 @@ void QeXmlNamespaceStack::dropBindings() noexcept {
 
 // For after the scopes with bindings have changed.
 void QeXmlNamespaceStack::lookAtInnermost() noexcept {
-    const bool isBound = declared->scopeCount != 0;
+    const bool isBound = declared != nullptr && declared->scopeCount != 0;
     declaringDepth = isBound ? declared->innermost().depth : 0;
     versionInForce = isBound ? declared->innermost().version : 0;
 }
@@ -219,14 +220,19 @@ void QeXmlNamespaceStack::lookAtInnermost() noexcept {
 void QeXmlNamespaceStack::popScopeInto(QeXmlNamespaceStack& closed) {
     if (closed.depth != 0) closed.dropAll();
     if (innermostDeclares()) {
-        closed.takeInnermost(*declared);
+        if (declared->scopeCount == 1) {
+            declared.swap(closed.declared);
+        } else {
+            closed.takeInnermost(*declared);
+        }
         lookAtInnermost();
+        closed.makeInnermostOnly();
     }
     popScope();
-    if (closed.version() != 0) closed.declared->makeRoomFor(closed.declared->endOf(1), false);
+    if (closed.version() != 0) closed.declared->makeRoomFor(closed.declared->endOf(1), false);  // for an index
 }
 
-// Makes the bindings of an innermost scope the only ones here, and leaves old storage in their place.
+// Takes over the bindings of an innermost scope, and leaves old storage in their place.
 void QeXmlNamespaceStack::takeInnermost(Declarations& from) {
     Declarations& all = declarations();
     const Declarations::Scope scope = from.innermost();
@@ -239,19 +245,20 @@ void QeXmlNamespaceStack::takeInnermost(Declarations& from) {
     from.dropInnermost();
     for (Declarations::Number i = 0; i < scope.count; ++i)
         std::swap(all.bindings[first + i], from.bindings[scope.first + i]);
-    all.scopes[0] = {++all.lastVersion, 1, first, scope.count};
+    all.scopes[0] = {0, 1, first, scope.count};
     all.scopeCount = 1;
     all.bindingCount = scope.count;
-    depth = 1;
+}
+
+void QeXmlNamespaceStack::makeInnermostOnly() noexcept {
+    declared->scopes[0].version = ++lastVersion;
+    declared->scopes[0].depth = depth = 1;
     lookAtInnermost();
 }
 
 void QeXmlNamespaceStack::dropAll() noexcept {
-    if (declared != nullptr) {
-        while (declared->scopeCount > 0)
-            declared->dropInnermost();
-        lookAtInnermost();
-    }
+    while (version() != 0)
+        dropBindings();
     depth = 0;
 }
 
