@@ -20,7 +20,7 @@ BindingStore::Place BindingStore::placeBehind(Number first, std::size_t count) {
     constexpr std::size_t MostNumbers = UINT32_MAX / 2;
     const std::size_t number = first + count, index = number / ChunkSize;
     if (number >= MostNumbers) throw std::length_error("QeXmlNamespaceStack: too many bindings");
-    if (count == 0 && index == chunkCount()) install(placeInRun(index, 1, 0));
+    if (count == 0 && index == chunkCount()) install(placeInRun(index, 4, 0));
     if (number % ChunkSize != 0 || count == 0 || continues(index)) return {first, &chunk(index)[number % ChunkSize]};
     const std::size_t length = (count + count / 2) / ChunkSize + 1;
     if (startsRun(first)) return placeInRun(first / ChunkSize, length, count);

@@ -11,28 +11,32 @@
 /// Where a stack keeps its bindings. It knows scopes and numbers, and neither texts nor depths.
 namespace tessit {
 
-/// Elements by number that never move, in chunks of `ChunkSize`: the first within the
-/// object, so that few need no memory of their own. A growing vector would take up to
+/// Elements by number that never move. The first stand within the object, so that few
+/// need no memory of their own, the others in chunks: a growing vector would take up to
 /// three times its size, for a moment.
-template <typename T, std::size_t ChunkSize>
+template <typename T, std::size_t FirstOnes>
 class ChunkedArray {
 public:
-    T& operator[](std::size_t number) noexcept { return chunkOf(number)[number % ChunkSize]; }
+    T& operator[](std::size_t number) noexcept {
+        return number < FirstOnes ? first[number] : inChunk(number - FirstOnes);
+    }
     const T& operator[](std::size_t number) const noexcept {
-        return const_cast<ChunkedArray&>(*this)[number];  // NOLINT: looks only
+        return number < FirstOnes ? first[number] : inChunk(number - FirstOnes);
     }
 
     /// Makes sure that there are `count` elements.
     void makeRoomFor(std::size_t count) {
-        while (count > ChunkSize * (1 + more.size()))
-            more.push_back(std::make_unique<T[]>(ChunkSize));
+        while (count > FirstOnes + ChunkSize * chunks.size())
+            chunks.push_back(std::make_unique<T[]>(ChunkSize));
     }
 
 private:
-    T* chunkOf(std::size_t number) noexcept { return number < ChunkSize ? first : more[number / ChunkSize - 1].get(); }
+    static constexpr std::size_t ChunkSize = 64;
 
-    T first[ChunkSize] = {};
-    std::vector<std::unique_ptr<T[]>> more;
+    T& inChunk(std::size_t place) const noexcept { return chunks[place / ChunkSize][place % ChunkSize]; }
+
+    T first[FirstOnes] = {};
+    std::vector<std::unique_ptr<T[]>> chunks;
 };
 
 /// Bindings by number, oldest first, the last of which are those of the innermost scope.
