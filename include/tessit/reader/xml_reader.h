@@ -101,7 +101,8 @@ public:
     TESSIT_API const QeXmlAttributeSet& readElementStart(const QeCString& qname);
 
     /// Takes the next tag, which must close an element; else "Couldn't find end
-    /// tag". Right after an empty-element tag, that tag is its own end.
+    /// tag". An empty-element tag that was read last, or looked at by `isElementNext`,
+    /// is its own end.
     TESSIT_API void readElementEnd();
 
     /// The same, and the name must be that one: `QeXmlName` equality for a name.
@@ -143,7 +144,8 @@ public:
     /// `eof()` first.
     TESSIT_API void readNextNode();
 
-    /// Whether the document is exhausted. Outside the root element skips whitespace
+    /// Whether the document is exhausted: a tag that `isElementNext` has looked at counts
+    /// as read, though it is still to be taken. Outside the root element skips whitespace
     /// first: O(bytes skipped).
     bool eof() noexcept {
         if (depth == 0) skipSpace();
@@ -167,7 +169,8 @@ public:
     /// @{
 
     /// Binds a prefix for the element that is open, until it ends; before the first
-    /// start tag, for the whole document. Names read from then on can resolve
+    /// start tag, for the whole document. A start tag that `isElementNext` has looked at
+    /// has opened its element. Names read from then on can resolve
     /// through it, unless the scope binds the prefix already. Costs and guarantees are
     /// those of `QeXmlNamespaceStack::addNamespace`.
     void addNamespace(const QeXmlNamespace& ns) { namespaceStack.addNamespace(ns); }
@@ -237,7 +240,8 @@ private:
     void open(std::string_view document);
     TESSIT_API void skipSpace() noexcept;
 
-    // What the inline accessors above show stays where it is in every later library; all else is the engine's.
+    // These stay where they are in every later library, since programs have code inlined that relies on it; all else
+    // is the engine's.
     const char* cursor = nullptr;       // the next byte to be read
     const char* bufferStart = nullptr;  // lines and columns count from here
     const char* bufferEnd = nullptr;    // one past the last byte

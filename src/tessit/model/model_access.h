@@ -41,11 +41,6 @@ struct ModelAccess {
         return copy;
     }
 
-    /// In O(1) where both are long and shared.
-    static bool haveSameURI(const QeXmlNamespace& left, const QeXmlNamespace& right) noexcept {
-        return left.uri == right.uri;
-    }
-
     /// Whether a URI is so long that its length must not count at every tag.
     static bool hasLongURI(const QeXmlNamespace& ns) noexcept { return corvel::SharedText::isLong(ns.uri); }
 

@@ -1,10 +1,9 @@
 #include <tessit/model/xml_prolog.h>
-#include <tessit/utils/xml_utils.h>
 
 namespace {
 
 void appendPseudoAttribute(QeCString& text, const char* name, const QeCString& value) {
-    text += QeXmlUtils::Blank;
+    text += ' ';
     text += name;
     text += "=\"";
     text += value;

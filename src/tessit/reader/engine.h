@@ -19,6 +19,7 @@ struct QeXmlReader::Engine {
     void readProlog();
     void readContent();
 
+    // engine.cpp
     /// Takes in a declared encoding. All views of the document may be void behind it.
     void declareEncoding(const QeCString& name);
 

@@ -16,7 +16,7 @@ bool opensElement(QeXmlReader::NodeType type) {
 }  // namespace
 
 // The caller's name may be one of the last-node members, or part of one, which the scan
-// writes over: so it is copied first. It is looked at only behind the scan: right after the
+// writes over: so it is copied first. What demands a tag looks at it only behind the scan: right after the
 // copy was made, the processor would have to wait for it (records take 10 % less time so).
 const QeXmlName& QeXmlReader::Engine::keepExpected(const QeXmlName& name) {
     return expectedName = name;

@@ -24,8 +24,8 @@ TagSlots::TagSlots(QeXmlName& lastName, QeXmlAttributeSet& lastAttributes, const
 // register: in one with all that is around, it would not stay there.
 TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& input, bool expands) {
     useShapeOf(element);
-    if (shape->pause != 0) {
-        --shape->pause;
+    if (shape->tagsToSkip != 0) {
+        --shape->tagsToSkip;
     } else if (shape->isInSlots && shape->version == bindings.version()) {
         Scanner scanner(input);
         const char* const start = scanner.position();
@@ -38,8 +38,8 @@ TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& inpu
 
 // Where tags often turned out different, most are not even compared.
 void TagSlots::noteMiss() noexcept {
-    constexpr unsigned LongestPause = 31;
-    shape->pause = shape->lastPause = std::min(2 * shape->lastPause + 1, LongestPause);
+    constexpr unsigned MostSkipped = 31;
+    shape->tagsToSkip = shape->skippedAfterMiss = std::min(2 * shape->skippedAfterMiss + 1, MostSkipped);
 }
 
 // Reads a tag that looks like an earlier one of its name: the names are in the slots already, and
@@ -54,7 +54,7 @@ inline bool TagSlots::readKnown(Scanner& scanner, bool expands) {
     scanner.skipSpace();
     if (scanner.atEnd() || (scanner.peek() != '>' && scanner.peek() != '/')) return false;
     ModelAccess::lookAtLocalNames(attributes);
-    shape->lastPause = 0;
+    shape->skippedAfterMiss = 0;
     return true;
 }
 
@@ -67,7 +67,7 @@ void TagSlots::useShapeOf(const RawName& element) {
     shape = expected;
 }
 
-// A tag that is the first of its name may be the only one, in a small document:
+// A tag that is the first of its place may be the only one, in a small document:
 // nothing is learnt from it.
 TagSlots::TagShape* TagSlots::shapeOf(const RawName& element) {
     constexpr std::uint64_t Spread = 0x9E3779B97F4A7C15;
@@ -139,7 +139,7 @@ void TagSlots::writeAttributes() {
     openSlots(ordered.size());
     for (std::size_t slot = 0; slot < ordered.size(); ++slot)
         writeAttribute(slot, *ordered[slot].attribute);
-    if (shape->pause == 0 && shape != &firstShape && ordered.size() == count) learnShape(ordered);
+    if (shape->tagsToSkip == 0 && shape != &firstShape && ordered.size() == count) learnShape(ordered);
     ModelAccess::lookAtLocalNames(attributes);
 }
 

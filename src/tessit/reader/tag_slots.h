@@ -26,12 +26,13 @@ struct RawAttribute {
     std::string_view valueText() const noexcept { return {value, valueLength}; }
 };
 
-/// Turns the names and values of a tag into the name and the attributes that the reader
-/// delivers, and declares what the tag declares. Knows bindings and what earlier tags
-/// left; of the document only the bytes that it was handed.
+/// Reads the attributes of a tag, and makes its name and them the name and the attributes
+/// that the reader delivers; declares what the tag declares. Knows the bindings in force
+/// and what earlier tags left in the slots; not which construct comes next, nor what is open.
 ///
-/// What is there already is compared and not written again: most tags look like an
-/// earlier one of the same name, whose attributes stand in their slots still.
+/// What earlier tags left is used again: a namespace that is in its place is not written
+/// anew, and where a tag looks like an earlier one of its name, nor are the names of its
+/// attributes.
 class TagSlots {
 public:
     /// Works on the reader's members. Bytes up to `bufferEnd` can be read.
@@ -86,18 +87,23 @@ private:
     // The attributes of an earlier tag as they were written, and the slots that they
     // went to. Where the next tag of that name has the same ones in the same order,
     // as most have, names are only compared, and values go to the slots at once.
+    //
+    // Tags that turn out different have the next ones skip the comparison: one, then three,
+    // seven and so on, until one is alike again.
     struct TagShape {
+        // Two things by number, in one array, which is one allocation: `entries[i]` has the
+        // attribute that stands in place i of the tag, and what was written to slot i.
         struct Entry {
-            std::string_view name;  // of the attribute with this number in the document; no declaration
-            std::size_t slot;       // where that went
-            NameWritten written;    // in the slot with this number
+            std::string_view name;  // no declaration
+            std::size_t slot;       // where the attribute went
+            NameWritten written;
         };
         std::vector<Entry> entries;
         std::size_t expectedCount = 0;       // so many attributes are expected, if they are in the slots
         QeSlotArray<QeXmlAttribute> parked;  // the slots, unless the delivered set has them
         std::uint64_t version = 0;           // of the bindings, when the slots were written
-        unsigned pause = 0;                  // of so many tags, none is expected to be like this one
-        unsigned lastPause = 0;              // grows with each tag that turned out different
+        unsigned tagsToSkip = 0;             // of so many tags, none is expected to be like this one
+        unsigned skippedAfterMiss = 0;       // grows with each tag that turned out different
         bool isInSlots = false;              // whether they have the names that are expected
 
         std::span<const Entry> expected() const noexcept { return {entries.data(), expectedCount}; }
@@ -138,10 +144,11 @@ private:
     std::vector<Ordered> manyOrdered;
     QeCString valueScratch;
 
-    // What the tags that are read are expected to hold, by the name of the element;
-    // `shape` is that of the last tag with attributes.
+    // What the tags that are read are expected to hold: eight places, by a hash of the
+    // element's name, and one for the first tag of each place. Names that share a place
+    // cost comparisons, no more. `shape` is that of the last tag with attributes.
     static constexpr unsigned ShapeBits = 3;
-    TagShape firstShape;           // of tags that are the first of their name
+    TagShape firstShape;           // of tags that are the first of their place
     std::uint32_t shapesSeen = 0;  // a bit each
     std::vector<TagShape> shapes;
     TagShape* shape = nullptr;

@@ -8,7 +8,7 @@ using namespace tessit;
 // The sink is given each piece before the next one is made: it may call its writer.
 void QeXmlWriter::Engine::writeElementStart(const QeXmlName& name, const QeXmlAttributeSet& attributes, bool empty) {
     scopes.open();
-    OpenScope scope(scopes);
+    ScopeGuard scope(scopes);
     scopes.declare(name.getNamespace());
     Output output(*this);
     const NameParts parts = partsOf(name);
@@ -70,7 +70,7 @@ void QeXmlWriter::Engine::writeSimpleElement(const QeXmlName& name, const QeXmlA
                                              const QeCString& content) {
     writeElementStart(name, attributes, content.empty());
     if (!content.empty()) {
-        OpenScope scope(scopes);
+        ScopeGuard scope(scopes);
         writeEscaped(content);
         writeElementEnd(name);
         scope.keep();
@@ -102,7 +102,7 @@ void QeXmlWriter::Engine::writeLongText(const QeCString& text) {
     } else {
         char* const to = output.begin(escapedLength<TextEscapes>(text));
         char* const end = corvel::put(to, text.substring(0, lengthAsIs));
-        output.sendBytes(tessit::writeEscaped<TextEscapes>(end, text.substring(lengthAsIs)));
+        output.sendBytes(tessit::putEscapedRuns<TextEscapes>(end, text.substring(lengthAsIs)));
     }
     output.finish();
 }

@@ -14,8 +14,8 @@
 ///
 /// Knows which pieces a call consists of, which slot each of them goes through, and
 /// what is left behind when one cannot be sent. Does not know the rules of namespaces
-/// (scopes), where declarations stand (completion), how names and values are written
-/// (markup, escape), nor where the bytes go (output).
+/// (scopes), where declarations stand (completion), nor how names and values are written
+/// (markup, escape). What takes bytes to the sink stands in output.cpp.
 class QeXmlWriter::Engine {
 public:
     /// The end of a string that bytes can be put at, instead of being sent through the

@@ -83,7 +83,7 @@ std::uint64_t escapedLength(std::string_view text) {
 
 /// Writes `text`, escaped, to `to`, which has room for it, and returns the end of what was written.
 template <typename Escapes>
-char* writeEscaped(char* to, std::string_view text) {
+char* putEscapedRuns(char* to, std::string_view text) {
     const char* from = text.data();
     const char* const end = from + text.size();
     for (;;) {

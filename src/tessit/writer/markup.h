@@ -77,7 +77,7 @@ template <typename Escapes>
 char* putEscaped(char* to, const QeCString& text) {
     if (corvel::StringAccess::isInline(text) && Escapes::haveNone(text.data(), text.length()))
         return putString(to, text);
-    return writeEscaped<Escapes>(to, text);
+    return putEscapedRuns<Escapes>(to, text);
 }
 
 inline char* putAttribute(char* to, NameParts name, const QeCString& value, bool escape) {

@@ -60,12 +60,12 @@ private:
 };
 
 /// The innermost scope, which is closed again unless all that belongs to it went well.
-class OpenScope {
+class ScopeGuard {
 public:
-    explicit OpenScope(WriterScopes& opened) noexcept : scopes(&opened) {}
-    OpenScope(const OpenScope&) = delete;
-    OpenScope& operator=(const OpenScope&) = delete;
-    ~OpenScope() {
+    explicit ScopeGuard(WriterScopes& opened) noexcept : scopes(&opened) {}
+    ScopeGuard(const ScopeGuard&) = delete;
+    ScopeGuard& operator=(const ScopeGuard&) = delete;
+    ~ScopeGuard() {
         if (scopes != nullptr) scopes->close();
     }
 
