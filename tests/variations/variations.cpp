@@ -1,5 +1,5 @@
-// Runs a fuzz target on variations of its seeds: random bytes, and pieces of seeds put together anew, with a few
-// bytes changed. They are the same in each run.
+// Runs a fuzz target on its seeds, and on variations of them: random bytes, and pieces of seeds put together anew,
+// with a few bytes changed. They are the same in each run.
 
 #include <algorithm>
 #include <cstddef>
@@ -67,7 +67,10 @@ private:
 
 int main(int argc, char** argv) {
     if (argc != 3) return std::cerr << "which folder holds the seeds, and how many runs?\n", 2;
-    Variations variations(contentsOf(argv[1]));
+    const std::vector<Bytes> seeds = contentsOf(argv[1]);
+    for (const Bytes& seed : seeds)
+        LLVMFuzzerTestOneInput(seed.data(), seed.size());
+    Variations variations(seeds);
     for (int runs = std::atoi(argv[2]); runs > 0; --runs) {
         const Bytes input = variations.next();
         LLVMFuzzerTestOneInput(input.data(), input.size());
