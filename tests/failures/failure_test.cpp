@@ -332,7 +332,11 @@ const struct {
          QeXmlStringWriter undisturbed, writer;
          writeOrdinary(undisturbed, attributes);
          const auto open = [&] { writer.writeElementStart(Root, attributes, false); };
-         if (attempt(open)) writer.writeElementEnd(Root);
+         if (attempt(open)) {
+             writer.writeElementEnd(Root);
+         } else {
+             EXPECT_EQ(writer.getString(), "");
+         }
          const std::size_t before = writer.getString().length();
          writeOrdinary(writer, attributes);
          EXPECT_EQ(writer.getString().substring(before), undisturbed.getString());

@@ -71,7 +71,7 @@ inline std::string repeat(std::string_view part, std::size_t count) {
 
 /// A document, or its trace, with the URIs u and v so long that names share them, and the same but for the last byte.
 inline std::string withLongURIs(std::string text) {
-    constexpr const char* Places[][2] = {{"='", "'"}, {"=\"", "\""}, {"{", "}"}, {"=", "]"}, {"=", " "}};
+    constexpr const char* Places[][2] = {{"='", "'"}, {"=\"", "\""}, {"{", "}"}, {"=", "]"}, {"=", ","}, {"=", " "}};
     for (const std::string uri : {"u", "v"})
         for (const auto& [before, after] : Places)
             for (std::size_t at = 0; (at = text.find(before + uri + after, at)) != std::string::npos; at += 300)

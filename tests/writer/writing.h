@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -10,8 +11,12 @@
 /// Calls of a writer in a short form: elements and attributes are written as the
 /// traces of what a reader delivers show them.
 
-/// `{URI}prefix:local`, without the braces in no namespace.
+/// `{URI}prefix:local`, without the braces in no namespace. The same text gives copies of one name, which share a long
+/// URI; another name with that URI has it for itself.
 inline QeXmlName nameOf(std::string_view text) {
+    static std::map<std::string, QeXmlName, std::less<>> known;
+    if (const auto found = known.find(text); found != known.end()) return found->second;
+    const std::string whole(text);
     std::string_view uri;
     if (text.starts_with('{')) {
         uri = text.substr(1, text.find('}') - 1);
@@ -19,7 +24,7 @@ inline QeXmlName nameOf(std::string_view text) {
     }
     const std::size_t colon = text.find(':');
     const std::string_view prefix = colon == text.npos ? "" : text.substr(0, colon);
-    return QeXmlName(QeCString(text.substr(colon + 1)), QeXmlNamespace(QeCString(prefix), QeCString(uri)));
+    return known[whole] = QeXmlName(QeCString(text.substr(colon + 1)), {QeCString(prefix), QeCString(uri)});
 }
 
 /// What stands in front of the first `=`, and what behind it.

@@ -55,6 +55,7 @@ TEST(XmlStringWriter, BuffersBlocksUpToTheFreeSpace) {
         CountingWriter writer;
         for (unsigned i = 0; i < buffered; ++i)
             writer.writeToSink('a');
+        EXPECT_EQ(writer.flushes, 0);
         const std::string block(length, 'b');
         writer.writeToSink(block.data(), length);
         EXPECT_EQ(writer.flushes, flushes);
@@ -62,26 +63,23 @@ TEST(XmlStringWriter, BuffersBlocksUpToTheFreeSpace) {
         EXPECT_EQ(writer.flushes, flushes) << "a block that fills the buffer does not go into it";
         EXPECT_EQ(text(writer), std::string(buffered, 'a') + block + "c");
     }
-}
-
-TEST(XmlStringWriter, BuffersSingleBytesUpToTheLast) {
     CountingWriter writer;
-    for (int i = 0; i < 1024; ++i)
+    for (int i = 0; i < 1025; ++i)
         writer.writeToSink('a');
-    EXPECT_EQ(writer.flushes, 0);
-    writer.writeToSink('b');
-    EXPECT_EQ(writer.flushes, 1);
-    EXPECT_EQ(writer.getLength(), 1025u);
+    EXPECT_EQ(writer.flushes, 1) << "a full buffer has no place for one more byte";
 }
 
-TEST(XmlStringWriter, ReportsThroughTheSlots) {
+TEST(XmlStringWriter, ReportsThroughTheSlotsAndHandsItsOutputOver) {
     CountingWriter writer;
     writer.writeToSink(QeCString("abc"));
     EXPECT_EQ(writer.blocks, 1);
     EXPECT_EQ(std::as_const(writer).getLength(), 3u);
-    EXPECT_EQ(writer.flushes, 1);
     EXPECT_EQ(writer.getString() + writer.getString(), "abcabc");
     EXPECT_EQ(writer.flushes, 3);
+    writer.writeToSink('d');
+    EXPECT_EQ(std::move(writer).getString(), "abcd");
+    EXPECT_EQ(writer.getString(), "");
+    EXPECT_EQ(writer.flushes, 5);
 }
 
 // The reserved memory is never touched, so that it costs no more than its addresses;
@@ -137,22 +135,22 @@ TEST(XmlStringWriter, SurvivesAFlushThatDoesNotFlush) {
     EXPECT_EQ(text(writer), std::string(3000, 'a') + std::string(1000, 'b'));
 }
 
+// From the buffer or from the string, one byte and only the one that is asked for.
 TEST(XmlStringWriter, TakesTheLastByteBack) {
     QeXmlStringWriter writer;
     writer.removeLastCharFromSink('\n');  // there is none
-    writer.write("x\n", false);
+    writer.write("xy\n", false);
     writer.writeNewLine();
-    writer.removeLastCharFromSink('x');  // not the last byte
-    for (int i = 0; i < 3; ++i)
-        writer.removeLastCharFromSink('\n');
-    writer.write("yy", false);
-    EXPECT_EQ(text(writer), "xyy");
-    writer.writeToSink('y');
-    writer.removeLastCharFromSink('x');  // not that which is buffered
-    writer.removeLastCharFromSink('y');  // the one that is buffered, and no more
+    for (const char last : {'x', '\n', '\n', '\n'})
+        writer.removeLastCharFromSink(last);
+    EXPECT_EQ(text(writer), "xy");
+    for (const char byte : {'y', 'y'})
+        writer.writeToSink(byte);
+    for (const char last : {'x', 'y'})
+        writer.removeLastCharFromSink(last);
     EXPECT_EQ(text(writer), "xyy");
     for (const char last : {'y', 'y', 'y', 'x', 'x'})
-        writer.removeLastCharFromSink(last);  // from the string: nothing is buffered
+        writer.removeLastCharFromSink(last);
     EXPECT_EQ(text(writer), "");
 }
 
@@ -174,16 +172,6 @@ TEST(XmlStringWriter, CopiesShareNothing) {
         run(*writer, "/{v}q:d /{u}p:f");
         EXPECT_EQ(text(*writer), "<p:e xmlns:p=\"u\">\nb <q:d xmlns:q=\"v\"/><p:f/>");
     }
-}
-
-TEST(XmlStringWriter, HandsItsOutputOverOnceItIsNoLongerNeeded) {
-    QeXmlStringWriter writer;
-    writer.write("in the string", true);
-    writer.writeToSink(QeCString(", buffered"));
-    EXPECT_EQ(std::move(writer).getString(), "in the string, buffered");
-    EXPECT_EQ(writer.getLength(), 0u);
-    writer.write("new", true);
-    EXPECT_EQ(writer.getString(), "new");
 }
 
 }  // namespace
