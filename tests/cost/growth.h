@@ -30,17 +30,13 @@ constexpr std::size_t SmallerBy = 4;
 constexpr std::size_t SmallerBy = 1;
 #endif
 
-// Of the processor on this thread, so that a busy machine has no say.
+// Of the processor, so that a busy machine has no say.
 template <typename Operation>
 double secondsOf(const Operation& operation) {
-    const auto now = [] {
-        std::timespec time{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-    };
-    const double start = now();
+    const std::clock_t start = std::clock();
     operation();
-    return now() - start + 3e-5;  // so that what hardly takes time is not seen to grow
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC +
+           3e-5;  // so that what hardly takes time is not seen to grow
 }
 
 /// Runs `use` on what `make` makes of `parts` and of four times as many parts, and
@@ -60,25 +56,6 @@ void expectLinearGrowth(const std::string& name, std::size_t parts, const Make& 
     const double nanoseconds = 1e9 / static_cast<double>(parts), ratio = ofLarge / ofSmall;
     std::printf("%-44s %9.2f %9.2f ns  x%.1f\n", name.c_str(), nanoseconds * ofSmall, nanoseconds * ofLarge / 4, ratio);
     EXPECT_LT(ratio, 10) << name;
-}
-
-/// The text `part` so many times; in each, its own number stands for `#`, and the
-/// number read backwards for `~`. The numbers go neither up nor down.
-inline std::string numbered(std::string_view part, std::size_t count) {
-    constexpr std::size_t Prime = 7919;  // must not divide the count
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::string number = std::to_string(i * Prime % count);
-        for (const char byte : part)
-            if (byte == '#') {
-                text += number;
-            } else if (byte == '~') {
-                text.append(number.rbegin(), number.rend());
-            } else {
-                text += byte;
-            }
-    }
-    return text;
 }
 
 /// A text of `pattern`, in which each part in brackets stands so many times, numbered.

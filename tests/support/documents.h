@@ -69,6 +69,25 @@ inline std::string repeat(std::string_view part, std::size_t count) {
     return text;
 }
 
+/// The text `part` so many times; in each, its own number stands for `#`, and the
+/// number read backwards for `~`. The numbers go neither up nor down.
+inline std::string numbered(std::string_view part, std::size_t count) {
+    constexpr std::size_t Prime = 7919;  // must not divide the count
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string number = std::to_string(i * Prime % count);
+        for (const char byte : part)
+            if (byte == '#') {
+                text += number;
+            } else if (byte == '~') {
+                text.append(number.rbegin(), number.rend());
+            } else {
+                text += byte;
+            }
+    }
+    return text;
+}
+
 /// A document, or its trace, with the URIs u and v so long that names share them, and the same but for the last byte.
 inline std::string withLongURIs(std::string text) {
     constexpr const char* Places[][2] = {{"='", "'"}, {"=\"", "\""}, {"{", "}"}, {"=", "]"}, {"=", ","}, {"=", " "}};
