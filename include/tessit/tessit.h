@@ -10,6 +10,7 @@
 #include <corvel/locale.h>
 #include <corvel/value_error.h>
 #include <corvel/zone.h>
+#include <tessit/dtd/xml_resolver.h>
 #include <tessit/errors/catalog.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute.h>

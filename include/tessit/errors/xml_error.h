@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 
@@ -92,6 +93,19 @@ public:
     ~QeXmlSchemaError() override;
 };
 
+/// A place in a text: lines and columns count from 1, columns in bytes of the text as UTF-8.
+struct QeXmlPlace {
+    QeCString sourceFile;  ///< what the text is called; empty when that is not known
+    std::uint64_t line = 1;
+    std::uint64_t column = 1;
+};
+
+/// A second place that belongs to an error, and what it has to do with it.
+struct QeXmlNote {
+    QeCString text;
+    QeXmlPlace place;
+};
+
 /// A document that cannot be read, and where.
 ///
 /// Line and column count from 1, the column in bytes of the document as UTF-8.
@@ -102,12 +116,19 @@ public:
         : QeXmlDomainError(msg), sourceFile(file), lineNumber(line), columnNumber(column) {}
     QeXmlParseError(const QeMessage& msg, const QeCString& file, unsigned line, unsigned column)
         : QeXmlDomainError(msg), sourceFile(file), lineNumber(line), columnNumber(column) {}
+
+    /// The same for a place; lines and columns beyond an unsigned number stand as the largest one.
+    QeXmlParseError(const QeCString& msg, const QeXmlPlace& where);
+
+    /// The same with a second place, which copies share.
+    QeXmlParseError(const QeCString& msg, const QeXmlPlace& where, const QeXmlNote& note);
+
     QeXmlParseError(const QeXmlParseError&) = default;
     QeXmlParseError& operator=(const QeXmlParseError&) = default;
     ~QeXmlParseError() override;
 
-    /// A copy of the name of the document's source, O(length). The reader does not
-    /// know it and leaves it empty. Setting one that throws changes nothing.
+    /// A copy of the name of the document's source, O(length): the one that the reader was
+    /// given, or empty. Setting one that throws changes nothing.
     QeCString getSourceFile() const { return sourceFile; }
     void setSourceFile(const QeCString& name) { sourceFile = name; }
 
@@ -116,6 +137,9 @@ public:
 
     unsigned getColumnNumber() const noexcept { return columnNumber; }
     void setColumnNumber(unsigned column) noexcept { columnNumber = column; }
+
+    /// The second place, or null. Lives as long as an error that has it. O(1).
+    const QeXmlNote* getNote() const noexcept;
 
 private:
     struct Details;

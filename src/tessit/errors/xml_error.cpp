@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <limits>
+
 #include <tessit/errors/xml_error.h>
 
 // Destructors stand here, out of line: they are the classes' key functions, so
@@ -13,6 +16,30 @@ QeXmlLengthError::~QeXmlLengthError() = default;
 QeXmlRangeError::~QeXmlRangeError() = default;
 QeXmlSchemaError::~QeXmlSchemaError() = default;
 QeXmlParseError::~QeXmlParseError() = default;
+
+struct QeXmlParseError::Details {
+    QeXmlNote note;
+};
+
+namespace {
+
+unsigned clamped(std::uint64_t count) {
+    return static_cast<unsigned>(std::min<std::uint64_t>(count, std::numeric_limits<unsigned>::max()));
+}
+
+}  // namespace
+
+QeXmlParseError::QeXmlParseError(const QeCString& msg, const QeXmlPlace& where)
+    : QeXmlParseError(msg, where.sourceFile, clamped(where.line), clamped(where.column)) {}
+
+QeXmlParseError::QeXmlParseError(const QeCString& msg, const QeXmlPlace& where, const QeXmlNote& note)
+    : QeXmlParseError(msg, where) {
+    details = std::make_shared<const Details>(note);
+}
+
+const QeXmlNote* QeXmlParseError::getNote() const noexcept {
+    return details == nullptr ? nullptr : &details->note;
+}
 
 void QeThrow(const QeXmlError& error) {
     throw QeXmlError(error);

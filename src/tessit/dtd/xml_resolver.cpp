@@ -1,0 +1,3 @@
+#include <tessit/dtd/xml_resolver.h>
+
+QeXmlResolver::~QeXmlResolver() = default;

@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <iterator>
+
+#include <corvel/byte_scan.h>
+#include <tessit/errors/xml_error.h>
+#include <tessit/rules/rules.h>
+
+namespace tessit {
+
+namespace {
+
+struct RuleText {
+    Rule rule;
+    std::string_view name;
+    const char* message;
+};
+
+constexpr RuleText Texts[] = {
+    {Rule::None, "none", ""},
+    {Rule::Character, "character", "a character that XML does not allow"},
+    {Rule::MalformedEncoding, "malformed-encoding", "bytes that mean nothing in the encoding"},
+    {Rule::UnknownEncoding, "unknown-encoding", "an encoding that is not known"},
+    {Rule::EncodingMismatch, "encoding-mismatch", "the document is not in the encoding that it declares"},
+    {Rule::UnfinishedDocument, "unfinished-document", "the document ends before it is complete"},
+    {Rule::XmlDeclaration, "xml-declaration", "an XML declaration is written wrong"},
+    {Rule::XmlDeclarationPlace, "xml-declaration-place", "an XML declaration stands elsewhere than at the beginning"},
+    {Rule::SecondRoot, "second-root", "a second root element"},
+    {Rule::TextOutsideRoot, "text-outside-root", "text outside the root element"},
+    {Rule::CDATAOutsideRoot, "cdata-outside-root", "a CDATA section outside the root element"},
+    {Rule::Markup, "markup", "'<!' that begins nothing that may stand here"},
+    {Rule::Name, "name", "a name was expected"},
+    {Rule::WhiteSpace, "white-space", "white space was expected"},
+    {Rule::Attribute, "attribute", "an attribute, '>' or '/>' was expected"},
+    {Rule::LessThanInValue, "less-than-in-value", "'<' in an attribute's value"},
+    {Rule::DuplicateAttribute, "duplicate-attribute", "an attribute stands twice in a tag"},
+    {Rule::EndTag, "end-tag", "an end tag that does not close the innermost element"},
+    {Rule::CDATAEndInText, "cdata-end-in-text", "']]>' in text"},
+    {Rule::HyphensInComment, "hyphens-in-comment", "'--' in a comment"},
+    {Rule::InstructionTarget, "instruction-target", "a processing instruction's target is wrong"},
+    {Rule::Reference, "reference", "'&' that begins no reference"},
+    {Rule::CharacterReference, "character-reference", "a reference to a character that XML does not allow"},
+    {Rule::UndeclaredEntity, "undeclared-entity", "an entity that is not declared"},
+    {Rule::UnparsedEntity, "unparsed-entity", "a reference to an unparsed entity"},
+    {Rule::ExternalEntityInValue, "external-entity-in-value", "a reference to an external entity in a value"},
+    {Rule::RecursiveEntity, "recursive-entity", "an entity that refers to itself"},
+    {Rule::EntityNesting, "entity-nesting", "an element that begins and ends in different entities"},
+    {Rule::EntityExpansion, "entity-expansion", "entities bring more text than they may"},
+    {Rule::EntityDepth, "entity-depth", "entities are nested deeper than they may be"},
+    {Rule::DocumentType, "document-type", "a document type declaration is written wrong"},
+    {Rule::DocumentTypePlace, "document-type-place", "a document type declaration that may not stand here"},
+    {Rule::EntityDeclaration, "entity-declaration", "an entity declaration is written wrong"},
+    {Rule::ElementDeclaration, "element-declaration", "an element declaration is written wrong"},
+    {Rule::AttributeListDeclaration, "attribute-list-declaration", "an attribute-list declaration is written wrong"},
+    {Rule::NotationDeclaration, "notation-declaration", "a notation declaration is written wrong"},
+    {Rule::Literal, "literal", "a quoted literal was expected, of characters that may stand in it"},
+    {Rule::ParameterEntity, "parameter-entity", "a reference to a parameter entity that may not stand here"},
+    {Rule::DeclarationNesting, "declaration-nesting", "a declaration that begins and ends in different entities"},
+    {Rule::ConditionalSection, "conditional-section", "a conditional section is written wrong, or may not stand here"},
+    {Rule::TextDeclaration, "text-declaration", "a text declaration is written wrong"},
+    {Rule::Colon, "colon", "a colon where namespaces allow none"},
+    {Rule::UnboundPrefix, "unbound-prefix", "a prefix that is not bound to a namespace"},
+    {Rule::EmptyPrefixDeclaration, "empty-prefix-declaration", "a prefix that is declared to be in no namespace"},
+    {Rule::ReservedPrefix, "reserved-prefix", "the prefixes xml and xmlns are not declared otherwise"},
+    {Rule::ReservedNamespace, "reserved-namespace", "the namespaces of xml and xmlns have no other prefix"},
+};
+
+consteval bool isInOrder() {
+    std::size_t number = 0;
+    for (const RuleText& row : Texts)
+        if (row.rule != static_cast<Rule>(number++)) return false;
+    return std::size(Texts) == static_cast<std::size_t>(Rule::Last) + 1;
+}
+static_assert(isInOrder());
+
+const RuleText& textOf(Rule rule) noexcept {
+    return Texts[static_cast<std::size_t>(rule)];
+}
+
+// What was found is quoted up to here: a name can be as long as the document.
+constexpr std::size_t LongestFound = 100;
+
+QeCString messageFor(Rule rule, std::string_view found) {
+    QeCString message(textOf(rule).message);
+    if (found.empty()) return message;
+    std::size_t length = std::min(found.size(), LongestFound);
+    while (length != 0 && length != found.size() && (found[length] & 0xC0) == 0x80)
+        --length;
+    message += ": ";
+    message += found.substr(0, length);
+    if (length != found.size()) message += "...";
+    return message;
+}
+
+// The place in the text of which lines and columns are told: what an internal entity brought has none of its own.
+QeXmlPlace placeIn(const Source& source, const char* place) {
+    const Source* told = &source;
+    for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
+        place = told->reference;
+    std::uint64_t line = 1;
+    const char* lineStart = told->begin();
+    for (const char* at = lineStart; (at = corvel::findAny(at, place, '\n', '\r')) != place;) {
+        at += *at == '\r' && at + 1 != told->end() && at[1] == '\n' ? 2 : 1;
+        if (at > place) break;  // between the two bytes of a line end
+        ++line;
+        lineStart = at;
+    }
+    return {told->name, line, static_cast<std::uint64_t>(place - lineStart) + 1};
+}
+
+// The text whose reference a reader would want to see besides: that of the entity from outside in which the place is.
+const Source* outsideOf(const Source& source) {
+    const Source* at = &source;
+    while (!at->hasPlaces && at->parent != nullptr)
+        at = at->parent;
+    return at->parent == nullptr ? nullptr : at;
+}
+
+}  // namespace
+
+std::string_view nameOf(Rule rule) noexcept {
+    return textOf(rule).name;
+}
+
+const char* messageOf(Rule rule) noexcept {
+    return textOf(rule).message;
+}
+
+void refuse(const Source& source, const char* place, Rule rule, std::string_view found) {
+    const QeCString message = messageFor(rule, found);
+    const QeXmlPlace where = placeIn(source, place);
+    if (const Source* outside = outsideOf(source))
+        throw QeXmlParseError(message, where,
+                              {"the entity was referred to here", placeIn(*outside->parent, outside->reference)});
+    throw QeXmlParseError(message, where);
+}
+
+void refuseEnd(const Source& source) {
+    refuse(source, source.end(), source.endsBy == Rule::None ? Rule::UnfinishedDocument : source.endsBy,
+           source.foundAtEnd);
+}
+
+}  // namespace tessit

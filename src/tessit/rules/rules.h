@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include <tessit/rules/source.h>
+
+/// What a conforming reader refuses. Each rule has a name that stays, a message, and one
+/// place in the code that finds it broken.
+namespace tessit {
+
+enum class Rule : std::uint8_t {
+    None,
+    // the document as bytes and characters
+    Character,
+    MalformedEncoding,
+    UnknownEncoding,
+    EncodingMismatch,
+    UnfinishedDocument,
+    // the document as a whole
+    XmlDeclaration,
+    XmlDeclarationPlace,
+    SecondRoot,
+    TextOutsideRoot,
+    CDATAOutsideRoot,
+    Markup,
+    // tags and what stands between them
+    Name,
+    WhiteSpace,
+    Attribute,
+    LessThanInValue,
+    DuplicateAttribute,
+    EndTag,
+    CDATAEndInText,
+    HyphensInComment,
+    InstructionTarget,
+    // references
+    Reference,
+    CharacterReference,
+    UndeclaredEntity,
+    UnparsedEntity,
+    ExternalEntityInValue,
+    RecursiveEntity,
+    EntityNesting,
+    EntityExpansion,
+    EntityDepth,
+    // declarations
+    DocumentType,
+    DocumentTypePlace,
+    EntityDeclaration,
+    ElementDeclaration,
+    AttributeListDeclaration,
+    NotationDeclaration,
+    Literal,
+    ParameterEntity,
+    DeclarationNesting,
+    ConditionalSection,
+    TextDeclaration,
+    // namespaces
+    Colon,
+    UnboundPrefix,
+    EmptyPrefixDeclaration,
+    ReservedPrefix,
+    ReservedNamespace,
+    Last = ReservedNamespace
+};
+
+/// The name of a rule, as programs and pages know it: `duplicate-attribute`.
+std::string_view nameOf(Rule rule) noexcept;
+
+/// What is said where it is broken.
+const char* messageOf(Rule rule) noexcept;
+
+/// Throws `QeXmlParseError`: what the rule says, with what was found there, and the place. Where the source is what an
+/// entity brought, the place of the reference goes along; for one that has no places of its own, it is the place.
+[[noreturn]] void refuse(const Source& source, const char* place, Rule rule, std::string_view found = {});
+
+/// The same for a construct that was not whole where the source ended: what cannot be read there, or that it ended.
+[[noreturn]] void refuseEnd(const Source& source);
+
+}  // namespace tessit

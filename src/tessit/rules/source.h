@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <corvel/c_string.h>
+
+namespace tessit {
+
+enum class Rule : std::uint8_t;
+
+/// A text that is read under the rules: the document, an entity from outside, or the
+/// replacement text of an entity that was declared. It is UTF-8 and has nothing but
+/// characters that XML allows: it ends in front of the first byte that breaks a rule.
+struct Source {
+    std::string_view text;
+    Rule endsBy{};                    ///< the rule that is broken behind the text; none where that is its true end
+    QeCString foundAtEnd;             ///< and what is said to be found there
+    QeCString name;                   ///< of the document, or of the entity from outside
+    const Source* parent = nullptr;   ///< where the reference stands that brought the text; null for the document
+    const char* reference = nullptr;  ///< its '&' or '%'
+    bool hasPlaces = true;            ///< whether lines and columns count in it; else its places are the reference's
+
+    const char* begin() const noexcept { return text.data(); }
+    const char* end() const noexcept { return text.data() + text.size(); }
+};
+
+}  // namespace tessit
