@@ -6,11 +6,11 @@
 #include <span>
 #include <utility>
 #include <voxal/converter.h>
+#include <voxal/transcode.h>
 
 #include <corvel/byte_scan.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/reader/input.h>
-#include <tessit/reader/transcode.h>
 
 namespace tessit {
 
@@ -96,10 +96,11 @@ std::optional<QeCString> Input::convertRest(const QeCString& name) {
     QeCString upperName = name;
     upperName.toUpper();
     if (upperName == "UTF-8" || upperName == "US-ASCII") return std::nullopt;
-    if (upperName == "ISO-8859-1") return withinAllowance(latin1ToUtf8(rest(), conversionAllowance));
+    if (upperName == "ISO-8859-1") return withinAllowance(voxal::latin1ToUtf8(rest(), conversionAllowance));
     if (upperName == "UTF-16" || upperName == "UTF-16BE")
-        return withinAllowance(utf16ToUtf8<std::endian::big>(rest(), conversionAllowance));
-    if (upperName == "UTF-16LE") return withinAllowance(utf16ToUtf8<std::endian::little>(rest(), conversionAllowance));
+        return withinAllowance(voxal::utf16ToUtf8<std::endian::big>(rest(), conversionAllowance));
+    if (upperName == "UTF-16LE")
+        return withinAllowance(voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance));
     return withinAllowance(convertByTables(name));
 }
 

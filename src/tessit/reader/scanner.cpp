@@ -4,10 +4,10 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <voxal/transcode.h>
 
 #include <tessit/reader/scanner.h>
 #include <tessit/reader/text_builder.h>
-#include <tessit/reader/transcode.h>
 
 using corvel::findAny;
 using corvel::findByte;
@@ -342,7 +342,7 @@ std::string_view Scanner::readNumericReference(std::string_view body, char (&enc
         if (digitIn < 0) raise("invalid character in decimal character reference.");
         value = value * base + static_cast<unsigned>(digitIn);
     }
-    return {encoded, static_cast<std::size_t>(putUtf8(encoded, value) - encoded)};
+    return {encoded, static_cast<std::size_t>(voxal::putUtf8(encoded, value) - encoded)};
 }
 
 }  // namespace tessit

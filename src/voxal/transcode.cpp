@@ -1,8 +1,7 @@
 #include <algorithm>
+#include <voxal/transcode.h>
 
-#include <tessit/reader/transcode.h>
-
-namespace tessit {
+namespace voxal {
 
 std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t mostBytes) {
     const auto high = std::count_if(bytes.begin(), bytes.end(), [](char byte) { return (byte & 0x80) != 0; });
@@ -24,6 +23,7 @@ public:
     explicit Utf16Units(std::string_view bytes) : at(bytes.data()), end(at + bytes.size() / 2 * 2) {}
 
     bool done() const { return at == end; }
+    const char* position() const { return at; }
 
     std::uint32_t takeCodePoint() {
         const std::uint32_t unit = take();
@@ -67,7 +67,18 @@ std::optional<QeCString> utf16ToUtf8(std::string_view bytes, std::uint64_t mostB
     return result;
 }
 
+template <std::endian Order>
+std::size_t findMalformedUtf16(std::string_view bytes) noexcept {
+    for (Utf16Units<Order> units(bytes); !units.done();) {
+        const auto place = static_cast<std::size_t>(units.position() - bytes.data());
+        if ((units.takeCodePoint() & 0xFFFFF800) == 0xD800) return place;
+    }
+    return bytes.size() / 2 * 2;
+}
+
+template std::size_t findMalformedUtf16<std::endian::big>(std::string_view) noexcept;
+template std::size_t findMalformedUtf16<std::endian::little>(std::string_view) noexcept;
 template std::optional<QeCString> utf16ToUtf8<std::endian::big>(std::string_view, std::uint64_t);
 template std::optional<QeCString> utf16ToUtf8<std::endian::little>(std::string_view, std::uint64_t);
 
-}  // namespace tessit
+}  // namespace voxal

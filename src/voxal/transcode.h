@@ -11,7 +11,7 @@
 /// The conversions to UTF-8 that need no tables. Each counts its result first, so
 /// that it allocates exactly once and exactly as much as it needs, and gives up
 /// before that where the result would have more bytes than it may.
-namespace tessit {
+namespace voxal {
 
 /// The UTF-8 form of ISO-8859-1 text, unless it has more than `mostBytes`.
 std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t mostBytes);
@@ -21,6 +21,10 @@ std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t most
 /// other unit, in three bytes.
 template <std::endian Order>
 std::optional<QeCString> utf16ToUtf8(std::string_view bytes, std::uint64_t mostBytes);
+
+/// Where UTF-16 text ends to be well-formed: at an unpaired surrogate or a last odd byte, or at its end.
+template <std::endian Order>
+std::size_t findMalformedUtf16(std::string_view bytes) noexcept;
 
 /// Writes the UTF-8 form of a code point, 1 to 4 bytes, and returns where it ends.
 /// Nothing is rejected; of a value past U+1FFFFF only the low 21 bits remain.
@@ -46,4 +50,4 @@ inline char* putUtf8(char* out, std::uint32_t codePoint) noexcept {
     return out;
 }
 
-}  // namespace tessit
+}  // namespace voxal
