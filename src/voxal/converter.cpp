@@ -21,9 +21,12 @@ bool bothIn(std::string_view family, std::string_view left, std::string_view rig
 
 }  // namespace
 
-QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name) {
+QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name)
+    : QeUToUnicodeConverter(name, voxal::Malformed::Replaced) {}
+
+QeUToUnicodeConverter::QeUToUnicodeConverter(const QeCString& name, voxal::Malformed malformed) {
     if (!isEncodingName(name)) throw QeUConversionError("it is not the name of an encoding");
-    decoder = voxal::openDecoder(name);
+    decoder = voxal::openDecoder(name, malformed);
 }
 
 QeUToUnicodeConverter::QeUToUnicodeConverter(QeUToUnicodeConverter&&) noexcept = default;
@@ -34,7 +37,7 @@ QeCString QeUToUnicodeConverter::toUtf8(std::string_view bytes, std::size_t most
     constexpr std::size_t PieceLength = 1 << 16;  // ICU takes no more than 2 GB at once
     QeCString result;
     result.reserve(std::min(bytes.size(), mostBytes));
-    for (; bytes.size() > PieceLength; bytes.remove_prefix(PieceLength))
+    for (; bytes.size() > PieceLength && !decoder->hasEnded(); bytes.remove_prefix(PieceLength))
         append(result, bytes.substr(0, PieceLength), MoreFollow, mostBytes);
     append(result, bytes, Last, mostBytes);
     return result;
@@ -64,10 +67,16 @@ void QeUToUnicodeConverter::append(QeCString& utf8, std::string_view piece, Piec
     }
 }
 
+const QeCString* QeUToUnicodeConverter::findMalformed() const noexcept {
+    return decoder->hasEnded() ? &decoder->malformedBytes() : nullptr;
+}
+
+std::string_view QeUToUnicodeConverter::canonicalName(const QeCString& name) {
+    return isEncodingName(name) ? voxal::canonicalName(name) : std::string_view();
+}
+
 bool QeUToUnicodeConverter::sameEncoding(const QeCString& left, const QeCString& right) {
-    if (!isEncodingName(left) || !isEncodingName(right)) return false;
-    const std::string_view canonicalLeft = voxal::canonicalName(left);
-    const std::string_view canonicalRight = voxal::canonicalName(right);
+    const std::string_view canonicalLeft = canonicalName(left), canonicalRight = canonicalName(right);
     if (canonicalLeft.empty() || canonicalRight.empty()) return false;
     return canonicalLeft == canonicalRight || bothIn("UTF-16", canonicalLeft, canonicalRight) ||
            bothIn("UTF-32", canonicalLeft, canonicalRight);

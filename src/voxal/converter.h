@@ -10,7 +10,8 @@
 
 namespace voxal {
 class Decoder;
-}
+enum class Malformed : bool;
+}  // namespace voxal
 
 /// A character encoding that no converter is known for, or text that could not be converted.
 class QeUConversionError : public Qexmsg {
@@ -26,7 +27,7 @@ public:
 
 /// Converts bytes in a named encoding into UTF-8, all at once or piece by piece.
 ///
-/// What means nothing in the encoding becomes U+FFFD. O(bytes) time; beside the
+/// What means nothing in the encoding becomes U+FFFD, or ends the text. O(bytes) time; beside the
 /// result, a few kilobytes, whatever the length.
 class QeUToUnicodeConverter {
 public:
@@ -37,6 +38,7 @@ public:
     /// digits and the signs - _ . : + , = ( ). Without ICU, the encodings that need no
     /// tables: UTF-8 and US-ASCII, whose bytes pass as they are, ISO-8859-1, UTF-16, UTF-32.
     explicit QeUToUnicodeConverter(const QeCString& name);
+    QeUToUnicodeConverter(const QeCString& name, voxal::Malformed malformed);
 
     QeUToUnicodeConverter(QeUToUnicodeConverter&&) noexcept;
     QeUToUnicodeConverter& operator=(QeUToUnicodeConverter&&) noexcept;
@@ -55,6 +57,12 @@ public:
     /// the converter begins anew. What was appended before a throw stays, and the
     /// converter is of no more use then.
     void append(QeCString& utf8, std::string_view piece, Piece position, std::size_t mostBytes = NoLimit);
+
+    /// The bytes that ended the text, as far as they are known, where malformed ones do; null where none have.
+    const QeCString* findMalformed() const noexcept;
+
+    /// The one name of an encoding that is known by this one; empty when none is. Lives for ever.
+    static std::string_view canonicalName(const QeCString& name);
 
     /// Whether both names stand for one encoding in another spelling. The byte
     /// order of UTF-16 and UTF-32 is taken as a matter of spelling.

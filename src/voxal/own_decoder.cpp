@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <voxal/converter.h>
 #include <voxal/decoder.h>
+#include <voxal/transcode.h>
 
 namespace voxal {
 
@@ -30,7 +31,11 @@ constexpr KnownEncoding Encodings[] = {
 
 constexpr struct {
     std::string_view name, canonical;
-} Aliases[] = {{"ASCII", "US-ASCII"}, {"latin1", "ISO-8859-1"}, {"l1", "ISO-8859-1"}};
+} Aliases[] = {{"ASCII", "US-ASCII"},
+               {"latin1", "ISO-8859-1"},
+               {"l1", "ISO-8859-1"},
+               {"ISO-10646-UCS-2", "UTF-16"},
+               {"ISO-10646-UCS-4", "UTF-32"}};
 
 // The next byte of a name that counts, as a small letter; NUL at its end.
 char takeLetter(std::string_view& name) {
@@ -58,23 +63,6 @@ const KnownEncoding* findEncoding(std::string_view name) {
     return found == std::end(Encodings) ? nullptr : found;
 }
 
-char* putUtf8(char* out, char32_t character) {
-    const auto put = [&](char32_t lead, unsigned continuations) {
-        *out++ = static_cast<char>(lead | character >> 6 * continuations);
-        while (continuations-- > 0)
-            *out++ = static_cast<char>(0x80 | (character >> 6 * continuations & 0x3F));
-    };
-    if (character < 0x80)
-        put(0, 0);
-    else if (character < 0x800)
-        put(0xC0, 1);
-    else if (character < 0x10000)
-        put(0xE0, 2);
-    else
-        put(0xF0, 3);
-    return out;
-}
-
 bool isHighSurrogate(char32_t unit) {
     return (unit & 0xFFFFFC00) == 0xD800;
 }
@@ -86,16 +74,19 @@ bool isLowSurrogate(char32_t unit) {
 // Gathers the bytes of one character.
 class OwnDecoder : public Decoder {
 public:
-    explicit OwnDecoder(const KnownEncoding& known) : encoding(known) {}
+    OwnDecoder(const KnownEncoding& known, Malformed malformed) : encoding(known), onMalformed(malformed) {}
 
     bool decode(const char*& at, const char* end, bool isLast, char*& out, const char* outEnd) override {
-        for (; at != end; ++at) {
+        for (; at != end && !hasEnded(); ++at) {
             if (outEnd - out < 8)
                 return false;  // two characters: a high surrogate's, and what stands in its pair's place
             take(static_cast<unsigned char>(*at), out);
         }
-        if (!isLast) return true;
-        if (count != 0 || high != 0) out = putUtf8(out, Replacement);
+        if (!isLast || hasEnded()) return true;
+        if (high != 0)
+            putMalformed(out, high, unitLength());
+        else if (count != 0)
+            putMalformed(out, unit, count);
         unit = high = 0;
         count = 0;
         return true;
@@ -104,13 +95,15 @@ public:
 private:
     unsigned unitLength() const { return encoding.form == Utf32 ? 4 : encoding.form == Utf16 ? 2 : 1; }
 
+    // Where a byte of a unit has its bits.
+    unsigned shiftOf(unsigned byte) const { return 8 * (encoding.bigEndian ? unitLength() - 1 - byte : byte); }
+
     void take(unsigned char byte, char*& out) {
         if (encoding.form == AsTheyAre) {
             *out++ = static_cast<char>(byte);
             return;
         }
-        const unsigned place = encoding.bigEndian ? unitLength() - 1 - count : count;
-        unit |= char32_t{byte} << 8 * place;
+        unit |= char32_t{byte} << shiftOf(count);
         if (++count < unitLength()) return;
         takeUnit(out);
         unit = 0;
@@ -123,14 +116,30 @@ private:
             high = 0;
             return;
         }
-        if (high != 0) out = putUtf8(out, Replacement);
+        if (high != 0) putMalformed(out, high, unitLength());
+        if (hasEnded()) return;
         high = encoding.form == Utf16 && isHighSurrogate(unit) ? unit : 0;
         if (high != 0) return;
-        const bool isCharacter = unit <= 0x10FFFF && !isHighSurrogate(unit) && !isLowSurrogate(unit);
-        out = putUtf8(out, isCharacter ? unit : Replacement);
+        if (unit <= 0x10FFFF && !isHighSurrogate(unit) && !isLowSurrogate(unit))
+            out = putUtf8(out, unit);
+        else
+            putMalformed(out, unit, unitLength());
+    }
+
+    // So many bytes of a unit.
+    void putMalformed(char*& out, char32_t bits, unsigned bytes) {
+        if (onMalformed == Malformed::Replaced) {
+            out = putUtf8(out, Replacement);
+            return;
+        }
+        char found[4];
+        for (unsigned i = 0; i < bytes; ++i)
+            found[i] = static_cast<char>(bits >> shiftOf(i));
+        endAt({found, bytes});
     }
 
     const KnownEncoding& encoding;
+    Malformed onMalformed;
     char32_t unit = 0;   // as far as it is known
     unsigned count = 0;  // its bytes
     char32_t high = 0;   // a high surrogate whose pair is to come
@@ -138,10 +147,10 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Decoder> openDecoder(const QeCString& name) {
+std::unique_ptr<Decoder> openDecoder(const QeCString& name, Malformed malformed) {
     const KnownEncoding* known = findEncoding(name);
     if (known == nullptr) throw QeUConversionError("this library was built without ICU, and has no converter for it");
-    return std::make_unique<OwnDecoder>(*known);
+    return std::make_unique<OwnDecoder>(*known, malformed);
 }
 
 std::string_view canonicalName(const QeCString& name) {
