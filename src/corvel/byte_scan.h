@@ -43,6 +43,12 @@ inline Matches matchesOf(Comparison comparison) {
     return static_cast<unsigned>(_mm_movemask_epi8(reinterpret_cast<__m128i>(comparison)));
 }
 
+// Each byte less `amount`, and 0 where it is not more.
+inline Block lessened(Block block, unsigned char amount) {
+    return reinterpret_cast<Block>(
+        _mm_subs_epu8(reinterpret_cast<__m128i>(block), _mm_set1_epi8(static_cast<char>(amount))));
+}
+
 #else
 
 // Four bits per byte of a comparison that is true, the lowest for the first byte.
@@ -53,6 +59,11 @@ template <typename Comparison>
 inline Matches matchesOf(Comparison comparison) {
     const auto bits = reinterpret_cast<uint16x8_t>(comparison);
     return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(bits, 4)), 0);
+}
+
+// Each byte less `amount`, and 0 where it is not more.
+inline Block lessened(Block block, unsigned char amount) {
+    return reinterpret_cast<Block>(vqsubq_u8(reinterpret_cast<uint8x16_t>(block), vdupq_n_u8(amount)));
 }
 
 #endif
