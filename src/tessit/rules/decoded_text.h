@@ -1,15 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 #include <corvel/c_string.h>
 #include <tessit/rules/source.h>
 
 namespace tessit {
-
-/// What bytes are: a document or an entity from outside, which may begin with a text declaration instead.
-enum class DecodedKind : std::uint8_t { Document, ExternalEntity };
 
 /// The bytes of a document, or of an entity from outside, as text: the encoding is found
 /// out, or given, and what is not UTF-8 is converted. The text ends in front of the first
@@ -27,6 +23,6 @@ struct DecodedText {
 
 /// `transport` is the encoding that a transport said, or empty. The bytes stay alive as long
 /// as the text. Throws nothing but `std::bad_alloc`. O(bytes).
-void decodeText(DecodedText& text, std::string_view bytes, const QeCString& transport, DecodedKind kind);
+void decodeText(DecodedText& text, std::string_view bytes, const QeCString& transport);
 
 }  // namespace tessit
