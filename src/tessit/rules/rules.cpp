@@ -43,7 +43,7 @@ constexpr RuleText Texts[] = {
     {Rule::UnparsedEntity, "unparsed-entity", "a reference to an unparsed entity"},
     {Rule::ExternalEntityInValue, "external-entity-in-value", "a reference to an external entity in a value"},
     {Rule::RecursiveEntity, "recursive-entity", "an entity that refers to itself"},
-    {Rule::EntityNesting, "entity-nesting", "an element that begins and ends in different entities"},
+    {Rule::EntityNesting, "entity-nesting", "markup that begins and ends in different entities"},
     {Rule::EntityExpansion, "entity-expansion", "entities bring more text than they may"},
     {Rule::EntityDepth, "entity-depth", "entities are nested deeper than they may be"},
     {Rule::DocumentType, "document-type", "a document type declaration is written wrong"},
@@ -53,7 +53,8 @@ constexpr RuleText Texts[] = {
     {Rule::AttributeListDeclaration, "attribute-list-declaration", "an attribute-list declaration is written wrong"},
     {Rule::NotationDeclaration, "notation-declaration", "a notation declaration is written wrong"},
     {Rule::Literal, "literal", "a quoted literal was expected, of characters that may stand in it"},
-    {Rule::ParameterEntity, "parameter-entity", "a reference to a parameter entity that may not stand here"},
+    {Rule::ParameterEntity, "parameter-entity",
+     "'%' that begins no reference to a parameter entity, or one that may not stand here"},
     {Rule::DeclarationNesting, "declaration-nesting", "a declaration that begins and ends in different entities"},
     {Rule::ConditionalSection, "conditional-section", "a conditional section is written wrong, or may not stand here"},
     {Rule::TextDeclaration, "text-declaration", "a text declaration is written wrong"},
@@ -97,7 +98,7 @@ QeXmlPlace placeIn(const Source& source, const char* place) {
     for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
         place = told->reference;
     std::uint64_t line = 1;
-    const char* lineStart = told->begin();
+    const char* lineStart = told->linesFrom != nullptr ? told->linesFrom : told->begin();
     for (const char* at = lineStart; (at = corvel::findAny(at, place, '\n', '\r')) != place;) {
         at += *at == '\r' && at + 1 != told->end() && at[1] == '\n' ? 2 : 1;
         if (at > place) break;  // between the two bytes of a line end
@@ -135,8 +136,8 @@ void refuse(const Source& source, const char* place, Rule rule, std::string_view
 }
 
 void refuseEnd(const Source& source) {
-    refuse(source, source.end(), source.endsBy == Rule::None ? Rule::UnfinishedDocument : source.endsBy,
-           source.foundAtEnd);
+    const Rule atTrueEnd = source.cutBy == Rule::None ? Rule::UnfinishedDocument : source.cutBy;
+    refuse(source, source.end(), source.endsBy == Rule::None ? atTrueEnd : source.endsBy, source.foundAtEnd);
 }
 
 }  // namespace tessit

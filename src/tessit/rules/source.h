@@ -15,12 +15,17 @@ enum class Rule : std::uint8_t;
 /// characters that XML allows: it ends in front of the first byte that breaks a rule.
 struct Source {
     std::string_view text;
-    Rule endsBy{};                    ///< the rule that is broken behind the text; none where that is its true end
-    QeCString foundAtEnd;             ///< and what is said to be found there
-    QeCString name;                   ///< of the document, or of the entity from outside
+    Rule endsBy{};         ///< the rule that is broken behind the text; none where that is its true end
+    QeCString foundAtEnd;  ///< and what is said to be found there
+    Rule cutBy{};          ///< the rule that what the true end cuts breaks; none where the document is unfinished then
+    QeCString name;        ///< of the document, or of the entity from outside
     const Source* parent = nullptr;   ///< where the reference stands that brought the text; null for the document
     const char* reference = nullptr;  ///< its '&' or '%'
-    bool hasPlaces = true;            ///< whether lines and columns count in it; else its places are the reference's
+    const char* linesFrom = nullptr;  ///< the text declaration in front, from which on lines count; null without one
+
+    /// Whether lines and columns count in it. Else its places are the reference's, and what looks like a line end was
+    /// written as a character reference: it is not to be normalised.
+    bool hasPlaces = true;
 
     const char* begin() const noexcept { return text.data(); }
     const char* end() const noexcept { return text.data() + text.size(); }

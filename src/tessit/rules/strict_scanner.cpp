@@ -46,6 +46,25 @@ CharacterAt characterAt(const char* at) noexcept {
     return {(byte(0) & 0x07) << 18 | rest(1) << 12 | rest(2) << 6 | rest(3), 4};
 }
 
+void appendCharacter(QeCString& text, std::uint32_t character) {
+    if (character < 0x80) return text.append(static_cast<char>(character));
+    const unsigned following = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
+    const std::uint32_t lead = 0xFF00u >> (following + 1) & 0xFF;
+    text.append(static_cast<char>(lead | character >> 6 * following));
+    for (unsigned left = following; left-- != 0;)
+        text.append(static_cast<char>(0x80 | (character >> 6 * left & 0x3F)));
+}
+
+void checkQName(const Source& source, std::string_view name) {
+    const std::size_t colon = name.find(':');
+    if (colon == std::string_view::npos) return;
+    const std::string_view local = name.substr(colon + 1);
+    if (colon == 0 || local.empty() || !startsStrictName(characterAt(local.data()).character))
+        refuse(source, name.data() + colon, Rule::Colon, name);
+    if (const std::size_t second = local.find(':'); second != std::string_view::npos)
+        refuse(source, local.data() + second, Rule::Colon, name);
+}
+
 bool StrictScanner::passSpace() noexcept {
     const char* const start = at;
     while (!atEnd() && isSpaceByte(*at))
@@ -85,14 +104,19 @@ std::string_view StrictScanner::readNameWithoutColon(bool namespaces, Rule rule)
 }
 
 std::string_view StrictScanner::readNameToken(Rule rule) {
+    const std::string_view token = passNameCharacters();
+    if (atEnd()) refuseEnd(*source);
+    if (token.empty()) refuseHere(rule);
+    return token;
+}
+
+std::string_view StrictScanner::passNameCharacters() noexcept {
     const char* const start = at;
     while (!atEnd()) {
         const CharacterAt next = characterAt(at);
         if (!isInStrictName(next.character)) break;
         at += next.length;
     }
-    if (atEnd()) refuseEnd(*source);
-    if (at == start) refuseHere(rule);
     return {start, static_cast<std::size_t>(at - start)};
 }
 

@@ -53,6 +53,9 @@ public:
     /// One or more characters of names.
     std::string_view readNameToken(Rule rule);
 
+    /// Passes the characters of names that stand here, if any; the end may follow them.
+    std::string_view passNameCharacters() noexcept;
+
     /// What stands between quotes, which are passed; anything but the quote.
     std::string_view readLiteral(Rule rule = Rule::Literal);
 
@@ -104,5 +107,12 @@ struct CharacterAt {
     std::size_t length;
 };
 CharacterAt characterAt(const char* at) noexcept;
+
+/// Appends a character as UTF-8.
+void appendCharacter(QeCString& text, std::uint32_t character);
+
+/// Refuses a name of the source that namespaces do not allow: with more than one colon, or
+/// with one that has no name in front of it or behind it.
+void checkQName(const Source& source, std::string_view name);
 
 }  // namespace tessit
