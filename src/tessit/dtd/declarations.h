@@ -2,47 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <span>
+#include <deque>
 #include <string_view>
 #include <vector>
 
 #include <corvel/c_string.h>
-#include <tessit/dtd/xml_resolver.h>
+#include <tessit/dtd/attribute_list.h>
+#include <tessit/dtd/entities.h>
 #include <tessit/rules/source.h>
 #include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
-
-/// A general or parameter entity that was declared.
-struct Entity {
-    QeCString name;
-    Source source;  ///< the replacement text; of an entity from outside only once it was read
-    QeCString publicId, systemId, notation, base;
-    bool isExternal = false;
-    bool isUnparsed = false;
-    bool isDeclaredOutside = false;  ///< in the external subset or a parameter entity
-    bool isPlainText = false;        ///< internal, without '<', '&' and "]]>": can be taken as it is
-    bool isOpen = false;             ///< is being read: a reference to it is recursive
-};
-
-/// What attribute-list declarations say of one attribute.
-struct DeclaredAttribute {
-    QeCString name;            ///< as written, prefix included
-    QeCString defaultValue;    ///< as it is delivered
-    bool isTokenized = false;  ///< of a type other than CDATA: blanks are trimmed and come singly
-    bool hasDefault = false;
-    bool isDeclaredOutside = false;
-};
-
-struct DeclarationSettings {
-    bool namespaces = true;
-    QeXmlResolver* resolver = nullptr;
-    std::span<const QeXmlNamedEntity> named;
-    std::uint64_t expansionFactor = 100;
-    std::uint64_t freeExpansion = 8 * 1024 * 1024;
-    std::size_t entityDepth = 256;
-};
 
 /// What the document type declaration says by itself.
 struct DocumentType {
@@ -51,9 +21,101 @@ struct DocumentType {
     bool hasInternalSubset = false;
 };
 
-/// A reference in a value that was left as written: where it stands in the delivered value.
-struct LeftReference {
-    std::size_t offset, length;
+/// What the declarations of a document say: entities and attributes. Owns the texts that
+/// entities bring, which stay where they are as long as it lives.
+///
+/// What breaks a rule is refused where it stands; nothing is of use after that. No cost here
+/// is more than linear in the bytes that are read and charged, and nesting is not on the call
+/// stack.
+class Declarations {
+public:
+    /// The settings, and what they point to, live as long.
+    explicit Declarations(const DeclarationSettings& declarationSettings) noexcept : settings(declarationSettings) {}
+    Declarations(const Declarations&) = delete;
+    Declarations& operator=(const Declarations&) = delete;
+
+    /// What is known before the document type is read: the bytes of the document, and whether it says that it is
+    /// standalone.
+    void beginDocument(std::uint64_t bytes, bool standalone);
+
+    /// Entered just after "<!DOCTYPE"; passes the closing '>'. Reads the external subset too, where the resolver has
+    /// it.
+    void readDocumentType(StrictScanner& scanner, DocumentType& type);
+
+    /// Whether a reference to an entity that is not declared may be left alone: something that could declare it was not
+    /// read.
+    bool mayLackDeclarations() const noexcept { return !isStandalone && (lacksSubset || lacksParameterEntity); }
+
+    /// What is declared for the elements of that name, as written; null when nothing is. O(length of the name).
+    const AttributeList* attributesOf(std::string_view elementName) const noexcept { return lists.find(elementName); }
+    bool declaresAttributes() const noexcept { return !lists.empty(); }
+
+    /// The entity of a general reference, whose '&' is at that place, other than a predefined one. Null when it is left
+    /// alone; refused when that may not be, or when it is unparsed.
+    Entity* resolve(const Source& where, const char* reference, std::string_view name);
+
+    /// The text of a predefined entity; empty when the name is none.
+    static std::string_view predefined(std::string_view name) noexcept;
+
+    /// Begins to read the replacement text of an entity for the reference at that place. Refuses it where it is
+    /// recursive, nested too deep, or too much. Null when it is external and not available: it is left alone then.
+    const Source* open(Entity& entity, const Source& where, const char* reference) {
+        return reading.open(entity, where, reference);
+    }
+    void close(Entity& entity) noexcept { reading.close(entity); }
+
+    /// Counts bytes that declarations bring: to be called for each default value that is delivered.
+    void charge(std::uint64_t bytes, const Source& where, const char* place) { reading.charge(bytes, where, place); }
+
+    /// Appends what an attribute's value is that stands between quotes in `where`. References that are left alone stay
+    /// as written, and are listed in `left` if there is one.
+    void appendValue(QeCString& value, const Source& where, std::string_view literal, std::vector<LeftReference>* left);
+
+    /// Drops the blanks around what stands in the value from a place on, and all but one of those within. What is
+    /// listed in `left` stays listed.
+    static void tokenize(QeCString& value, std::size_t from, std::vector<LeftReference>* left = nullptr);
+
+    /// @name For those who read declarations
+    /// @{
+
+    const DeclarationSettings& getSettings() const noexcept { return settings; }
+
+    /// Whether what is read now stands in the external subset or in a parameter entity.
+    void setReadingOutside(bool isOutside) noexcept { isReadingOutside = isOutside; }
+
+    /// There is an external subset, which was not read yet.
+    void noteExternalSubset() noexcept { lacksSubset = true; }
+
+    /// A parameter entity is not read: what follows is not applied, unless the document is standalone.
+    void noteUnreadEntity() noexcept { lacksParameterEntity = true; }
+    bool appliesDeclarations() const noexcept { return isStandalone || !lacksParameterEntity; }
+
+    /// The parameter entity of a reference, whose '%' is at that place; null when it is not declared.
+    Entity* resolveParameter(const Source& where, const char* reference, std::string_view name);
+
+    /// A new entity, or null where the declaration is not applied: another one came first, or something was not read.
+    Entity* declareEntity(std::string_view name, bool isParameter);
+
+    /// What is declared for the elements of that name, to be added to; null where declarations are not applied.
+    AttributeList* declareAttributesOf(std::string_view elementName);
+
+    /// A new attribute, or null where another declaration of it came first.
+    DeclaredAttribute* declareAttribute(AttributeList& list, std::string_view name);
+
+    /// @}
+
+private:
+    Entity* findNamed(std::string_view name);
+
+    const DeclarationSettings& settings;
+    EntityReading reading{settings};
+    NamedList<Entity, std::deque> general, parameters, named;
+    NamedList<AttributeList, std::deque> lists;
+    Entity externalSubset;
+    bool isStandalone = false;
+    bool lacksSubset = false, lacksParameterEntity = false;
+    bool isReadingOutside = false;
+    bool hasIndexOfNamed = false;
 };
 
 }  // namespace tessit

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include <corvel/c_string.h>
+#include <tessit/dtd/declarations.h>
+#include <tessit/dtd/subset_text.h>
+
+namespace tessit {
+
+/// Reads a document type declaration: its own grammar, that of the subsets, and of each kind
+/// of declaration. What it says goes to `Declarations`.
+class SubsetReader {
+public:
+    SubsetReader(Declarations& into, const StrictScanner& behindBegin) noexcept
+        : declarations(into), namespaces(into.getSettings().namespaces), text(into, behindBegin) {}
+
+    const SubsetText& getText() const noexcept { return text; }
+
+    /// Entered just after "<!DOCTYPE"; passes the closing '>'. Returns how the external subset is identified.
+    ExternalId readDocumentType(DocumentType& type);
+
+    /// Reads the external subset, once the document type was read. False when it is not available.
+    bool readExternalSubset(Entity& subset);
+
+private:
+    // the subsets: document_type.cpp
+    void readInternalSubset(DocumentType& type);
+    void readDeclarations();
+    bool readNextDeclaration();
+    void readMarkup();
+    [[noreturn]] void refuseMarkup();
+    void passComment() { text.readComment(); }
+    void passInstruction() { text.readInstruction(namespaces); }
+    void readConditionalSection();
+    void passIgnored();
+    void closeSection();
+
+    // what several declarations have: identifiers.cpp
+    enum class SystemPart { Required, Optional };
+    ExternalId readExternalId(Rule rule, SystemPart systemPart);
+    void readPublicId(QeCString& publicId);
+    void readSystemId(QeCString& systemId);
+    void endDeclaration(Rule rule);
+
+    // element_declaration.cpp
+    void readElementDeclaration();
+    void readContentModel();
+    void readMixedContent();
+    bool readNextParticle(std::vector<char>& groups);
+    bool readConnector(std::vector<char>& groups);
+    void passOccurrence() noexcept;
+
+    // attribute_list.cpp
+    void readAttributeListDeclaration();
+    void readAttribute(AttributeList* list);
+    bool readAttributeType();
+    void readEnumeration(bool areNames);
+    bool readDefault(QeCString& value, std::vector<LeftReference>& left, bool isTokenized);
+
+    // entity_declaration.cpp
+    void readEntityDeclaration();
+    bool readEntityValue(QeCString& value);
+    void readNotationName(QeCString& notation);
+    void readNotationDeclaration();
+
+    Declarations& declarations;
+    const bool namespaces;
+    SubsetText text;
+    const char* externalIdPlace = nullptr;
+};
+
+}  // namespace tessit

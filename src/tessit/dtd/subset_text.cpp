@@ -1,0 +1,110 @@
+#include <tessit/dtd/subset_text.h>
+#include <tessit/rules/name_chars.h>
+
+namespace tessit {
+
+bool SubsetText::passBlank() {
+    for (bool isBlank = false;; isBlank = true) {
+        if (passSpace()) continue;
+        if (atEnd() && state.isWithin) {
+            leaveText();
+        } else if (isAtReference()) {
+            if (!isOutside()) refuseHere(Rule::ParameterEntity);
+            if (!enter(true)) throw Unreadable();
+        } else {
+            return isBlank;
+        }
+    }
+}
+
+void SubsetText::requireBlank() {
+    if (!passBlank()) refuseNext(Rule::WhiteSpace);
+}
+
+// A '%' that stands by itself declares a parameter entity.
+bool SubsetText::isAtReference() const noexcept {
+    return isAt('%') && position() + 1 != end() && startsStrictName(characterAt(position() + 1).character);
+}
+
+void SubsetText::enterBetween() {
+    enter(false);
+}
+
+bool SubsetText::enter(bool isWithin) {
+    const char* const reference = position();
+    take();
+    const std::string_view name = readReferenceName(Rule::ParameterEntity);
+    Entity* const entity = declarations.resolveParameter(getSource(), reference, name);
+    const Source* const text = entity == nullptr ? nullptr : declarations.open(*entity, getSource(), reference);
+    if (text == nullptr) {
+        declarations.noteUnreadEntity();
+        return false;
+    }
+    outer.push_back({*this, state, entity});
+    static_cast<StrictScanner&>(*this) = StrictScanner(*text, text->begin());
+    state.isWithin = isWithin;
+    if (!isWithin) state.sectionsAround = openSections;
+    state.isOutside |= entity->isExternal;
+    declarations.setReadingOutside(true);
+    return true;
+}
+
+bool SubsetText::leaveText() {
+    if (getSource().endsBy != Rule::None) refuseEnd(getSource());
+    if (!state.isWithin && openSections != state.sectionsAround) refuseHere(Rule::ConditionalSection);
+    if (outer.empty()) return false;
+    goBack();
+    return true;
+}
+
+void SubsetText::goBack() noexcept {
+    declarations.close(*outer.back().entered);
+    static_cast<StrictScanner&>(*this) = outer.back().at;
+    state = outer.back().state;
+    outer.pop_back();
+    declarations.setReadingOutside(isOutside() || !isInSubset());
+}
+
+void SubsetText::leaveAll() noexcept {
+    while (!isInSubset())
+        goBack();
+    openSections = 0;
+}
+
+std::string_view SubsetText::readName(Rule rule) {
+    if (!startsStrictName(characterAt((peek(), position())).character)) refuseHere(rule);
+    return passNameCharacters();
+}
+
+std::string_view SubsetText::readNameToken(Rule rule) {
+    const std::string_view token = passNameCharacters();
+    if (token.empty()) refuseNext(rule);
+    return token;
+}
+
+std::string_view SubsetText::readQName(Rule rule) {
+    const std::string_view name = readName(rule);
+    if (declarations.getSettings().namespaces) checkQName(getSource(), name);
+    return name;
+}
+
+std::string_view SubsetText::readNCName(Rule rule) {
+    const std::string_view name = readName(rule);
+    if (const std::size_t colon = name.find(':');
+        declarations.getSettings().namespaces && colon != std::string_view::npos)
+        refuseAt(name.data() + colon, Rule::Colon, name);
+    return name;
+}
+
+void SubsetText::refuseNext(Rule rule) const {
+    if (atEnd()) refuseEnd(getSource());
+    refuseHere(rule);
+}
+
+bool SubsetText::closeSection() noexcept {
+    if (openSections == state.sectionsAround) return false;
+    --openSections;
+    return true;
+}
+
+}  // namespace tessit

@@ -1,0 +1,111 @@
+// Attribute values: what stands between the quotes, and what it means.
+
+#include <algorithm>
+
+#include <corvel/byte_scan.h>
+#include <corvel/string_access.h>
+#include <tessit/dtd/declarations.h>
+#include <tessit/dtd/expansion.h>
+#include <tessit/rules/rules.h>
+
+namespace tessit {
+
+namespace {
+
+class Value : Expansion {
+public:
+    Value(Declarations& from, QeCString& result, const Source& where, std::string_view literal,
+          std::vector<LeftReference>* leftReferences) noexcept
+        : Expansion(from, result, where, literal), left(leftReferences) {}
+
+    void append() {
+        do {
+            while (appendPlain())
+                appendSpecial();
+        } while (leaveText());
+    }
+
+private:
+    // Appends up to the next byte that needs thought; false at the end of the text.
+    bool appendPlain() {
+        const char* const start = here.position();
+        here.goTo(corvel::findAny(start, end, '&', '<', '\r', '\n', '\t'));
+        text.append(start, static_cast<std::size_t>(here.position() - start));
+        return here.position() != end;
+    }
+
+    void appendSpecial() {
+        switch (*here.position()) {
+            case '&':
+                return appendReference();
+            case '<':
+                here.refuseHere(Rule::LessThanInValue);
+            case '\r':
+                passLineEnd();
+                return text.append(' ');
+            default:
+                here.take();
+                return text.append(' ');
+        }
+    }
+
+    void appendReference() {
+        const char* const reference = here.position();
+        if (here.passIf("&#")) return appendCharacter(text, here.readCharacterReference());
+        here.take();
+        const std::string_view name = here.readReferenceName();
+        if (const std::string_view known = Declarations::predefined(name); !known.empty()) return text.append(known);
+        Entity* const entity = declarations.resolve(here.getSource(), reference, name);
+        if (entity == nullptr) return leaveAlone(reference);
+        if (entity->isExternal) here.refuseAt(reference, Rule::ExternalEntityInValue, name);
+        if (entity->isPlainText)
+            appendPlainEntity(*entity, reference);
+        else
+            enterText(*entity, reference);
+    }
+
+    void leaveAlone(const char* reference) {
+        const auto length = static_cast<std::size_t>(here.position() - reference);
+        if (left != nullptr) left->push_back({text.length(), length});
+        text.append(reference, length);
+    }
+
+    // What such an entity has that looks like markup is none.
+    void appendPlainEntity(Entity& entity, const char* reference) {
+        const Source& source = *declarations.open(entity, here.getSource(), reference);
+        for (const char* at = source.begin();;) {
+            const char* const blank = corvel::findAny(at, source.end(), '\r', '\n', '\t');
+            text.append(at, static_cast<std::size_t>(blank - at));
+            if (blank == source.end()) break;
+            text.append(' ');
+            at = blank + 1;
+        }
+        declarations.close(entity);
+    }
+
+    std::vector<LeftReference>* left;
+};
+
+}  // namespace
+
+void Declarations::appendValue(QeCString& value, const Source& where, std::string_view literal,
+                               std::vector<LeftReference>* left) {
+    Value(*this, value, where, literal, left).append();
+}
+
+void Declarations::tokenize(QeCString& value, std::size_t from, std::vector<LeftReference>* left) {
+    char* const bytes = corvel::StringAccess::bytesOf(value);
+    std::size_t to = from, next = 0;
+    const std::size_t count = left == nullptr ? 0 : left->size();
+    while (next != count && (*left)[next].offset < from)
+        ++next;
+    for (std::size_t at = from; at != value.length(); ++at) {
+        if (bytes[at] == ' ' && (to == from || bytes[to - 1] == ' ')) continue;
+        if (next != count && (*left)[next].offset == at) (*left)[next++].offset = to;
+        bytes[to++] = bytes[at];
+    }
+    if (to != from && bytes[to - 1] == ' ') --to;
+    corvel::StringAccess::setLength(value, to);
+}
+
+}  // namespace tessit
