@@ -73,7 +73,7 @@ private:
                 bytes.text(reader.getLastContent());
                 return units.text(toUtf16(reader.getLastContent()));
             case QeXmlReader::ElementEnd:
-            case QeXmlReader::NoNode:
+            default:
                 bytes.elementEnd();
                 return units.elementEnd();
         }

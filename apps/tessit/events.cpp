@@ -44,7 +44,7 @@ public:
                 return printTag("end", reader.getLastName(), {});
             case QeXmlReader::Content:
                 return printText(reader.getLastContent());
-            case QeXmlReader::NoNode:
+            default:
                 break;
         }
     }

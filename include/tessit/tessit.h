@@ -10,6 +10,7 @@
 #include <corvel/locale.h>
 #include <corvel/value_error.h>
 #include <corvel/zone.h>
+#include <tessit/dtd/xml_document_type.h>
 #include <tessit/dtd/xml_resolver.h>
 #include <tessit/errors/catalog.h>
 #include <tessit/errors/xml_error.h>
@@ -21,7 +22,9 @@
 #include <tessit/model/xml_namespace_stack.h>
 #include <tessit/model/xml_prolog.h>
 #include <tessit/reader/xml_reader.h>
+#include <tessit/reader/xml_reader_options.h>
 #include <tessit/sax/xml_content_handler.h>
+#include <tessit/sax/xml_lexical_handler.h>
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/schema/xml_duration.h>
 #include <tessit/schema/xml_schema_utils.h>

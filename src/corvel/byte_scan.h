@@ -79,15 +79,30 @@ inline std::size_t firstMatch(Matches matches) {
     return static_cast<std::size_t>(std::countr_zero(matches)) / BitsOfMatch;
 }
 
-/// The place of the first of 32 bytes that is one of `bytes`; 32 when none is.
-template <typename... Byte>
-inline std::size_t findIn32(const char* at, Byte... bytes) {
-    const Matches low = matchBlock(at, bytes...), high = matchBlock(at + 16, bytes...);
+// Where the first of two blocks' matches is; 32 when there is none.
+inline std::size_t firstOfTwo(Matches low, Matches high) {
     if constexpr (BitsOfMatch == 1) {  // without a branch
         return static_cast<std::size_t>(std::countr_zero(low | std::uint64_t{high} << 16 | std::uint64_t{1} << 32));
     } else {
         return low != 0 ? firstMatch(low) : high != 0 ? 16 + firstMatch(high) : 32;
     }
+}
+
+/// The place of the first of 32 bytes that is one of `bytes`; 32 when none is.
+template <typename... Byte>
+inline std::size_t findIn32(const char* at, Byte... bytes) {
+    return firstOfTwo(matchBlock(at, bytes...), matchBlock(at + 16, bytes...));
+}
+
+/// The place of the first of 32 bytes that is one of `bytes` or below ' '; 32 when none is.
+template <typename... Byte>
+inline std::size_t findIn32OrControl(const char* at, Byte... bytes) {
+    const auto matches = [=](const char* from) {
+        const Block block = blockAt(from);
+        return matchesOf((block < static_cast<unsigned char>(' ')) |
+                         ((block == static_cast<unsigned char>(bytes)) | ...));
+    };
+    return firstOfTwo(matches(at), matches(at + 16));
 }
 
 /// Whether none of the first `length` bytes is one of `bytes`. Reads 24 bytes, whatever the length.
@@ -107,6 +122,14 @@ template <typename... Byte>
 inline std::size_t findIn32(const char* at, Byte... bytes) {
     std::size_t place = 0;
     while (place != 32 && (... && (at[place] != bytes)))
+        ++place;
+    return place;
+}
+
+template <typename... Byte>
+inline std::size_t findIn32OrControl(const char* at, Byte... bytes) {
+    std::size_t place = 0;
+    while (place != 32 && static_cast<unsigned char>(at[place]) >= ' ' && (... && (at[place] != bytes)))
         ++place;
     return place;
 }

@@ -103,7 +103,7 @@ TEST(Declarations, AreWhole) {
             const DeclarationSettings settings;
             Declarations declarations(settings);
             StrictScanner scanner(source, source.begin());
-            DocumentType type;
+            QeXmlDocumentType type;
             EXPECT_THROW(declarations.readDocumentType(scanner, type), QeXmlParseError);
         }
 }

@@ -51,7 +51,7 @@ public:
     }
 
     Declarations& get() { return declarations; }
-    const DocumentType& type() const { return type_; }
+    const QeXmlDocumentType& type() const { return type_; }
 
 private:
     std::string attributesOf(std::string_view name) const {
@@ -77,7 +77,7 @@ private:
     const DeclarationSettings settings;
     Declarations declarations;
     Source source, where;
-    DocumentType type_;
+    QeXmlDocumentType type_;
 };
 
 }  // namespace tessit::test

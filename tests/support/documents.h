@@ -122,6 +122,24 @@ public:
         return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size));
     }
 
+    /// The same with options.
+    std::unique_ptr<QeXmlReader> open(Source source, const QeXmlReaderOptions& options) const {
+        const std::string_view text(reinterpret_cast<const char*>(bytes.get()), size);
+        switch (source) {
+            case Source::Stream: {
+                std::istringstream in{std::string(text)};
+                return std::make_unique<QeXmlReader>(in, options);
+            }
+            case Source::String:
+                return std::make_unique<QeXmlReader>(QeCString(text), options);
+            case Source::Buffer:
+                return std::make_unique<QeXmlReader>(bytes.get(), static_cast<unsigned>(size), options);
+            case Source::Span:
+                break;
+        }
+        return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size), options);
+    }
+
 private:
     std::size_t size;
     std::unique_ptr<unsigned char[]> bytes;
@@ -159,6 +177,16 @@ inline std::string describeNode(const QeXmlReader& reader) {
             return "/" + describe(reader.getLastName()) + describe(reader.getLastAttributes());
         case QeXmlReader::Content:
             return "=" + std::string(std::string_view(reader.getLastContent()));
+        case QeXmlReader::Comment:
+            return "#" + std::string(std::string_view(reader.getLastContent()));
+        case QeXmlReader::Instruction:
+            return "?" + std::string(std::string_view(reader.getLastTarget() + " " + reader.getLastContent()));
+        case QeXmlReader::CDATASection:
+            return "[" + std::string(std::string_view(reader.getLastContent()));
+        case QeXmlReader::EntityReference:
+            return "&" + std::string(std::string_view(reader.getLastTarget()));
+        case QeXmlReader::DocumentType:
+            return "!" + std::string(std::string_view(reader.getDocumentType().name));
         case QeXmlReader::NoNode:
             break;
     }

@@ -5,12 +5,15 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include <corvel/c_string.h>
+#include <tessit/dtd/xml_document_type.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
+#include <tessit/reader/xml_reader_options.h>
 
 /// A pull reader: hands out a document one node at a time, and lets the caller
 /// demand the elements it expects.
@@ -34,12 +37,11 @@
 /// attributes of each tag, whatever the bytes; memory beyond the input is the
 /// largest text, the largest tags of up to nine names (at most 28 times their bytes),
 /// and of open elements that declare namespaces at most 8 times the bytes of their
-/// tags. Each call costs O(bytes that it scans), and
-/// of a name that it is given O(length), though the URI of one that copies a name of
-/// the document is O(1) if it is long; accessors are O(1). An XML declaration in the
-/// midst of a document can have all that is left converted once more: all conversions
-/// together produce at most 16 bytes for each byte of the input, and 64 KiB. One
-/// thread at a time; no two readers share anything that changes.
+/// tags. Each call costs O(bytes that it scans), and of a name that it is given O(length),
+/// though the URI of one that copies a name of the document is O(1) if it is long;
+/// accessors are O(1). Declarations of encodings in the midst of a document have the rest
+/// converted once more: to at most 16 bytes for each byte of the input, and 64 KiB, in all.
+/// One thread at a time; no two readers share anything that changes.
 //
 // Exported member by member: most of what is private is a matter of the library alone.
 class QeXmlReader {
@@ -49,7 +51,13 @@ public:
         ElementEnd = 1,    ///< an end tag
         EmptyElement = 2,  ///< a tag closed by "/>", start and end at once
         Content = 3,       ///< text up to the next tag; CDATA sections and text around comments included
-        NoNode = 4         ///< nothing was read yet
+        NoNode = 4,        ///< nothing was read yet
+        // only for who asks for them (`QeXmlReaderOptions::nodes`); what they hold is the last content
+        Comment = 5,
+        Instruction = 6,  ///< its data; see `getLastTarget`
+        CDATASection = 7,
+        EntityReference = 8,  ///< one that was left alone, as written; see `getLastTarget`
+        DocumentType = 9      ///< nothing; see `getDocumentType`
     };
 
     /// The empty name: asks `readElement` for any element.
@@ -71,6 +79,16 @@ public:
 
     /// The same for bytes of any number that are constant.
     TESSIT_API explicit QeXmlReader(std::span<const unsigned char> document);
+
+    /// The same with options. A conforming reader refuses what is not well-formed: the call
+    /// that reads the first fault throws, as does each reading call behind it.
+    QeXmlReader(std::istream& in, const QeXmlReaderOptions& options) : QeXmlReader(in, Passed{options}) {}
+    QeXmlReader(const QeCString& document, const QeXmlReaderOptions& options)
+        : QeXmlReader(document, Passed{options}) {}
+    QeXmlReader(unsigned char* bytes, unsigned int length, const QeXmlReaderOptions& options)
+        : QeXmlReader(std::span<const unsigned char>(bytes, bytes == nullptr ? 0 : length), Passed{options}) {}
+    QeXmlReader(std::span<const unsigned char> document, const QeXmlReaderOptions& options)
+        : QeXmlReader(document, Passed{options}) {}
 
     QeXmlReader(const QeXmlReader&) = delete;
     QeXmlReader& operator=(const QeXmlReader&) = delete;
@@ -142,7 +160,7 @@ public:
     /// Scans the next node, whatever it is; `getLastNodeType()` tells. Tags are not
     /// checked to pair up. At the end of the input throws "Premature EOF": test
     /// `eof()` first.
-    TESSIT_API void readNextNode();
+    void readNextNode() { nodePending || isConforming ? takePendingOrConforming() : readNextLenient(); }
 
     /// Whether the document is exhausted: a tag that `isElementNext` has looked at counts
     /// as read, though it is still to be taken. Outside the root element skips whitespace
@@ -164,20 +182,33 @@ public:
     /// them, sorted by local name, then by prefix as written.
     const QeXmlAttributeSet& getLastAttributes() const noexcept { return lastAttributes; }
 
+    /// The target of the last instruction, or the name in the last reference.
+    TESSIT_API const QeCString& getLastTarget() const noexcept;
+
+    /// What the document type declaration says, once a conforming reader has read it.
+    TESSIT_API const QeXmlDocumentType& getDocumentType() const noexcept;
+
+    /// Whether an attribute of the last tag stands there; else it is a declared default. O(defaults of the tag).
+    TESSIT_API bool isSpecified(const QeXmlAttribute& attribute) const;
+
+    /// The references that were left as written in the value of an attribute of the last tag. O(such references).
+    TESSIT_API std::vector<QeXmlLeftReference> getLeftReferences(const QeXmlAttribute& attribute) const;
+
+    /// Whether the reader stands in what an entity brought: the last node's place is that of the reference then.
+    TESSIT_API bool isInEntity() const noexcept;
+
     /// @}
     /// @name Namespaces
     /// @{
 
     /// Binds a prefix for the element that is open, until it ends; before the first
-    /// start tag, for the whole document. A start tag that `isElementNext` has looked at
-    /// has opened its element. Names read from then on can resolve
-    /// through it, unless the scope binds the prefix already. Costs and guarantees are
-    /// those of `QeXmlNamespaceStack::addNamespace`.
+    /// start tag, for the whole document. A start tag that `isElementNext` has looked at has
+    /// opened its element. Names read from then on can resolve through it, unless the scope
+    /// binds the prefix already. As costly and as safe as `QeXmlNamespaceStack::addNamespace`.
     void addNamespace(const QeXmlNamespace& ns) { namespaceStack.addNamespace(ns); }
 
-    /// The URI that the prefix is bound to here, or the empty string. Valid until
-    /// the next call that scans or binds. O(length), on average, however many bindings
-    /// are in force.
+    /// The URI that the prefix is bound to here, or the empty string. Valid until the next call
+    /// that scans or binds. O(length), on average, however many bindings are in force.
     const QeCString& getURIForPrefix(const QeCString& prefix) const noexcept {
         return namespaceStack.getURIForPrefix(prefix);
     }
@@ -214,11 +245,10 @@ public:
     bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
     void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
 
-    /// Whether each end tag must be that of the innermost open element: local name and URI
-    /// are the same. If it is not, the call that reads it throws "Unmatched start tag for
-    /// NAME". Not by default. To be set before the first tag is read: of elements that are
-    /// open already nothing is known. O(1). Reading then keeps the names of the open
-    /// elements, and a byte more for each.
+    /// Whether each end tag must be that of the innermost open element: local name and URI are
+    /// the same. If it is not, the call that reads it throws "Unmatched start tag for NAME". To be
+    /// set before the first tag is read; not by default, and always in a conforming reader, by its
+    /// own rule. O(1). Reading then keeps the names of the open elements, and a byte more for each.
     TESSIT_API void setMatchTags(bool match) noexcept;
     TESSIT_API bool getMatchTags() const noexcept;
 
@@ -237,11 +267,18 @@ private:
     struct ExpectedName;
     class RawCopy;
 
+    using Passed = tessit::PassedOptions;
+    TESSIT_API QeXmlReader(std::istream& in, const Passed& passed);
+    TESSIT_API QeXmlReader(const QeCString& document, const Passed& passed);
+    TESSIT_API QeXmlReader(std::span<const unsigned char> document, const Passed& passed);
+
     void open(std::string_view document);
+    TESSIT_API void readNextLenient();
+    TESSIT_API void takePendingOrConforming();
+    void readNextConforming();
     TESSIT_API void skipSpace() noexcept;
 
-    // These stay where they are in every later library, since programs have code inlined that relies on it; all else
-    // is the engine's.
+    // These stay where they are in every later library: programs have code inlined that relies on it.
     const char* cursor = nullptr;       // the next byte to be read
     const char* bufferStart = nullptr;  // lines and columns count from here
     const char* bufferEnd = nullptr;    // one past the last byte
@@ -259,5 +296,6 @@ private:
     NodeType lastNodeType = NoNode;
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
+    bool isConforming = false;  // which loop reads
     std::unique_ptr<Engine> engine;
 };

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include <corvel/c_string.h>
+#include <tessit/reader/xml_reader_options.h>
 #include <tessit/sax/xml_content_handler.h>
+#include <tessit/sax/xml_lexical_handler.h>
 
 /// Reads a whole document and reports it, as a series of events, to a content handler.
 ///
@@ -18,6 +21,10 @@ public:
     /// handler itself: it is looked at before each event.
     void setContentHandler(QeXmlContentHandler* handler) noexcept { contentHandler = handler; }
     QeXmlContentHandler* getContentHandler() const noexcept { return contentHandler; }
+
+    /// The receiver of what is not tags and text; not owned, and null for none.
+    void setLexicalHandler(QeXmlLexicalHandler* handler);
+    QeXmlLexicalHandler* getLexicalHandler() const noexcept;
 
     /// Whether references in attribute values are replaced by what they stand for (the default) or left as written.
     void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
@@ -34,8 +41,16 @@ public:
     /// attributes, as in the reader, besides what the handler does.
     void parse(const QeCString& text, const QeCString& unused);
 
+    /// The same for bytes, with options. By the conforming rules, a document that is not
+    /// well-formed throws what the reader throws for it, and "Unmatched start tag" does not come up.
+    void parse(std::span<const unsigned char> document, const QeXmlReaderOptions& options = {}) {
+        parseWith(document, options, sizeof options);
+    }
+
 private:
     struct Settings;
+
+    void parseWith(std::span<const unsigned char> document, const QeXmlReaderOptions& options, std::size_t size);
 
     QeXmlContentHandler* contentHandler = nullptr;
     bool expandAttributeReference = true;

@@ -43,6 +43,9 @@ void SubsetReader::readAttribute(AttributeList* list) {
     attribute->hasDefault = hasDefault;
     attribute->defaultValue = std::move(value);
     attribute->left = std::move(left);
+    if (!hasDefault) return;
+    attribute->name.reserve(name.size() + DeclaredAttribute::ReadableBehindName);
+    list->defaults.push_back(list->size() - 1);
 }
 
 // Whether values consist of tokens.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -22,12 +23,19 @@ struct DeclaredAttribute {
     bool isTokenized = false;         ///< of a type other than CDATA: blanks are trimmed and come singly
     bool hasDefault = false;
     bool isDeclaredOutside = false;
+    mutable std::uint64_t seenInTag = 0;  ///< the number of the last tag that has it, for who counts tags
+
+    /// So many bytes can be read behind the name of one that has a default, as behind a name in a document.
+    static constexpr std::size_t ReadableBehindName = 32;
 };
 
 /// The declared attributes of the elements of one name, in the order of their declarations.
 /// Found by name in O(1).
 struct AttributeList : NamedList<DeclaredAttribute, std::vector> {
     QeCString name;  ///< of the elements
+
+    /// The numbers of those that have defaults: there can be many without.
+    std::vector<std::size_t> defaults;
 };
 
 }  // namespace tessit

@@ -12,7 +12,7 @@ void Declarations::beginDocument(std::uint64_t bytes, bool standalone) {
     isStandalone = standalone;
 }
 
-void Declarations::readDocumentType(StrictScanner& scanner, DocumentType& type) {
+void Declarations::readDocumentType(StrictScanner& scanner, QeXmlDocumentType& type) {
     SubsetReader reader(*this, scanner);
     ExternalId id = reader.readDocumentType(type);
     scanner.goTo(reader.getText().position());

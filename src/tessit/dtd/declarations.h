@@ -9,17 +9,11 @@
 #include <corvel/c_string.h>
 #include <tessit/dtd/attribute_list.h>
 #include <tessit/dtd/entities.h>
+#include <tessit/dtd/xml_document_type.h>
 #include <tessit/rules/source.h>
 #include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
-
-/// What the document type declaration says by itself.
-struct DocumentType {
-    QeCString name, publicId, systemId, internalSubset;
-    bool hasExternalId = false;
-    bool hasInternalSubset = false;
-};
 
 /// What the declarations of a document say: entities and attributes. Owns the texts that
 /// entities bring, which stay where they are as long as it lives.
@@ -40,7 +34,7 @@ public:
 
     /// Entered just after "<!DOCTYPE"; passes the closing '>'. Reads the external subset too, where the resolver has
     /// it.
-    void readDocumentType(StrictScanner& scanner, DocumentType& type);
+    void readDocumentType(StrictScanner& scanner, QeXmlDocumentType& type);
 
     /// Whether a reference to an entity that is not declared may be left alone: something that could declare it was not
     /// read.

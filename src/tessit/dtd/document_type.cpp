@@ -6,7 +6,7 @@
 
 namespace tessit {
 
-ExternalId SubsetReader::readDocumentType(DocumentType& type) {
+ExternalId SubsetReader::readDocumentType(QeXmlDocumentType& type) {
     constexpr Rule Broken = Rule::DocumentType;
     ExternalId id;
     text.requireBlank();
@@ -26,7 +26,7 @@ ExternalId SubsetReader::readDocumentType(DocumentType& type) {
     return id;
 }
 
-void SubsetReader::readInternalSubset(DocumentType& type) {
+void SubsetReader::readInternalSubset(QeXmlDocumentType& type) {
     const char* const start = text.position();
     readDeclarations();
     type.hasInternalSubset = true;

@@ -19,14 +19,14 @@ public:
     const SubsetText& getText() const noexcept { return text; }
 
     /// Entered just after "<!DOCTYPE"; passes the closing '>'. Returns how the external subset is identified.
-    ExternalId readDocumentType(DocumentType& type);
+    ExternalId readDocumentType(QeXmlDocumentType& type);
 
     /// Reads the external subset, once the document type was read. False when it is not available.
     bool readExternalSubset(Entity& subset);
 
 private:
     // the subsets: document_type.cpp
-    void readInternalSubset(DocumentType& type);
+    void readInternalSubset(QeXmlDocumentType& type);
     void readDeclarations();
     bool readNextDeclaration();
     void readMarkup();

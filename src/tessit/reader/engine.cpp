@@ -1,14 +1,24 @@
 #include <optional>
 #include <utility>
 
-#include <tessit/reader/engine.h>
+#include <tessit/reader/conforming.h>
 #include <tessit/reader/raw_copy.h>
 
-QeXmlReader::Engine::Engine(QeXmlReader& owner)
+QeXmlReader::Engine::Engine(QeXmlReader& owner) : Engine(owner, {}) {}
+
+// A conforming reader's own end of the bytes is set when the document is complete; until then `eof` is false.
+QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions& options)
     : reader(owner),
-      input({owner.cursor, owner.bufferStart, owner.bufferEnd, owner.ownedDocument, owner.encoding}),
+      conforming(options.rules == QeXmlRules::Lenient ? nullptr : std::make_unique<Conforming>(options)),
+      input({owner.cursor, owner.bufferStart, conforming == nullptr ? owner.bufferEnd : conforming->end,
+             owner.ownedDocument, owner.encoding}),
       bindings(owner.namespaceStack),
-      slots(owner.lastName, owner.lastAttributes, owner.bufferEnd, bindings) {}
+      slots(owner.lastName, owner.lastAttributes, input.limit(), bindings) {
+    reader.isConforming = conforming != nullptr;
+    input.setSourceName(options.sourceName);
+}
+
+QeXmlReader::Engine::~Engine() = default;
 
 // Whatever points into the old bytes lets go of them before they go.
 void QeXmlReader::Engine::declareEncoding(const QeCString& name) {

@@ -14,10 +14,20 @@
 /// the node that comes of it against what the program expects.
 struct QeXmlReader::Engine {
     explicit Engine(QeXmlReader& owner);
+    Engine(QeXmlReader& owner, const QeXmlReaderOptions& options);
+    ~Engine();
 
     // nodes.cpp and prolog.cpp
     void readProlog();
     void readContent();
+
+    // conforming.cpp, and conforming_nodes.cpp for what is read over and over
+    void openConforming(std::string_view document);
+    void readConformingContent();
+    void passOutsideOfRoot() noexcept;
+    template <typename Read>
+    void withoutFault(const Read& read);
+    const char* positionInDocument() const noexcept;
 
     // engine.cpp
     /// Takes in a declared encoding. All views of the document may be void behind it.
@@ -46,8 +56,11 @@ struct QeXmlReader::Engine {
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
 
     class NodeReader;
+    class ConformingNodes;
+    struct Conforming;
 
     QeXmlReader& reader;
+    std::unique_ptr<Conforming> conforming;  // of a reader that is one
     tessit::Input input;
     tessit::Bindings bindings;
     tessit::TagSlots slots;

@@ -11,6 +11,7 @@
 #include <corvel/byte_scan.h>
 #include <tessit/errors/xml_error.h>
 #include <tessit/reader/input.h>
+#include <tessit/rules/rules.h>
 
 namespace tessit {
 
@@ -60,6 +61,13 @@ void Input::take(std::string_view document) noexcept {
     cursor = bufferStart = document.data();
     bufferEnd = bufferStart + document.size();
     conversionAllowance = ConversionFactor * (document.size() + ConversionGrace);
+}
+
+void Input::enter(const Source& source, const char* place) noexcept {
+    strict = &source;
+    bufferStart = source.begin();
+    bufferEnd = source.end();
+    cursor = place;
 }
 
 // A document that no row matches keeps an empty encoding: what follows fails at its first byte or name.
@@ -137,12 +145,13 @@ void Input::raiseTranscoding(const char* reason) const {
 }
 
 void Input::raise(const QeCString& message) const {
+    if (strict != nullptr) raiseIn(*strict, cursor, message);
     const LineCount& here = countLines();
     const auto fromOne = [](std::size_t count) {
         return static_cast<unsigned>(std::min<std::size_t>(count, UINT_MAX - 1) + 1);
     };
     const auto column = static_cast<std::size_t>(cursor - here.lineStart);
-    throw QeXmlParseError(message, QeCString(), fromOne(here.lines), fromOne(column));
+    throw QeXmlParseError(message, sourceName, fromOne(here.lines), fromOne(column));
 }
 
 void Input::raiseAt(const char* place, const char* message, std::string_view found) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <corvel/c_string.h>
+#include <tessit/rules/source.h>
 
 namespace tessit {
 
@@ -32,6 +33,13 @@ public:
 
     /// Begins with these bytes, which stay where they are.
     void take(std::string_view document) noexcept;
+
+    /// Goes on in a source that a conforming reader reads, from this place on; errors have their places in it. It stays
+    /// where it is as long as it is read.
+    void enter(const Source& source, const char* place) noexcept;
+
+    /// The name that errors have as that of their source.
+    void setSourceName(const QeCString& name) { sourceName = name; }
 
     /// Tells the encoding by a mark or by the first bytes, and converts what is not UTF-8.
     void detectEncoding();
@@ -76,6 +84,9 @@ private:
     const char*& bufferEnd;
     QeCString& ownedDocument;
     QeCString& encoding;
+
+    const Source* strict = nullptr;  // what is read by a conforming reader
+    QeCString sourceName;
 
     bool isDetected = false;                // no declaration was taken in yet
     std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce

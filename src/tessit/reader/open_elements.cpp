@@ -1,34 +1,25 @@
-#include <cstring>
+#include <algorithm>
 
 #include <tessit/reader/open_elements.h>
 
 namespace tessit {
 
-void OpenElements::push(std::string_view name) {
-    const std::size_t before = names.length(), length = name.size();
-    const bool isLong = length >= IsLong;
-    char* const start = names.resizeForOverwrite(before + length + (isLong ? sizeof length : 0) + 1);
-    char* at = start + before;
-    std::memcpy(at, name.data(), length);
-    at += length;
-    if (isLong) std::memcpy(at, &length, sizeof length);
-    at += isLong ? sizeof length : 0;
-    *at = static_cast<char>(isLong ? IsLong : length);
+void OpenElements::grow(std::size_t size) {
+    constexpr std::size_t Least = 64;
+    bytes.resize(std::max({Least, used + size, bytes.size() + bytes.size() / 2}));
 }
 
-std::size_t OpenElements::sizeOfLength() const noexcept {
-    return static_cast<unsigned char>(names.end()[-1]) == IsLong ? 1 + sizeof(std::size_t) : 1;
+void OpenElements::endLongName(std::size_t length) noexcept {
+    char* const at = bytes.data() + used - 1;
+    std::memcpy(at - sizeof length, &length, sizeof length);
+    *at = static_cast<char>(IsLong);
 }
 
-std::string_view OpenElements::innermost() const noexcept {
-    const std::size_t extra = sizeOfLength();
-    std::size_t length = static_cast<unsigned char>(names.end()[-1]);
-    if (extra != 1) std::memcpy(&length, names.end() - extra, sizeof length);
-    return {names.end() - extra - length, length};
-}
-
-void OpenElements::pop() noexcept {
-    names.truncate(names.length() - innermost().size() - sizeOfLength());
+std::string_view OpenElements::innermostLong() const noexcept {
+    std::size_t length;
+    const char* const at = bytes.data() + used - 1 - sizeof length;
+    std::memcpy(&length, at, sizeof length);
+    return {at - length, length};
 }
 
 }  // namespace tessit

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string_view>
+#include <vector>
 
-#include <corvel/c_string.h>
+#include <corvel/byte_copy.h>
 
 namespace tessit {
 
@@ -15,25 +17,44 @@ namespace tessit {
 /// than their start tags.
 class OpenElements {
 public:
-    bool empty() const noexcept { return names.empty(); }
+    bool empty() const noexcept { return used == 0; }
 
-    void push(std::string_view name);
+    void push(std::string_view name) {
+        const bool isLong = name.size() >= IsLong;
+        const std::size_t size = name.size() + 1 + (isLong ? sizeof(std::size_t) : 0);
+        if (bytes.size() - used < size) grow(size);
+        char* at = bytes.data() + used;
+        corvel::copyBytes(at, name.data(), name.size());
+        used += size;
+        if (isLong) return endLongName(name.size());
+        at[name.size()] = static_cast<char>(name.size());
+    }
 
     /// The innermost one; there must be one. Valid until the next push or pop.
-    std::string_view innermost() const noexcept;
+    std::string_view innermost() const noexcept {
+        const auto length = static_cast<unsigned char>(bytes[used - 1]);
+        if (length == IsLong) return innermostLong();
+        return {bytes.data() + used - 1 - length, length};
+    }
 
-    void pop() noexcept;
+    void pop() noexcept {
+        const std::size_t length = innermost().size();
+        used -= length + 1 + (length >= IsLong ? sizeof(std::size_t) : 0);
+    }
 
     /// Forgets all of them.
-    void clear() noexcept { names.clear(); }
+    void clear() noexcept { used = 0; }
 
 private:
     // Behind each name stands its length: one byte, or for long names this byte and, in front of it, a whole number.
     static constexpr unsigned char IsLong = 0xFF;
 
-    std::size_t sizeOfLength() const noexcept;
+    void grow(std::size_t size);
+    void endLongName(std::size_t length) noexcept;
+    std::string_view innermostLong() const noexcept;
 
-    QeCString names;  // outermost first
+    std::vector<char> bytes;  // outermost first; those behind `used` mean nothing
+    std::size_t used = 0;
 };
 
 }  // namespace tessit

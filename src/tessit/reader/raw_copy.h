@@ -13,7 +13,7 @@
 class QeXmlReader::RawCopy {
 public:
     /// Begins at the input's cursor; until it ends, the engine knows of the copy.
-    explicit RawCopy(Engine& source) noexcept : engine(source), runStart(source.input.position()) {
+    explicit RawCopy(Engine& source) noexcept : engine(source), runStart(source.positionInDocument()) {
         engine.rawCopy = this;
     }
     ~RawCopy() { engine.rawCopy = nullptr; }
@@ -39,7 +39,7 @@ public:
 
 private:
     std::string_view run() const noexcept {
-        return {runStart, static_cast<std::size_t>(engine.input.position() - runStart)};
+        return {runStart, static_cast<std::size_t>(engine.positionInDocument() - runStart)};
     }
 
     Engine& engine;

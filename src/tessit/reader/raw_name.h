@@ -16,7 +16,9 @@ struct RawName {
     std::string_view prefix() const noexcept { return {data, localStart == 0 ? 0 : localStart - 1}; }
 
     /// The name that these bytes are.
-    static RawName of(std::string_view whole) noexcept { return {whole.data(), whole.size(), whole.find(':') + 1}; }
+    static RawName of(std::string_view whole, bool hasPrefix = true) noexcept {
+        return {whole.data(), whole.size(), hasPrefix ? whole.find(':') + 1 : 0};
+    }
 };
 
 }  // namespace tessit

@@ -176,13 +176,6 @@ void Scanner::appendText(QeCString& target) {
     }
 }
 
-bool Scanner::readTextRun(QeCString& text) {
-    const char* const stop = findAny(cursor, end, '<', '&', '\r');
-    text.assign(cursor, static_cast<std::size_t>(stop - cursor));
-    cursor = stop;
-    return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
-}
-
 // Looks for the '>', which instructions seldom hold, and then back.
 void Scanner::skipInstruction() {
     for (const char* at = cursor; (at = findByte(at, end, '>')) != end; ++at) {
@@ -287,33 +280,35 @@ FoundEntity findEntity(const char* at) {
     return {static_cast<char>(character), length};
 }
 
-// The character of the entity with that name, or null.
-const char* characterOf(std::string_view body) {
-    for (const Entity& entity : Entities)
-        if (entity.name.substr(0, entity.name.size() - 1) == body) return &entity.character;
-    return nullptr;
-}
-
 }  // namespace
+
+bool Scanner::passPredefined(char& character) noexcept {
+    if (end - cursor >= std::ptrdiff_t{Entity::WordSize}) {
+        const FoundEntity entity = findEntity(cursor);
+        cursor += entity.length;
+        character = entity.character;
+        return entity.length != 0;
+    }
+    for (const Entity& entity : Entities) {
+        if (!std::string_view(cursor, static_cast<std::size_t>(end - cursor)).starts_with(entity.name)) continue;
+        cursor += entity.name.size();
+        character = entity.character;
+        return true;
+    }
+    return false;
+}
 
 // Entered just after the '&'; returns what the reference stands for. An unknown
 // entity is no error: it stands for its reference as written. `encoded` is room
 // for the character.
 std::string_view Scanner::readReference(char (&encoded)[4]) {
-    if (end - cursor >= std::ptrdiff_t{Entity::WordSize}) {
-        if (const FoundEntity entity = findEntity(cursor); entity.length != 0) {
-            cursor += entity.length;
-            encoded[0] = entity.character;
-            return {encoded, 1};
-        }
-    }
+    if (passPredefined(encoded[0])) return {encoded, 1};
     const char* const semicolon = findByte(cursor, end, ';');
     if (semicolon == end) raiseEnd();
     const std::string_view body(cursor, static_cast<std::size_t>(semicolon - cursor));
     cursor = semicolon + 1;
     if (body.empty()) raise("Empty reference");
     if (body[0] == '#') return readNumericReference(body.substr(1), encoded);
-    if (const char* character = characterOf(body)) return {character, 1};
     return {body.data() - 1, body.size() + 2};
 }
 

@@ -60,6 +60,7 @@ public:
     }
 
     const char* position() const noexcept { return cursor; }
+    const char* limit() const noexcept { return end; }
     void goBackTo(const char* place) noexcept { cursor = place; }
     bool atEnd() const noexcept { return cursor == end; }
 
@@ -111,6 +112,10 @@ public:
     /// Reads a value with its quotes. If there is none, or a wrong one, stops anywhere and returns false.
     bool readValueInto(QeCString& value, bool expands);
 
+    /// Reads a value with its quotes where that is short and stands for itself by the conforming rules: no
+    /// references, and no white space but blanks. Else stays in front of it and returns false.
+    bool readPlainValueInto(QeCString& value);
+
     /// Passes the equals sign of an attribute and the opening quote, which it returns.
     char readEqualsAndQuote();
 
@@ -121,11 +126,22 @@ public:
 
     /// Reads a text of up to 31 bytes that ends at a tag, without a branch on its
     /// length: such lengths differ from text to text, and are mostly mispredicted.
-    /// Else does nothing and returns false.
-    bool readShortText(QeCString& text);
+    /// Else does nothing and returns false. More bytes can be given at which it does nothing.
+    template <typename... Byte>
+    bool readShortText(QeCString& text, Byte... others);
 
     /// Reads a text up to what needs thought in it. Returns whether that is the tag that ends it.
-    bool readTextRun(QeCString& text);
+    template <typename... Byte>
+    bool readTextRun(QeCString& text, Byte... others) {
+        const char* const stop = corvel::findAny(cursor, end, '<', '&', '\r', others...);
+        text.assign(cursor, static_cast<std::size_t>(stop - cursor));
+        cursor = stop;
+        return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
+    }
+
+    /// Entered just after an '&'. Passes the name and the semicolon if that is one of the five predefined
+    /// entities, and says which character it stands for.
+    bool passPredefined(char& character) noexcept;
 
     /// Appends text up to the next '<', with references replaced and line ends made one line feed.
     void appendText(QeCString& text);
@@ -195,12 +211,25 @@ inline bool Scanner::readValueInto(QeCString& value, bool expands) {
     return apart([&value, expands](Scanner& scanner) { return scanner.readLongValueInto(value, expands); });
 }
 
-inline bool Scanner::readShortText(QeCString& text) {
+inline bool Scanner::readPlainValueInto(QeCString& value) {
+    constexpr std::ptrdiff_t WindowSize = 32;
+    if (end - cursor <= WindowSize) return false;
+    const char quote = *cursor;
+    if (quote != '"' && quote != '\'') return false;
+    const std::size_t length = corvel::findIn32OrControl(cursor + 1, quote, '<', '&');
+    if (length == WindowSize || cursor[1 + length] != quote) return false;
+    corvel::StringAccess::assignFromWindow(value, cursor + 1, length);
+    cursor += length + 2;
+    return true;
+}
+
+template <typename... Byte>
+inline bool Scanner::readShortText(QeCString& text, Byte... others) {
     constexpr std::ptrdiff_t WindowSize = 32;
     if (end - cursor <= WindowSize + 1) return false;
     const bool startsWithLine = cursor[0] == '\r' && cursor[1] == '\n';
     const char* const start = cursor + startsWithLine;
-    const std::size_t length = corvel::findIn32(start, '<', '&', '\r');
+    const std::size_t length = corvel::findIn32(start, '<', '&', '\r', others...);
     const char* const stop = start + length;
     if (length == WindowSize || *stop != '<' || stop[1] == '!' || stop[1] == '?') return false;
     corvel::StringAccess::assignFromWindow(text, start, length);

@@ -24,9 +24,7 @@ TagSlots::TagSlots(QeXmlName& lastName, QeXmlAttributeSet& lastAttributes, const
 // register: in one with all that is around, it would not stay there.
 TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& input, bool expands) {
     useShapeOf(element);
-    if (shape->tagsToSkip != 0) {
-        --shape->tagsToSkip;
-    } else if (shape->isInSlots && shape->version == bindings.version()) {
+    if (mayBeKnown()) {
         Scanner scanner(input);
         const char* const start = scanner.position();
         if (readKnown(scanner, expands)) return;
@@ -119,10 +117,13 @@ void TagSlots::declare(const RawAttribute& attribute) {
     const RawName& name = attribute.name;
     const bool isDefault = name.whole() == Xmlns;
     if (!isDefault && name.prefix() != Xmlns) return;
-    const std::string_view uri = attribute.value != nullptr
-                                     ? attribute.valueText()
-                                     : valueScratch.substring(valueScratch.length() - attribute.valueLength);
-    bindings.declare(isDefault ? std::string_view() : name.local(), uri);
+    bindings.declare(isDefault ? std::string_view() : name.local(), valueOf(attribute));
+}
+
+// The value of the attribute that was read last.
+std::string_view TagSlots::valueOf(const RawAttribute& attribute) const noexcept {
+    if (attribute.value != nullptr) return attribute.valueText();
+    return {valueScratch.end() - attribute.valueLength, attribute.valueLength};
 }
 
 // Called once the whole tag was read: turns the attributes as scanned into the set.
@@ -130,16 +131,16 @@ void TagSlots::declare(const RawAttribute& attribute) {
 // once, into its final place.
 void TagSlots::writeAttributes() {
     if (rawAttributes.empty()) return writeNoAttributes();
+    const std::span<Ordered> ordered = leaveOutRepeated(putInOrder());
+    writeInOrder(ordered, ordered.size() == rawAttributes.size());
+}
+
+void TagSlots::writeInOrder(std::span<const Ordered> ordered, bool mayLearn) {
     shape->isInSlots = false;  // until all is written: an assignment can throw
-    findValues();
-    Ordered few[Few];
-    const std::size_t count = rawAttributes.size();
-    if (count > Few) manyOrdered.resize(count);
-    const std::span<Ordered> ordered = putInOrder({count > Few ? manyOrdered.data() : few, count});
     openSlots(ordered.size());
     for (std::size_t slot = 0; slot < ordered.size(); ++slot)
         writeAttribute(slot, *ordered[slot].attribute);
-    if (shape->tagsToSkip == 0 && shape != &firstShape && ordered.size() == count) learnShape(ordered);
+    if (shape->tagsToSkip == 0 && shape != &firstShape && mayLearn) learnShape(ordered);
     ModelAccess::lookAtLocalNames(attributes);
 }
 
@@ -167,27 +168,37 @@ int compareAsWritten(const RawAttribute& left, const RawAttribute& right) {
     return order != 0 ? order : secondKey(left).compare(secondKey(right));
 }
 
+int compare(std::uint64_t leftKey, const RawAttribute& left, std::uint64_t rightKey, const RawAttribute& right) {
+    if (leftKey != rightKey) return leftKey < rightKey ? -1 : 1;
+    return compareAsWritten(left, right);
+}
+
 }  // namespace
 
-// Puts the attributes in order, each name once: of equal ones, the first one's
-// name and the last one's value count.
-std::span<TagSlots::Ordered> TagSlots::putInOrder(std::span<Ordered> ordered) {
-    for (std::size_t i = 0; i < ordered.size(); ++i)
+// Puts the attributes in order; equal ones stand as in the document.
+std::span<TagSlots::Ordered> TagSlots::putInOrder() {
+    findValues();
+    const std::size_t count = rawAttributes.size();
+    if (count > Few) manyOrdered.resize(count);
+    const std::span<Ordered> ordered(count > Few ? manyOrdered.data() : fewOrdered, count);
+    for (std::size_t i = 0; i < count; ++i)
         ordered[i] = {corvel::firstBytes(rawAttributes[i].name.local(), readableEnd), &rawAttributes[i]};
-    if (ordered.size() == 1) return ordered;
-
-    const auto compare = [](const Ordered& left, const Ordered& right) {
-        if (left.key != right.key) return left.key < right.key ? -1 : 1;
-        return compareAsWritten(*left.attribute, *right.attribute);
-    };
-    std::sort(ordered.begin(), ordered.end(), [&](const Ordered& left, const Ordered& right) {
-        const int order = compare(left, right);
-        return order != 0 ? order < 0 : left.attribute < right.attribute;  // equal ones as in the document
+    if (count == 1) return ordered;
+    std::sort(ordered.begin(), ordered.end(), [](const Ordered& left, const Ordered& right) {
+        const int order = compare(left.key, *left.attribute, right.key, *right.attribute);
+        return order != 0 ? order < 0 : left.attribute < right.attribute;
     });
+    return ordered;
+}
+
+// Leaves each name once: of equal ones, the first one's name and the last one's value count.
+std::span<TagSlots::Ordered> TagSlots::leaveOutRepeated(std::span<Ordered> ordered) {
+    if (ordered.size() == 1) return ordered;
     auto out = ordered.begin();
     for (auto first = out; first != ordered.end(); ++out) {
-        const auto next =
-            std::find_if(first + 1, ordered.end(), [&](const Ordered& other) { return compare(*first, other) != 0; });
+        const auto next = std::find_if(first + 1, ordered.end(), [&](const Ordered& other) {
+            return compare(first->key, *first->attribute, other.key, *other.attribute) != 0;
+        });
         first->attribute->value = (next - 1)->attribute->value;
         first->attribute->valueLength = (next - 1)->attribute->valueLength;
         *out = *first;

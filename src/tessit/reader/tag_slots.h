@@ -11,20 +11,15 @@
 #include <tessit/model/model_access.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/reader/bindings.h>
+#include <tessit/reader/raw_attribute.h>
 #include <tessit/reader/raw_name.h>
 #include <tessit/reader/scanner.h>
 
 namespace tessit {
 
-/// An attribute as scanned. A value with references was expanded into a scratch text,
-/// behind the ones before, and is null until that text has all of the tag's.
-struct RawAttribute {
-    RawName name;
-    const char* value;
-    std::size_t valueLength;
-
-    std::string_view valueText() const noexcept { return {value, valueLength}; }
-};
+struct AttributeList;
+class ConformingTags;
+struct Source;
 
 /// Reads the attributes of a tag, and makes its name and them the name and the attributes
 /// that the reader delivers; declares what the tag declares. Knows the bindings in force
@@ -59,6 +54,10 @@ public:
 
     /// Reads the attributes of a tag, up to its '>' or '/'. The input has the cursor.
     void readAttributes(const RawName& element, Input& input, bool expands);
+
+    /// The same by the conforming rules.
+    void readAttributes(const RawName& element, Input& input, bool expands, ConformingTags& rules,
+                        const Source& source);
 
     /// @}
 
@@ -118,16 +117,42 @@ private:
     void useShapeOf(const RawName& element);
     bool readKnown(Scanner& scanner, bool expands);
     void readAny(Input& input, bool expands);
+
+    // Whether a tag is compared with the shape of its name.
+    bool mayBeKnown() noexcept {
+        if (shape->tagsToSkip == 0) return shape->isInSlots && shape->version == bindings.version();
+        --shape->tagsToSkip;
+        return false;
+    }
+
     void noteMiss() noexcept;
     void readAttribute(Scanner& scanner, bool expands);
     void declare(const RawAttribute& attribute);
+    std::string_view valueOf(const RawAttribute& attribute) const noexcept;
     void writeAttributes();
+    void writeInOrder(std::span<const Ordered> ordered, bool mayLearn);
     void findValues() noexcept;
-    std::span<Ordered> putInOrder(std::span<Ordered> ordered);
+    std::span<Ordered> putInOrder();
+    std::span<Ordered> leaveOutRepeated(std::span<Ordered> ordered);
     void openSlots(std::size_t count);
     void takeSlots(std::size_t count);
     void writeAttribute(std::size_t slot, const RawAttribute& attribute);
     void learnShape(std::span<const Ordered> ordered);
+
+    // conforming_slots.cpp
+    bool readKnown(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source);
+    void readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules, const Source& source);
+    void readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source,
+                       const AttributeList* list);
+    bool readOtherValueInto(QeCString& value, Scanner& scanner, bool expands, ConformingTags& rules,
+                            const Source& source);
+    void addDefaults(const AttributeList& list, ConformingTags& rules, const Source& source, const char* tagEnd);
+    void writeChecked(const RawName& element, ConformingTags& rules, const Source& source, const char* tagEnd,
+                      bool mayLearn);
+    void declare(const RawAttribute& attribute, ConformingTags& rules, const Source& source, const char* place);
+    void checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const Source& source,
+                         const char* tagEnd);
+
     void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
     void writeLocalName(QeXmlName& name, const RawName& raw);
 
@@ -141,7 +166,9 @@ private:
 
     // Working storage of a tag, kept between tags so that it is allocated once.
     std::vector<RawAttribute> rawAttributes;
+    Ordered fewOrdered[Few];
     std::vector<Ordered> manyOrdered;
+    std::vector<RawAttribute*> sameLocalName;
     QeCString valueScratch;
 
     // What the tags that are read are expected to hold: eight places, by a hash of the

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
+#include <voxal/transcode.h>
 
 #include <corvel/byte_copy.h>
 #include <corvel/byte_scan.h>
@@ -27,19 +29,25 @@ public:
         *out++ = byte;
     }
 
+    void put(std::uint32_t character) {
+        need(4);
+        out = voxal::putUtf8(out, character);
+    }
+
     void put(std::string_view piece) {
         need(piece.size());
         corvel::copyBytes(out, piece.data(), piece.size());
         out += piece.size();
     }
 
-    /// Takes over bytes from `at` up to the first that is `a`, `b` or `c`, or to `end`.
-    void putRun(const char*& at, const char* end, char a, char b, char c) {
+    /// Takes over bytes from `at` up to the first that is one of `bytes`, or to `end`.
+    template <typename... Byte>
+    void putRun(const char*& at, const char* end, Byte... bytes) {
         do {
             need(1);
             const std::ptrdiff_t count = std::min(limit - out, end - at);
-            corvel::copyUntilAny(at, at + count, out, a, b, c);
-        } while (at != end && *at != a && *at != b && *at != c);
+            corvel::copyUntilAny(at, at + count, out, bytes...);
+        } while (at != end && (... && (*at != bytes)));
     }
 
 private:

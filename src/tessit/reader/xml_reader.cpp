@@ -2,7 +2,7 @@
 
 #include <istream>
 
-#include <tessit/reader/engine.h>
+#include <tessit/reader/conforming.h>
 
 constinit const QeXmlName QeXmlReader::NullName;
 
@@ -22,26 +22,47 @@ QeXmlReader::QeXmlReader(std::span<const unsigned char> document) : engine(std::
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 
+// Programs of later versions pass more fields than this library has; those of earlier ones, fewer: fields that are
+// appended from now on are looked at only where `passed.size` says that they are there.
+QeXmlReader::QeXmlReader(std::istream& in, const Passed& passed)
+    : engine(std::make_unique<Engine>(*this, passed.fields)) {
+    ownedDocument.readFile(in);
+    open(ownedDocument);
+}
+
+QeXmlReader::QeXmlReader(const QeCString& document, const Passed& passed)
+    : ownedDocument(document), engine(std::make_unique<Engine>(*this, passed.fields)) {
+    open(ownedDocument);
+}
+
+QeXmlReader::QeXmlReader(std::span<const unsigned char> document, const Passed& passed)
+    : engine(std::make_unique<Engine>(*this, passed.fields)) {
+    open({reinterpret_cast<const char*>(document.data()), document.size()});
+}
+
 QeXmlReader::~QeXmlReader() = default;
 
 void QeXmlReader::open(std::string_view document) {
-    engine->input.take(document);
     namespaceStack.pushScope();  // the document's own
+    if (isConforming) return engine->openConforming(document);
+    engine->input.take(document);
     engine->readProlog();
 }
 
 void QeXmlReader::skipSpace() noexcept {
+    if (isConforming) return engine->passOutsideOfRoot();
     while (cursor != bufferEnd && tessit::isSpace(*cursor))
         ++cursor;
 }
 
 void QeXmlReader::setMatchTags(bool match) noexcept {
+    if (isConforming) return;
     engine->matchesTags = match;
     engine->openElements.clear();
 }
 
 bool QeXmlReader::getMatchTags() const noexcept {
-    return engine->matchesTags;
+    return engine->matchesTags || isConforming;
 }
 
 QeCString QeXmlReader::getOpenElement() const {

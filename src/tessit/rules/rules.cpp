@@ -92,20 +92,29 @@ QeCString messageFor(Rule rule, std::string_view found) {
     return message;
 }
 
+// Goes on from the last place that was counted, unless that is behind this one.
+const Source::Counted& countTo(const Source& source, const char* place) {
+    Source::Counted& counted = source.counted;
+    if (counted.upTo == nullptr || counted.upTo > place) {
+        const char* const first = source.linesFrom != nullptr ? source.linesFrom : source.begin();
+        counted = {first, first, 1};
+    }
+    for (const char* at = counted.upTo; (at = corvel::findAny(at, place, '\n', '\r')) != place;) {
+        at += *at == '\r' && at + 1 != source.end() && at[1] == '\n' ? 2 : 1;
+        if (at > place) return counted;  // between the two bytes of a line end
+        counted = {at, at, counted.line + 1};
+    }
+    counted.upTo = place;
+    return counted;
+}
+
 // The place in the text of which lines and columns are told: what an internal entity brought has none of its own.
 QeXmlPlace placeIn(const Source& source, const char* place) {
     const Source* told = &source;
     for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
         place = told->reference;
-    std::uint64_t line = 1;
-    const char* lineStart = told->linesFrom != nullptr ? told->linesFrom : told->begin();
-    for (const char* at = lineStart; (at = corvel::findAny(at, place, '\n', '\r')) != place;) {
-        at += *at == '\r' && at + 1 != told->end() && at[1] == '\n' ? 2 : 1;
-        if (at > place) break;  // between the two bytes of a line end
-        ++line;
-        lineStart = at;
-    }
-    return {told->name, line, static_cast<std::uint64_t>(place - lineStart) + 1};
+    const Source::Counted& here = countTo(*told, place);
+    return {told->name, here.line, static_cast<std::uint64_t>(place - here.lineStart) + 1};
 }
 
 // The text whose reference a reader would want to see besides: that of the entity from outside in which the place is.
@@ -126,13 +135,16 @@ const char* messageOf(Rule rule) noexcept {
     return textOf(rule).message;
 }
 
-void refuse(const Source& source, const char* place, Rule rule, std::string_view found) {
-    const QeCString message = messageFor(rule, found);
+void raiseIn(const Source& source, const char* place, const QeCString& message) {
     const QeXmlPlace where = placeIn(source, place);
-    if (const Source* outside = outsideOf(source))
-        throw QeXmlParseError(message, where,
-                              {"the entity was referred to here", placeIn(*outside->parent, outside->reference)});
-    throw QeXmlParseError(message, where);
+    const Source* const outside = outsideOf(source);
+    if (outside == nullptr) throw QeXmlParseError(message, where);
+    throw QeXmlParseError(message, where,
+                          {"the entity was referred to here", placeIn(*outside->parent, outside->reference)});
+}
+
+void refuse(const Source& source, const char* place, Rule rule, std::string_view found) {
+    raiseIn(source, place, messageFor(rule, found));
 }
 
 void refuseEnd(const Source& source) {

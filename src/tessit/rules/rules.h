@@ -71,7 +71,10 @@ std::string_view nameOf(Rule rule) noexcept;
 /// What is said where it is broken.
 const char* messageOf(Rule rule) noexcept;
 
-/// Throws `QeXmlParseError`: what the rule says, with what was found there, and the place. Where the source is what an
+/// Throws `QeXmlParseError` with this text and the place.
+[[noreturn]] void raiseIn(const Source& source, const char* place, const QeCString& message);
+
+/// The same: what the rule says, with what was found there, and the place. Where the source is what an
 /// entity brought, the place of the reference goes along; for one that has no places of its own, it is the place.
 [[noreturn]] void refuse(const Source& source, const char* place, Rule rule, std::string_view found = {});
 

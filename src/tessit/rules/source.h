@@ -27,6 +27,14 @@ struct Source {
     /// written as a character reference: it is not to be normalised.
     bool hasPlaces = true;
 
+    /// The lines in front of a place, as they were counted for the last error: a program may raise any number of them.
+    struct Counted {
+        const char* upTo = nullptr;
+        const char* lineStart = nullptr;
+        std::uint64_t line = 1;
+    };
+    mutable Counted counted{};
+
     const char* begin() const noexcept { return text.data(); }
     const char* end() const noexcept { return text.data() + text.size(); }
 };

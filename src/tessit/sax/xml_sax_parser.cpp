@@ -5,6 +5,16 @@
 
 void QeXmlContentHandler::prolog(const QeXmlProlog&) {}
 
+void QeXmlLexicalHandler::comment(const QeCString&) {}
+void QeXmlLexicalHandler::instruction(const QeCString&, const QeCString&) {}
+void QeXmlLexicalHandler::documentType(const QeXmlDocumentType&) {}
+void QeXmlLexicalHandler::cdataSection(const QeCString&) {}
+void QeXmlLexicalHandler::entityReference(const QeCString&) {}
+
+struct QeXmlSAXParser::Settings {
+    QeXmlLexicalHandler* lexicalHandler = nullptr;
+};
+
 namespace {
 
 QeXmlProlog prologOf(const QeXmlReader& reader) {
@@ -15,14 +25,46 @@ QeXmlProlog prologOf(const QeXmlReader& reader) {
     return prolog;
 }
 
+// What only those nodes hold that a reader delivers to who asks for them.
+void reportMarkup(QeXmlLexicalHandler& handler, const QeXmlReader& reader) {
+    switch (reader.getLastNodeType()) {
+        case QeXmlReader::Comment:
+            return handler.comment(reader.getLastContent());
+        case QeXmlReader::Instruction:
+            return handler.instruction(reader.getLastTarget(), reader.getLastContent());
+        case QeXmlReader::DocumentType:
+            return handler.documentType(reader.getDocumentType());
+        case QeXmlReader::CDATASection:
+            return handler.cdataSection(reader.getLastContent());
+        case QeXmlReader::EntityReference:
+            return handler.entityReference(reader.getLastTarget());
+        default:
+            return;
+    }
+}
+
 std::span<const unsigned char> bytesOf(const QeCString& text) {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.length()};
 }
 
 }  // namespace
 
+void QeXmlSAXParser::setLexicalHandler(QeXmlLexicalHandler* handler) {
+    settings = std::make_shared<const Settings>(Settings{handler});
+}
+
+QeXmlLexicalHandler* QeXmlSAXParser::getLexicalHandler() const noexcept {
+    return settings == nullptr ? nullptr : settings->lexicalHandler;
+}
+
 void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
-    QeXmlReader reader(bytesOf(text));
+    parseWith(bytesOf(text), {}, sizeof(QeXmlReaderOptions));
+}
+
+// Each node becomes one or two calls.
+void QeXmlSAXParser::parseWith(std::span<const unsigned char> document, const QeXmlReaderOptions& options,
+                               std::size_t /*size*/) {
+    QeXmlReader reader(document, options);
     reader.setExpandAttributeReference(expandAttributeReference);
     reader.setMatchTags(true);
     if (contentHandler != nullptr && !reader.getVersion().empty()) contentHandler->prolog(prologOf(reader));
@@ -44,8 +86,8 @@ void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
             case QeXmlReader::Content:
                 if (contentHandler != nullptr) contentHandler->content(reader.getLastContent());
                 break;
-            case QeXmlReader::NoNode:
-                break;
+            default:
+                if (QeXmlLexicalHandler* handler = getLexicalHandler()) reportMarkup(*handler, reader);
         }
     }
 }

@@ -111,10 +111,9 @@ private:
                 return sameName(a.getLastName(), b.getLastName());
             case QeXmlReader::Content:
                 return lastTags != Tags::Start || a.getLastContent() == b.getLastContent();
-            case QeXmlReader::NoNode:
-                break;
+            default:
+                return true;  // nothing was read yet; lenient readers deliver nothing else
         }
-        return true;
     }
 
     QeXmlReader a;

@@ -1,0 +1,97 @@
+// A conforming reader from its begin on, the fault that stays, and what its program asks it.
+
+#include <algorithm>
+#include <utility>
+
+#include <tessit/reader/conforming_nodes.h>
+
+namespace {
+
+tessit::DeclarationSettings settingsOf(const QeXmlReaderOptions& options) {
+    tessit::DeclarationSettings settings;
+    settings.namespaces = options.namespaces;
+    settings.resolver = options.resolver;
+    settings.named = options.entities;
+    settings.expansionFactor = options.expansionFactor;
+    settings.freeExpansion = options.freeExpansion;
+    settings.entityDepth = options.entityDepth;
+    return settings;
+}
+
+}  // namespace
+
+QeXmlReader::Engine::Conforming::Conforming(const QeXmlReaderOptions& given)
+    : options(given), declared(settingsOf(options)), tags(declared, options.namespaces) {}
+
+void QeXmlReader::Engine::openConforming(std::string_view bytes) {
+    tessit::DecodedText& document = conforming->document;
+    document.source.name = conforming->options.sourceName;
+    decodeText(document, bytes, conforming->options.encoding);
+    reader.encoding = document.encoding;
+    if (conforming->options.namespaces) bindings.declare("xml", "http://www.w3.org/XML/1998/namespace");
+    input.enter(document.source, document.source.begin());
+    ConformingNodes(*this).readProlog();
+}
+
+// The first fault stays, whatever the program calls behind it; so does what a resolver or a lack of memory has broken
+// off.
+template <typename Read>
+void QeXmlReader::Engine::withoutFault(const Read& read) {
+    if (conforming->fault != nullptr) std::rethrow_exception(conforming->fault);
+    try {
+        read();
+    } catch (...) {
+        conforming->fault = std::current_exception();
+        throw;
+    }
+}
+
+void QeXmlReader::Engine::readConformingContent() {
+    withoutFault([this] { ConformingNodes(*this).readContent(); });
+}
+
+void QeXmlReader::takePendingOrConforming() {
+    if (!std::exchange(nodePending, false)) readNextConforming();
+}
+
+// Asked outside of the root element by `eof`, which raises nothing: a fault there is for the next reading call.
+void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
+    if (conforming->phase != Conforming::InEpilog || conforming->fault != nullptr) return;
+    try {
+        withoutFault([this] { ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave); });
+    } catch (...) {
+        return;  // it is kept
+    }
+}
+
+// Within an entity, the place in the document is that behind the reference which brought it.
+const char* QeXmlReader::Engine::positionInDocument() const noexcept {
+    if (conforming == nullptr || conforming->entities.empty()) return input.position();
+    return conforming->entities.front().resume;
+}
+
+const QeCString& QeXmlReader::getLastTarget() const noexcept {
+    return !isConforming ? QeXmlAttributeSet::EmptyString : engine->conforming->target;
+}
+
+const QeXmlDocumentType& QeXmlReader::getDocumentType() const noexcept {
+    static constinit const QeXmlDocumentType None;
+    return !isConforming ? None : engine->conforming->documentType;
+}
+
+bool QeXmlReader::isSpecified(const QeXmlAttribute& attribute) const {
+    return !isConforming || !engine->conforming->tags.isDefault(attribute.getName().asString());
+}
+
+std::vector<QeXmlLeftReference> QeXmlReader::getLeftReferences(const QeXmlAttribute& attribute) const {
+    std::vector<QeXmlLeftReference> references;
+    if (!isConforming) return references;
+    const QeCString name = attribute.getName().asString();
+    for (const auto& [left, reference] : engine->conforming->tags.leftReferences())
+        if (name == left) references.push_back({reference.offset, reference.length});
+    return references;
+}
+
+bool QeXmlReader::isInEntity() const noexcept {
+    return isConforming && !engine->conforming->entities.empty();
+}

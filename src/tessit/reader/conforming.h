@@ -1,0 +1,46 @@
+#pragma once
+
+#include <exception>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <tessit/dtd/declarations.h>
+#include <tessit/reader/conforming_tags.h>
+#include <tessit/reader/engine.h>
+#include <tessit/rules/decoded_text.h>
+
+/// What a conforming reader has besides a lenient one: the options, what the document type
+/// declares, and the entities that are being read. Knows nothing of tags.
+struct QeXmlReader::Engine::Conforming {
+    enum Phase { InProlog, InRoot, InEpilog };
+
+    // An entity whose replacement text is being read, and where the reading goes on behind it.
+    struct OpenEntity {
+        tessit::Entity* entity;
+        const char* resume;
+        std::ptrdiff_t depth;  // of the elements that are open around it
+    };
+
+    explicit Conforming(const QeXmlReaderOptions& given);
+
+    const tessit::Source& source() const noexcept {
+        return entities.empty() ? document.source : entities.back().entity->source;
+    }
+
+    bool delivers(QeXmlNodes node) const noexcept {
+        return (static_cast<std::uint32_t>(options.nodes) & static_cast<std::uint32_t>(node)) != 0;
+    }
+
+    QeXmlReaderOptions options;
+    tessit::DecodedText document;
+    tessit::Declared declared;
+    tessit::ConformingTags tags;
+    QeXmlDocumentType documentType;
+    bool documentTypeWasRead = false;
+    Phase phase = InProlog;
+    std::vector<OpenEntity> entities;  // outermost first
+    const char* end = nullptr;         // of what is being read; the reader's own is set once the document is complete
+    QeCString target;
+    std::exception_ptr fault;  // the first one: each reading call raises it again
+};

@@ -1,0 +1,157 @@
+// What is neither tag nor text, by the conforming rules, and what stands outside of the root element.
+
+#include <tessit/reader/conforming_nodes.h>
+#include <tessit/reader/text_builder.h>
+
+using tessit::Rule;
+using tessit::StrictScanner;
+
+namespace {
+
+constexpr std::string_view CommentBegin = "<!--", CDATABegin = "<![CDATA[", DocumentTypeBegin = "<!DOCTYPE";
+
+}  // namespace
+
+void QeXmlReader::Engine::ConformingNodes::readProlog() {
+    StrictScanner scanner(source(), position());
+    if (scanner.isAtDeclaration()) {
+        const StrictScanner::Declaration declaration = scanner.readXmlDeclaration();
+        reader.version.assign(declaration.version);
+        reader.encodingDeclared = !declaration.encoding.empty();
+        reader.standaloneDeclared = !declaration.standalone.empty();
+        reader.standalone.assign(declaration.standalone);
+        goBackTo(scanner.position());
+    }
+    state.declared.beginDocument(source().text.size(), reader.standalone == "yes");
+    passOutside(Others::Leave);
+}
+
+// Whether the text stands here; where the source ends in it, the end is refused.
+bool QeXmlReader::Engine::ConformingNodes::beginsWith(std::string_view text) {
+    const std::string_view here(position(), static_cast<std::size_t>(limit() - position()));
+    if (here.size() < text.size() && text.starts_with(here)) refuseEnd();
+    return here.starts_with(text);
+}
+
+bool QeXmlReader::Engine::ConformingNodes::isCommentHere() {
+    return beginsWith(CommentBegin);
+}
+
+void QeXmlReader::Engine::ConformingNodes::requireCDATA() {
+    if (beginsWith(CDATABegin)) return;
+    refuse(beginsWith(DocumentTypeBegin) ? Rule::DocumentTypePlace : Rule::Markup);
+}
+
+// Entered at "<!" or "<?" inside the root element.
+bool QeXmlReader::Engine::ConformingNodes::readMarkup() {
+    if (position()[1] == '?') return readInstruction(Others::Deliver);
+    if (isCommentHere()) return readComment(Others::Deliver);
+    requireCDATA();
+    if (!state.delivers(QeXmlNodes::CDATASections)) return readLongText(Others::Deliver);
+    reader.lastContent.clear();
+    readCDATA(reader.lastContent);
+    reader.lastNodeType = CDATASection;
+    return true;
+}
+
+// Passes what may stand outside of the root element. Whether a node was delivered, or stands here to be.
+bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
+    for (;;) {
+        skipSpace();
+        if (atEnd()) {
+            if (state.phase == Conforming::InProlog || source().endsBy != Rule::None) refuseEnd();
+            reader.bufferEnd = position();  // the document is complete
+            return false;
+        }
+        if (peek() != '<') refuse(Rule::TextOutsideRoot);
+        if (limit() - position() < 2) refuseEnd();
+        const char kind = position()[1];
+        if (kind == '/') refuse(Rule::EndTag);
+        if (kind != '?' && kind != '!') {
+            if (state.phase == Conforming::InEpilog) refuse(Rule::SecondRoot);
+            return false;
+        }
+        if (kind == '?' ? readInstruction(others) : readMarkupOutside(others)) return true;
+    }
+}
+
+bool QeXmlReader::Engine::ConformingNodes::readMarkupOutside(Others others) {
+    if (isCommentHere()) return readComment(others);
+    if (beginsWith(CDATABegin)) refuse(Rule::CDATAOutsideRoot);
+    if (!beginsWith(DocumentTypeBegin)) refuse(Rule::Markup);
+    if (state.phase != Conforming::InProlog || state.documentTypeWasRead) refuse(Rule::DocumentTypePlace);
+    return readDocumentType(others);
+}
+
+// Whether a node of that kind was delivered, or stands here to be; else it is to be passed.
+bool QeXmlReader::Engine::ConformingNodes::isLeft(Others others, QeXmlNodes kind) const {
+    return others == Others::Leave && state.delivers(kind);
+}
+
+bool QeXmlReader::Engine::ConformingNodes::readComment(Others others) {
+    if (isLeft(others, QeXmlNodes::Comments)) return true;
+    StrictScanner scanner(source(), position() + CommentBegin.size());
+    const std::string_view text = scanner.readComment();
+    goBackTo(scanner.position());
+    if (others == Others::Pass || !state.delivers(QeXmlNodes::Comments)) return false;
+    deliver(Comment, text);
+    return true;
+}
+
+bool QeXmlReader::Engine::ConformingNodes::readInstruction(Others others) {
+    if (isLeft(others, QeXmlNodes::Instructions)) return true;
+    StrictScanner scanner(source(), position() + std::string_view("<?").size());
+    const auto [target, data] = scanner.readInstruction(state.options.namespaces);
+    goBackTo(scanner.position());
+    if (others == Others::Pass || !state.delivers(QeXmlNodes::Instructions)) return false;
+    state.target.assign(target);
+    deliver(Instruction, data);
+    return true;
+}
+
+// The declaration is read in one go: it is delivered, or not, behind it.
+bool QeXmlReader::Engine::ConformingNodes::readDocumentType(Others others) {
+    if (isLeft(others, QeXmlNodes::DocumentType)) return true;
+    StrictScanner scanner(source(), position() + DocumentTypeBegin.size());
+    state.documentTypeWasRead = true;
+    state.declared.get().readDocumentType(scanner, state.documentType);
+    goBackTo(scanner.position());
+    if (others == Others::Pass || !state.delivers(QeXmlNodes::DocumentType)) return false;
+    state.target = state.documentType.name;
+    deliver(DocumentType, {});
+    return true;
+}
+
+// Makes the text the last content, with line ends made one line feed.
+void QeXmlReader::Engine::ConformingNodes::deliver(NodeType type, std::string_view text) {
+    reader.lastNodeType = type;
+    reader.lastContent.clear();
+    appendAsWritten(reader.lastContent, text);
+}
+
+void QeXmlReader::Engine::ConformingNodes::appendAsWritten(QeCString& target, std::string_view text) {
+    if (!source().hasPlaces) {
+        target += text;
+        return;
+    }
+    tessit::TextBuilder builder(target);
+    const char* at = text.data();
+    const char* const textEnd = at + text.size();
+    while (at != textEnd) {
+        builder.putRun(at, textEnd, '\r');
+        if (at == textEnd) return;
+        if (++at == textEnd || *at != '\n') builder.put('\n');
+    }
+}
+
+// Entered at "<!["; appends the section's text. Looks for the '>' and then back, so that runs of ']' cost nothing.
+void QeXmlReader::Engine::ConformingNodes::readCDATA(QeCString& text) {
+    requireCDATA();
+    const char* const start = position() + CDATABegin.size();
+    for (const char* at = start; (at = corvel::findByte(at, limit(), '>')) != limit(); ++at) {
+        if (at - start < 2 || at[-1] != ']' || at[-2] != ']') continue;
+        appendAsWritten(text, {start, static_cast<std::size_t>(at - 2 - start)});
+        return goBackTo(at + 1);
+    }
+    refuseEnd();
+}

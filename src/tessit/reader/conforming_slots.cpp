@@ -1,0 +1,146 @@
+// The attributes of a tag by the conforming rules, and into the same slots: names that are
+// known are compared here, too. Where attributes are declared for the element, each is looked up.
+
+#include <corvel/compiler.h>
+#include <tessit/reader/conforming_tags.h>
+#include <tessit/reader/tag_slots.h>
+
+namespace tessit {
+
+namespace {
+
+constexpr std::string_view Xmlns = "xmlns";
+
+}  // namespace
+
+TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& input, bool expands, ConformingTags& rules,
+                                             const Source& source) {
+    useShapeOf(element);
+    if (rules.areDeclared()) return readAny(element, input, expands, rules, source);
+    rules.openTag();
+    if (mayBeKnown()) {
+        Scanner scanner(input);
+        const char* const start = scanner.position();
+        if (readKnown(scanner, expands, rules, source)) return;
+        scanner.goBackTo(start);
+        noteMiss();
+    }
+    readAny(element, input, expands, rules, source);
+}
+
+// As for a lenient reader; here, white space is asked for. No name stands twice in a shape, and all are bound.
+inline bool TagSlots::readKnown(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source) {
+    takeSlots(shape->expectedCount);
+    QeXmlAttribute* const slots = ModelAccess::slotsOf(attributes).begin();
+    for (const TagShape::Entry& expected : shape->expected()) {
+        if (scanner.atEnd() || !isSpace(scanner.peek())) return false;
+        if (!scanner.passExpectedName(expected.name)) return false;
+        QeCString& value = ModelAccess::valueOf(slots[expected.slot]);
+        if (scanner.readPlainValueInto(value)) continue;
+        if (!readOtherValueInto(value, scanner, expands, rules, source)) return false;
+        rules.keepLeft(expected.name, 0);
+    }
+    scanner.skipSpace();
+    if (scanner.atEnd() || (scanner.peek() != '>' && scanner.peek() != '/')) return false;
+    ModelAccess::lookAtLocalNames(attributes);
+    shape->skippedAfterMiss = 0;
+    return true;
+}
+
+// What is wrong with a value is said in its turn: other tags are read again from their beginning then.
+TESSIT_NOINLINE bool TagSlots::readOtherValueInto(QeCString& value, Scanner& scanner, bool expands,
+                                                  ConformingTags& rules, const Source& source) {
+    if (scanner.atEnd() || (scanner.peek() != '"' && scanner.peek() != '\'')) return false;
+    scanner.apart([&](Scanner& other) { rules.readValueInto(value, other, source, expands); });
+    return true;
+}
+
+TESSIT_NOINLINE void TagSlots::readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules,
+                                       const Source& source) {
+    Scanner scanner(input);
+    rawAttributes.clear();
+    rawAttributes.reserve(Few);
+    valueScratch.clear();
+    const AttributeList* const list = rules.openTag(element.whole());
+    for (;;) {
+        const char* const before = scanner.position();
+        scanner.skipSpace();
+        if (scanner.atEnd()) refuseEnd(source);
+        if (scanner.peek() == '>' || scanner.peek() == '/') break;
+        if (scanner.position() == before) refuse(source, before, Rule::WhiteSpace);
+        readAttribute(scanner, expands, rules, source, list);
+    }
+    const char* const tagEnd = scanner.position();
+    if (*tagEnd == '/') {
+        if (tagEnd + 1 == source.end()) refuseEnd(source);
+        if (tagEnd[1] != '>') refuse(source, tagEnd + 1, Rule::Attribute);
+    }
+    if (list != nullptr) addDefaults(*list, rules, source, tagEnd);
+    writeChecked(element, rules, source, tagEnd, list == nullptr);
+}
+
+void TagSlots::readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source,
+                             const AttributeList* list) {
+    const RawName name = readConformingName(scanner, source, rules.readsNamespaces());
+    scanner.skipSpace();
+    if (scanner.atEnd()) refuseEnd(source);
+    if (scanner.peek() != '=') refuse(source, scanner.position(), Rule::Attribute, name.whole());
+    scanner.skip(1);
+    scanner.skipSpace();
+    const std::size_t scratchLength = valueScratch.length();
+    std::string_view value = rules.readValue(valueScratch, scanner, source, expands);
+    if (const DeclaredAttribute* declared = list == nullptr ? nullptr : list->find(name.whole())) {
+        if (declared->isTokenized && value.data() != nullptr) valueScratch += std::exchange(value, {});
+        rules.apply(*declared, valueScratch, scratchLength);
+    }
+    rules.keepLeft(name.whole(), scratchLength);
+    const std::size_t length = value.data() != nullptr ? value.size() : valueScratch.length() - scratchLength;
+    rawAttributes.push_back({name, value.data(), length});
+    declare(rawAttributes.back(), rules, source, name.data);
+}
+
+void TagSlots::declare(const RawAttribute& attribute, ConformingTags& rules, const Source& source, const char* place) {
+    if (!attribute.name.whole().starts_with(Xmlns) || !rules.readsNamespaces()) return;
+    if (attribute.name.whole() != Xmlns && attribute.name.prefix() != Xmlns) return;
+    rules.checkDeclaration(attribute.name, valueOf(attribute), source, place);
+    declare(attribute);
+}
+
+void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, const Source& source, const char* tagEnd) {
+    const std::size_t specified = rawAttributes.size();
+    rules.addDefaults(rawAttributes, list, source, tagEnd);
+    for (std::size_t i = specified; i < rawAttributes.size(); ++i)
+        declare(rawAttributes[i], rules, source, tagEnd);
+}
+
+// What needs the whole tag is looked at now, in this order: prefixes, then what stands twice.
+void TagSlots::writeChecked(const RawName& element, ConformingTags& rules, const Source& source, const char* tagEnd,
+                            bool mayLearn) {
+    rules.checkPrefixes(element, rawAttributes, bindings, source, tagEnd);
+    if (rawAttributes.empty()) return writeNoAttributes();
+    const std::span<const Ordered> ordered = putInOrder();
+    checkDuplicates(ordered, rules, source, tagEnd);
+    writeInOrder(ordered, mayLearn);
+}
+
+// Attributes with one local name stand together.
+void TagSlots::checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const Source& source,
+                               const char* tagEnd) {
+    const auto haveOneName = [](const Ordered& left, const Ordered& right) {
+        return left.key == right.key && left.attribute->name.local() == right.attribute->name.local();
+    };
+    for (auto first = ordered.begin(); first != ordered.end();) {
+        auto last = first + 1;
+        while (last != ordered.end() && haveOneName(*first, *last))
+            ++last;
+        if (last - first > 1) {
+            sameLocalName.clear();
+            for (; first != last; ++first)
+                sameLocalName.push_back(first->attribute);
+            rules.checkDuplicates(sameLocalName, bindings, source, tagEnd);
+        }
+        first = last;
+    }
+}
+
+}  // namespace tessit

@@ -1,0 +1,183 @@
+#include <algorithm>
+#include <functional>
+
+#include <corvel/byte_scan.h>
+#include <tessit/reader/conforming_tags.h>
+#include <tessit/rules/name_chars.h>
+#include <tessit/rules/strict_scanner.h>
+
+namespace tessit {
+
+namespace {
+
+constexpr std::string_view Xml = "xml", Xmlns = "xmlns";
+constexpr std::string_view XmlURI = "http://www.w3.org/XML/1998/namespace";
+constexpr std::string_view XmlnsURI = "http://www.w3.org/2000/xmlns/";
+
+bool standsForItself(std::string_view literal) noexcept {
+    const char* const end = literal.data() + literal.size();
+    return corvel::findAny(literal.data(), end, '&', '\t', '\n', '\r') == end;
+}
+
+// A value as written, with white space as it is delivered.
+void appendAsWritten(QeCString& value, std::string_view literal) {
+    for (std::size_t at = 0; at != literal.size(); ++at) {
+        const char byte = literal[at];
+        if (byte == '\r' && at + 1 != literal.size() && literal[at + 1] == '\n') continue;
+        value += byte == '\t' || byte == '\n' || byte == '\r' ? ' ' : byte;
+    }
+}
+
+}  // namespace
+
+void checkColons(const RawName& name, const Source& source) {
+    const std::string_view local = name.local();
+    const char* const end = local.data() + local.size();
+    const char* const second = corvel::findByte(local.data(), end, ':');
+    if (second != end) refuse(source, second, Rule::Colon, name.whole());
+    if (name.localStart == 1 || local.empty() || !startsStrictName(characterAt(local.data()).character))
+        refuse(source, name.data + name.localStart - 1, Rule::Colon, name.whole());
+}
+
+RawName readLongConformingName(Scanner& scanner, const Source& source, bool namespaces) {
+    StrictScanner strict(source, scanner.position());
+    const RawName name = RawName::of(strict.readName(), namespaces);
+    scanner.goBackTo(strict.position());
+    if (name.localStart != 0) checkColons(name, source);
+    return name;
+}
+
+const AttributeList* ConformingTags::openTag(std::string_view element) {
+    openTag();
+    ++tagNumber;
+    return declared.hasAttributes() ? declared.get().attributesOf(element) : nullptr;
+}
+
+namespace {
+
+// Passes a value and its quotes.
+std::string_view passLiteral(Scanner& scanner, const Source& source) {
+    if (scanner.atEnd()) refuseEnd(source);
+    const char quote = scanner.peek();
+    if (quote != '"' && quote != '\'') refuse(source, scanner.position(), Rule::Attribute);
+    const char* const start = scanner.position() + 1;
+    const char* const stop = corvel::findAny(start, scanner.limit(), quote, '<');
+    if (stop == scanner.limit()) refuseEnd(source);
+    scanner.goBackTo(stop + 1);
+    return {start, static_cast<std::size_t>(stop - start)};
+}
+
+}  // namespace
+
+void ConformingTags::append(QeCString& value, std::string_view literal, const Source& source, bool expands) {
+    leftInValue.clear();
+    if (expands) return declared.get().appendValue(value, source, literal, &leftInValue);
+    checked.clear();
+    declared.get().appendValue(checked, source, literal, nullptr);
+    appendAsWritten(value, literal);
+}
+
+void ConformingTags::readValueInto(QeCString& value, Scanner& scanner, const Source& source, bool expands) {
+    const std::string_view literal = passLiteral(scanner, source);
+    if (literal.data()[literal.size()] != '<' && standsForItself(literal)) {
+        value.assign(literal);
+        return;
+    }
+    value.clear();
+    append(value, literal, source, expands);
+    if (literal.data()[literal.size()] == '<') refuse(source, literal.data() + literal.size(), Rule::LessThanInValue);
+}
+
+std::string_view ConformingTags::readValue(QeCString& scratch, Scanner& scanner, const Source& source, bool expands) {
+    const std::string_view literal = passLiteral(scanner, source);
+    const bool isCut = literal.data()[literal.size()] == '<';
+    if (!isCut && standsForItself(literal)) return literal;
+    append(scratch, literal, source, expands);
+    if (isCut) refuse(source, literal.data() + literal.size(), Rule::LessThanInValue);
+    return {};
+}
+
+void ConformingTags::apply(const DeclaredAttribute& attribute, QeCString& scratch, std::size_t from) {
+    attribute.seenInTag = tagNumber;
+    if (attribute.isTokenized) Declarations::tokenize(scratch, from, &leftInValue);
+}
+
+void ConformingTags::keepLeft(std::string_view name, std::size_t from) {
+    for (const auto& [offset, length] : leftInValue)
+        leftOver.push_back({name, {offset - from, length}});
+    leftInValue.clear();
+}
+
+bool ConformingTags::isDefault(std::string_view name) const noexcept {
+    return std::find(defaulted.begin(), defaulted.end(), name) != defaulted.end();
+}
+
+void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const Source& source,
+                                 const char* tagEnd) {
+    for (const std::size_t number : list.defaults) {
+        const DeclaredAttribute& attribute = list.begin()[static_cast<std::ptrdiff_t>(number)];
+        if (attribute.seenInTag == tagNumber) continue;
+        declared.get().charge(attribute.defaultValue.length(), source, tagEnd);
+        const std::string_view name(attribute.name);
+        const std::string_view value(attribute.defaultValue);
+        attributes.push_back({RawName::of(name, namespaces), value.data(), value.size()});
+        defaulted.push_back(name);
+        for (const LeftReference& reference : attribute.left)
+            leftOver.push_back({name, reference});
+    }
+}
+
+void ConformingTags::checkDeclaration(const RawName& name, std::string_view uri, const Source& source,
+                                      const char* place) const {
+    const bool isDefault = name.whole() == Xmlns;
+    const std::string_view prefix = isDefault ? std::string_view() : name.local();
+    if (prefix == Xmlns || (prefix == Xml && uri != XmlURI)) refuse(source, place, Rule::ReservedPrefix, name.whole());
+    if (!isDefault && uri.empty()) refuse(source, place, Rule::EmptyPrefixDeclaration, prefix);
+    if (uri == XmlnsURI || (uri == XmlURI && prefix != Xml))
+        refuse(source, place, Rule::ReservedNamespace, name.whole());
+}
+
+// A default stands in the declarations: its place is the tag's end.
+const char* ConformingTags::placeOf(const RawAttribute& attribute, const char* tagEnd) const {
+    const bool isDefault = std::any_of(defaulted.begin(), defaulted.end(),
+                                       [&](std::string_view name) { return name.data() == attribute.name.data; });
+    return isDefault ? tagEnd : attribute.name.data;
+}
+
+void ConformingTags::checkPrefixes(const RawName& element, std::span<const RawAttribute> attributes, Bindings& bindings,
+                                   const Source& source, const char* tagEnd) const {
+    if (!element.prefix().empty() && bindings.find(element.prefix(), source.end()) == nullptr)
+        refuse(source, element.data, Rule::UnboundPrefix, element.prefix());
+    for (const RawAttribute& attribute : attributes) {
+        const std::string_view prefix = attribute.name.prefix();
+        if (prefix.empty() || prefix == Xmlns || bindings.find(prefix, source.end()) != nullptr) continue;
+        refuse(source, placeOf(attribute, tagEnd), Rule::UnboundPrefix, prefix);
+    }
+}
+
+// Of names as written, and of those in one namespace, whatever their prefixes. Declarations are in a namespace of their
+// own, which no prefix can be bound to.
+void ConformingTags::checkDuplicates(std::span<RawAttribute* const> sameLocalName, Bindings& bindings,
+                                     const Source& source, const char* tagEnd) {
+    expanded.clear();
+    for (const RawAttribute* attribute : sameLocalName) {
+        const std::string_view prefix = attribute->name.prefix();
+        const bool isInNone = prefix.empty() || prefix == Xmlns;
+        const QeXmlNamespace* const binding = isInNone ? nullptr : bindings.find(prefix, source.end());
+        const std::size_t hash =
+            binding == nullptr ? attribute->name.length : std::hash<QeCString>()(binding->getURI());
+        expanded.push_back({hash, binding, attribute});
+    }
+    std::ranges::sort(expanded, [](const Expanded& left, const Expanded& right) {
+        return left.hash != right.hash ? left.hash < right.hash : left.attribute < right.attribute;
+    });
+    for (std::size_t i = 1; i < expanded.size(); ++i) {
+        const Expanded &left = expanded[i - 1], &right = expanded[i];
+        if (left.hash != right.hash || (left.binding == nullptr) != (right.binding == nullptr)) continue;
+        if (left.binding == nullptr ? left.attribute->name.whole() == right.attribute->name.whole()
+                                    : left.binding->getURI() == right.binding->getURI())
+            refuse(source, placeOf(*right.attribute, tagEnd), Rule::DuplicateAttribute, right.attribute->name.whole());
+    }
+}
+
+}  // namespace tessit

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <tessit/reader/bindings.h>
+#include <tessit/reader/declared.h>
+#include <tessit/reader/name_scan.h>
+#include <tessit/reader/raw_attribute.h>
+#include <tessit/reader/scanner.h>
+#include <tessit/rules/rules.h>
+
+namespace tessit {
+
+/// What the conforming rules say of the attributes of a tag: how a value is to be read, which
+/// ones are declared, what namespaces ask for, and that none stands twice. Works for the tag
+/// slots, which know where attributes go.
+class ConformingTags {
+public:
+    ConformingTags(Declared& ofDocument, bool readsNamespaces) : declared(ofDocument), namespaces(readsNamespaces) {}
+
+    bool readsNamespaces() const noexcept { return namespaces; }
+
+    /// Whether attributes are declared for any element.
+    bool areDeclared() const noexcept { return declared.hasAttributes(); }
+
+    /// Begins with a tag whose attributes are not declared.
+    void openTag() noexcept {
+        defaulted.clear();
+        leftOver.clear();
+    }
+
+    /// Begins with a tag; what is declared for its element, or null.
+    const AttributeList* openTag(std::string_view element);
+
+    /// Reads a value with its quotes into `value`, in front of which the scanner stands; `expands` says whether
+    /// references are replaced, or left as written once they were checked.
+    void readValueInto(QeCString& value, Scanner& scanner, const Source& source, bool expands);
+
+    /// The same for one that goes behind the text of `scratch`, unless it stands for itself: then a view of it.
+    std::string_view readValue(QeCString& scratch, Scanner& scanner, const Source& source, bool expands);
+
+    /// What a declared attribute makes of its value, which is all of `scratch` from a place on; notes that it stands
+    /// in the tag.
+    void apply(const DeclaredAttribute& attribute, QeCString& scratch, std::size_t from);
+
+    /// Keeps the references that were left in the last value, which began at that place, as those of this attribute.
+    void keepLeft(std::string_view name, std::size_t from);
+
+    /// Adds the declared defaults of what does not stand in the tag that ends here.
+    void addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const Source& source,
+                     const char* tagEnd);
+
+    /// Refuses a declaration of a namespace that may not be.
+    void checkDeclaration(const RawName& name, std::string_view uri, const Source& source, const char* place) const;
+
+    /// Refuses prefixes that are not bound, the element's first.
+    void checkPrefixes(const RawName& element, std::span<const RawAttribute> attributes, Bindings& bindings,
+                       const Source& source, const char* tagEnd) const;
+
+    /// What has to be said of attributes with one local name, which stand together in the set's order.
+    void checkDuplicates(std::span<RawAttribute* const> sameLocalName, Bindings& bindings, const Source& source,
+                         const char* tagEnd);
+
+    /// Whether an attribute of the last tag, of that name as written, has its default value.
+    bool isDefault(std::string_view name) const noexcept;
+
+    struct Left {
+        std::string_view attribute;  // its name as written
+        LeftReference reference;
+    };
+
+    /// The references that were left in the last tag.
+    std::span<const Left> leftReferences() const noexcept { return leftOver; }
+
+private:
+    // An attribute by what makes it the same as another.
+    struct Expanded {
+        std::size_t hash;  // of the namespace
+        const QeXmlNamespace* binding;
+        const RawAttribute* attribute;
+    };
+
+    void append(QeCString& value, std::string_view literal, const Source& source, bool expands);
+    const char* placeOf(const RawAttribute& attribute, const char* tagEnd) const;
+
+    Declared& declared;
+    bool namespaces;
+    std::uint64_t tagNumber = 0;
+    std::vector<std::string_view> defaulted;
+    std::vector<Left> leftOver;
+    std::vector<LeftReference> leftInValue;  // working storage, as what follows
+    std::vector<Expanded> expanded;
+    QeCString checked;  // values that are to stay as written
+};
+
+/// Refuses a name with colons where namespaces allow none.
+void checkColons(const RawName& name, const Source& source);
+
+/// Passes a name of a tag or an attribute. Most are whole in a block.
+RawName readLongConformingName(Scanner& scanner, const Source& source, bool namespaces);
+
+inline RawName readConformingName(Scanner& scanner, const Source& source, bool namespaces) {
+    if (scanner.limit() - scanner.position() >= NameBlock::Size) {
+        const NameBlock block(scanner.position());
+        if (block.isWhole()) {
+            const RawName name{scanner.position(), block.length(), namespaces ? block.localStart() : 0};
+            scanner.skip(block.length());
+            if (name.localStart != 0) checkColons(name, source);
+            return name;
+        }
+    }
+    return scanner.apart(
+        [&source, namespaces](Scanner& other) { return readLongConformingName(other, source, namespaces); });
+}
+
+}  // namespace tessit
