@@ -11,6 +11,8 @@ import subprocess
 import sys
 
 PULL, SAX, STRING, DEMAND = 'tessit pull', 'tessit SAX', 'tessit pull, string', 'tessit demand'
+CONFORMING = 'tessit conforming'
+CONFORMING_PEERS = ['libxml2 SAX2', 'Expat', 'libxml2 reader', 'Xerces-C SAX2', 'Qt QXmlStreamReader']
 LARGE = ['records', 'records-crlf', 'attributes', 'prose', 'namespaces', 'cjk', 'references', 'sections', 'deep', 'mixed']
 COMPARED = LARGE + ['records-64k']  # what "every corpus" means in the targets
 VARIATIONS = ['records', 'records-64k', 'records-200', 'records-fresh', 'records-utf16', 'records-latin1']
@@ -101,8 +103,23 @@ class Ratios:
         return geometric_mean(list(self.by_corpus.values())), ''
 
 
-def against(figures, library):
-    return Ratios({corpus: figures.ratio(corpus, library) for corpus in COMPARED})
+def against(figures, library, ours=PULL):
+    return Ratios({corpus: figures.ratio(corpus, library, ours) for corpus in COMPARED})
+
+
+def conforming_rows(figures):
+    """The same as target_rows, for the conforming loop."""
+    expat, libxml2, pugixml, lenient = (
+        against(figures, name, CONFORMING) for name in ('Expat', 'libxml2 SAX2', 'pugixml', PULL))
+    return [
+        ('conforming loop against Expat with namespaces, worst corpus', *expat.worst(), 2.0, None),
+        ('conforming loop against Expat with namespaces, geometric mean', *expat.mean(), 3.0, None),
+        ("conforming loop against libxml2's SAX2, worst corpus", *libxml2.worst(), 1.0, None),
+        ("conforming loop against libxml2's SAX2, geometric mean", *libxml2.mean(), 2.0, None),
+        ('conforming loop against pugixml, geometric mean', *pugixml.mean(), 1.2, None),
+        ('conforming loop against the lenient one, worst corpus', *lenient.worst(), 0.6, None),
+        ('conforming loop against the lenient one, geometric mean', *lenient.mean(), 0.75, None),
+    ]
 
 
 def target_rows(figures):
@@ -153,7 +170,7 @@ def limit(value):
 
 def targets(figures):
     rows = [[work, verdict(value, least, aim), show(value) + remark, limit(least), limit(aim)]
-            for work, value, remark, least, aim in target_rows(figures)]
+            for work, value, remark, least, aim in target_rows(figures) + conforming_rows(figures)]
     return table(['Work', 'Result', 'Measured', 'At least', 'Aim'], rows, words=2)
 
 
@@ -174,10 +191,10 @@ def throughput(figures, corpora):
     return table(['MB/s'] + corpora, rows)
 
 
-def ratios(figures, corpora):
+def ratios(figures, corpora, ours=PULL, peers=None):
     rows = []
-    for peer in figures.libraries('peer'):
-        values = [figures.ratio(corpus, peer) for corpus in corpora]
+    for peer in peers or figures.libraries('peer'):
+        values = [figures.ratio(corpus, peer, ours) for corpus in corpora]
         mean = geometric_mean([value for value in values if value is not None])
         rows.append([peer] + ['–' if value is None else f'{value:.2f}' for value in values] + [f'{mean:.2f}'])
     return table(['times as fast as'] + corpora + ['geometric mean'], rows)
@@ -284,6 +301,16 @@ def draw_speeds(figures, directory):
          'set ylabel "speed, our pull loop = 1"\nset yrange [0:*]\nset xtics rotate by -25', [PULL] + peers, rows, 460)
 
 
+def draw_conforming(figures, directory):
+    parsers = [CONFORMING] + [peer for peer in CONFORMING_PEERS if peer in figures.libraries('peer')]
+    def rate(corpus, library):
+        time = figures.time(corpus, library)
+        return None if time is None else figures.number('bytes', corpus, library) * 1e3 / time
+    rows = [(corpus, [rate(corpus, parser) for parser in parsers]) for corpus in COMPARED]
+    draw(directory / 'performance-conforming.svg',
+         'set ylabel "MB/s"\nset logscale y\nset yrange [10:*]\nset xtics rotate by -25', parsers, rows, 460)
+
+
 def draw_floors(figures, directory):
     libraries = [PULL, SAX, 'tokenizer', "memchr '<'", 'memcpy']
     def rate(corpus, library):
@@ -341,6 +368,14 @@ Throughput, in the best round and in the median one:
 {variations}
 ![Reading and its floors](performance-floors.svg)
 
+### Conforming parsers alone
+
+`tessit conforming` is the pull loop by the conforming rules. The others here refuse what is not well-formed, too (Qt and
+Xerces-C as far as they go; `scripts/conformance` measures ours). How many times as fast it is:
+
+![Speeds of conforming parsers](performance-conforming.svg)
+
+{conforming}
 ### Where we are not first
 
 {not_first}
@@ -414,6 +449,7 @@ def page(figures):
         compiler=figures.facts['compiler'], revision=figures.facts.get('revision', 'unknown'),
         reader_object=figures.facts['reader object'], versions=versions(figures),
         rounds=figures.rows[0]['rounds'], targets=targets(figures), ratios=ratios(figures, COMPARED),
+        conforming=ratios(figures, COMPARED, CONFORMING, CONFORMING_PEERS),
         other_ratios=ratios(figures, ['records-200', 'records-fresh', 'records-utf16', 'records-latin1']),
         large=throughput(figures, LARGE), variations=throughput(figures, VARIATIONS), not_first=not_first(figures),
         omissions=omissions(), writing=writing(figures), allocations=allocations(figures),
@@ -423,7 +459,7 @@ def page(figures):
 def main():
     if len(sys.argv) != 3: sys.exit(__doc__)
     figures, directory = Figures(sys.argv[1]), pathlib.Path(sys.argv[2])
-    for draw_chart in (draw_speeds, draw_floors, draw_writing):
+    for draw_chart in (draw_speeds, draw_conforming, draw_floors, draw_writing):
         draw_chart(figures, directory)
     (directory / 'performance.md').write_text(page(figures), encoding='utf-8')
 

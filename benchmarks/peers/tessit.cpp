@@ -41,7 +41,7 @@ Tally pullAll(QeXmlReader& reader) {
             case QeXmlReader::Content:
                 tally.text(std::string_view(reader.getLastContent()));
                 break;
-            case QeXmlReader::NoNode:
+            default:
                 break;
         }
     }
@@ -61,6 +61,20 @@ Tally pullFromString(const Document& document) {
     QeXmlReader reader(document.text);
     return pullAll(reader);
 }
+
+// Older revisions, which this program is built against too, have no such readers.
+#if __has_include(<tessit/reader/xml_reader_options.h>)
+Tally pullConforming(const Document& document) {
+    QeXmlReader reader(bytesOf(document), {.rules = QeXmlRules::Conforming});
+    return pullAll(reader);
+}
+
+void addConforming(Contestants& all, const std::string& version) {
+    all.readers.push_back({"tessit conforming", version, Role::Ours, Delivery(), pullConforming});
+}
+#else
+void addConforming(Contestants&, const std::string&) {}
+#endif
 
 class CountingHandler final : public QeXmlContentHandler {
 public:
@@ -223,6 +237,7 @@ void addTessit(Contestants& all) {
     // A name with the prefix "xml" is in no namespace unless the document declares one.
     const Delivery delivery{.xmlPrefix = false};
     all.readers.push_back({"tessit pull", version, Role::Ours, delivery, pullFromBuffer});
+    addConforming(all, version);
     all.readers.push_back({"tessit SAX", version, Role::Ours, delivery, parse});
     all.readers.push_back({"tessit pull, string", version, Role::Ours, delivery, pullFromString});
     all.readers.push_back({.name = "tessit demand",
