@@ -11,6 +11,7 @@
 
 #include <corvel/byte_scan.h>
 #include <tessit/rules/characters.h>
+#include <tessit/rules/characters_wide.h>
 #include <tessit/rules/name_chars.h>
 
 namespace tessit {
@@ -126,6 +127,22 @@ const char* characterBegin(const char* at, const char* textBegin) noexcept {
     return at;
 }
 
+#if defined(TESSIT_WIDE_CHARACTERS)
+
+// The same as `passBlocks`, where the processor has larger ones.
+const char* passWideBlocks(const char*& at, const char* textBegin, const char* textEnd) noexcept {
+    constexpr std::ptrdiff_t Length = 64;
+    for (;;) {
+        at = passSound64(at, textEnd);
+        if (textEnd - at < Length) return nullptr;
+        const char* const next = at + Length;
+        if (const char* const stop = checkEach(characterBegin(at, textBegin), next, textEnd); stop < next) return stop;
+        at = next;
+    }
+}
+
+#endif
+
 // Moves on by whole blocks, so many at once; the bad character where there is one, else null.
 template <std::size_t Count>
 const char* passBlocks(const char*& at, const char* textBegin, const char* textEnd) noexcept {
@@ -161,6 +178,10 @@ const char* findBadCharacter(std::string_view text) noexcept {
     const char* const begin = at;
     if (text.size() > sizeof(Block) + LongestBack) at = checkEach(at, begin + LongestBack, end);
     if (at == begin) return checkEach(at, end, end);  // short, or bad
+#if defined(TESSIT_WIDE_CHARACTERS)
+    if (hasWideBlocks())
+        if (const char* const bad = passWideBlocks(at, begin, end)) return bad;
+#endif
     if (const char* const bad = passBlocks<4>(at, begin, end)) return bad;
     if (const char* const bad = passBlocks<1>(at, begin, end)) return bad;
     at = characterBegin(at, begin);
