@@ -82,6 +82,7 @@ public:
 
     /// A parameter entity is not read: what follows is not applied, unless the document is standalone.
     void noteUnreadEntity() noexcept { lacksParameterEntity = true; }
+    bool hasUnreadEntity() const noexcept { return lacksParameterEntity; }
     bool appliesDeclarations() const noexcept { return isStandalone || !lacksParameterEntity; }
 
     /// The parameter entity of a reference, whose '%' is at that place; null when it is not declared.

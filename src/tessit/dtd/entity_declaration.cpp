@@ -1,8 +1,6 @@
 // Declarations of entities and notations.
 
-#include <charconv>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 #include <corvel/byte_scan.h>
@@ -74,23 +72,6 @@ private:
     bool isComplete = true;
 };
 
-// Whether the text is a reference to the character.
-bool refersTo(std::string_view text, char character) {
-    if (!text.starts_with("&#") || !text.ends_with(';')) return false;
-    const int base = text[2] == 'x' ? 16 : 10;
-    unsigned code = 0;
-    const char *const digits = text.data() + (base == 16 ? 3 : 2), *const end = text.data() + text.size() - 1;
-    const auto [stop, error] = std::from_chars(digits, end, code, base);
-    return error == std::errc() && stop == end && code == static_cast<unsigned char>(character);
-}
-
-// A predefined entity means the same when it is declared: that character, or a reference to it. The text cannot be
-// '<' or '&' itself, which would be markup.
-bool keepsMeaning(std::string_view value, char character) {
-    if (value == std::string_view(&character, 1)) return character != '<' && character != '&';
-    return refersTo(value, character);
-}
-
 }  // namespace
 
 // Entered just after "<!ENTITY".
@@ -98,37 +79,34 @@ void SubsetReader::readEntityDeclaration() {
     text.requireBlank();
     const bool isParameter = text.passIf("%");
     if (isParameter) text.requireBlank();
-    const char* const place = text.position();
-    const Source& source = text.getSource();
     const std::string_view name = text.readNCName(Broken);
     text.requireBlank();
 
-    QeCString value, notation;
-    std::unique_ptr<Entity::External> external;
-    bool isComplete = true;
-    if (text.isAt('"') || text.isAt('\'')) {
-        isComplete = readEntityValue(value);
-    } else {
-        external = std::make_unique<Entity::External>();
-        external->id = readExternalId(Broken, SystemPart::Required);
-        if (!isParameter) readNotationName(external->notation);
-    }
+    EntityDefinition definition = readEntityDefinition(isParameter);
     endDeclaration(Broken);
+    if (!definition.isComplete) return;
+    if (Entity* const entity = declarations.declareEntity(name, isParameter)) define(*entity, std::move(definition));
+}
 
-    const std::string_view predefined = Declarations::predefined(name);
-    if (!isParameter && !predefined.empty() && isComplete &&
-        (external != nullptr || !keepsMeaning(value, predefined.front())))
-        refuse(source, place, Broken, name);
-    Entity* const entity = isComplete ? declarations.declareEntity(name, isParameter) : nullptr;
-    if (entity == nullptr) return;
-    if (external == nullptr) {
-        entity->text = std::move(value);
-        makeInternal(*entity);
-    } else {
-        entity->isExternal = true;
-        entity->isUnparsed = !external->notation.empty();
-        entity->external = std::move(external);
+SubsetReader::EntityDefinition SubsetReader::readEntityDefinition(bool isParameter) {
+    EntityDefinition definition;
+    if (text.isAt('"') || text.isAt('\'')) {
+        definition.isComplete = readEntityValue(definition.text);
+        return definition;
     }
+    definition.external = std::make_unique<Entity::External>();
+    definition.external->id = readExternalId(Broken, SystemPart::Required);
+    if (!isParameter) readNotationName(definition.external->notation);
+    return definition;
+}
+
+void SubsetReader::define(Entity& entity, EntityDefinition definition) {
+    entity.isExternal = definition.external != nullptr;
+    entity.isUnparsed = entity.isExternal && !definition.external->notation.empty();
+    entity.external = std::move(definition.external);
+    if (entity.isExternal) return;
+    entity.text = std::move(definition.text);
+    makeInternal(entity);
 }
 
 bool SubsetReader::readEntityValue(QeCString& value) {

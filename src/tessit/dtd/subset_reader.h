@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -60,7 +61,14 @@ private:
     bool readDefault(QeCString& value, std::vector<LeftReference>& left, bool isTokenized);
 
     // entity_declaration.cpp
+    struct EntityDefinition {
+        QeCString text;  // of an internal one
+        std::unique_ptr<Entity::External> external;
+        bool isComplete = true;  // whether all that its text refers to could be read
+    };
     void readEntityDeclaration();
+    EntityDefinition readEntityDefinition(bool isParameter);
+    static void define(Entity& entity, EntityDefinition definition);
     bool readEntityValue(QeCString& value);
     void readNotationName(QeCString& notation);
     void readNotationDeclaration();

@@ -9,8 +9,7 @@ bool SubsetText::passBlank() {
         if (atEnd() && state.isWithin) {
             leaveText();
         } else if (isAtReference()) {
-            if (!isOutside()) refuseHere(Rule::ParameterEntity);
-            if (!enter(true)) throw Unreadable();
+            enterWithin();
         } else {
             return isBlank;
         }
@@ -30,7 +29,15 @@ void SubsetText::enterBetween() {
     enter(false);
 }
 
-bool SubsetText::enter(bool isWithin) {
+void SubsetText::enterWithin() {
+    if (!isOutside()) refuseHere(Rule::ParameterEntity);
+    // Nothing stands for an entity that nobody declared, unless that was done where nothing was read.
+    const bool isAllKnown = !declarations.hasUnreadEntity();
+    const Found found = enter(true);
+    if (found != Found::Text && !(found == Found::Nothing && isAllKnown)) throw Unreadable();
+}
+
+SubsetText::Found SubsetText::enter(bool isWithin) {
     const char* const reference = position();
     take();
     const std::string_view name = readReferenceName(Rule::ParameterEntity);
@@ -38,7 +45,7 @@ bool SubsetText::enter(bool isWithin) {
     const Source* const text = entity == nullptr ? nullptr : declarations.open(*entity, getSource(), reference);
     if (text == nullptr) {
         declarations.noteUnreadEntity();
-        return false;
+        return entity == nullptr ? Found::Nothing : Found::Unavailable;
     }
     outer.push_back({*this, state, entity});
     static_cast<StrictScanner&>(*this) = StrictScanner(*text, text->begin());
@@ -46,7 +53,7 @@ bool SubsetText::enter(bool isWithin) {
     if (!isWithin) state.sectionsAround = openSections;
     state.isOutside |= entity->isExternal;
     declarations.setReadingOutside(true);
-    return true;
+    return Found::Text;
 }
 
 bool SubsetText::leaveText() {

@@ -84,7 +84,9 @@ private:
     };
 
     bool isAtReference() const noexcept;
-    bool enter(bool isWithin);
+    void enterWithin();
+    enum class Found { Text, Nothing, Unavailable };
+    Found enter(bool isWithin);
     void goBack() noexcept;
 
     Declarations& declarations;
