@@ -267,7 +267,7 @@ private:
     struct ExpectedName;
     class RawCopy;
 
-    using Passed = tessit::PassedOptions;
+    using Passed = QeXmlReaderOptions::Passed;
     TESSIT_API QeXmlReader(std::istream& in, const Passed& passed);
     TESSIT_API QeXmlReader(const QeCString& document, const Passed& passed);
     TESSIT_API QeXmlReader(std::span<const unsigned char> document, const Passed& passed);

@@ -64,6 +64,14 @@ struct QeXmlReaderOptions {
 
     /// How deep entities may stand in the replacement text of others.
     std::size_t entityDepth = 256;
+
+    struct Passed;
+};
+
+// Options as a program passes them on: `size` tells which fields it knows.
+struct QeXmlReaderOptions::Passed {
+    const QeXmlReaderOptions& fields;
+    std::size_t size = sizeof(QeXmlReaderOptions);
 };
 
 /// A reference to an entity that nobody has read, in an attribute's value: it stands there as written.
@@ -71,13 +79,3 @@ struct QeXmlLeftReference {
     std::size_t offset;  ///< of the '&' in the value, in bytes
     std::size_t length;  ///< with the semicolon
 };
-
-namespace tessit {
-
-// Options as the program knows them: `size` tells which fields it has.
-struct PassedOptions {
-    const QeXmlReaderOptions& fields;
-    std::size_t size = sizeof(QeXmlReaderOptions);
-};
-
-}  // namespace tessit

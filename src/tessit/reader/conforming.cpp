@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <corvel/immortal.h>
 #include <tessit/reader/conforming_nodes.h>
 
 namespace {
@@ -75,8 +76,8 @@ const QeCString& QeXmlReader::getLastTarget() const noexcept {
 }
 
 const QeXmlDocumentType& QeXmlReader::getDocumentType() const noexcept {
-    static constinit const QeXmlDocumentType None;
-    return !isConforming ? None : engine->conforming->documentType;
+    static constinit const corvel::Immortal<QeXmlDocumentType> None;
+    return !isConforming ? None.value : engine->conforming->documentType;
 }
 
 bool QeXmlReader::isSpecified(const QeXmlAttribute& attribute) const {

@@ -152,7 +152,9 @@ StrictScanner::Instruction StrictScanner::readInstruction(bool namespaces) {
     const char* const start = at;
     const std::string_view target = readNameWithoutColon(namespaces, Rule::InstructionTarget);
     if (isXml(target)) {
-        refuseAt(start, target == "xml" ? Rule::XmlDeclarationPlace : Rule::InstructionTarget, target);
+        const bool isAtBegin = start - source->begin() == 2;
+        const Rule ofDeclaration = isAtBegin ? Rule::XmlDeclaration : Rule::XmlDeclarationPlace;
+        refuseAt(start, target == "xml" ? ofDeclaration : Rule::InstructionTarget, target);
     }
     if (passIf("?>")) return {target, {}};
     if (*at == '?' && at + 1 == end()) refuseEnd(*source);
