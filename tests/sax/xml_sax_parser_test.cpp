@@ -108,3 +108,42 @@ TEST(XmlSAXParser, LooksAtTheHandlerBeforeEachEvent) {
         EXPECT_EQ(handler.events, "+a") << xml;
     }
 }
+
+namespace {
+
+// Writes the other nodes down, too.
+class LexicalRecorder final : public Recorder, public QeXmlLexicalHandler {
+    void comment(const QeCString& text) override { addAll("#", text); }
+    void instruction(const QeCString& target, const QeCString& data) override { addAll("?", target + " " + data); }
+    void documentType(const QeXmlDocumentType& type) override { addAll("!", type.name + " " + type.systemId); }
+    void cdataSection(const QeCString& text) override { addAll("[", text); }
+    void entityReference(const QeCString& name) override { addAll("&", name); }
+
+    void addAll(const char* kind, const QeCString& text) { add(kind + std::string(std::string_view(text))); }
+};
+
+std::string parseAll(std::string_view xml, QeXmlNodes nodes, bool hasLexicalHandler) {
+    LexicalRecorder recorder;
+    QeXmlSAXParser parser;
+    parser.setContentHandler(&recorder);
+    if (hasLexicalHandler) parser.setLexicalHandler(&recorder);
+    try {
+        parser.parse({reinterpret_cast<const unsigned char*>(xml.data()), xml.size()},
+                     {.rules = QeXmlRules::Conforming, .nodes = nodes});
+    } catch (const QeXmlParseError& error) {
+        recorder.add(describe(error));
+    }
+    return recorder.events;
+}
+
+}  // namespace
+
+TEST(XmlSAXParser, ReportsOtherNodesToTheirHandler) {
+    constexpr std::string_view Document =
+        "<?p d?><!DOCTYPE a SYSTEM 's'><a x='1'><!--c-->t<![CDATA[u]]>&e;</a><!--d-->";
+    EXPECT_EQ(parseAll(Document, QeXmlNodes::All, true), "?p d !a s +a[x=1] #c =t [u &e -a #d");
+    EXPECT_EQ(parseAll(Document, QeXmlNodes::All, false), "+a[x=1] =t =u =&e; -a");  // no text is lost
+    EXPECT_EQ(parseAll(Document, QeXmlNodes::Comments, true), "+a[x=1] #c =tu&e; -a #d");
+    EXPECT_EQ(parseAll("<a><b></a>", QeXmlNodes::TagsAndText, true),
+              "+a +b !1:9 an end tag that does not close the innermost element: a");
+}

@@ -4,7 +4,7 @@
 #include <span>
 
 #include <corvel/c_string.h>
-#include <tessit/reader/xml_reader_options.h>
+#include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_lexical_handler.h>
 
@@ -22,7 +22,8 @@ public:
     void setContentHandler(QeXmlContentHandler* handler) noexcept { contentHandler = handler; }
     QeXmlContentHandler* getContentHandler() const noexcept { return contentHandler; }
 
-    /// The receiver of what is not tags and text; not owned, and null for none.
+    /// The receiver of what is not tags and text; not owned. Without one, CDATA sections and references that were asked
+    /// for are content.
     void setLexicalHandler(QeXmlLexicalHandler* handler);
     QeXmlLexicalHandler* getLexicalHandler() const noexcept;
 
@@ -44,13 +45,15 @@ public:
     /// The same for bytes, with options. By the conforming rules, a document that is not
     /// well-formed throws what the reader throws for it, and "Unmatched start tag" does not come up.
     void parse(std::span<const unsigned char> document, const QeXmlReaderOptions& options = {}) {
-        parseWith(document, options, sizeof options);
+        QeXmlReader reader(document, options);
+        report(reader);
     }
 
 private:
     struct Settings;
 
-    void parseWith(std::span<const unsigned char> document, const QeXmlReaderOptions& options, std::size_t size);
+    void report(QeXmlReader& reader);
+    TESSIT_NO_EXPORT void reportOther(const QeXmlReader& reader);
 
     QeXmlContentHandler* contentHandler = nullptr;
     bool expandAttributeReference = true;

@@ -1,6 +1,5 @@
 #include <span>
 
-#include <tessit/reader/xml_reader.h>
 #include <tessit/sax/xml_sax_parser.h>
 
 void QeXmlContentHandler::prolog(const QeXmlProlog&) {}
@@ -58,13 +57,12 @@ QeXmlLexicalHandler* QeXmlSAXParser::getLexicalHandler() const noexcept {
 }
 
 void QeXmlSAXParser::parse(const QeCString& text, const QeCString& /*unused*/) {
-    parseWith(bytesOf(text), {}, sizeof(QeXmlReaderOptions));
+    QeXmlReader reader(bytesOf(text));
+    report(reader);
 }
 
 // Each node becomes one or two calls.
-void QeXmlSAXParser::parseWith(std::span<const unsigned char> document, const QeXmlReaderOptions& options,
-                               std::size_t /*size*/) {
-    QeXmlReader reader(document, options);
+void QeXmlSAXParser::report(QeXmlReader& reader) {
     reader.setExpandAttributeReference(expandAttributeReference);
     reader.setMatchTags(true);
     if (contentHandler != nullptr && !reader.getVersion().empty()) contentHandler->prolog(prologOf(reader));
@@ -87,7 +85,18 @@ void QeXmlSAXParser::parseWith(std::span<const unsigned char> document, const Qe
                 if (contentHandler != nullptr) contentHandler->content(reader.getLastContent());
                 break;
             default:
-                if (QeXmlLexicalHandler* handler = getLexicalHandler()) reportMarkup(*handler, reader);
+                reportOther(reader);
         }
+    }
+}
+
+// Where nobody asks for the other nodes, those that are text by nature are reported as that.
+void QeXmlSAXParser::reportOther(const QeXmlReader& reader) {
+    const QeXmlReader::NodeType type = reader.getLastNodeType();
+    const bool isText = type == QeXmlReader::CDATASection || type == QeXmlReader::EntityReference;
+    if (QeXmlLexicalHandler* handler = getLexicalHandler()) {
+        reportMarkup(*handler, reader);
+    } else if (isText && contentHandler != nullptr) {
+        contentHandler->content(reader.getLastContent());
     }
 }
