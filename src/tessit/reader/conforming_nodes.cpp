@@ -69,12 +69,12 @@ inline RawName QeXmlReader::Engine::ConformingNodes::readTagName() {
 inline void QeXmlReader::Engine::ConformingNodes::readStartTag() {
     const RawName name = readTagName();
     engine.bindings.openScope();
+    state.tags.openTag(source());
     if (next() == '>' && !state.declared.hasAttributes()) {
         engine.slots.writeNoAttributes();
-        state.tags.openTag();
     } else {
         const Lending lending(*this);
-        engine.slots.readAttributes(name, input, reader.expandAttributeReference, state.tags, source());
+        engine.slots.readAttributes(name, input, reader.expandAttributeReference, state.tags);
     }
     closeStartTag(name);
 }

@@ -13,23 +13,22 @@ constexpr std::string_view Xmlns = "xmlns";
 
 }  // namespace
 
-TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& input, bool expands, ConformingTags& rules,
-                                             const Source& source) {
+TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& input, bool expands,
+                                             ConformingTags& rules) {
     useShapeOf(element);
-    if (rules.areDeclared()) return readAny(element, input, expands, rules, source);
-    rules.openTag();
+    if (rules.areDeclared()) return readAny(element, input, expands, rules);
     if (mayBeKnown()) {
         Scanner scanner(input);
         const char* const start = scanner.position();
-        if (readKnown(scanner, expands, rules, source)) return;
+        if (readKnown(scanner, expands, rules)) return;
         scanner.goBackTo(start);
         noteMiss();
     }
-    readAny(element, input, expands, rules, source);
+    readAny(element, input, expands, rules);
 }
 
 // As for a lenient reader; here, white space is asked for. No name stands twice in a shape, and all are bound.
-inline bool TagSlots::readKnown(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source) {
+inline bool TagSlots::readKnown(Scanner& scanner, bool expands, ConformingTags& rules) {
     takeSlots(shape->expectedCount);
     QeXmlAttribute* const slots = ModelAccess::slotsOf(attributes).begin();
     for (const TagShape::Entry& expected : shape->expected()) {
@@ -37,7 +36,7 @@ inline bool TagSlots::readKnown(Scanner& scanner, bool expands, ConformingTags& 
         if (!scanner.passExpectedName(expected.name)) return false;
         QeCString& value = ModelAccess::valueOf(slots[expected.slot]);
         if (scanner.readPlainValueInto(value)) continue;
-        if (!readOtherValueInto(value, scanner, expands, rules, source)) return false;
+        if (!readOtherValueInto(value, scanner, expands, rules)) return false;
         rules.keepLeft(expected.name, 0);
     }
     scanner.skipSpace();
@@ -49,46 +48,44 @@ inline bool TagSlots::readKnown(Scanner& scanner, bool expands, ConformingTags& 
 
 // What is wrong with a value is said in its turn: other tags are read again from their beginning then.
 TESSIT_NOINLINE bool TagSlots::readOtherValueInto(QeCString& value, Scanner& scanner, bool expands,
-                                                  ConformingTags& rules, const Source& source) {
+                                                  ConformingTags& rules) {
     if (scanner.atEnd() || (scanner.peek() != '"' && scanner.peek() != '\'')) return false;
-    scanner.apart([&](Scanner& other) { rules.readValueInto(value, other, source, expands); });
+    scanner.apart([&](Scanner& other) { rules.readValueInto(value, other, expands); });
     return true;
 }
 
-TESSIT_NOINLINE void TagSlots::readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules,
-                                       const Source& source) {
+TESSIT_NOINLINE void TagSlots::readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules) {
     Scanner scanner(input);
     rawAttributes.clear();
     rawAttributes.reserve(Few);
     valueScratch.clear();
-    const AttributeList* const list = rules.openTag(element.whole());
+    const AttributeList* const list = rules.declaredFor(element.whole());
     for (;;) {
         const char* const before = scanner.position();
         scanner.skipSpace();
-        if (scanner.atEnd()) refuseEnd(source);
+        if (scanner.atEnd()) refuseEnd(rules.getSource());
         if (scanner.peek() == '>' || scanner.peek() == '/') break;
-        if (scanner.position() == before) refuse(source, before, Rule::WhiteSpace);
-        readAttribute(scanner, expands, rules, source, list);
+        if (scanner.position() == before) refuse(rules.getSource(), before, Rule::WhiteSpace);
+        readAttribute(scanner, expands, rules, list);
     }
     const char* const tagEnd = scanner.position();
     if (*tagEnd == '/') {
-        if (tagEnd + 1 == source.end()) refuseEnd(source);
-        if (tagEnd[1] != '>') refuse(source, tagEnd + 1, Rule::Attribute);
+        if (tagEnd + 1 == rules.getSource().end()) refuseEnd(rules.getSource());
+        if (tagEnd[1] != '>') refuse(rules.getSource(), tagEnd + 1, Rule::Attribute);
     }
-    if (list != nullptr) addDefaults(*list, rules, source, tagEnd);
-    writeChecked(element, rules, source, tagEnd, list == nullptr);
+    if (list != nullptr) addDefaults(*list, rules, tagEnd);
+    writeChecked(element, rules, tagEnd, list == nullptr);
 }
 
-void TagSlots::readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source,
-                             const AttributeList* list) {
-    const RawName name = readConformingName(scanner, source, rules.readsNamespaces());
+void TagSlots::readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const AttributeList* list) {
+    const RawName name = readConformingName(scanner, rules.getSource(), rules.readsNamespaces());
     scanner.skipSpace();
-    if (scanner.atEnd()) refuseEnd(source);
-    if (scanner.peek() != '=') refuse(source, scanner.position(), Rule::Attribute, name.whole());
+    if (scanner.atEnd()) refuseEnd(rules.getSource());
+    if (scanner.peek() != '=') refuse(rules.getSource(), scanner.position(), Rule::Attribute, name.whole());
     scanner.skip(1);
     scanner.skipSpace();
     const std::size_t scratchLength = valueScratch.length();
-    std::string_view value = rules.readValue(valueScratch, scanner, source, expands);
+    std::string_view value = rules.readValue(valueScratch, scanner, expands);
     if (const DeclaredAttribute* declared = list == nullptr ? nullptr : list->find(name.whole())) {
         if (declared->isTokenized && value.data() != nullptr) valueScratch += std::exchange(value, {});
         rules.apply(*declared, valueScratch, scratchLength);
@@ -96,36 +93,34 @@ void TagSlots::readAttribute(Scanner& scanner, bool expands, ConformingTags& rul
     rules.keepLeft(name.whole(), scratchLength);
     const std::size_t length = value.data() != nullptr ? value.size() : valueScratch.length() - scratchLength;
     rawAttributes.push_back({name, value.data(), length});
-    declare(rawAttributes.back(), rules, source, name.data);
+    declare(rawAttributes.back(), rules, name.data);
 }
 
-void TagSlots::declare(const RawAttribute& attribute, ConformingTags& rules, const Source& source, const char* place) {
+void TagSlots::declare(const RawAttribute& attribute, ConformingTags& rules, const char* place) {
     if (!attribute.name.whole().starts_with(Xmlns) || !rules.readsNamespaces()) return;
     if (attribute.name.whole() != Xmlns && attribute.name.prefix() != Xmlns) return;
-    rules.checkDeclaration(attribute.name, valueOf(attribute), source, place);
+    rules.checkDeclaration(attribute.name, valueOf(attribute), place);
     declare(attribute);
 }
 
-void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, const Source& source, const char* tagEnd) {
+void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd) {
     const std::size_t specified = rawAttributes.size();
-    rules.addDefaults(rawAttributes, list, source, tagEnd);
+    rules.addDefaults(rawAttributes, list, tagEnd);
     for (std::size_t i = specified; i < rawAttributes.size(); ++i)
-        declare(rawAttributes[i], rules, source, tagEnd);
+        declare(rawAttributes[i], rules, tagEnd);
 }
 
 // What needs the whole tag is looked at now, in this order: prefixes, then what stands twice.
-void TagSlots::writeChecked(const RawName& element, ConformingTags& rules, const Source& source, const char* tagEnd,
-                            bool mayLearn) {
-    rules.checkPrefixes(element, rawAttributes, bindings, source, tagEnd);
+void TagSlots::writeChecked(const RawName& element, ConformingTags& rules, const char* tagEnd, bool mayLearn) {
+    rules.checkPrefixes(element, rawAttributes, bindings, tagEnd);
     if (rawAttributes.empty()) return writeNoAttributes();
     const std::span<const Ordered> ordered = putInOrder();
-    checkDuplicates(ordered, rules, source, tagEnd);
+    checkDuplicates(ordered, rules, tagEnd);
     writeInOrder(ordered, mayLearn);
 }
 
 // Attributes with one local name stand together.
-void TagSlots::checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const Source& source,
-                               const char* tagEnd) {
+void TagSlots::checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const char* tagEnd) {
     const auto haveOneName = [](const Ordered& left, const Ordered& right) {
         return left.key == right.key && left.attribute->name.local() == right.attribute->name.local();
     };
@@ -137,7 +132,7 @@ void TagSlots::checkDuplicates(std::span<const Ordered> ordered, ConformingTags&
             sameLocalName.clear();
             for (; first != last; ++first)
                 sameLocalName.push_back(first->attribute);
-            rules.checkDuplicates(sameLocalName, bindings, source, tagEnd);
+            rules.checkDuplicates(sameLocalName, bindings, tagEnd);
         }
         first = last;
     }

@@ -4,7 +4,6 @@
 #include <corvel/byte_scan.h>
 #include <tessit/reader/conforming_tags.h>
 #include <tessit/rules/name_chars.h>
-#include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
 
@@ -30,25 +29,15 @@ void appendAsWritten(QeCString& value, std::string_view literal) {
 
 }  // namespace
 
-void checkColons(const RawName& name, const Source& source) {
-    const std::string_view local = name.local();
-    const char* const end = local.data() + local.size();
-    const char* const second = corvel::findByte(local.data(), end, ':');
-    if (second != end) refuse(source, second, Rule::Colon, name.whole());
-    if (name.localStart == 1 || local.empty() || !startsStrictName(characterAt(local.data()).character))
-        refuse(source, name.data + name.localStart - 1, Rule::Colon, name.whole());
-}
-
 RawName readLongConformingName(Scanner& scanner, const Source& source, bool namespaces) {
     StrictScanner strict(source, scanner.position());
     const RawName name = RawName::of(strict.readName(), namespaces);
     scanner.goBackTo(strict.position());
-    if (name.localStart != 0) checkColons(name, source);
+    if (name.localStart != 0) checkQName(source, name.whole());
     return name;
 }
 
-const AttributeList* ConformingTags::openTag(std::string_view element) {
-    openTag();
+const AttributeList* ConformingTags::declaredFor(std::string_view element) {
     ++tagNumber;
     return declared.hasAttributes() ? declared.get().attributesOf(element) : nullptr;
 }
@@ -69,31 +58,31 @@ std::string_view passLiteral(Scanner& scanner, const Source& source) {
 
 }  // namespace
 
-void ConformingTags::append(QeCString& value, std::string_view literal, const Source& source, bool expands) {
+void ConformingTags::append(QeCString& value, std::string_view literal, bool expands) {
     leftInValue.clear();
-    if (expands) return declared.get().appendValue(value, source, literal, &leftInValue);
+    if (expands) return declared.get().appendValue(value, *source, literal, &leftInValue);
     checked.clear();
-    declared.get().appendValue(checked, source, literal, nullptr);
+    declared.get().appendValue(checked, *source, literal, nullptr);
     appendAsWritten(value, literal);
 }
 
-void ConformingTags::readValueInto(QeCString& value, Scanner& scanner, const Source& source, bool expands) {
-    const std::string_view literal = passLiteral(scanner, source);
+void ConformingTags::readValueInto(QeCString& value, Scanner& scanner, bool expands) {
+    const std::string_view literal = passLiteral(scanner, *source);
     if (literal.data()[literal.size()] != '<' && standsForItself(literal)) {
         value.assign(literal);
         return;
     }
     value.clear();
-    append(value, literal, source, expands);
-    if (literal.data()[literal.size()] == '<') refuse(source, literal.data() + literal.size(), Rule::LessThanInValue);
+    append(value, literal, expands);
+    if (literal.data()[literal.size()] == '<') refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);
 }
 
-std::string_view ConformingTags::readValue(QeCString& scratch, Scanner& scanner, const Source& source, bool expands) {
-    const std::string_view literal = passLiteral(scanner, source);
+std::string_view ConformingTags::readValue(QeCString& scratch, Scanner& scanner, bool expands) {
+    const std::string_view literal = passLiteral(scanner, *source);
     const bool isCut = literal.data()[literal.size()] == '<';
     if (!isCut && standsForItself(literal)) return literal;
-    append(scratch, literal, source, expands);
-    if (isCut) refuse(source, literal.data() + literal.size(), Rule::LessThanInValue);
+    append(scratch, literal, expands);
+    if (isCut) refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);
     return {};
 }
 
@@ -112,12 +101,11 @@ bool ConformingTags::isDefault(std::string_view name) const noexcept {
     return std::find(defaulted.begin(), defaulted.end(), name) != defaulted.end();
 }
 
-void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const Source& source,
-                                 const char* tagEnd) {
+void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const char* tagEnd) {
     for (const std::size_t number : list.defaults) {
         const DeclaredAttribute& attribute = list.begin()[static_cast<std::ptrdiff_t>(number)];
         if (attribute.seenInTag == tagNumber) continue;
-        declared.get().charge(attribute.defaultValue.length(), source, tagEnd);
+        declared.get().charge(attribute.defaultValue.length(), *source, tagEnd);
         const std::string_view name(attribute.name);
         const std::string_view value(attribute.defaultValue);
         attributes.push_back({RawName::of(name, namespaces), value.data(), value.size()});
@@ -127,14 +115,13 @@ void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const At
     }
 }
 
-void ConformingTags::checkDeclaration(const RawName& name, std::string_view uri, const Source& source,
-                                      const char* place) const {
+void ConformingTags::checkDeclaration(const RawName& name, std::string_view uri, const char* place) const {
     const bool isDefault = name.whole() == Xmlns;
     const std::string_view prefix = isDefault ? std::string_view() : name.local();
-    if (prefix == Xmlns || (prefix == Xml && uri != XmlURI)) refuse(source, place, Rule::ReservedPrefix, name.whole());
-    if (!isDefault && uri.empty()) refuse(source, place, Rule::EmptyPrefixDeclaration, prefix);
+    if (prefix == Xmlns || (prefix == Xml && uri != XmlURI)) refuse(*source, place, Rule::ReservedPrefix, name.whole());
+    if (!isDefault && uri.empty()) refuse(*source, place, Rule::EmptyPrefixDeclaration, prefix);
     if (uri == XmlnsURI || (uri == XmlURI && prefix != Xml))
-        refuse(source, place, Rule::ReservedNamespace, name.whole());
+        refuse(*source, place, Rule::ReservedNamespace, name.whole());
 }
 
 // A default stands in the declarations: its place is the tag's end.
@@ -145,25 +132,25 @@ const char* ConformingTags::placeOf(const RawAttribute& attribute, const char* t
 }
 
 void ConformingTags::checkPrefixes(const RawName& element, std::span<const RawAttribute> attributes, Bindings& bindings,
-                                   const Source& source, const char* tagEnd) const {
-    if (!element.prefix().empty() && bindings.find(element.prefix(), source.end()) == nullptr)
-        refuse(source, element.data, Rule::UnboundPrefix, element.prefix());
+                                   const char* tagEnd) const {
+    if (!element.prefix().empty() && bindings.find(element.prefix(), source->end()) == nullptr)
+        refuse(*source, element.data, Rule::UnboundPrefix, element.prefix());
     for (const RawAttribute& attribute : attributes) {
         const std::string_view prefix = attribute.name.prefix();
-        if (prefix.empty() || prefix == Xmlns || bindings.find(prefix, source.end()) != nullptr) continue;
-        refuse(source, placeOf(attribute, tagEnd), Rule::UnboundPrefix, prefix);
+        if (prefix.empty() || prefix == Xmlns || bindings.find(prefix, source->end()) != nullptr) continue;
+        refuse(*source, placeOf(attribute, tagEnd), Rule::UnboundPrefix, prefix);
     }
 }
 
 // Of names as written, and of those in one namespace, whatever their prefixes. Declarations are in a namespace of their
 // own, which no prefix can be bound to.
 void ConformingTags::checkDuplicates(std::span<RawAttribute* const> sameLocalName, Bindings& bindings,
-                                     const Source& source, const char* tagEnd) {
+                                     const char* tagEnd) {
     expanded.clear();
     for (const RawAttribute* attribute : sameLocalName) {
         const std::string_view prefix = attribute->name.prefix();
         const bool isInNone = prefix.empty() || prefix == Xmlns;
-        const QeXmlNamespace* const binding = isInNone ? nullptr : bindings.find(prefix, source.end());
+        const QeXmlNamespace* const binding = isInNone ? nullptr : bindings.find(prefix, source->end());
         const std::size_t hash =
             binding == nullptr ? attribute->name.length : std::hash<QeCString>()(binding->getURI());
         expanded.push_back({hash, binding, attribute});
@@ -176,7 +163,7 @@ void ConformingTags::checkDuplicates(std::span<RawAttribute* const> sameLocalNam
         if (left.hash != right.hash || (left.binding == nullptr) != (right.binding == nullptr)) continue;
         if (left.binding == nullptr ? left.attribute->name.whole() == right.attribute->name.whole()
                                     : left.binding->getURI() == right.binding->getURI())
-            refuse(source, placeOf(*right.attribute, tagEnd), Rule::DuplicateAttribute, right.attribute->name.whole());
+            refuse(*source, placeOf(*right.attribute, tagEnd), Rule::DuplicateAttribute, right.attribute->name.whole());
     }
 }
 

@@ -11,6 +11,7 @@
 #include <tessit/reader/raw_attribute.h>
 #include <tessit/reader/scanner.h>
 #include <tessit/rules/rules.h>
+#include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
 
@@ -26,21 +27,25 @@ public:
     /// Whether attributes are declared for any element.
     bool areDeclared() const noexcept { return declared.hasAttributes(); }
 
-    /// Begins with a tag whose attributes are not declared.
-    void openTag() noexcept {
+    /// Begins with a tag of that source, whose attributes are not declared.
+    void openTag(const Source& text) noexcept {
+        source = &text;
         defaulted.clear();
         leftOver.clear();
     }
 
-    /// Begins with a tag; what is declared for its element, or null.
-    const AttributeList* openTag(std::string_view element);
+    /// What the tag stands in.
+    const Source& getSource() const noexcept { return *source; }
+
+    /// What is declared for the element of the tag, or null.
+    const AttributeList* declaredFor(std::string_view element);
 
     /// Reads a value with its quotes into `value`, in front of which the scanner stands; `expands` says whether
     /// references are replaced, or left as written once they were checked.
-    void readValueInto(QeCString& value, Scanner& scanner, const Source& source, bool expands);
+    void readValueInto(QeCString& value, Scanner& scanner, bool expands);
 
     /// The same for one that goes behind the text of `scratch`, unless it stands for itself: then a view of it.
-    std::string_view readValue(QeCString& scratch, Scanner& scanner, const Source& source, bool expands);
+    std::string_view readValue(QeCString& scratch, Scanner& scanner, bool expands);
 
     /// What a declared attribute makes of its value, which is all of `scratch` from a place on; notes that it stands
     /// in the tag.
@@ -50,19 +55,17 @@ public:
     void keepLeft(std::string_view name, std::size_t from);
 
     /// Adds the declared defaults of what does not stand in the tag that ends here.
-    void addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const Source& source,
-                     const char* tagEnd);
+    void addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const char* tagEnd);
 
     /// Refuses a declaration of a namespace that may not be.
-    void checkDeclaration(const RawName& name, std::string_view uri, const Source& source, const char* place) const;
+    void checkDeclaration(const RawName& name, std::string_view uri, const char* place) const;
 
     /// Refuses prefixes that are not bound, the element's first.
     void checkPrefixes(const RawName& element, std::span<const RawAttribute> attributes, Bindings& bindings,
-                       const Source& source, const char* tagEnd) const;
+                       const char* tagEnd) const;
 
     /// What has to be said of attributes with one local name, which stand together in the set's order.
-    void checkDuplicates(std::span<RawAttribute* const> sameLocalName, Bindings& bindings, const Source& source,
-                         const char* tagEnd);
+    void checkDuplicates(std::span<RawAttribute* const> sameLocalName, Bindings& bindings, const char* tagEnd);
 
     /// Whether an attribute of the last tag, of that name as written, has its default value.
     bool isDefault(std::string_view name) const noexcept;
@@ -83,10 +86,11 @@ private:
         const RawAttribute* attribute;
     };
 
-    void append(QeCString& value, std::string_view literal, const Source& source, bool expands);
+    void append(QeCString& value, std::string_view literal, bool expands);
     const char* placeOf(const RawAttribute& attribute, const char* tagEnd) const;
 
     Declared& declared;
+    const Source* source = nullptr;
     bool namespaces;
     std::uint64_t tagNumber = 0;
     std::vector<std::string_view> defaulted;
@@ -95,9 +99,6 @@ private:
     std::vector<Expanded> expanded;
     QeCString checked;  // values that are to stay as written
 };
-
-/// Refuses a name with colons where namespaces allow none.
-void checkColons(const RawName& name, const Source& source);
 
 /// Passes a name of a tag or an attribute. Most are whole in a block.
 RawName readLongConformingName(Scanner& scanner, const Source& source, bool namespaces);
@@ -108,7 +109,7 @@ inline RawName readConformingName(Scanner& scanner, const Source& source, bool n
         if (block.isWhole()) {
             const RawName name{scanner.position(), block.length(), namespaces ? block.localStart() : 0};
             scanner.skip(block.length());
-            if (name.localStart != 0) checkColons(name, source);
+            if (name.localStart != 0) checkQName(source, name.whole());
             return name;
         }
     }

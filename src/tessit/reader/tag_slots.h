@@ -19,7 +19,6 @@ namespace tessit {
 
 struct AttributeList;
 class ConformingTags;
-struct Source;
 
 /// Reads the attributes of a tag, and makes its name and them the name and the attributes
 /// that the reader delivers; declares what the tag declares. Knows the bindings in force
@@ -56,8 +55,7 @@ public:
     void readAttributes(const RawName& element, Input& input, bool expands);
 
     /// The same by the conforming rules.
-    void readAttributes(const RawName& element, Input& input, bool expands, ConformingTags& rules,
-                        const Source& source);
+    void readAttributes(const RawName& element, Input& input, bool expands, ConformingTags& rules);
 
     /// @}
 
@@ -140,18 +138,14 @@ private:
     void learnShape(std::span<const Ordered> ordered);
 
     // conforming_slots.cpp
-    bool readKnown(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source);
-    void readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules, const Source& source);
-    void readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const Source& source,
-                       const AttributeList* list);
-    bool readOtherValueInto(QeCString& value, Scanner& scanner, bool expands, ConformingTags& rules,
-                            const Source& source);
-    void addDefaults(const AttributeList& list, ConformingTags& rules, const Source& source, const char* tagEnd);
-    void writeChecked(const RawName& element, ConformingTags& rules, const Source& source, const char* tagEnd,
-                      bool mayLearn);
-    void declare(const RawAttribute& attribute, ConformingTags& rules, const Source& source, const char* place);
-    void checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const Source& source,
-                         const char* tagEnd);
+    bool readKnown(Scanner& scanner, bool expands, ConformingTags& rules);
+    void readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules);
+    void readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const AttributeList* list);
+    bool readOtherValueInto(QeCString& value, Scanner& scanner, bool expands, ConformingTags& rules);
+    void addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd);
+    void writeChecked(const RawName& element, ConformingTags& rules, const char* tagEnd, bool mayLearn);
+    void declare(const RawAttribute& attribute, ConformingTags& rules, const char* place);
+    void checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const char* tagEnd);
 
     void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
     void writeLocalName(QeXmlName& name, const RawName& raw);
