@@ -177,7 +177,7 @@ const char* findBadCharacter(std::string_view text) noexcept {
 #if defined(TESSIT_SCAN_BLOCKS)
     const char* const begin = at;
     if (text.size() > sizeof(Block) + LongestBack) at = checkEach(at, begin + LongestBack, end);
-    if (at == begin) return checkEach(at, end, end);  // short, or bad
+    if (static_cast<std::size_t>(at - begin) < LongestBack) return checkEach(at, end, end);  // short, or bad
 #if defined(TESSIT_WIDE_CHARACTERS)
     if (hasWideBlocks())
         if (const char* const bad = passWideBlocks(at, begin, end)) return bad;
