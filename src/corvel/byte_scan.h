@@ -49,6 +49,11 @@ inline Block lessened(Block block, unsigned char amount) {
         _mm_subs_epu8(reinterpret_cast<__m128i>(block), _mm_set1_epi8(static_cast<char>(amount))));
 }
 
+// The larger byte of each two.
+inline Block larger(Block left, Block right) {
+    return reinterpret_cast<Block>(_mm_max_epu8(reinterpret_cast<__m128i>(left), reinterpret_cast<__m128i>(right)));
+}
+
 #else
 
 // Four bits per byte of a comparison that is true, the lowest for the first byte.
@@ -64,6 +69,11 @@ inline Matches matchesOf(Comparison comparison) {
 // Each byte less `amount`, and 0 where it is not more.
 inline Block lessened(Block block, unsigned char amount) {
     return reinterpret_cast<Block>(vqsubq_u8(reinterpret_cast<uint8x16_t>(block), vdupq_n_u8(amount)));
+}
+
+// The larger byte of each two.
+inline Block larger(Block left, Block right) {
+    return reinterpret_cast<Block>(vmaxq_u8(reinterpret_cast<uint8x16_t>(left), reinterpret_cast<uint8x16_t>(right)));
 }
 
 #endif

@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include <corvel/byte_scan.h>
+#include <corvel/compiler.h>
 #include <tessit/rules/characters.h>
 #include <tessit/rules/characters_wide.h>
 #include <tessit/rules/name_chars.h>
@@ -66,53 +67,87 @@ using SignedBlock [[gnu::vector_size(16)]] = signed char;
 constexpr std::size_t LongestBack = 3;  // bytes of a character in front of its last one
 
 // What is true or false of a byte is in its topmost bit.
-bool isAnyTrue(Block block) noexcept {
+TESSIT_ALWAYS_INLINE inline bool isAnyTrue(Block block) noexcept {
     return corvel::matchesOf(reinterpret_cast<SignedBlock>(block) < 0) != 0;
 }
 
 // Of a comparison.
 template <typename Comparison>
-Block asBlock(Comparison comparison) noexcept {
+TESSIT_ALWAYS_INLINE inline Block asBlock(Comparison comparison) noexcept {
     return reinterpret_cast<Block>(comparison);
 }
 
 // Whether bytes are as large as one from 0x80 on.
-Block isAtLeast(Block bytes, unsigned char least) noexcept {
+TESSIT_ALWAYS_INLINE inline Block isAtLeast(Block bytes, unsigned char least) noexcept {
     return corvel::lessened(bytes, static_cast<unsigned char>(least - 0x80));
 }
 
-// Whether a byte is past ASCII, or a control that is not allowed.
-Block needsThought(Block bytes) noexcept {
-    const Block isLow = asBlock(reinterpret_cast<SignedBlock>(bytes) < ' ');
-    return isLow & ~(asBlock(bytes == '\n') | asBlock((bytes | ('\t' ^ '\r')) == '\r'));
+// Whether a byte is of ASCII, and no control but those that are allowed.
+TESSIT_ALWAYS_INLINE inline Block isPlain(Block bytes) noexcept {
+    return asBlock(reinterpret_cast<SignedBlock>(bytes) > 0x1F) | asBlock(bytes == '\n') |
+           asBlock((bytes | ('\t' ^ '\r')) == '\r');
 }
 
-// Whether there is a fault, or what is rare, in sixteen bytes, of which three stand in front.
-Block isSuspicious(const char* at) noexcept {
+TESSIT_ALWAYS_INLINE inline Block doesNotGoOn(Block bytes) noexcept {
+    return asBlock(reinterpret_cast<SignedBlock>(bytes) > static_cast<signed char>(0xBF));
+}
+
+// Whether sixteen bytes are sound, where no character of more than two bytes begins in them or the three in front.
+TESSIT_ALWAYS_INLINE inline Block isSoundUpToTwo(const char* at) noexcept {
+    const Block bytes = blockAt(at);
+    const Block mustGoOn = isAtLeast(blockAt(at - 1), 0xC0);
+    const Block beginsNothing = asBlock((bytes & 0xFE) == 0xC0);
+    return (mustGoOn ^ doesNotGoOn(bytes)) & (isPlain(bytes) | bytes) & ~beginsNothing;
+}
+
+// The same where no byte is 0xF4 or more.
+TESSIT_ALWAYS_INLINE inline Block isSound(const char* at) noexcept {
     const Block bytes = blockAt(at), back1 = blockAt(at - 1), back2 = blockAt(at - 2), back3 = blockAt(at - 3);
     const Block mustGoOn = isAtLeast(back1, 0xC0) | isAtLeast(back2, 0xE0) | isAtLeast(back3, 0xF0);
-    const Block goesOn = asBlock(reinterpret_cast<SignedBlock>(bytes) < static_cast<signed char>(0xC0));
     // Behind E0 comes A0 at least, and 90 behind F0: 0x10 more, so that they are the same.
     const Block isTooLong = asBlock((back1 & 0xEF) == 0xE0) & ~isAtLeast(bytes + (back1 & 0x10), 0xA0);
     const Block isSurrogate = asBlock(back1 == 0xED) & isAtLeast(bytes, 0xA0);
-    const Block beginsNothing = asBlock((bytes & 0xFE) == 0xC0) | isAtLeast(bytes, 0xF4);
+    const Block beginsNothing = asBlock((bytes & 0xFE) == 0xC0);
     const Block mayBeForbidden = asBlock(back1 == 0xEF) & asBlock(bytes == 0xBF);
-    return (mustGoOn ^ goesOn) | isTooLong | isSurrogate | beginsNothing | mayBeForbidden;
+    return (mustGoOn ^ doesNotGoOn(bytes)) & (isPlain(bytes) | bytes) &
+           ~(isTooLong | isSurrogate | beginsNothing | mayBeForbidden);
 }
 
-// Whether nothing is to be looked at in so many blocks. Three bytes stand in front of them.
+// Whether all of so many blocks are.
+template <std::size_t Count, typename Is>
+TESSIT_ALWAYS_INLINE inline bool areAll(const char* at, Is is) noexcept {
+    Block all = is(at);
+    for (std::size_t i = 1; i < Count; ++i)
+        all &= is(at + 16 * i);
+    return !isAnyTrue(~all);
+}
+
+// The largest bytes of so many blocks and the three bytes in front of them.
 template <std::size_t Count>
-bool areSound(const char* at) noexcept {
-    std::uint32_t front;  // with the first byte of the blocks
+TESSIT_ALWAYS_INLINE inline Block largest(const char* at) noexcept {
+    Block most = blockAt(at - 3);
+    for (std::size_t i = 0; i < Count; ++i)
+        most = corvel::larger(most, blockAt(at + 16 * i));
+    return most;
+}
+
+// Whether a character past ASCII may reach into what follows.
+TESSIT_ALWAYS_INLINE inline bool isAsciiInFront(const char* at) noexcept {
+    std::uint32_t front;  // with the byte that follows
     std::memcpy(&front, at - 3, sizeof front);
-    Block thought[Count], any{};
-    for (std::size_t i = 0; i < Count; ++i)
-        any |= thought[i] = needsThought(blockAt(at + 16 * i));
-    if (!isAnyTrue(any) && (front & 0x80808080) == 0) return true;
-    any = Block{};
-    for (std::size_t i = 0; i < Count; ++i)
-        any |= isSuspicious(at + 16 * i) | (thought[i] & ~blockAt(at + 16 * i));
-    return !isAnyTrue(any);
+    return (front & 0x80808080) == 0;
+}
+
+// Whether nothing is to be looked at in so many blocks. Three bytes stand in front of them. Says whether to
+// begin with the guess that they are plain the next time.
+template <std::size_t Count>
+TESSIT_ALWAYS_INLINE inline bool areSound(const char* at, bool& guessPlain) noexcept {
+    if (guessPlain && areAll<Count>(at, [](const char* block) { return isPlain(blockAt(block)); }))
+        if (isAsciiInFront(at)) return true;
+    const Block most = largest<Count>(at);
+    guessPlain = !isAnyTrue(most);
+    if (!isAnyTrue(isAtLeast(most, 0xE0))) return areAll<Count>(at, isSoundUpToTwo);
+    return !isAnyTrue(isAtLeast(most, 0xF4)) && areAll<Count>(at, isSound);
 }
 
 // The begin of the character to which the byte belongs that `at` is at, or `at` where it begins one itself.
@@ -147,8 +182,9 @@ const char* passWideBlocks(const char*& at, const char* textBegin, const char* t
 template <std::size_t Count>
 const char* passBlocks(const char*& at, const char* textBegin, const char* textEnd) noexcept {
     constexpr std::size_t Length = Count * sizeof(Block);
+    bool guessPlain = true;
     for (; static_cast<std::size_t>(textEnd - at) >= Length; at += Length) {
-        if (areSound<Count>(at)) continue;
+        if (areSound<Count>(at, guessPlain)) continue;
         const char* const next = at + Length;
         if (const char* const stop = checkEach(characterBegin(at, textBegin), next, textEnd); stop < next) return stop;
     }
