@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <voxal/transcode.h>
 
 #include <corvel/byte_scan.h>
 #include <tessit/rules/name_chars.h>
@@ -47,12 +48,8 @@ CharacterAt characterAt(const char* at) noexcept {
 }
 
 void appendCharacter(QeCString& text, std::uint32_t character) {
-    if (character < 0x80) return text.append(static_cast<char>(character));
-    const unsigned following = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
-    const std::uint32_t lead = 0xFF00u >> (following + 1) & 0xFF;
-    text.append(static_cast<char>(lead | character >> 6 * following));
-    for (unsigned left = following; left-- != 0;)
-        text.append(static_cast<char>(0x80 | (character >> 6 * left & 0x3F)));
+    char bytes[4];
+    text.append(bytes, static_cast<std::size_t>(voxal::putUtf8(bytes, character) - bytes));
 }
 
 void checkQName(const Source& source, std::string_view name) {
@@ -92,7 +89,8 @@ void StrictScanner::require(std::string_view text, Rule rule) {
 }
 
 std::string_view StrictScanner::readName(Rule rule) {
-    if (!startsStrictName(characterAt(&(peek(), *at)).character)) refuseHere(rule);
+    if (atEnd()) refuseEnd(*source);
+    if (!startsStrictName(characterAt(at).character)) refuseHere(rule);
     return readNameToken(rule);
 }
 
@@ -133,13 +131,7 @@ std::string_view StrictScanner::readComment() {
     const char* const start = at;
     for (;;) {
         at = corvel::findByte(at, end(), '-');
-        if (end() - at < 3) {
-            if (end() - at == 2 && at[1] == '-')
-                goTo(at + 2);
-            else
-                goTo(end());
-            refuseEnd(*source);
-        }
+        if (end() - at < 3) refuseEnd(*source);
         if (at[1] == '-') break;
         at += 2;
     }
