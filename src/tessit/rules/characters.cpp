@@ -208,14 +208,14 @@ std::size_t lengthOfSequence(std::string_view text) noexcept {
     return length;
 }
 
-const char* findBadCharacter(std::string_view text) noexcept {
+const char* findBadCharacter(std::string_view text, [[maybe_unused]] bool mayUseWideBlocks) noexcept {
     const char *at = text.data(), *const end = at + text.size();
 #if defined(TESSIT_SCAN_BLOCKS)
     const char* const begin = at;
     if (text.size() > sizeof(Block) + LongestBack) at = checkEach(at, begin + LongestBack, end);
     if (static_cast<std::size_t>(at - begin) < LongestBack) return checkEach(at, end, end);  // short, or bad
 #if defined(TESSIT_WIDE_CHARACTERS)
-    if (hasWideBlocks())
+    if (mayUseWideBlocks && hasWideBlocks())
         if (const char* const bad = passWideBlocks(at, begin, end)) return bad;
 #endif
     if (const char* const bad = passBlocks<4>(at, begin, end)) return bad;

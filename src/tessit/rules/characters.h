@@ -9,7 +9,8 @@ namespace tessit {
 
 /// The place of the first byte that is not UTF-8, or begins a character that XML does not
 /// allow; the end where there is none. A character begins at the text's begin. O(bytes).
-const char* findBadCharacter(std::string_view text) noexcept;
+/// Uses the widest blocks that the processor has, unless it is to use those that all of its kind have.
+const char* findBadCharacter(std::string_view text, bool mayUseWideBlocks = true) noexcept;
 
 /// How many bytes the character at the text's begin takes, as its first byte says, or as many
 /// of them as belong together where it is not whole: 1 at least.
