@@ -89,6 +89,8 @@ constexpr Case Accepted[] = {
     {"<!DOCTYPE a [<!ENTITY % p \"<!ATTLIST a x CDATA '1'>\">%p;]><a/>", "!a /a[x=1]"},
     {"<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>&e;</a>", "!a +a &e -a"},
     {"<!DOCTYPE a [<!ENTITY lt \"&#38;#60;\"><!ENTITY e \"&lt;\">]><a>&e;</a>", "!a +a =< -a"},
+    {"<!DOCTYPE a [<?p d?><!ENTITY % e '<?q?>'>%e;]><!--c--><a/>", "!a ?p d ?q  #c /a"},
+    {"<!DOCTYPE a [<!ENTITY % e ''>%e;]><a>&f;</a>", "!a +a &f -a"},  // a matter of validity
 };
 
 constexpr Case Refused[] = {

@@ -21,7 +21,7 @@ void Declarations::readDocumentType(StrictScanner& scanner, QeXmlDocumentType& t
     externalSubset.source.cutBy = Rule::DeclarationNesting;
     externalSubset.external = std::make_unique<Entity::External>();
     externalSubset.external->id = std::move(id);
-    lacksSubset = !reader.readExternalSubset(externalSubset);
+    reader.readExternalSubset(externalSubset);
 }
 
 Entity* Declarations::resolve(const Source& where, const char* reference, std::string_view name) {
@@ -61,6 +61,7 @@ Entity* Declarations::findNamed(std::string_view name) {
 }
 
 Entity* Declarations::resolveParameter(const Source& where, const char* reference, std::string_view name) {
+    noteReference();
     Entity* const entity = parameters.find(name);
     if (entity == nullptr && isStandalone && !isReadingOutside) refuse(where, reference, Rule::UndeclaredEntity, name);
     return entity;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -14,6 +15,11 @@
 #include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
+
+/// A processing instruction among the declarations: views of the text that it stands in.
+struct SubsetInstruction {
+    std::string_view target, data;
+};
 
 /// What the declarations of a document say: entities and attributes. Owns the texts that
 /// entities bring, which stay where they are as long as it lives.
@@ -36,9 +42,13 @@ public:
     /// it.
     void readDocumentType(StrictScanner& scanner, QeXmlDocumentType& type);
 
-    /// Whether a reference to an entity that is not declared may be left alone: something that could declare it was not
-    /// read.
-    bool mayLackDeclarations() const noexcept { return !isStandalone && (lacksSubset || lacksParameterEntity); }
+    /// Whether a reference to an entity that is not declared may be left alone. Where the internal subset is all there
+    /// is, or the document is standalone, it breaks a rule; with an external subset or a reference to a parameter
+    /// entity it is a matter of validity, whether these were read or not.
+    bool mayLackDeclarations() const noexcept { return !isStandalone && refersElsewhere; }
+
+    /// The instructions in the subsets, in their order; none unless the settings ask for them.
+    std::span<const SubsetInstruction> instructions() const noexcept { return subsetInstructions; }
 
     /// What is declared for the elements of that name, as written; null when nothing is. O(length of the name).
     const AttributeList* attributesOf(std::string_view elementName) const noexcept { return lists.find(elementName); }
@@ -77,8 +87,12 @@ public:
     /// Whether what is read now stands in the external subset or in a parameter entity.
     void setReadingOutside(bool isOutside) noexcept { isReadingOutside = isOutside; }
 
-    /// There is an external subset, which was not read yet.
-    void noteExternalSubset() noexcept { lacksSubset = true; }
+    /// There is an external subset, or a reference to a parameter entity.
+    void noteReference() noexcept { refersElsewhere = true; }
+
+    void addInstruction(const SubsetInstruction& instruction) {
+        if (settings.keepsInstructions) subsetInstructions.push_back(instruction);
+    }
 
     /// A parameter entity is not read: what follows is not applied, unless the document is standalone.
     void noteUnreadEntity() noexcept { lacksParameterEntity = true; }
@@ -108,7 +122,8 @@ private:
     NamedList<AttributeList, std::deque> lists;
     Entity externalSubset;
     bool isStandalone = false;
-    bool lacksSubset = false, lacksParameterEntity = false;
+    std::vector<SubsetInstruction> subsetInstructions;
+    bool refersElsewhere = false, lacksParameterEntity = false;
     bool isReadingOutside = false;
     bool hasIndexOfNamed = false;
 };

@@ -18,7 +18,7 @@ ExternalId SubsetReader::readDocumentType(QeXmlDocumentType& type) {
         type.hasExternalId = true;
         type.publicId = id.publicId;
         type.systemId = id.systemId;
-        declarations.noteExternalSubset();
+        declarations.noteReference();
     }
     text.passBlank();
     if (text.passIf("[")) readInternalSubset(type);
@@ -34,16 +34,15 @@ void SubsetReader::readInternalSubset(QeXmlDocumentType& type) {
     text.require("]", Rule::DocumentType);
 }
 
-bool SubsetReader::readExternalSubset(Entity& subset) {
+void SubsetReader::readExternalSubset(Entity& subset) {
     const Source& document = text.getSource();
     const Source* const source = declarations.open(subset, document, externalIdPlace);
-    if (source == nullptr) return false;
+    if (source == nullptr) return;
     static_cast<StrictScanner&>(text) = StrictScanner(*source, source->begin());
     text.beOutside();
     readDeclarations();
     declarations.setReadingOutside(false);
     declarations.close(subset);
-    return true;
 }
 
 // Up to the ']' of the internal subset, or the end of the external one.
@@ -90,7 +89,7 @@ constexpr std::string_view SectionEnd = "]]>";
 
 void SubsetReader::readMarkup() {
     if (text.passIf("<!--")) return passComment();
-    if (text.passIf("<?")) return passInstruction();
+    if (text.passIf("<?")) return readInstruction();
     if (text.passIf("<!ELEMENT")) return readElementDeclaration();
     if (text.passIf("<!ATTLIST")) return readAttributeListDeclaration();
     if (text.passIf("<!ENTITY")) return readEntityDeclaration();

@@ -22,6 +22,7 @@ struct DeclarationSettings {
     std::uint64_t expansionFactor = 100;
     std::uint64_t freeExpansion = 8 * 1024 * 1024;
     std::size_t entityDepth = 256;
+    bool keepsInstructions = false;  ///< those among the declarations
 };
 
 struct ExternalId {

@@ -22,8 +22,8 @@ public:
     /// Entered just after "<!DOCTYPE"; passes the closing '>'. Returns how the external subset is identified.
     ExternalId readDocumentType(QeXmlDocumentType& type);
 
-    /// Reads the external subset, once the document type was read. False when it is not available.
-    bool readExternalSubset(Entity& subset);
+    /// Reads the external subset, if it is available, once the document type was read.
+    void readExternalSubset(Entity& subset);
 
 private:
     // the subsets: document_type.cpp
@@ -33,7 +33,10 @@ private:
     void readMarkup();
     [[noreturn]] void refuseMarkup();
     void passComment() { text.readComment(); }
-    void passInstruction() { text.readInstruction(namespaces); }
+    void readInstruction() {
+        const auto [target, data] = text.readInstruction(namespaces);
+        declarations.addInstruction({target, data});
+    }
     void readConditionalSection();
     void passIgnored();
     void closeSection();

@@ -16,6 +16,7 @@ tessit::DeclarationSettings settingsOf(const QeXmlReaderOptions& options) {
     settings.expansionFactor = options.expansionFactor;
     settings.freeExpansion = options.freeExpansion;
     settings.entityDepth = options.entityDepth;
+    settings.keepsInstructions = tessit::hasNode(options.nodes, QeXmlNodes::Instructions);
     return settings;
 }
 

@@ -10,6 +10,14 @@
 #include <tessit/reader/engine.h>
 #include <tessit/rules/decoded_text.h>
 
+namespace tessit {
+
+inline bool hasNode(QeXmlNodes nodes, QeXmlNodes node) noexcept {
+    return (static_cast<std::uint32_t>(nodes) & static_cast<std::uint32_t>(node)) != 0;
+}
+
+}  // namespace tessit
+
 /// What a conforming reader has besides a lenient one: the options, what the document type
 /// declares, and the entities that are being read. Knows nothing of tags.
 struct QeXmlReader::Engine::Conforming {
@@ -28,8 +36,12 @@ struct QeXmlReader::Engine::Conforming {
         return entities.empty() ? document.source : entities.back().entity->source;
     }
 
-    bool delivers(QeXmlNodes node) const noexcept {
-        return (static_cast<std::uint32_t>(options.nodes) & static_cast<std::uint32_t>(node)) != 0;
+    bool delivers(QeXmlNodes node) const noexcept { return tessit::hasNode(options.nodes, node); }
+
+    // Whether there are instructions among the declarations that were not delivered yet. None are kept that nobody
+    // asked for.
+    bool hasInstructions() {
+        return phase == InProlog && documentTypeWasRead && nextInstruction < declared.get().instructions().size();
     }
 
     QeXmlReaderOptions options;
@@ -38,6 +50,7 @@ struct QeXmlReader::Engine::Conforming {
     tessit::ConformingTags tags;
     QeXmlDocumentType documentType;
     bool documentTypeWasRead = false;
+    std::size_t nextInstruction = 0;  // of those that stand among the declarations
     Phase phase = InProlog;
     std::vector<OpenEntity> entities;  // outermost first
     const char* end = nullptr;         // of what is being read; the reader's own is set once the document is complete

@@ -57,6 +57,7 @@ bool QeXmlReader::Engine::ConformingNodes::readMarkup() {
 // Passes what may stand outside of the root element. Whether a node was delivered, or stands here to be.
 bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
     for (;;) {
+        if (state.hasInstructions() && others != Others::Pass) return deliverInstruction(others);
         skipSpace();
         if (atEnd()) {
             if (state.phase == Conforming::InProlog || source().endsBy != Rule::None) refuseEnd();
@@ -104,6 +105,15 @@ bool QeXmlReader::Engine::ConformingNodes::readInstruction(Others others) {
     const auto [target, data] = scanner.readInstruction(state.options.namespaces);
     goBackTo(scanner.position());
     if (others == Others::Pass || !state.delivers(QeXmlNodes::Instructions)) return false;
+    state.target.assign(target);
+    deliver(Instruction, data);
+    return true;
+}
+
+// One of those among the declarations, which are delivered behind the document type.
+bool QeXmlReader::Engine::ConformingNodes::deliverInstruction(Others others) {
+    if (others == Others::Leave) return true;
+    const auto& [target, data] = state.declared.get().instructions()[state.nextInstruction++];
     state.target.assign(target);
     deliver(Instruction, data);
     return true;

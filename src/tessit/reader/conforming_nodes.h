@@ -80,6 +80,7 @@ private:
     bool readComment(Others others);
     bool readInstruction(Others others);
     bool readDocumentType(Others others);
+    bool deliverInstruction(Others others);
     void deliver(NodeType type, std::string_view text);
     void appendAsWritten(QeCString& target, std::string_view text);
     void readCDATA(QeCString& text);
