@@ -1,5 +1,6 @@
 #include "attempt.h"
 
+#include <cstdint>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -11,9 +12,16 @@
 
 namespace {
 
-std::string positionIn(std::string_view file, const QeXmlParseError& error) {
-    return std::string(file) + ':' + std::to_string(error.getLineNumber()) + ':' +
-           std::to_string(error.getColumnNumber());
+std::string placeIn(std::string_view file, std::uint64_t line, std::uint64_t column) {
+    return std::string(file) + ':' + std::to_string(line) + ':' + std::to_string(column);
+}
+
+void complainOfRefusal(Console& console, std::string_view name, const QeXmlParseError& error, ExitStatus refusal) {
+    const auto orName = [name](std::string_view source) { return source.empty() ? name : source; };
+    const QeCString source = error.getSourceFile();
+    console.complain(placeIn(orName(source), error.getLineNumber(), error.getColumnNumber()), error.what(), refusal);
+    if (const QeXmlNote* note = error.getNote())
+        console.note(placeIn(orName(note->place.sourceFile), note->place.line, note->place.column), note->text);
 }
 
 }  // namespace
@@ -25,7 +33,7 @@ bool attempt(Console& console, std::string_view file, ExitStatus refusal, const 
         read();
         return true;
     } catch (const QeXmlParseError& error) {
-        console.complain(positionIn(name, error), error.what(), refusal);
+        complainOfRefusal(console, name, error, refusal);
     } catch (const InputError& failure) {
         console.complain(name, std::generic_category().message(failure.error), ExitStatus::Failed);
     } catch (const std::bad_alloc&) {

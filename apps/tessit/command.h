@@ -17,5 +17,6 @@ struct Command {
 
 // Each declares its arguments on the tool's command line. A new subcommand is a
 // source of its own, a line here, and its name in main's list.
+Command addCheck(CLI::App& tool);
 Command addEvents(CLI::App& tool);
 Command addSame(CLI::App& tool);

@@ -51,8 +51,18 @@ void Console::complain(std::string_view where, std::string_view message, ExitSta
     complainOnly(where, message, meaning);
 }
 
-// A complaint that cannot be written is still told by the exit status.
 void Console::complainOnly(std::string_view where, std::string_view message, ExitStatus meaning) {
     conclude(meaning);
-    writeAll(STDERR_FILENO, escaped(where) + ": error: " + escaped(message) + "\n");
+    print(where, "error", message);
+}
+
+void Console::note(std::string_view where, std::string_view message) {
+    flush();
+    print(where, "note", message);
+}
+
+// A complaint that cannot be written is still told by the exit status.
+void Console::print(std::string_view where, std::string_view kind, std::string_view message) const {
+    if (silent) return;
+    writeAll(STDERR_FILENO, escaped(where) + ": " + std::string(kind) + ": " + escaped(message) + "\n");
 }

@@ -43,12 +43,21 @@ public:
     /// The same for when standard output itself is what fails: nothing is written to it.
     void complainOnly(std::string_view where, std::string_view message, ExitStatus meaning);
 
+    /// Prints "WHERE: note: MESSAGE" in the same way; the exit status stays. Throws `WriteError`.
+    void note(std::string_view where, std::string_view message);
+
+    /// From now on prints neither complaints nor notes.
+    void silence() { silent = true; }
+
     /// Makes the exit status at least this bad, without a complaint.
     void conclude(ExitStatus meaning) { worst = std::max(worst, meaning); }
 
     ExitStatus status() const { return worst; }
 
 private:
+    void print(std::string_view where, std::string_view kind, std::string_view message) const;
+
     std::string pending;
     ExitStatus worst = ExitStatus::Good;
+    bool silent = false;
 };

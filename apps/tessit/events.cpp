@@ -7,6 +7,7 @@
 #include <tessit/tessit.h>
 
 #include "attempt.h"
+#include "beside_resolver.h"
 #include "command.h"
 #include "console.h"
 #include "document_walk.h"
@@ -18,6 +19,8 @@ namespace {
 struct Options {
     std::vector<std::string> files;
     bool rawReferences = false;
+    bool conforming = false;
+    bool external = false;
 };
 
 // Prints nodes, each line behind the same prefix.
@@ -43,8 +46,17 @@ public:
             case QeXmlReader::ElementEnd:
                 return printTag("end", reader.getLastName(), {});
             case QeXmlReader::Content:
-                return printText(reader.getLastContent());
-            default:
+                return printQuotedLine("text", reader.getLastContent());
+            case QeXmlReader::Comment:
+                return printQuotedLine("comment", reader.getLastContent());
+            case QeXmlReader::Instruction:
+                return printInstruction(reader.getLastTarget(), reader.getLastContent());
+            case QeXmlReader::EntityReference:
+                return printReference(reader.getLastTarget());
+            case QeXmlReader::DocumentType:
+                return printDocumentType(reader.getDocumentType());
+            case QeXmlReader::CDATASection:  // not asked for
+            case QeXmlReader::NoNode:
                 break;
         }
     }
@@ -71,11 +83,40 @@ private:
         printQuoted(attribute.getValue());
     }
 
-    void printText(std::string_view text) {
+    void printQuotedLine(std::string_view kind, std::string_view text) {
         console.append(prefix);
-        console.append("text ");
+        console.append(kind);
+        console.append(' ');
         printQuoted(text);
         console.append('\n');
+    }
+
+    void printInstruction(std::string_view target, std::string_view data) {
+        printNamed("instruction", target);
+        console.append(' ');
+        printQuoted(data);
+        console.append('\n');
+    }
+
+    void printReference(std::string_view name) {
+        printNamed("reference", name);
+        console.append('\n');
+    }
+
+    void printDocumentType(const QeXmlDocumentType& declaration) {
+        printNamed("doctype", declaration.name);
+        console.append(' ');
+        printQuoted(declaration.publicId);
+        console.append(' ');
+        printQuoted(declaration.systemId);
+        console.append('\n');
+    }
+
+    void printNamed(std::string_view kind, std::string_view name) {
+        console.append(prefix);
+        console.append(kind);
+        console.append(' ');
+        appendEscaped<Within::Line>(console, name);
     }
 
     void printField(std::string_view name, std::string_view value) {
@@ -110,10 +151,18 @@ private:
     std::string_view prefix;
 };
 
-void printEvents(Console& console, std::span<const unsigned char> document, std::string_view prefix,
-                 bool rawReferences) {
-    QeXmlReader reader(document);
-    reader.setExpandAttributeReference(!rawReferences);
+constexpr QeXmlNodes DeliveredNodes =
+    QeXmlNodes::Comments | QeXmlNodes::Instructions | QeXmlNodes::References | QeXmlNodes::DocumentType;
+
+void printEvents(Console& console, const std::string& file, std::string_view prefix, const Options& options) {
+    const std::vector<unsigned char> document = readInput(file);
+    BesideResolver resolver(console, file);
+    QeXmlReader reader{std::span(document),
+                       {.rules = options.conforming ? QeXmlRules::Conforming : QeXmlRules::Lenient,
+                        .sourceName = QeCString(displayName(file)),
+                        .nodes = DeliveredNodes,
+                        .resolver = options.external ? &resolver : nullptr}};
+    reader.setExpandAttributeReference(!options.rawReferences);
     EventPrinter printer(console, prefix);
     printer.printDocument(reader);
     for (DocumentWalk walk(reader); walk.next();)
@@ -122,8 +171,7 @@ void printEvents(Console& console, std::span<const unsigned char> document, std:
 
 void readFile(Console& console, const std::string& file, const Options& options) {
     const std::string prefix = options.files.size() > 1 ? escaped(displayName(file)) + ": " : "";
-    attempt(console, file, ExitStatus::Refused,
-            [&] { printEvents(console, readInput(file), prefix, options.rawReferences); });
+    attempt(console, file, ExitStatus::Refused, [&] { printEvents(console, file, prefix, options); });
 }
 
 }  // namespace
@@ -133,6 +181,10 @@ Command addEvents(CLI::App& tool) {
     auto options = std::make_shared<Options>();
     arguments->add_flag("--raw-references", options->rawReferences,
                         "Leave references in attribute values as they are written");
+    CLI::Option* conforming =
+        arguments->add_flag("--conforming", options->conforming, "Refuse what is not well-formed; print more nodes");
+    arguments->add_flag("--external", options->external, "Read external entities in the document's folder")
+        ->needs(conforming);
     arguments->add_option("FILE", options->files, "Documents to read; none, or \"-\", is standard input")
         ->type_name("");
     return {arguments, [options](Console& console) {

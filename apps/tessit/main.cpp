@@ -30,13 +30,13 @@ void refuseUsage(Console& console, const std::string& reason) {
 }
 
 void runCommand(std::span<char*> words, Console& console) {
-    CLI::App tool("Reads and compares XML documents", std::string(ToolName));
+    CLI::App tool("Reads, checks and compares XML documents", std::string(ToolName));
     tool.set_version_flag("--version", std::string(ToolName) + " " + tessit::versionString());
     tool.footer(
         "Exit status: 0 when every document was read, 1 when one was refused,\n"
         "2 for wrong usage or a file that cannot be read or written;\n"
         "subcommands that answer a question have their own.");
-    const Command commands[] = {addEvents(tool), addSame(tool)};
+    const Command commands[] = {addCheck(tool), addEvents(tool), addSame(tool)};
     tool.require_subcommand(0, 1);
     std::vector<std::string> arguments(words.size());
     std::transform(words.begin(), words.end(), arguments.rbegin(), literally);  // CLI11 takes them from the back

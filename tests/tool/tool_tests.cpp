@@ -93,6 +93,68 @@ TEST_F(Tool, PrintsOneLineForEachNodeAndTellsWhereADocumentIsRefused) {
 }
 
 const struct {
+    std::string document;
+    std::string lines;   // behind the first
+    std::string errors;  // behind the name of the file
+} ConformingDocuments[] = {
+    {"<!DOCTYPE a PUBLIC 'p  q' 's\"' []><!--x\"\n--><?t  d\"?><?u?><a>1<!--2-->3<![CDATA[<]]></a><!---->",
+     "doctype a \"p q\" \"s\\\"\"\ncomment \"x\\\"\\n\"\ninstruction t \"d\\\"\"\ninstruction u \"\"\nstart a {}\n"
+     "text \"1\"\ncomment \"2\"\ntext \"3<\"\nend a {}\ncomment \"\"\n",
+     ""},
+    {"<!DOCTYPE a SYSTEM 's'><a b='&c;'>&d;<e/></a>",
+     "doctype a \"\" \"s\"\nstart a {} b=\"&c;\"\nreference d\nempty e {}\nend a {}\n", ""},
+    {"<!DOCTYPE a><a/><?t?><b/>", "doctype a \"\" \"\"\nempty a {}\ninstruction t \"\"\n",
+     ":1:22: error: a second root element\n"},
+};
+
+TEST_F(Tool, PrintsMoreNodesOfConformingDocuments) {
+    for (const auto& [document, lines, errors] : ConformingDocuments)
+        expect("tessit events --conforming", document, Utf8 + lines, errors.empty() ? "" : "<stdin>" + errors,
+               !errors.empty());
+}
+
+constexpr const char* Unread = "reference e";
+constexpr const char* LeadsOut = "it is not in the document's folder";
+
+const struct {
+    const char* systemId;
+    const char* node;
+    std::string reason = {};
+} ExternalEntities[] = {
+    {"text", "text \"TEXT\""},
+    {"./deeper/../text", "text \"TEXT\""},
+    {"a%20b", "text \"SPACE\""},
+    {"linkIn", "text \"TEXT\""},
+    {"none", Unread, "No such file or directory"},
+    {"text%00", Unread, "No such file or directory"},
+    {"deeper", Unread, "it is not a file"},
+    {"pipe", Unread, "it is not a file"},
+    {"../outside", Unread, LeadsOut},
+    {"../inside/text", Unread, LeadsOut},  // out and in again: that would tell what the folder is called
+    {"deeper/%2e%2E%2f../outside", Unread, LeadsOut},
+    {"linkOut", Unread, LeadsOut},
+    {"folderOut/outside", Unread, LeadsOut},
+    {"%2Fdev/null", Unread, LeadsOut},
+    {"file:text", Unread, LeadsOut},
+};
+
+TEST_F(Tool, ReadsExternalEntitiesBesideTheDocumentAlone) {
+    const std::string lines = Utf8 + "doctype a \"\" \"\"\nstart a {}\n";
+    std::system(
+        "mkdir -p inside/deeper; mkfifo inside/pipe; printf OUT >outside; printf TEXT >inside/text;"
+        "printf SPACE >'inside/a b'; ln -s text inside/linkIn; ln -s ../outside inside/linkOut;"
+        "ln -s .. inside/folderOut");
+    for (const auto& [systemId, node, reason] : ExternalEntities) {
+        std::string document = "<!DOCTYPE a [<!ENTITY e SYSTEM '", note;
+        document.append(systemId).append("'>]><a>&e;</a>");
+        if (!reason.empty())
+            note.append("inside/doc:1:1: note: \"").append(systemId).append("\" was not read: ") += reason + '\n';
+        writeFile("inside/doc", document);
+        expect("tessit events --conforming --external inside/doc", "", lines + node + "\nend a {}\n", note, 0);
+    }
+}
+
+const struct {
     const char* command;
     std::string output = {}, errors = {};
     int status = 0;
@@ -123,6 +185,28 @@ const struct {
     {"tessit events bad 2>&-", Utf8 + "start bad {}\n", "", 1},
     {"tessit --help | grep -o 'Exit status'; tessit same --help | grep -o 'they differ'", "Exit status\nthey differ\n"},
 
+    {"tessit check good latin input - && tessit check good && cd / && tessit check \"$OLDPWD/good\""},
+    {"tessit check bad none good - bad 2>&1 <bad",
+     "bad:1:6: error: the document ends before it is complete\nnone: error: No such file or directory\n"
+     "<stdin>:1:6: error: the document ends before it is complete\n"
+     "bad:1:6: error: the document ends before it is complete\n",
+     "", 2},
+    {"tessit check good bad 2>/dev/null", "", "", 1},
+    {"tessit check --quiet bad good", "", "", 1},
+    {"tessit check --quiet none --external away", "", "", 2},
+    {"tessit check", "", "tessit: error: FILE is required" + See, 2},
+    {"tessit events --external good", "", "tessit: error: --external requires --conforming" + See, 2},
+    // The base is where the declaration stands; faults are told of the entity that has them, notes do not count.
+    {"tessit check nested/doc && tessit check --external away && tessit check --external - <nested/doc", "",
+     "away:1:1: note: \"http://away\" was not read: it is not in the document's folder\n"
+     "<stdin>:1:1: note: \"types/dtd\" was not read: nothing stands beside standard input\n"},
+    {R"(echo "<!DOCTYPE a SYSTEM '$PWD/good'><a/>" >absolute; tessit check --external absolute 2>&1 | cut -d'"' -f3)",
+     " was not read: it is not in the document's folder\n"},
+    {"cd nested && tessit check --external doc", "",
+     "types/entity:2:2: error: markup that begins and ends in different entities\ndoc:2:4: note: the entity was "
+     "referred to here\n",
+     1},
+
     {"tessit same good like && tessit same good good && tessit same - ./input"},  // only standard input is read once
     {"tessit same good -", "good and <stdin> differ\n", "", 1},
     {"cp good 'a\nb' && tessit same 'a\nb' input", "a\\nb and input differ\n", "", 1},
@@ -140,7 +224,7 @@ const struct {
     {"trap '' PIPE; { tessit events large; echo $? >&2; } | head -n 1", Utf8, "0\n"},
 
     {"bash completing ''; bash completing events -; bash completing same --h; bash completing events good li",
-     "events same --help --version\n--raw-references --help\n--help\nlike\n"},
+     "check events same --help --version\n--conforming --external --raw-references --help\n--help\nlike\n"},
     // The manual and the completions have each subcommand and option that the tool's help names.
     {R"(tessit --help >help
         for command in $(grep -oE '^  [a-z]+' help); do tessit $command --help >>help; done
@@ -150,7 +234,7 @@ const struct {
             done
             echo $name
         done)",
-     "events\nsame\n--help\n--raw-references\n--version\n"},
+     "check\nevents\nsame\n--conforming\n--external\n--help\n--quiet\n--raw-references\n--version\n"},
 };
 
 TEST_F(Tool, AnswersEachCommandLine) {
@@ -158,6 +242,11 @@ TEST_F(Tool, AnswersEachCommandLine) {
     writeFile("like", "<?xml version='1.0'?>\n<good>\n</good>");
     writeFile("bad", "<bad>");
     writeFile("references", "<a x='&amp;&#65;'>&amp;</a>");
+    writeFile("away", "<!DOCTYPE a SYSTEM 'http://away'><a>&b;</a>");
+    std::filesystem::create_directories("nested/types");
+    writeFile("nested/doc", "<!DOCTYPE a SYSTEM 'types/dtd'>\n<a>&e;</a>");
+    writeFile("nested/types/dtd", "<!ENTITY e SYSTEM 'entity'>");
+    writeFile("nested/types/entity", "\n<");
     writeFile("latin", "<?xml version='1.0' encoding='ISO-8859-1' standalone='no'?><\xE9/>");
     writeFile("unknown", "<?xml version='1.0' encoding='\x1B[2J'?><a/>");
     std::string large = "<r>";

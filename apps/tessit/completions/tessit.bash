@@ -4,10 +4,11 @@ _tessit() {
     local word=$2 command= words
     ((COMP_CWORD > 1)) && command=${COMP_WORDS[1]}
     case $command:$word in
-        events:-*) words='--raw-references --help' ;;
+        check:-*) words='--quiet --external --help' ;;
+        events:-*) words='--conforming --external --raw-references --help' ;;
         same:-*) words='--help' ;;
-        events:* | same:*) mapfile -t COMPREPLY < <(compgen -f -- "$word") && return ;;
-        *) words='events same --help --version' ;;
+        check:* | events:* | same:*) mapfile -t COMPREPLY < <(compgen -f -- "$word") && return ;;
+        *) words='check events same --help --version' ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }
