@@ -1,0 +1,88 @@
+#include "canonical_form.h"
+
+#include <map>
+#include <string_view>
+
+namespace {
+
+std::string_view referenceFor(char byte) {
+    switch (byte) {
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '>':
+            return "&gt;";
+        case '"':
+            return "&quot;";
+        case '\t':
+            return "&#9;";
+        case '\n':
+            return "&#10;";
+        case '\r':
+            return "&#13;";
+        default:
+            return {};
+    }
+}
+
+void appendData(std::string& form, std::string_view data) {
+    for (const char byte : data) {
+        const std::string_view reference = referenceFor(byte);
+        form += reference.empty() ? std::string_view(&byte, 1) : reference;
+    }
+}
+
+void appendStartTag(std::string& form, const QeXmlReader& reader) {
+    std::map<std::string, std::string_view> inOrder;
+    for (const QeXmlAttribute& attribute : reader.getLastAttributes())
+        inOrder.emplace(attribute.getName().getQualifiedName(), attribute.getValue());
+    form.append("<").append(reader.getLastName().getQualifiedName());
+    for (const auto& [name, value] : inOrder) {
+        form.append(" ").append(name).append("=\"");
+        appendData(form, value);
+        form += '"';
+    }
+    form += '>';
+}
+
+void appendEndTag(std::string& form, const QeXmlReader& reader) {
+    form.append("</").append(reader.getLastName().getQualifiedName()).append(">");
+}
+
+void appendNode(std::string& form, const QeXmlReader& reader) {
+    switch (reader.getLastNodeType()) {
+        case QeXmlReader::ElementStart:
+            return appendStartTag(form, reader);
+        case QeXmlReader::ElementEnd:
+            return appendEndTag(form, reader);
+        case QeXmlReader::EmptyElement:
+            appendStartTag(form, reader);
+            return appendEndTag(form, reader);
+        case QeXmlReader::Content:
+            return appendData(form, reader.getLastContent());
+        case QeXmlReader::Instruction:
+            form.append("<?").append(reader.getLastTarget()).append(" ").append(reader.getLastContent()).append("?>");
+            return;
+        default:  // not asked for
+            return;
+    }
+}
+
+}  // namespace
+
+std::string readCanonicalForm(QeXmlReader& reader) {
+    std::string form;
+    while (!reader.eof()) {
+        reader.readNextNode();
+        appendNode(form, reader);
+    }
+    return form;
+}
+
+std::string withoutNotations(std::string output) {
+    constexpr std::string_view End = "]>\n";
+    const std::size_t begin = output.find("<!DOCTYPE");  // text has no '<'
+    const std::size_t end = output.find(End);
+    return begin == std::string::npos ? output : output.erase(begin, end + End.size() - begin);
+}
