@@ -77,7 +77,7 @@ TEST(Characters, AreToldAtEveryPlace) {
             const std::string sound = std::string(length % 7, '-') + tessit::test::repeat(fill, length / fill.size());
             EXPECT_EQ(foundIn(sound), sound.size());
             for (const std::string fault : Faults)
-                for (const std::string& back : {std::string(), std::string(70, 'y')})
+                for (const std::string& back : {std::string(), std::string(20, 'y'), std::string(70, 'y')})
                     ASSERT_EQ(foundIn(joined({sound, fault, back})), sound.size())
                         << length << testing::PrintToString(fill + fault);
         }
