@@ -34,7 +34,7 @@ QeXmlParseError::QeXmlParseError(const QeCString& msg, const QeXmlPlace& where)
 
 QeXmlParseError::QeXmlParseError(const QeCString& msg, const QeXmlPlace& where, const QeXmlNote& note)
     : QeXmlParseError(msg, where) {
-    details = std::make_shared<const Details>(note);
+    details = std::make_shared<const Details>(Details{note});
 }
 
 const QeXmlNote* QeXmlParseError::getNote() const noexcept {
