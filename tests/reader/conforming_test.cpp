@@ -27,6 +27,7 @@ void expectFaultToStay(QeXmlReader& reader, const std::string& fault) {
     EXPECT_EQ(faultOf([&] { reader.readNextNode(); }), fault);
     EXPECT_EQ(faultOf([&] { reader.readElementStart(); }), fault);
     EXPECT_EQ(faultOf([&] { reader.readElementValue(); }), fault);
+    EXPECT_EQ(faultOf([&] { reader.readElementEnd(); }), fault);
 }
 
 // All nodes; an error ends them.

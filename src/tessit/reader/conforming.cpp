@@ -36,20 +36,20 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
 }
 
 // The first fault stays, whatever the program calls behind it; so does what a resolver or a lack of memory has broken
-// off.
-template <typename Read>
-void QeXmlReader::Engine::withoutFault(const Read& read) {
-    if (conforming->fault != nullptr) std::rethrow_exception(conforming->fault);
-    try {
-        read();
-    } catch (...) {
-        conforming->fault = std::current_exception();
-        throw;
-    }
+// off. An empty element that was read last counts as closed: else its end could still be taken.
+void QeXmlReader::Engine::raiseFault() {
+    reader.lastNodeType = NoNode;
+    std::rethrow_exception(conforming->fault);
 }
 
 void QeXmlReader::Engine::readConformingContent() {
-    withoutFault([this] { ConformingNodes(*this).readContent(); });
+    if (conforming->fault != nullptr) raiseFault();
+    try {
+        ConformingNodes(*this).readContent();
+    } catch (...) {
+        conforming->fault = std::current_exception();
+        raiseFault();
+    }
 }
 
 void QeXmlReader::takePendingOrConforming() {
@@ -60,9 +60,9 @@ void QeXmlReader::takePendingOrConforming() {
 void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
     if (conforming->phase != Conforming::InEpilog || conforming->fault != nullptr) return;
     try {
-        withoutFault([this] { ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave); });
+        ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave);
     } catch (...) {
-        return;  // it is kept
+        conforming->fault = std::current_exception();
     }
 }
 

@@ -10,16 +10,15 @@ using tessit::Rule;
 using tessit::Source;
 using tessit::StrictScanner;
 
-// The first fault stays, whatever the program calls behind it; so does what a resolver or a lack of memory has broken
-// off. As for a lenient reader, all that is called here is made one function.
+// As for a lenient reader, all that is called here is made one function.
 TESSIT_FLATTEN void QeXmlReader::readNextConforming() {
     std::exception_ptr& fault = engine->conforming->fault;
-    if (fault != nullptr) std::rethrow_exception(fault);
+    if (fault != nullptr) engine->raiseFault();
     try {
         Engine::ConformingNodes(*engine).readNextNode();
     } catch (...) {
         fault = std::current_exception();
-        throw;
+        engine->raiseFault();
     }
 }
 

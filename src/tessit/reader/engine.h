@@ -25,8 +25,7 @@ struct QeXmlReader::Engine {
     void openConforming(std::string_view document);
     void readConformingContent();
     void passOutsideOfRoot() noexcept;
-    template <typename Read>
-    void withoutFault(const Read& read);
+    [[noreturn]] void raiseFault();
     const char* positionInDocument() const noexcept;
 
     // engine.cpp
