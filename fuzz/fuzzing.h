@@ -50,12 +50,13 @@ public:
         return taken;
     }
 
-    /// The text up to the next line feed, which is passed over.
-    std::string_view line() {
-        const std::string_view taken = text(std::min(left.find('\n'), left.size()));
+    /// The text up to the next such byte, which is passed over.
+    std::string_view until(char byte) {
+        const std::string_view taken = text(std::min(left.find(byte), left.size()));
         text(1);
         return taken;
     }
+    std::string_view line() { return until('\n'); }
 
     std::string_view rest() { return text(left.size()); }
 
