@@ -46,6 +46,30 @@ void appendStartTag(std::string& form, const QeXmlReader& reader) {
     form += '>';
 }
 
+void appendIdentifiers(std::string& form, const QeXmlNotation& notation) {
+    if (notation.publicId.empty()) {
+        form.append(" SYSTEM");
+    } else {
+        form.append(" PUBLIC '").append(notation.publicId).append("'");
+    }
+    if (!notation.systemId.empty()) form.append(" '").append(notation.systemId).append("'");
+}
+
+// Notations stand in front of the root element, in the order of their names.
+void appendNotations(std::string& form, const QeXmlDocumentType& type) {
+    if (type.notations.empty()) return;
+    std::map<std::string, const QeXmlNotation*> inOrder;
+    for (const QeXmlNotation& notation : type.notations)
+        inOrder.emplace(notation.name, &notation);
+    form.append("<!DOCTYPE ").append(type.name).append(" [\n");
+    for (const auto& [name, notation] : inOrder) {
+        form.append("<!NOTATION ").append(name);
+        appendIdentifiers(form, *notation);
+        form.append(">\n");
+    }
+    form.append("]>\n");
+}
+
 void appendEndTag(std::string& form, const QeXmlReader& reader) {
     form.append("</").append(reader.getLastName().getQualifiedName()).append(">");
 }
@@ -73,16 +97,13 @@ void appendNode(std::string& form, const QeXmlReader& reader) {
 
 std::string readCanonicalForm(QeXmlReader& reader) {
     std::string form;
-    while (!reader.eof()) {
+    for (bool isInFront = true; !reader.eof();) {
         reader.readNextNode();
+        if (isInFront && reader.getLastNodeType() != QeXmlReader::Instruction) {
+            appendNotations(form, reader.getDocumentType());
+            isInFront = false;
+        }
         appendNode(form, reader);
     }
     return form;
-}
-
-std::string withoutNotations(std::string output) {
-    constexpr std::string_view End = "]>\n";
-    const std::size_t begin = output.find("<!DOCTYPE");  // text has no '<'
-    const std::size_t end = output.find(End);
-    return begin == std::string::npos ? output : output.erase(begin, end + End.size() - begin);
 }

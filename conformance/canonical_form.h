@@ -6,9 +6,5 @@
 
 /// What is left of the document, in the form in which the suite has its outputs: tags and
 /// text without references but for a few, attributes in the order of their names,
-/// instructions, nothing else. Throws `QeXmlParseError`.
+/// instructions, notations, nothing else. Throws `QeXmlParseError`.
 std::string readCanonicalForm(QeXmlReader& reader);
-
-/// An output of the suite without the notations that stand in front of some, which the
-/// reader does not deliver.
-std::string withoutNotations(std::string output);

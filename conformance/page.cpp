@@ -30,8 +30,7 @@ that the suite does not mean to be read with namespaces: some of these have name
 - **Well-formed** are those that the suite calls valid or invalid: validity is not what is asked here. *By the fifth
   edition* those that it has for this edition alone: their names were not allowed before.
 - **Output** is compared with what the suite has for the document in its canonical form: tags, attributes with defaults,
-  text and instructions, to the byte. Notations, which stand in front of some, are left out: the reader does not deliver
-  them. Without a resolver it is compared where it needs no external entities.
+  text, instructions and notations, to the byte. Without a resolver it is compared where it needs no external entities.
 - **Not well-formed before the fifth edition** are those that earlier editions refuse, for the names in them. A reader of
   the fifth edition accepts them.
 - **Namespace faults** are what only Namespaces in XML refuses.

@@ -1,6 +1,5 @@
 #include "attempt.h"
 
-#include <cstdint>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -10,18 +9,17 @@
 
 #include "input.h"
 
-namespace {
-
-std::string placeIn(std::string_view file, std::uint64_t line, std::uint64_t column) {
-    return std::string(file) + ':' + std::to_string(line) + ':' + std::to_string(column);
+std::string placeText(const QeXmlPlace& place) {
+    return std::string(place.sourceFile) + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
 }
 
+namespace {
+
 void complainOfRefusal(Console& console, std::string_view name, const QeXmlParseError& error, ExitStatus refusal) {
-    const auto orName = [name](std::string_view source) { return source.empty() ? name : source; };
-    const QeCString source = error.getSourceFile();
-    console.complain(placeIn(orName(source), error.getLineNumber(), error.getColumnNumber()), error.what(), refusal);
-    if (const QeXmlNote* note = error.getNote())
-        console.note(placeIn(orName(note->place.sourceFile), note->place.line, note->place.column), note->text);
+    QeXmlPlace place{error.getSourceFile(), error.getLineNumber(), error.getColumnNumber()};
+    if (place.sourceFile.empty()) place.sourceFile = QeCString(name);
+    console.complain(placeText(place), error.what(), refusal);
+    if (const QeXmlNote* note = error.getNote()) console.note(placeText(note->place), note->text);
 }
 
 }  // namespace

@@ -169,6 +169,13 @@ TEST(Declarations, OfTheDocumentType) {
     EXPECT_EQ(document.type().publicId, "-//A//B C");
     EXPECT_EQ(document.type().systemId, "it's");
     EXPECT_EQ(document.type().internalSubset, " <!-- ] --> ");
+    std::string notations;
+    const Document picture(" a [<!NOTATION n PUBLIC ' p '><!NOTATION m SYSTEM 's'><!ENTITY e SYSTEM 'f' NDATA n>]");
+    for (const auto& [name, publicId, systemId] : picture.type().notations)
+        notations += std::string(std::string_view(name + "|" + publicId + "|" + systemId + " "));
+    for (const auto& [name, publicId, systemId, notation] : picture.type().unparsedEntities)
+        notations += std::string(std::string_view(name + "|" + publicId + "|" + systemId + "|" + notation));
+    EXPECT_EQ(notations, "n|p| m||s e||f|n");
     EXPECT_TRUE(Document(" a SYSTEM ''").get().mayLackDeclarations());
     EXPECT_FALSE(Document(" a []").get().mayLackDeclarations());
 }

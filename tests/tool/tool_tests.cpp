@@ -148,7 +148,7 @@ TEST_F(Tool, ReadsExternalEntitiesBesideTheDocumentAlone) {
         std::string document = "<!DOCTYPE a [<!ENTITY e SYSTEM '", note;
         document.append(systemId).append("'>]><a>&e;</a>");
         if (!reason.empty())
-            note.append("inside/doc:1:1: note: \"").append(systemId).append("\" was not read: ") += reason + '\n';
+            note.append("inside/doc:1:25: note: \"").append(systemId).append("\" was not read: ") += reason + '\n';
         writeFile("inside/doc", document);
         expect("tessit events --conforming --external inside/doc", "", lines + node + "\nend a {}\n", note, 0);
     }
@@ -198,8 +198,8 @@ const struct {
     {"tessit events --external good", "", "tessit: error: --external requires --conforming" + See, 2},
     // The base is where the declaration stands; faults are told of the entity that has them, notes do not count.
     {"tessit check nested/doc && tessit check --external away && tessit check --external - <nested/doc", "",
-     "away:1:1: note: \"http://away\" was not read: it is not in the document's folder\n"
-     "<stdin>:1:1: note: \"types/dtd\" was not read: nothing stands beside standard input\n"},
+     "away:1:13: note: \"http://away\" was not read: it is not in the document's folder\n"
+     "<stdin>:1:13: note: \"types/dtd\" was not read: nothing stands beside standard input\n"},
     {R"(echo "<!DOCTYPE a SYSTEM '$PWD/good'><a/>" >absolute; tessit check --external absolute 2>&1 | cut -d'"' -f3)",
      " was not read: it is not in the document's folder\n"},
     {"cd nested && tessit check --external doc", "",

@@ -1,6 +1,18 @@
 #pragma once
 
+#include <vector>
+
 #include <corvel/c_string.h>
+
+/// A notation that was declared; identifiers that are missing are empty.
+struct QeXmlNotation {
+    QeCString name, publicId, systemId;
+};
+
+/// An entity that was declared to be no XML, but of a notation.
+struct QeXmlUnparsedEntity {
+    QeCString name, publicId, systemId, notation;
+};
 
 /// What a document type declaration says by itself. Later versions append fields.
 struct QeXmlDocumentType {
@@ -10,4 +22,8 @@ struct QeXmlDocumentType {
     QeCString internalSubset;  ///< what stands between the brackets, as written
     bool hasExternalId = false;
     bool hasInternalSubset = false;
+
+    /// What was declared of these in the subsets that were read, in that order.
+    std::vector<QeXmlNotation> notations;
+    std::vector<QeXmlUnparsedEntity> unparsedEntities;
 };

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <corvel/c_string.h>
+#include <tessit/errors/xml_error.h>
 #include <tessit/export.h>
 
 /// An entity outside the document, as a declaration names it. Made by the library alone, so
@@ -20,15 +21,19 @@ public:
     const QeCString& getSystemId() const noexcept { return systemId; }
 
     /// The name of the source in which the declaration stands: what relative identifiers are relative to.
-    const QeCString& getBase() const noexcept { return base; }
+    const QeCString& getBase() const noexcept { return place.sourceFile; }
+
+    /// Where the identifier stands in it.
+    const QeXmlPlace& getPlace() const noexcept { return place; }
 
 protected:
-    QeXmlExternalId(const QeCString& publicIdentifier, const QeCString& systemIdentifier, const QeCString& declaredIn)
-        : publicId(publicIdentifier), systemId(systemIdentifier), base(declaredIn) {}
+    QeXmlExternalId(const QeCString& publicIdentifier, const QeCString& systemIdentifier, const QeXmlPlace& declaredAt)
+        : publicId(publicIdentifier), systemId(systemIdentifier), place(declaredAt) {}
     ~QeXmlExternalId() = default;
 
 private:
-    QeCString publicId, systemId, base;
+    QeCString publicId, systemId;
+    QeXmlPlace place;
 };
 
 /// What a resolver found: the bytes of an entity and what they are called.

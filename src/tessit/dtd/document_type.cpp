@@ -8,6 +8,7 @@ namespace tessit {
 
 ExternalId SubsetReader::readDocumentType(QeXmlDocumentType& type) {
     constexpr Rule Broken = Rule::DocumentType;
+    documentType = &type;
     ExternalId id;
     text.requireBlank();
     type.name.assign(text.readQName(Broken));

@@ -13,7 +13,7 @@ namespace tessit {
 namespace {
 
 struct IdForResolver final : QeXmlExternalId {
-    explicit IdForResolver(const ExternalId& id) : QeXmlExternalId(id.publicId, id.systemId, *id.base) {}
+    explicit IdForResolver(const ExternalId& id) : QeXmlExternalId(id.publicId, id.systemId, id.place) {}
 };
 
 struct ResolvedEntity final : QeXmlExternalEntity {

@@ -27,7 +27,7 @@ struct DeclarationSettings {
 
 struct ExternalId {
     QeCString publicId, systemId;
-    const QeCString* base = nullptr;  ///< the name of the source that the declaration stands in
+    QeXmlPlace place;  ///< where it stands: relative identifiers are relative to the source
 };
 
 /// A general or parameter entity that was declared, or the external subset.

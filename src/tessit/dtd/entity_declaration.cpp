@@ -85,7 +85,13 @@ void SubsetReader::readEntityDeclaration() {
     EntityDefinition definition = readEntityDefinition(isParameter);
     endDeclaration(Broken);
     if (!definition.isComplete) return;
-    if (Entity* const entity = declarations.declareEntity(name, isParameter)) define(*entity, std::move(definition));
+    Entity* const entity = declarations.declareEntity(name, isParameter);
+    if (entity == nullptr) return;
+    define(*entity, std::move(definition));
+    if (!entity->isUnparsed) return;
+    const Entity::External& external = *entity->external;
+    documentType->unparsedEntities.push_back(
+        {entity->name, external.id.publicId, external.id.systemId, external.notation});
 }
 
 SubsetReader::EntityDefinition SubsetReader::readEntityDefinition(bool isParameter) {
@@ -127,10 +133,12 @@ void SubsetReader::readNotationName(QeCString& notation) {
 // Entered just after "<!NOTATION".
 void SubsetReader::readNotationDeclaration() {
     text.requireBlank();
-    text.readNCName(Rule::NotationDeclaration);
+    const std::string_view name = text.readNCName(Rule::NotationDeclaration);
     text.requireBlank();
-    readExternalId(Rule::NotationDeclaration, SystemPart::Optional);
+    const ExternalId id = readExternalId(Rule::NotationDeclaration, SystemPart::Optional);
     endDeclaration(Rule::NotationDeclaration);
+    if (declarations.appliesDeclarations())
+        documentType->notations.push_back({QeCString(name), id.publicId, id.systemId});
 }
 
 }  // namespace tessit

@@ -15,21 +15,13 @@ bool isInPublicId(char byte) noexcept {
            std::string_view(" \r\n-'()+,./:=?;!*#@$_%").find(byte) != std::string_view::npos;
 }
 
-// What relative identifiers in a text are relative to.
-const QeCString& baseOf(const Source& source) noexcept {
-    const Source* at = &source;
-    while (!at->hasPlaces && at->parent != nullptr)
-        at = at->parent;
-    return at->name;
-}
-
 }  // namespace
 
 ExternalId SubsetReader::readExternalId(Rule rule, SystemPart systemPart) {
     ExternalId id;
+    id.place = placeIn(text.getSource(), text.position());
     const bool isPublic = text.passIf("PUBLIC");
     if (!isPublic && !text.passIf("SYSTEM")) text.refuseNext(rule);
-    id.base = &baseOf(text.getSource());
     text.requireBlank();
     if (isPublic) {
         readPublicId(id.publicId);

@@ -11,7 +11,7 @@
 namespace tessit {
 
 /// Reads a document type declaration: its own grammar, that of the subsets, and of each kind
-/// of declaration. What it says goes to `Declarations`.
+/// of declaration. What it says goes to `Declarations`, and to the document type what a program is told of it.
 class SubsetReader {
 public:
     SubsetReader(Declarations& into, const StrictScanner& behindBegin) noexcept
@@ -76,6 +76,7 @@ private:
     void readNotationName(QeCString& notation);
     void readNotationDeclaration();
 
+    QeXmlDocumentType* documentType = nullptr;
     Declarations& declarations;
     const bool namespaces;
     SubsetText text;

@@ -108,15 +108,6 @@ const Source::Counted& countTo(const Source& source, const char* place) {
     return counted;
 }
 
-// The place in the text of which lines and columns are told: what an internal entity brought has none of its own.
-QeXmlPlace placeIn(const Source& source, const char* place) {
-    const Source* told = &source;
-    for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
-        place = told->reference;
-    const Source::Counted& here = countTo(*told, place);
-    return {told->name, here.line, static_cast<std::uint64_t>(place - here.lineStart) + 1};
-}
-
 // The text whose reference a reader would want to see besides: that of the entity from outside in which the place is.
 const Source* outsideOf(const Source& source) {
     const Source* at = &source;
@@ -133,6 +124,14 @@ std::string_view nameOf(Rule rule) noexcept {
 
 const char* messageOf(Rule rule) noexcept {
     return textOf(rule).message;
+}
+
+QeXmlPlace placeIn(const Source& source, const char* place) {
+    const Source* told = &source;
+    for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
+        place = told->reference;
+    const Source::Counted& here = countTo(*told, place);
+    return {told->name, here.line, static_cast<std::uint64_t>(place - here.lineStart) + 1};
 }
 
 void raiseIn(const Source& source, const char* place, const QeCString& message) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include <tessit/errors/xml_error.h>
 #include <tessit/rules/source.h>
 
 /// What a conforming reader refuses. Each rule has a name that stays, a message, and one
@@ -70,6 +71,10 @@ std::string_view nameOf(Rule rule) noexcept;
 
 /// What is said where it is broken.
 const char* messageOf(Rule rule) noexcept;
+
+/// Lines and columns of a place, and the name of the source in which they count: for one that has no places of its own,
+/// those of the reference that brought it. O(bytes since the last place that was asked for, if that was in front).
+QeXmlPlace placeIn(const Source& source, const char* place);
 
 /// Throws `QeXmlParseError` with this text and the place.
 [[noreturn]] void raiseIn(const Source& source, const char* place, const QeCString& message);

@@ -48,7 +48,7 @@ CharacterAt characterAt(const char* at) noexcept {
 }
 
 void appendCharacter(QeCString& text, std::uint32_t character) {
-    char bytes[4];
+    char bytes[16];  // a block, by which the compiler sees texts copied that are as long
     text.append(bytes, static_cast<std::size_t>(voxal::putUtf8(bytes, character) - bytes));
 }
 
