@@ -89,8 +89,8 @@ std::vector<QeXmlLeftReference> QeXmlReader::getLeftReferences(const QeXmlAttrib
     std::vector<QeXmlLeftReference> references;
     if (!isConforming) return references;
     const QeCString name = attribute.getName().asString();
-    for (const auto& [left, reference] : engine->conforming->tags.leftReferences())
-        if (name == left) references.push_back({reference.offset, reference.length});
+    for (const auto& [owner, reference] : engine->conforming->tags.leftIn(name))
+        references.push_back({reference.offset, reference.length});
     return references;
 }
 

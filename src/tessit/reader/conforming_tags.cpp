@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include <corvel/byte_scan.h>
 #include <tessit/reader/conforming_tags.h>
@@ -97,8 +98,21 @@ void ConformingTags::keepLeft(std::string_view name, std::size_t from) {
     leftInValue.clear();
 }
 
-bool ConformingTags::isDefault(std::string_view name) const noexcept {
-    return std::find(defaulted.begin(), defaulted.end(), name) != defaulted.end();
+// A tag can have many, and a program ask for each.
+void ConformingTags::putInOrder() {
+    if (std::exchange(areInOrder, true)) return;
+    std::ranges::sort(defaulted);
+    std::ranges::stable_sort(leftOver, {}, &Left::attribute);
+}
+
+bool ConformingTags::isDefault(std::string_view name) {
+    putInOrder();
+    return std::binary_search(defaulted.begin(), defaulted.end(), name);
+}
+
+std::span<const ConformingTags::Left> ConformingTags::leftIn(std::string_view name) {
+    putInOrder();
+    return std::ranges::equal_range(leftOver, name, {}, &Left::attribute);
 }
 
 void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const char* tagEnd) {

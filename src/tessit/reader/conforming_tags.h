@@ -32,6 +32,7 @@ public:
         source = &text;
         defaulted.clear();
         leftOver.clear();
+        areInOrder = false;
     }
 
     /// What the tag stands in.
@@ -68,15 +69,15 @@ public:
     void checkDuplicates(std::span<RawAttribute* const> sameLocalName, Bindings& bindings, const char* tagEnd);
 
     /// Whether an attribute of the last tag, of that name as written, has its default value.
-    bool isDefault(std::string_view name) const noexcept;
+    bool isDefault(std::string_view name);
 
     struct Left {
         std::string_view attribute;  // its name as written
         LeftReference reference;
     };
 
-    /// The references that were left in the last tag.
-    std::span<const Left> leftReferences() const noexcept { return leftOver; }
+    /// The references that were left in that attribute of the last tag, in their order.
+    std::span<const Left> leftIn(std::string_view name);
 
 private:
     // An attribute by what makes it the same as another.
@@ -88,6 +89,7 @@ private:
 
     void append(QeCString& value, std::string_view literal, bool expands);
     const char* placeOf(const RawAttribute& attribute, const char* tagEnd) const;
+    void putInOrder();
 
     Declared& declared;
     const Source* source = nullptr;
@@ -95,6 +97,7 @@ private:
     std::uint64_t tagNumber = 0;
     std::vector<std::string_view> defaulted;
     std::vector<Left> leftOver;
+    bool areInOrder = false;                 // both of them, by the names of attributes
     std::vector<LeftReference> leftInValue;  // working storage, as what follows
     std::vector<Expanded> expanded;
     QeCString checked;  // values that are to stay as written
