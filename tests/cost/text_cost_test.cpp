@@ -70,6 +70,38 @@ void walkWithOptions(const Text& document) {
         ASSERT_LE(reader.getOpenElement().length(), 1u);
 }
 
+// By the conforming rules, to the end or the first fault, with all that can be asked of each node. What stands behind a
+// form feed is what a resolver has.
+void judge(const Text& text) {
+    struct Outside final : QeXmlResolver {
+        bool resolve(const QeXmlExternalId&, QeXmlExternalEntity& entity) override {
+            return entity.setBytes(QeCString(bytes)), true;
+        }
+        std::string_view bytes;
+    } outside;
+    const std::size_t end = std::min(text.find('\f'), text.size());
+    outside.bytes = std::string_view(text).substr(std::min(end + 1, text.size()));
+    QeXmlResolver* const resolver = end == text.size() ? nullptr : &outside;
+    try {
+        QeXmlReader reader(bytesOf(text).first(end),
+                           {.rules = QeXmlRules::Conforming, .nodes = QeXmlNodes::All, .resolver = resolver});
+        while (!reader.eof()) {
+            reader.readNextNode();
+            if (reader.getLastNodeType() != QeXmlReader::ElementStart) continue;
+            for (const QeXmlAttribute& attribute : reader.getLastAttributes())
+                ASSERT_LE(reader.getLeftReferences(attribute).size(), reader.isSpecified(attribute) ? text.size() : 1);
+        }
+    } catch (const QeXmlParseError&) {
+    }
+}
+
+// Finds fault with each node.
+void complain(const Text& document) {
+    QeXmlReader reader(bytesOf(document), {.rules = QeXmlRules::Conforming});
+    for (; !reader.eof(); reader.readNextNode())
+        ASSERT_THROW(reader.err("x"), QeXmlParseError);
+}
+
 // Keeps the name of each element, to demand its end by, and binds its namespace once more, over many of the same.
 void keepNames(const Text& document) {
     QeXmlReader reader(bytesOf(document));
@@ -203,7 +235,7 @@ void useAsValue(const Text& bytes) {
     }
 }
 
-// --- The texts: what stands in braces stands there once for each part.
+// --- The texts: what stands in braces stands there once for each part, and ^ for the sign of numbers itself.
 
 constexpr char Children[] = "<r>{<a>t</a>}</r>";
 constexpr char Nested[] = "{<a>}{</a>}", NestedDeclarations[] = "{<a xmlns:p#='u'>}{</a>}";
@@ -221,6 +253,17 @@ const Text TwentyDeclarationsEach = "<r>{<a" + numbered(" xmlns:p#='#'", 20) + "
 // Each child makes of few bindings many, and of many few again.
 const Text NineDeclarationsUnderLongURIs =
     "<r" + numbered(" xmlns:q#='{uuu}#'", 8) + ">{<c" + numbered(" xmlns:p#='#'", 9) + "></c>}</r>";
+
+// In one namespace each, all of which are long.
+const Text OneLocalName = "<r{ xmlns:p#='" + Text(300, 'u') + "#'}{ p#:a=''}/>";
+// Entities as deep in one another as they may stand.
+const Text Chain = "<!DOCTYPE r [<!ENTITY e0 '<a/>'>" + [] {
+    Text declarations;
+    for (int i = 1; i != 200; ++i)
+        declarations += "<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i - 1) + ";'>";
+    return declarations;
+}() + "]><r>{&e199;}</r>";
+const Text TwentyDefaults = "<!DOCTYPE r [<!ATTLIST a" + numbered(" b# CDATA '#'", 20) + ">]><r>{<a/>}</r>";
 
 constexpr std::size_t Few = 1'000, Many = 4'000, VeryMany = 100'000;
 
@@ -280,6 +323,33 @@ const struct {
     {"WalkOtherNamesOfTheEncoding", Few,
      "<a>{<?xml version='1' encoding='UTF-8'?><?xml version='1' encoding='utf-8'?>}</a>", walk},
 
+    {"JudgeReferencesInText", VeryMany, "<!DOCTYPE r [<!ENTITY e 'x'>]><r>{&e;}</r>", judge},
+    {"JudgeReferencesInAValue", VeryMany, "<!DOCTYPE r [<!ENTITY e '1\t2'>]><r x='{&e;}'/>", judge},
+    {"JudgeMarkupFromEntities", Many, "<!DOCTYPE r [<!ENTITY e '<a>&f;</a>'><!ENTITY f '&lt;'>]><r>{&e;}</r>", judge},
+    {"JudgeManyEntities", Many, "<!DOCTYPE r [{<!ENTITY e# '#'>}]><r x='{&e#;}'>{&e#;}</r>", judge},
+    {"JudgeChainsOfEntities", Few / 10, Chain, judge},
+    {"JudgeReferencesThatAreLeft", Many, "<!DOCTYPE r SYSTEM 's'><r x='{&e;}'{ y#='&e;'}>{&e;}</r>", judge},
+    {"JudgeDefaultsThatAreLeft", Many, "<!DOCTYPE r SYSTEM 's' [<!ATTLIST r{ x# CDATA '&e;'}>]><r></r>", judge},
+    {"JudgeDefaultsOfATag", Many, "<!DOCTYPE r [<!ATTLIST r{ x# CDATA '#'}>]><r></r>", judge},
+    {"JudgeDefaultsOfManyTags", Many, TwentyDefaults, judge},
+    {"JudgeTagsOfManyAttributes", Many, "<!DOCTYPE r [<!ATTLIST a{ x# CDATA ^IMPLIED}>]><r>{<a x#=''/>}</r>", judge},
+    {"JudgeAttributesOfManyElements", Many, "<!DOCTYPE r [{<!ATTLIST a# x NMTOKEN ' 1 '>}]><r>{<a#/>}</r>", judge},
+    {"JudgeAttributesDeclaredAgain", Many, "<!DOCTYPE r [{<!ATTLIST r x# ID ^IMPLIED x# CDATA '1'>}]><r/>", judge},
+    {"JudgeParameterEntities", Many, "<!DOCTYPE r [{<!ENTITY % p# '<!ELEMENT a# ANY>'>}{%p#;}]><r/>", judge},
+    {"JudgeNotations", Many, "<!DOCTYPE r [{<!NOTATION n# PUBLIC ' # '>}{<!ENTITY u# SYSTEM '' NDATA n#>}]><r/>",
+     judge},
+    {"JudgeContentModels", VeryMany, "<!DOCTYPE r [<!ELEMENT r {(}b{|(c,d)*)}>]><r/>", judge},
+    {"JudgeIncludedSections", Many, "<!DOCTYPE r SYSTEM 's'><r/>\f{<![INCLUDE[}{]]>}", judge},
+    {"JudgeIgnoredSections", Many, "<!DOCTYPE r SYSTEM 's'><r/>\f<![IGNORE[{<![}{]]>}]]>", judge},
+    {"JudgeSectionsByEntity", Many, "<!DOCTYPE r SYSTEM 's'><r/>\f<!ENTITY % i 'INCLUDE'>{<![%i;[]]>}", judge},
+    {"JudgeEntitiesInDeclarations", Many,
+     "<!DOCTYPE r SYSTEM 's'><r/>\f<!ENTITY % p '(a|b)'>{<!ELEMENT e# %p;><!ENTITY f# '%p;'>}", judge},
+    {"JudgeOneLocalName", Many, OneLocalName, judge},
+    {"JudgeRepeatedAttributes", VeryMany, "<r{ a=''}/>", judge},
+    {"JudgeDeclarationsOfNamespaces", Many, UsingDeclarationsAtOnce, judge},
+    {"JudgeDepth", VeryMany, Nested, judge},
+    {"ComplainOfEachNode", Many, "<!DOCTYPE r [<!ENTITY e '{<a/>}'>]><r>{<a/>}&e;</r>", complain},
+
     {"ChangeNameOverContent", VeryMany, "<a>{<b/>}</a>", changeName},
     {"ChangeNameOverAttributes", Many, "<a{ x='1'}></a>", changeName},
     {"ChangeNameOverDeclarations", Few, "<r{ xmlns:p#='#'}></r>", changeName},
@@ -295,13 +365,15 @@ const Text Values[] = {
     "{%c}",  "{%}",          "{ }",   "x{ }x",    "{:}",    "{1a }",  "{1a }-"};
 
 Text makeText(const Text& pattern, std::size_t parts) {
-    const Text text = expand(pattern, parts);
+    Text text = expand(pattern, parts);
+    std::replace(text.begin(), text.end(), '^', '#');
     return text.starts_with("\xFE\xFF") ? encode(text.substr(2), Encoding::Utf16BE) : text;
 }
 
 // What runs are made of, and where they stand, instead of the @. Some of these are errors.
-constexpr std::string_view Parts[] = {"]", "?",       "-",     "-x",           "&", "&amp;", "&#x41;", "&x;", "\r",
-                                      ">", "<!---->", "<?x?>", "<![CDATA[]]>", "a", ":",     "[]",     " "};
+constexpr std::string_view Parts[] = {"]",   "?",  "-", "-x",      "&",       "&amp;",        "&#x41;",
+                                      "&x;", "\r", ">", "<!---->", "<?x?>",   "<![CDATA[]]>", "a",
+                                      ":",   "[]", " ", "]>",      "\xC3\xA9"};
 constexpr std::string_view Frames[] = {"<r>@</r>", "<r><![CDATA[@]]></r>", "<r><?pi @?></r>",      "<r x='@'/>",
                                        "<r@/>",    "<r><!--@--></r>",      "<!DOCTYPE r [@]><r/>", "<r/>@"};
 
@@ -326,5 +398,6 @@ TEST(Cost, OfLongRunsGrowsWithTheirLength) {
                 return Text(frame).replace(frame.find('@'), 1, repeat(part, count));
             };
             expectLinearGrowth("Walk " + Text(frame) + " " + Text(part), VeryMany / part.size(), document, walk);
+            expectLinearGrowth("Judge " + Text(frame) + " " + Text(part), VeryMany / part.size(), document, judge);
         }
 }
