@@ -15,34 +15,30 @@
 #include <tessit/model/xml_namespace_stack.h>
 #include <tessit/reader/xml_reader_options.h>
 
-/// A pull reader: hands out a document one node at a time, and lets the caller
-/// demand the elements it expects.
+/// A pull reader: hands out a document one node at a time, and lets the caller demand the elements it expects. It
+/// is lenient, or, with `QeXmlRules::Conforming`, takes well-formed documents alone: docs/conforming.md tells more.
 ///
-/// A constructor takes in the whole input, finds out its encoding, converts it to
-/// UTF-8 where needed, and reads the prolog; the reader then stands on the root
-/// element. Everything it hands out is UTF-8.
+/// A constructor takes in the whole input, finds out its encoding, converts it to UTF-8 where needed, and reads the
+/// prolog; the reader then stands on the root element. Everything it hands out is UTF-8.
 ///
-/// What cannot be read, or is not what the caller demanded, throws
-/// `QeXmlParseError` with line and column (from 1; the column in bytes) of where
-/// the reader stood; after a conversion they count from the conversion point. Nothing
-/// is rolled back: a node that was not the expected one has been read, and the next
-/// call goes on behind it. After an error of syntax the reader can be looked at and
-/// destroyed, but what it reads next is unspecified. Any operation that stores text
-/// can throw `std::bad_alloc`.
+/// What cannot be read, or is not what the caller demanded, throws `QeXmlParseError` with line and column (from 1;
+/// the column in bytes) of where the reader stood; after a conversion, those of a lenient reader count from the
+/// conversion point. Nothing is rolled back: a node that was not the expected one has been read, and the next call
+/// goes on behind it. After an error of syntax the reader can be looked at and destroyed; what a lenient one reads
+/// next is unspecified, a conforming one throws the same again. Any operation that stores text can throw
+/// `std::bad_alloc`.
 ///
-/// References returned are to the reader's own members and show the last node:
-/// their content changes with the next call that scans. Copy what you keep.
+/// References returned are to the reader's own members and show the last node: their content
+/// changes with the next call that scans. Copy what you keep.
 ///
-/// Reading a whole document of n bytes costs O(n) time in all, plus sorting the
-/// attributes of each tag, whatever the bytes; memory beyond the input is the
-/// largest text, the largest tags of up to nine names (at most 28 times their bytes),
-/// and of open elements that declare namespaces at most 8 times the bytes of their
-/// tags. Each call costs O(bytes that it scans), and of a name that it is given O(length),
-/// though the URI of one that copies a name of the document is O(1) if it is long;
-/// accessors are O(1). Declarations of encodings in the midst of a document have the rest
-/// converted once more: to at most 16 bytes for each byte of the input, and 64 KiB, in all.
-/// One thread at a time; no two readers share anything that changes.
-//
+/// Reading a whole document of n bytes costs O(n) time in all, plus sorting the attributes of each tag, whatever
+/// the bytes; what entities and defaults bring counts as read. Memory beyond the input is the largest text, the
+/// largest tags of up to nine names (at most 28 times their bytes), and of open elements that declare namespaces at
+/// most 8 times the bytes of their tags. Each call costs O(bytes that it scans), and of a name that it is given
+/// O(length), though the URI of one that copies a name of the document is O(1) if it is long; accessors are O(1).
+/// Declarations of encodings in the midst of a document have a lenient reader convert the rest once more: to at
+/// most 16 bytes for each byte of the input, and 64 KiB, in all. One thread at a time; no two readers share
+/// anything that changes.
 // Exported member by member: most of what is private is a matter of the library alone.
 class QeXmlReader {
 public:
@@ -63,25 +59,23 @@ public:
     /// The empty name: asks `readElement` for any element.
     TESSIT_API static const QeXmlName NullName;
 
-    /// Reads the stream to its end, into memory of the reader's own. A stream that
-    /// cannot be read counts as empty. What the stream or its buffer throws passes through.
-    /// O(bytes).
+    /// Reads the stream to its end, into memory of the reader's own. A stream that cannot be read
+    /// counts as empty. What the stream or its buffer throws passes through. O(bytes).
     TESSIT_API explicit QeXmlReader(std::istream& in);
 
     /// Reads a copy of the text. O(length).
     TESSIT_API explicit QeXmlReader(const QeCString& document);
 
-    /// Reads `length` bytes in place: nothing is copied, written, or read outside
-    /// them. They must stay alive and unchanged as long as the reader, unless the
-    /// document had to be converted to UTF-8. A null pointer stands for no bytes.
-    /// O(bytes of the prolog); of the whole document where it is converted.
+    /// Reads `length` bytes in place: nothing is copied, written, or read outside them. They must stay alive and
+    /// unchanged as long as the reader, unless the document had to be converted to UTF-8. A null pointer stands for
+    /// no bytes. O(bytes of the prolog); of the whole document where it is converted.
     TESSIT_API QeXmlReader(unsigned char* bytes, unsigned int length);
 
     /// The same for bytes of any number that are constant.
     TESSIT_API explicit QeXmlReader(std::span<const unsigned char> document);
 
-    /// The same with options. A conforming reader refuses what is not well-formed: the call
-    /// that reads the first fault throws, as does each reading call behind it.
+    /// The same with options. In a conforming reader, the call that reads the first fault throws, as
+    /// does each reading call behind it. O(bytes) then: all characters are looked at in advance.
     QeXmlReader(std::istream& in, const QeXmlReaderOptions& options) : QeXmlReader(in, Passed{options}) {}
     QeXmlReader(const QeCString& document, const QeXmlReaderOptions& options)
         : QeXmlReader(document, Passed{options}) {}
@@ -96,18 +90,15 @@ public:
 
     /// @name Demanding what comes next
     ///
-    /// Text, comments and processing instructions in front of the tag are passed
-    /// over; the text is left in `getLastContent()`. The node that turns out wrong
-    /// has been consumed when the error is thrown.
+    /// Text, and what else is no tag, is passed over in front of the tag; the text is left in
+    /// `getLastContent()`. The node that turns out wrong has been consumed when the error is thrown.
     ///
-    /// An expected name matches when local name and URI are those of the tag;
-    /// prefixes do not count. A `QeXmlName` whose URI is empty stands for the URI
-    /// that its prefix has inside the tag, the tag's own declarations included. A
-    /// name given as a string means what it would mean written in front of the tag
-    /// that it is held against: before a start tag without that tag's own
-    /// declarations (unless its prefix is bound by them alone), before an end tag
-    /// with those of the element that closes. It may be a reference that the reader
-    /// returned: what it shows at the call counts.
+    /// An expected name matches when local name and URI are those of the tag; prefixes do not count. A `QeXmlName`
+    /// whose URI is empty stands for the URI that its prefix has inside the tag, the tag's own declarations
+    /// included. A name given as a string means what it would mean written in front of the tag that it is held
+    /// against: before a start tag without that tag's own declarations (unless its prefix is bound by them alone),
+    /// before an end tag with those of the element that closes. It may be a reference that the reader returned:
+    /// what it shows at the call counts.
     /// @{
 
     /// Takes the next tag, which must open an element; else "Couldn't find start tag".
@@ -118,38 +109,32 @@ public:
     TESSIT_API const QeXmlAttributeSet& readElementStart(const QeXmlName& name);
     TESSIT_API const QeXmlAttributeSet& readElementStart(const QeCString& qname);
 
-    /// Takes the next tag, which must close an element; else "Couldn't find end
-    /// tag". An empty-element tag that was read last, or looked at by `isElementNext`,
-    /// is its own end.
+    /// Takes the next tag, which must close an element; else "Couldn't find end tag". An empty-element
+    /// tag that was read last, or looked at by `isElementNext`, is its own end.
     TESSIT_API void readElementEnd();
 
     /// The same, and the name must be that one: `QeXmlName` equality for a name.
     TESSIT_API void readElementEnd(const QeXmlName& name);
     TESSIT_API void readElementEnd(const QeCString& qname);
 
-    /// Takes the text up to the next tag and returns it, as `getLastContent()`;
-    /// empty when a tag comes at once. When the next tag was looked at already, the
-    /// text in front of it is returned and the tag counts as taken.
+    /// Takes the text up to the next tag and returns it, as `getLastContent()`; empty when a tag comes at once.
+    /// When the next tag was looked at already, the text in front of it is returned and the tag counts as taken.
     TESSIT_API const QeCString& readElementValue();
 
-    /// Whether the next tag opens an element of that name. Scans up to that tag at
-    /// most once: the tag stays pending, and the next reading call takes it. Right
-    /// after an empty-element tag nothing is scanned, and the answer is about it.
+    /// Whether the next tag opens an element of that name. Scans up to it at most once: it stays pending, and the
+    /// next reading call takes it. Right after an empty-element tag nothing is scanned: the answer is about it.
     TESSIT_API bool isElementNext(const QeXmlName& name);
     TESSIT_API bool isElementNext(const QeCString& qname);
 
-    /// Takes a whole element and returns its markup as it stands in the document
-    /// (as UTF-8), with what was passed over in front of it. `NullName`, or a string
-    /// that means the same here, takes any element; another name than that of the
-    /// next element throws "Expected NAME, found NAME". The inner markup is then in
-    /// `getLastContent()`, the attributes of the start tag in `getLastAttributes()`.
-    ///
-    /// When the next tag is no start tag it stays pending, and both the result and
-    /// `getLastContent()` are empty.
-    /// A start tag that was pending is written anew: attributes in the set's order,
-    /// values as stored, a space behind the name and behind each value.
-    /// An empty-element tag is taken without its end, as by `readElementStart`:
-    /// `readElementEnd` takes that. O(bytes of the element).
+    /// Takes a whole element and returns its markup as it stands in the document (as UTF-8), with what was
+    /// passed over in front of it. `NullName`, or a string that means the same here, takes any element;
+    /// another name than that of the next element throws "Expected NAME, found NAME". The inner markup is
+    /// then in `getLastContent()`, the attributes of the start tag in `getLastAttributes()`.
+    /// When the next tag is no start tag it stays pending, and both the result and `getLastContent()` are
+    /// empty. A start tag that was pending is written anew: attributes in the set's order, values as stored,
+    /// a space behind the name and behind each value. An empty-element tag is taken without its end, as by
+    /// `readElementStart`: `readElementEnd` takes that. Of an element that an entity brought, what stands in
+    /// the document is the reference; it comes with the first one only. O(bytes of the element).
     TESSIT_API QeCString readElement(const QeXmlName& name);
     TESSIT_API QeCString readElement(const QeCString& qname);
 
@@ -157,14 +142,13 @@ public:
     /// @name Node by node
     /// @{
 
-    /// Scans the next node, whatever it is; `getLastNodeType()` tells. Tags are not
-    /// checked to pair up. At the end of the input throws "Premature EOF": test
-    /// `eof()` first.
+    /// Scans the next node, whatever it is; `getLastNodeType()` tells. A lenient reader does not check that tags
+    /// pair up. At the end of the input throws "Premature EOF": test `eof()` first.
     void readNextNode() { nodePending || isConforming ? takePendingOrConforming() : readNextLenient(); }
 
-    /// Whether the document is exhausted: a tag that `isElementNext` has looked at counts
-    /// as read, though it is still to be taken. Outside the root element skips whitespace
-    /// first: O(bytes skipped).
+    /// Whether the document is exhausted: a tag that `isElementNext` has looked at counts as read, though it
+    /// is still to be taken. Outside the root element skips whitespace first, a conforming reader also what is
+    /// not delivered; in front of a fault it is false. O(bytes skipped).
     bool eof() noexcept {
         if (depth == 0) skipSpace();
         return cursor == bufferEnd;
@@ -194,17 +178,17 @@ public:
     /// The references that were left as written in the value of an attribute of the last tag. O(such references).
     TESSIT_API std::vector<QeXmlLeftReference> getLeftReferences(const QeXmlAttribute& attribute) const;
 
-    /// Whether the reader stands in what an entity brought: the last node's place is that of the reference then.
+    /// Whether the reader stands in what an entity brought: an internal one has the reference's place.
     TESSIT_API bool isInEntity() const noexcept;
 
     /// @}
     /// @name Namespaces
     /// @{
 
-    /// Binds a prefix for the element that is open, until it ends; before the first
-    /// start tag, for the whole document. A start tag that `isElementNext` has looked at has
-    /// opened its element. Names read from then on can resolve through it, unless the scope
-    /// binds the prefix already. As costly and as safe as `QeXmlNamespaceStack::addNamespace`.
+    /// Binds a prefix for the element that is open, until it ends; before the first start tag, for the whole
+    /// document. A start tag that `isElementNext` has looked at has opened its element. Names read from then on
+    /// can resolve through it, unless the scope binds the prefix already. As costly and as safe as
+    /// `QeXmlNamespaceStack::addNamespace`.
     void addNamespace(const QeXmlNamespace& ns) { namespaceStack.addNamespace(ns); }
 
     /// The URI that the prefix is bound to here, or the empty string. Valid until the next call
@@ -213,8 +197,8 @@ public:
         return namespaceStack.getURIForPrefix(prefix);
     }
 
-    /// The prefix of the first binding found for the URI, or the empty string (also
-    /// the answer for a default namespace). As valid and as costly as `getURIForPrefix`.
+    /// The prefix of the first binding found for the URI, or the empty string (also the answer for a default
+    /// namespace). As valid and as costly as `getURIForPrefix`.
     const QeCString& getPrefixForURI(const QeCString& uri) const noexcept {
         return namespaceStack.getPrefixForURI(uri);
     }
@@ -226,8 +210,8 @@ public:
     /// The version; empty when there is no declaration.
     const QeCString& getVersion() const noexcept { return version; }
 
-    /// The encoding that was declared, or else detected: "UTF-8" without a mark or
-    /// declaration, empty when the first bytes are those of no encoding.
+    /// The encoding that the options name, or that was declared, or else detected: "UTF-8" without a mark or
+    /// declaration, empty when a lenient reader finds the first bytes of no encoding.
     const QeCString& getEncoding() const noexcept { return encoding; }
 
     /// "yes" or "no"; empty when not declared.
@@ -245,10 +229,10 @@ public:
     bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
     void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
 
-    /// Whether each end tag must be that of the innermost open element: local name and URI are
-    /// the same. If it is not, the call that reads it throws "Unmatched start tag for NAME". To be
-    /// set before the first tag is read; not by default, and always in a conforming reader, by its
-    /// own rule. O(1). Reading then keeps the names of the open elements, and a byte more for each.
+    /// Whether each end tag must be that of the innermost open element: local name and URI are the same. If it
+    /// is not, the call that reads it throws "Unmatched start tag for NAME". To be set before the first tag is
+    /// read; not by default, and always in a conforming reader, by its own rule. O(1). Reading then keeps the
+    /// names of the open elements, and a byte more for each.
     TESSIT_API void setMatchTags(bool match) noexcept;
     TESSIT_API bool getMatchTags() const noexcept;
 
@@ -266,12 +250,10 @@ private:
     struct Engine;
     struct ExpectedName;
     class RawCopy;
-
     using Passed = QeXmlReaderOptions::Passed;
     TESSIT_API QeXmlReader(std::istream& in, const Passed& passed);
     TESSIT_API QeXmlReader(const QeCString& document, const Passed& passed);
     TESSIT_API QeXmlReader(std::span<const unsigned char> document, const Passed& passed);
-
     void open(std::string_view document);
     TESSIT_API void readNextLenient();
     TESSIT_API void takePendingOrConforming();
@@ -285,11 +267,8 @@ private:
     QeCString ownedDocument;            // what the buffer is, unless it is the caller's
     std::ptrdiff_t depth = 0;           // start tags less end tags
     QeXmlNamespaceStack namespaceStack;
-    QeCString encoding;
-    QeCString version;
-    QeCString standalone;
-    bool encodingDeclared = false;
-    bool standaloneDeclared = false;
+    QeCString encoding, version, standalone;
+    bool encodingDeclared = false, standaloneDeclared = false;
     QeXmlName lastName;
     QeCString lastContent;
     QeXmlAttributeSet lastAttributes;
