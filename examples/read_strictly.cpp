@@ -9,12 +9,16 @@
 
 namespace {
 
-// Has one file: the library itself opens none.
+// Has two entities, and nothing else: the library itself opens none.
 class Shelf : public QeXmlResolver {
     bool resolve(const QeXmlExternalId& id, QeXmlExternalEntity& entity) override {
-        if (id.getSystemId() != "order.dtd") return false;
-        entity.setBytes("<!ATTLIST item unit CDATA 'kg'><!ENTITY tea 'Earl Grey'>");
-        entity.setName("shelf/order.dtd");
+        if (id.getSystemId() == "order.dtd")
+            entity.setBytes("<!ATTLIST item unit CDATA 'kg'><!ENTITY tea 'Earl Grey'>");
+        else if (id.getSystemId() == "note.xml")
+            entity.setBytes("Ring twice,\nthen <b>knock.");
+        else
+            return false;
+        entity.setName(QeCString("shelf/") + id.getSystemId());
         return true;
     }
 };
@@ -31,6 +35,14 @@ class Printer final : public QeXmlContentHandler, public QeXmlLexicalHandler {
     void comment(const QeCString& text) override { std::cout << "(" << text << ")"; }
 };
 
+void print(const QeXmlParseError& error) {
+    std::cout << error.getSourceFile() << ":" << error.getLineNumber() << ":" << error.getColumnNumber() << ": "
+              << error.why() << "\n";
+    if (const QeXmlNote* note = error.getNote())
+        std::cout << note->place.sourceFile << ":" << note->place.line << ":" << note->place.column << ": "
+                  << note->text << "\n";
+}
+
 void print(std::string_view document) {
     Shelf shelf;
     Printer printer;
@@ -45,9 +57,8 @@ void print(std::string_view document) {
                                                 .resolver = &shelf});
         std::cout << "\n";
     } catch (const QeXmlParseError& error) {
-        std::cout << "\n"
-                  << error.getSourceFile() << ":" << error.getLineNumber() << ":" << error.getColumnNumber() << ": "
-                  << error.why() << "\n";
+        std::cout << "\n";
+        print(error);
     }
 }
 
@@ -56,4 +67,5 @@ void print(std::string_view document) {
 int main() {
     print("<!DOCTYPE order SYSTEM 'order.dtd'><order><!--soon--><item>&tea;</item></order>");
     print("<order>\n<item name='tea' name='rice'/></order>");
+    print("<!DOCTYPE order [<!ENTITY note SYSTEM 'note.xml'>]>\n<order>&note;</order>");
 }
