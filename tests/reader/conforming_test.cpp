@@ -368,6 +368,7 @@ TEST(Conforming, BoundsWhatEntitiesBring) {
         bomb("x", 10) + "]><a x='&e9;'/>",
         bomb("x", 10) + "<!ATTLIST a x CDATA '&e9;'>]><a/>",
         "<!DOCTYPE a [<!ATTLIST b x CDATA '" + repeat("x", 100) + "'>]><a>" + repeat("<b/>", 200) + "</a>",
+        "<!DOCTYPE a [<!ATTLIST b " + std::string(100, 'x') + " CDATA ''>]><a>" + repeat("<b/>", 200) + "</a>",
     };
     for (const std::string& document : documents) {
         EXPECT_NE(read(Document(document), Source::Span, small).find("entities bring more text than they may"),

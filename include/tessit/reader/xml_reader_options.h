@@ -57,8 +57,8 @@ struct QeXmlReaderOptions {
     /// subset or a parameter entity was not read. Not copied; to live as long as the reader.
     std::span<const QeXmlNamedEntity> entities = {};
 
-    /// Replacement text and default values may come to that many times the bytes that were
-    /// read, and to `freeExpansion` bytes in any case.
+    /// Replacement text and default values, with their names, may come to that many times the
+    /// bytes that were read, and to `freeExpansion` bytes in any case.
     std::uint64_t expansionFactor = 100;
     std::uint64_t freeExpansion = std::uint64_t{8} << 20;
 

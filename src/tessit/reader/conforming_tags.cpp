@@ -119,9 +119,9 @@ void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const At
     for (const std::size_t number : list.defaults) {
         const DeclaredAttribute& attribute = list.begin()[static_cast<std::ptrdiff_t>(number)];
         if (attribute.seenInTag == tagNumber) continue;
-        declared.get().charge(attribute.defaultValue.length(), *source, tagEnd);
         const std::string_view name(attribute.name);
         const std::string_view value(attribute.defaultValue);
+        declared.get().charge(name.size() + value.size(), *source, tagEnd);  // an empty value is not for nothing
         attributes.push_back({RawName::of(name, namespaces), value.data(), value.size()});
         defaulted.push_back(name);
         for (const LeftReference& reference : attribute.left)
