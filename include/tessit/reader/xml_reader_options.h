@@ -54,7 +54,7 @@ struct QeXmlReaderOptions {
     QeXmlResolver* resolver = nullptr;
 
     /// Entities for documents that refer to them without declaring them, where an external
-    /// subset or a parameter entity was not read. Not copied; to live as long as the reader.
+    /// subset or a parameter entity is named. Not copied; to live as long as the reader.
     std::span<const QeXmlNamedEntity> entities = {};
 
     /// Replacement text and default values, with their names, may come to that many times the
