@@ -289,6 +289,23 @@ TEST(Conforming, TellsWhatDeclarationsBrought) {
     EXPECT_TRUE(reader->eof());
 }
 
+// The reference stands for each element that it brings, looked at before or not; behind it, all is as in the document.
+TEST(Conforming, TakesElementsOfAnEntity) {
+    const Document document("<!DOCTYPE a [<!ENTITY e '&f;<d/>'><!ENTITY f '<b>1</b><c/>'>]><a>&e;<g/>&f;</a>");
+    const auto reader = document.open(Source::String, Plain);
+    reader->readElementStart("a");
+    EXPECT_EQ(reader->readElement("b"), "&e;");
+    EXPECT_TRUE(reader->isElementNext("c"));
+    EXPECT_EQ(reader->readElement("c"), "&e;");
+    reader->readElementEnd("c");
+    EXPECT_EQ(reader->readElement("d"), "&e;");
+    reader->readElementEnd("d");
+    EXPECT_EQ(reader->readElement("g"), "<g/>");
+    reader->readElementEnd("g");
+    EXPECT_TRUE(reader->isElementNext("b"));
+    EXPECT_EQ(reader->readElement("b"), "&f;");
+}
+
 namespace {
 
 // Has entities by their system identifiers.

@@ -30,6 +30,7 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     document.source.name = conforming->options.sourceName;
     decodeText(document, bytes, conforming->options.encoding);
     reader.encoding = document.encoding;
+    if (!document.converted.empty()) reader.ownedDocument = QeCString();  // its text is another one now
     if (conforming->options.namespaces) bindings.declare("xml", "http://www.w3.org/XML/1998/namespace");
     input.enter(document.source, document.source.begin());
     ConformingNodes(*this).readProlog();
@@ -70,6 +71,19 @@ void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
 const char* QeXmlReader::Engine::positionInDocument() const noexcept {
     if (conforming == nullptr || conforming->entities.empty()) return input.position();
     return conforming->entities.front().resume;
+}
+
+// Where in the document that stands which is read next: the reference, as long as there is anything left of what it
+// brought.
+const char* QeXmlReader::Engine::nextInDocument() const noexcept {
+    if (conforming == nullptr || conforming->entities.empty()) return input.position();
+    const auto& entities = conforming->entities;
+    const char* next = input.position();
+    for (auto entity = entities.rbegin(); entity != entities.rend(); ++entity) {
+        if (next != entity->entity->source.end()) return entities.front().entity->source.reference;
+        next = entity->resume;
+    }
+    return next;
 }
 
 const QeCString& QeXmlReader::getLastTarget() const noexcept {

@@ -112,7 +112,11 @@ bool ConformingTags::isDefault(std::string_view name) {
 
 std::span<const ConformingTags::Left> ConformingTags::leftIn(std::string_view name) {
     putInOrder();
-    return std::ranges::equal_range(leftOver, name, {}, &Left::attribute);
+    const auto first = std::partition_point(leftOver.begin(), leftOver.end(),
+                                            [name](const Left& left) { return left.attribute < name; });
+    const auto last =
+        std::partition_point(first, leftOver.end(), [name](const Left& left) { return left.attribute == name; });
+    return {first, last};
 }
 
 void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const char* tagEnd) {

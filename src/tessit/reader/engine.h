@@ -27,6 +27,7 @@ struct QeXmlReader::Engine {
     void passOutsideOfRoot() noexcept;
     [[noreturn]] void raiseFault();
     const char* positionInDocument() const noexcept;
+    const char* nextInDocument() const noexcept;
 
     // engine.cpp
     /// Takes in a declared encoding. All views of the document may be void behind it.

@@ -118,7 +118,7 @@ QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
         return QeCString();
     }
     QeCString front;
-    if (wasPending) front = rebuildTag();  // it stands before the copy's begin
+    if (wasPending && !reader.isInEntity()) front = rebuildTag();  // it stands before the copy's begin
     reader.nodePending = false;
     if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (reader.lastNodeType == EmptyElement) {

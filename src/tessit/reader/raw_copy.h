@@ -12,8 +12,9 @@
 /// can replace the buffer; then the text up to there is kept aside.
 class QeXmlReader::RawCopy {
 public:
-    /// Begins at the input's cursor; until it ends, the engine knows of the copy.
-    explicit RawCopy(Engine& source) noexcept : engine(source), runStart(source.positionInDocument()) {
+    /// Begins at the input's cursor, or, where that is in what an entity brought, at the reference; until it ends, the
+    /// engine knows of the copy.
+    explicit RawCopy(Engine& source) noexcept : engine(source), runStart(source.nextInDocument()) {
         engine.rawCopy = this;
     }
     ~RawCopy() { engine.rawCopy = nullptr; }
