@@ -25,7 +25,7 @@ inline void keepMemory() {
 // The address sanitizer maps each block of more than 256 KiB anew, page by page, which looks like growth, too: there,
 // inputs are so much smaller. The other builds judge them at full size.
 #if defined(__SANITIZE_ADDRESS__)
-constexpr std::size_t SmallerBy = 4;
+constexpr std::size_t SmallerBy = 16;
 #else
 constexpr std::size_t SmallerBy = 1;
 #endif

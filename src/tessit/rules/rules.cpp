@@ -92,13 +92,11 @@ QeCString messageFor(Rule rule, std::string_view found) {
     return message;
 }
 
-// Goes on from the last place that was counted, unless that is behind this one.
+// Goes on from the last place that was counted, unless that is behind this one, or in another text.
 const Source::Counted& countTo(const Source& source, const char* place) {
     Source::Counted& counted = source.counted;
-    if (counted.upTo == nullptr || counted.upTo > place) {
-        const char* const first = source.linesFrom != nullptr ? source.linesFrom : source.begin();
-        counted = {first, first, 1};
-    }
+    const char* const first = source.linesFrom != nullptr ? source.linesFrom : source.begin();
+    if (counted.upTo == nullptr || counted.upTo < first || counted.upTo > place) counted = {first, first, 1};
     for (const char* at = counted.upTo; (at = corvel::findAny(at, place, '\n', '\r')) != place;) {
         at += *at == '\r' && at + 1 != source.end() && at[1] == '\n' ? 2 : 1;
         if (at > place) return counted;  // between the two bytes of a line end
