@@ -253,7 +253,7 @@ TEST(Conforming, RefusesWhatIsCutShort) {
 // Nodes that were asked for do not get in the way of demands.
 TEST(Conforming, DemandsPassOtherNodes) {
     const Document document(
-        "<?p?><!--c--><!DOCTYPE a SYSTEM 's'><a><!--1-->x<?p?>y<![CDATA[z]]>&e;<b/><!--2--></a><!--3-->");
+        "<?p?><!--c--><!DOCTYPE a SYSTEM 's' [<?q?>]><a><!--1-->x<?p?>y<![CDATA[z]]>&e;<b/><!--2--></a><!--3-->");
     const auto reader = document.open(Source::Span, AllNodes);
     reader->readElementStart("a");
     EXPECT_EQ(reader->getDocumentType().systemId, "s");

@@ -57,7 +57,10 @@ bool QeXmlReader::Engine::ConformingNodes::readMarkup() {
 // Passes what may stand outside of the root element. Whether a node was delivered, or stands here to be.
 bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
     for (;;) {
-        if (state.hasInstructions() && others != Others::Pass) return deliverInstruction(others);
+        if (state.hasInstructions()) {
+            if (others != Others::Pass) return deliverInstruction(others);
+            state.nextInstruction = state.declared.get().instructions().size();
+        }
         skipSpace();
         if (atEnd()) {
             if (state.phase == Conforming::InProlog || source().endsBy != Rule::None) refuseEnd();
