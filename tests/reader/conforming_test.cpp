@@ -30,6 +30,20 @@ void expectFaultToStay(QeXmlReader& reader, const std::string& fault) {
     EXPECT_EQ(faultOf([&] { reader.readElementEnd(); }), fault);
 }
 
+// All that follows; an error ends it.
+std::string readOn(QeXmlReader& reader) {
+    std::string nodes;
+    try {
+        while (!reader.eof()) {
+            reader.readNextNode();
+            nodes += (nodes.empty() ? "" : " ") + describeNode(reader);
+        }
+    } catch (const QeXmlParseError& error) {
+        nodes += (nodes.empty() ? "" : " ") + describe(error);
+    }
+    return nodes;
+}
+
 // All nodes; an error ends them.
 std::string read(const Document& document, Source source, const QeXmlReaderOptions& options) {
     std::string nodes;
@@ -247,6 +261,26 @@ TEST(Conforming, RefusesWhatIsCutShort) {
             EXPECT_NE(read(Document(xml.substr(0, length)), Source::Span, Plain).find('!'), std::string::npos)
                 << xml.substr(0, length);
         }
+    }
+}
+
+// References that are left as written mean the same, and are judged alike.
+TEST(Conforming, ReadsReferencesThatStayAsWritten) {
+    constexpr Case Cases[] = {
+        {"<a xmlns:p='&#x75;' p:x='&lt;'/>", "/a[xmlns:p=&#x75; {u}p:x=&lt;]"},
+        {"<!DOCTYPE a [<!ENTITY u 'u'><!ATTLIST a xmlns:p NMTOKEN ''>]><a xmlns:p=' &u; ' p:x='1'/>",
+         "/a[xmlns:p=&u; {u}p:x=1]"},
+        {"<a xmlns:xml='http:&#x2F;/www.w3.org/XML/1998/namespace'/>",
+         "/a[xmlns:xml=http:&#x2F;/www.w3.org/XML/1998/namespace]"},
+        {"<!DOCTYPE a [<!ENTITY u ''>]><a xmlns:p='&u;'/>", "!1:33 a prefix that is declared to be in no namespace: p"},
+        {"<a xmlns:p='&#117;' xmlns:q='u' p:x='1' q:x='2'/>", "!1:41 an attribute stands twice in a tag: q:x"},
+        {"<!DOCTYPE a [<!ENTITY e '<b x=\"\r\n&#13;&#10;&lt;\"/>'>]><a>&e;</a>", "+a /b[x=   &lt;] -a"},
+    };
+    for (const auto& [xml, nodes] : Cases) {
+        const Document document(xml);
+        const auto reader = document.open(Source::Span, Plain);
+        reader->setExpandAttributeReference(false);
+        EXPECT_EQ(readOn(*reader), nodes) << xml;
     }
 }
 

@@ -93,21 +93,22 @@ void TagSlots::readAttribute(Scanner& scanner, bool expands, ConformingTags& rul
     rules.keepLeft(name.whole(), scratchLength);
     const std::size_t length = value.data() != nullptr ? value.size() : valueScratch.length() - scratchLength;
     rawAttributes.push_back({name, value.data(), length});
-    declare(rawAttributes.back(), rules, name.data);
+    if (name.whole().starts_with(Xmlns))
+        declare(name, rules.meaningOf(valueOf(rawAttributes.back())), rules, name.data);
 }
 
-void TagSlots::declare(const RawAttribute& attribute, ConformingTags& rules, const char* place) {
-    if (!attribute.name.whole().starts_with(Xmlns) || !rules.readsNamespaces()) return;
-    if (attribute.name.whole() != Xmlns && attribute.name.prefix() != Xmlns) return;
-    rules.checkDeclaration(attribute.name, valueOf(attribute), place);
-    declare(attribute);
+void TagSlots::declare(const RawName& name, std::string_view uri, const ConformingTags& rules, const char* place) {
+    const bool isDefault = name.whole() == Xmlns;
+    if (!rules.readsNamespaces() || (!isDefault && name.prefix() != Xmlns)) return;
+    rules.checkDeclaration(name, uri, place);
+    bindings.declare(isDefault ? std::string_view() : name.local(), uri);
 }
 
 void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd) {
     const std::size_t specified = rawAttributes.size();
     rules.addDefaults(rawAttributes, list, tagEnd);
     for (std::size_t i = specified; i < rawAttributes.size(); ++i)
-        declare(rawAttributes[i], rules, tagEnd);
+        declare(rawAttributes[i].name, rawAttributes[i].valueText(), rules, tagEnd);
 }
 
 // What needs the whole tag is looked at now, in this order: prefixes, then what stands twice.

@@ -19,11 +19,11 @@ bool standsForItself(std::string_view literal) noexcept {
     return corvel::findAny(literal.data(), end, '&', '\t', '\n', '\r') == end;
 }
 
-// A value as written, with white space as it is delivered.
-void appendAsWritten(QeCString& value, std::string_view literal) {
+// A value as written, with white space as it is delivered. What an internal entity brought has its line ends already.
+void appendAsWritten(QeCString& value, const Source& source, std::string_view literal) {
     for (std::size_t at = 0; at != literal.size(); ++at) {
         const char byte = literal[at];
-        if (byte == '\r' && at + 1 != literal.size() && literal[at + 1] == '\n') continue;
+        if (source.hasPlaces && byte == '\r' && at + 1 != literal.size() && literal[at + 1] == '\n') continue;
         value += byte == '\t' || byte == '\n' || byte == '\r' ? ' ' : byte;
     }
 }
@@ -62,9 +62,10 @@ std::string_view passLiteral(Scanner& scanner, const Source& source) {
 void ConformingTags::append(QeCString& value, std::string_view literal, bool expands) {
     leftInValue.clear();
     if (expands) return declared.get().appendValue(value, *source, literal, &leftInValue);
-    checked.clear();
-    declared.get().appendValue(checked, *source, literal, nullptr);
-    appendAsWritten(value, literal);
+    isAsWritten = true;
+    meaning.clear();
+    declared.get().appendValue(meaning, *source, literal, nullptr);
+    appendAsWritten(value, *source, literal);
 }
 
 void ConformingTags::readValueInto(QeCString& value, Scanner& scanner, bool expands) {
@@ -79,6 +80,7 @@ void ConformingTags::readValueInto(QeCString& value, Scanner& scanner, bool expa
 }
 
 std::string_view ConformingTags::readValue(QeCString& scratch, Scanner& scanner, bool expands) {
+    isAsWritten = false;
     const std::string_view literal = passLiteral(scanner, *source);
     const bool isCut = literal.data()[literal.size()] == '<';
     if (!isCut && standsForItself(literal)) return literal;
@@ -89,7 +91,9 @@ std::string_view ConformingTags::readValue(QeCString& scratch, Scanner& scanner,
 
 void ConformingTags::apply(const DeclaredAttribute& attribute, QeCString& scratch, std::size_t from) {
     attribute.seenInTag = tagNumber;
-    if (attribute.isTokenized) Declarations::tokenize(scratch, from, &leftInValue);
+    if (!attribute.isTokenized) return;
+    Declarations::tokenize(scratch, from, &leftInValue);
+    if (isAsWritten) Declarations::tokenize(meaning, 0, nullptr);
 }
 
 void ConformingTags::keepLeft(std::string_view name, std::size_t from) {

@@ -48,6 +48,12 @@ public:
     /// The same for one that goes behind the text of `scratch`, unless it stands for itself: then a view of it.
     std::string_view readValue(QeCString& scratch, Scanner& scanner, bool expands);
 
+    /// What the value means that `readValue` read last and that came out as `value`: another text where references in
+    /// it were left as written.
+    std::string_view meaningOf(std::string_view value) const noexcept {
+        return isAsWritten ? std::string_view(meaning) : value;
+    }
+
     /// What a declared attribute makes of its value, which is all of `scratch` from a place on; notes that it stands
     /// in the tag.
     void apply(const DeclaredAttribute& attribute, QeCString& scratch, std::size_t from);
@@ -100,7 +106,8 @@ private:
     bool areInOrder = false;                 // both of them, by the names of attributes
     std::vector<LeftReference> leftInValue;  // working storage, as what follows
     std::vector<Expanded> expanded;
-    QeCString checked;  // values that are to stay as written
+    bool isAsWritten = false;  // whether the last value is to stay so
+    QeCString meaning;         // of that value: what is checked, and what prefixes are bound to
 };
 
 /// Passes a name of a tag or an attribute. Most are whole in a block.

@@ -144,7 +144,7 @@ private:
     bool readOtherValueInto(QeCString& value, Scanner& scanner, bool expands, ConformingTags& rules);
     void addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd);
     void writeChecked(const RawName& element, ConformingTags& rules, const char* tagEnd, bool mayLearn);
-    void declare(const RawAttribute& attribute, ConformingTags& rules, const char* place);
+    void declare(const RawName& name, std::string_view uri, const ConformingTags& rules, const char* place);
     void checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const char* tagEnd);
 
     void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
