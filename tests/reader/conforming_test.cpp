@@ -302,23 +302,37 @@ TEST(Conforming, DemandsPassOtherNodes) {
     EXPECT_TRUE(reader->eof());
 }
 
+namespace {
+
+// Where the attributes of the last tag come from, and what was left in them.
+std::string describeSources(const QeXmlReader& reader) {
+    std::string attributes;
+    for (const QeXmlAttribute& attribute : reader.getLastAttributes()) {
+        attributes += describe(attribute.getName()) + (reader.isSpecified(attribute) ? "+" : "-");
+        for (const auto& [offset, length] : reader.getLeftReferences(attribute))
+            attributes += std::string(std::string_view(attribute.getValue()).substr(offset, length));
+    }
+    return attributes;
+}
+
+}  // namespace
+
 TEST(Conforming, TellsWhatDeclarationsBrought) {
     const Document document(
         "<!DOCTYPE a PUBLIC ' p  q ' 's' [<!ENTITY e '<b>&f;</b>'><!ATTLIST a x CDATA '1' y CDATA '&u;2'>]>"
-        "<a z=' &v; '>&e;</a>");
+        "<a z=' &v; '>&e;<c><a z='&w;'><b z='1'/></a></c></a>");
     const auto reader = document.open(Source::Span, Plain);
     const QeXmlDocumentType& type = reader->getDocumentType();
     EXPECT_EQ(type.name + "|" + type.publicId + "|" + type.systemId, "a|p q|s");
     EXPECT_EQ(type.internalSubset, "<!ENTITY e '<b>&f;</b>'><!ATTLIST a x CDATA '1' y CDATA '&u;2'>");
-    std::string attributes;
-    for (const QeXmlAttribute& attribute : reader->readElementStart("a")) {
-        attributes += describe(attribute.getName()) + (reader->isSpecified(attribute) ? "+" : "-");
-        for (const auto& [offset, length] : reader->getLeftReferences(attribute))
-            attributes += std::string(std::string_view(attribute.getValue()).substr(offset, length));
-    }
-    EXPECT_EQ(attributes, "x-y-&u;z+&v;");
+    reader->readElementStart("a");
+    EXPECT_EQ(describeSources(*reader), "x-y-&u;z+&v;");
     EXPECT_FALSE(reader->isInEntity());
     EXPECT_EQ(reader->readElement("b"), "&e;");  // as it stands in the document
+    reader->readElementStart("c");
+    EXPECT_EQ(reader->readElement("a"), "<a z='&w;'><b z='1'/></a>");
+    EXPECT_EQ(describeSources(*reader), "x-y-&u;z+&w;");
+    reader->readElementEnd("c");
     reader->readElementEnd("a");
     EXPECT_TRUE(reader->eof());
 }

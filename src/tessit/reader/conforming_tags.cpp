@@ -98,28 +98,28 @@ void ConformingTags::apply(const DeclaredAttribute& attribute, QeCString& scratc
 
 void ConformingTags::keepLeft(std::string_view name, std::size_t from) {
     for (const auto& [offset, length] : leftInValue)
-        leftOver.push_back({name, {offset - from, length}});
+        told.left.push_back({name, {offset - from, length}});
     leftInValue.clear();
 }
 
 // A tag can have many, and a program ask for each.
 void ConformingTags::putInOrder() {
-    if (std::exchange(areInOrder, true)) return;
-    std::ranges::sort(defaulted);
-    std::ranges::stable_sort(leftOver, {}, &Left::attribute);
+    if (std::exchange(told.areInOrder, true)) return;
+    std::ranges::sort(told.defaulted);
+    std::ranges::stable_sort(told.left, {}, &Left::attribute);
 }
 
 bool ConformingTags::isDefault(std::string_view name) {
     putInOrder();
-    return std::binary_search(defaulted.begin(), defaulted.end(), name);
+    return std::binary_search(told.defaulted.begin(), told.defaulted.end(), name);
 }
 
 std::span<const ConformingTags::Left> ConformingTags::leftIn(std::string_view name) {
     putInOrder();
-    const auto first = std::partition_point(leftOver.begin(), leftOver.end(),
+    const auto first = std::partition_point(told.left.begin(), told.left.end(),
                                             [name](const Left& left) { return left.attribute < name; });
     const auto last =
-        std::partition_point(first, leftOver.end(), [name](const Left& left) { return left.attribute == name; });
+        std::partition_point(first, told.left.end(), [name](const Left& left) { return left.attribute == name; });
     return {first, last};
 }
 
@@ -131,9 +131,9 @@ void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const At
         const std::string_view value(attribute.defaultValue);
         declared.get().charge(name.size() + value.size(), *source, tagEnd);  // an empty value is not for nothing
         attributes.push_back({RawName::of(name, namespaces), value.data(), value.size()});
-        defaulted.push_back(name);
+        told.defaulted.push_back(name);
         for (const LeftReference& reference : attribute.left)
-            leftOver.push_back({name, reference});
+            told.left.push_back({name, reference});
     }
 }
 
@@ -148,7 +148,7 @@ void ConformingTags::checkDeclaration(const RawName& name, std::string_view uri,
 
 // A default stands in the declarations: its place is the tag's end.
 const char* ConformingTags::placeOf(const RawAttribute& attribute, const char* tagEnd) const {
-    const bool isDefault = std::any_of(defaulted.begin(), defaulted.end(),
+    const bool isDefault = std::any_of(told.defaulted.begin(), told.defaulted.end(),
                                        [&](std::string_view name) { return name.data() == attribute.name.data; });
     return isDefault ? tagEnd : attribute.name.data;
 }

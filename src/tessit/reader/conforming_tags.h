@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <tessit/reader/bindings.h>
@@ -30,9 +31,9 @@ public:
     /// Begins with a tag of that source, whose attributes are not declared.
     void openTag(const Source& text) noexcept {
         source = &text;
-        defaulted.clear();
-        leftOver.clear();
-        areInOrder = false;
+        told.defaulted.clear();
+        told.left.clear();
+        told.areInOrder = false;
     }
 
     /// What the tag stands in.
@@ -78,12 +79,23 @@ public:
     bool isDefault(std::string_view name);
 
     struct Left {
-        std::string_view attribute;  // its name as written
+        std::string_view attribute;  // its name as written, in a text that stays
         LeftReference reference;
     };
 
     /// The references that were left in that attribute of the last tag, in their order.
     std::span<const Left> leftIn(std::string_view name);
+
+    /// What is told of the attributes of a tag besides names and values.
+    struct Told {
+        std::vector<std::string_view> defaulted;
+        std::vector<Left> left;
+        bool areInOrder = false;  // both of them, by the names of attributes
+    };
+
+    /// Takes what is told of the last tag out, to be put back once others were read.
+    Told takeTold() noexcept { return std::exchange(told, {}); }
+    void putBack(Told&& ofTag) noexcept { told = std::move(ofTag); }
 
 private:
     // An attribute by what makes it the same as another.
@@ -101,9 +113,7 @@ private:
     const Source* source = nullptr;
     bool namespaces;
     std::uint64_t tagNumber = 0;
-    std::vector<std::string_view> defaulted;
-    std::vector<Left> leftOver;
-    bool areInOrder = false;                 // both of them, by the names of attributes
+    Told told;
     std::vector<LeftReference> leftInValue;  // working storage, as what follows
     std::vector<Expanded> expanded;
     bool isAsWritten = false;  // whether the last value is to stay so

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include <tessit/reader/engine.h>
+#include <tessit/reader/conforming.h>
 #include <tessit/reader/expected_name.h>
 #include <tessit/reader/raw_copy.h>
 
@@ -134,10 +134,12 @@ QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
 }
 
 // Reads up to the end tag of the element that the last tag opened, and leaves that
-// tag's attributes in place. Returns where the scan of the end tag began.
+// tag's attributes, and what is told of them, in place. Returns where the scan of the end tag began.
 std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
     const QeXmlName startName(reader.lastName);
     QeXmlAttributeSet attributes = std::move(reader.lastAttributes);
+    tessit::ConformingTags::Told told;
+    if (conforming != nullptr) told = conforming->tags.takeTold();
     slots.forgetSlots();
     std::size_t contentEnd = copy.length();
     for (std::ptrdiff_t level = 1;; contentEnd = copy.length()) {
@@ -148,6 +150,7 @@ std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
         if (level == 0) break;
     }
     reader.lastAttributes = std::move(attributes);
+    if (conforming != nullptr) conforming->tags.putBack(std::move(told));
     slots.forgetSlots();
     return contentEnd;
 }
