@@ -185,6 +185,7 @@ constexpr Case Refused[] = {
      "!1:4 the namespaces of xml and xmlns have no other prefix: xmlns:p"},
     {"<a xmlns:xmlns='u'/>", "!1:4 the prefixes xml and xmlns are not declared otherwise: xmlns:xmlns"},
     {"<a xmlns='http://www.w3.org/2000/xmlns/'/>", "!1:4 the namespaces of xml and xmlns have no other prefix: xmlns"},
+    {{"<\0?\0 begins like UTF-16 that declares itself", 44}, "!1:2 a character that XML does not allow: U+0000"},
     {"<a>\x01</a>", "+a !1:4 a character that XML does not allow: U+0001"},
     {"<a x='\x0B'/>", "!1:7 a character that XML does not allow: U+000B"},
     {"<a>\xEF\xBF\xBE</a>", "+a !1:4 a character that XML does not allow: U+FFFE"},

@@ -30,7 +30,8 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     document.source.name = conforming->options.sourceName;
     decodeText(document, bytes, conforming->options.encoding);
     reader.encoding = document.encoding;
-    if (!document.converted.empty()) reader.ownedDocument = QeCString();  // its text is another one now
+    const bool isAnotherText = document.source.text.data() == document.converted.data();
+    if (isAnotherText) reader.ownedDocument = QeCString();
     if (conforming->options.namespaces) bindings.declare("xml", "http://www.w3.org/XML/1998/namespace");
     input.enter(document.source, document.source.begin());
     ConformingNodes(*this).readProlog();
