@@ -155,6 +155,39 @@ std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
     return contentEnd;
 }
 
+namespace {
+
+// As stored; where markup is to come of it, with references for what would be none.
+void appendValue(QeCString& tag, const QeCString& value, bool escapes) {
+    if (!escapes) {
+        tag += value;
+        return;
+    }
+    for (const char byte : std::string_view(value)) {
+        switch (byte) {
+            case '&':
+                tag += "&amp;";
+                break;
+            case '<':
+                tag += "&lt;";
+                break;
+            case '"':
+                tag += "&quot;";
+                break;
+            case '\t':
+            case '\n':
+            case '\r':
+                tag += "&#";
+                tag += byte == '\t' ? "9;" : byte == '\n' ? "10;" : "13;";
+                break;
+            default:
+                tag += byte;
+        }
+    }
+}
+
+}  // namespace
+
 // The start tag that was scanned ahead, written anew.
 QeCString QeXmlReader::Engine::rebuildTag() const {
     QeCString tag("<");
@@ -163,7 +196,7 @@ QeCString QeXmlReader::Engine::rebuildTag() const {
     for (const QeXmlAttribute& attribute : std::as_const(reader.lastAttributes)) {
         tag += attribute.getName().asString();
         tag += "=\"";
-        tag += attribute.getValue();
+        appendValue(tag, attribute.getValue(), reader.isConforming && reader.expandAttributeReference);
         tag += "\" ";
     }
     tag += reader.lastNodeType == EmptyElement ? "/>" : ">";
