@@ -172,10 +172,10 @@ public:
     /// What the document type declaration says, once a conforming reader has read it.
     TESSIT_API const QeXmlDocumentType& getDocumentType() const noexcept;
 
-    /// Whether an attribute of the last tag stands there; else it is a declared default. O(defaults of the tag).
+    /// Whether an attribute of the last tag stands there; else it is a declared default. O(log of those), and sorts them once.
     TESSIT_API bool isSpecified(const QeXmlAttribute& attribute) const;
 
-    /// The references that were left as written in the value of an attribute of the last tag. O(such references).
+    /// The references left as written in the value of an attribute of the last tag, if others are expanded. As costly.
     TESSIT_API std::vector<QeXmlLeftReference> getLeftReferences(const QeXmlAttribute& attribute) const;
 
     /// Whether the reader stands in what an entity brought: an internal one has the reference's place.
