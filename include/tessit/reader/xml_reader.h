@@ -172,7 +172,7 @@ public:
     /// What the document type declaration says, once a conforming reader has read it.
     TESSIT_API const QeXmlDocumentType& getDocumentType() const noexcept;
 
-    /// Whether an attribute of the last tag stands there; else it is a declared default. O(log of those), and sorts them once.
+    /// Whether an attribute of the last tag stands there; else it is a declared default. Sorts those once; O(log).
     TESSIT_API bool isSpecified(const QeXmlAttribute& attribute) const;
 
     /// The references left as written in the value of an attribute of the last tag, if others are expanded. As costly.

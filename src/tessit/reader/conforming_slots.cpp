@@ -115,7 +115,8 @@ void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, con
 void TagSlots::writeChecked(const RawName& element, ConformingTags& rules, const char* tagEnd, bool mayLearn) {
     rules.checkPrefixes(element, rawAttributes, bindings, tagEnd);
     if (rawAttributes.empty()) return writeNoAttributes();
-    const std::span<const Ordered> ordered = putInOrder();
+    Ordered few[Few];
+    const std::span<const Ordered> ordered = putInOrder(few);
     checkDuplicates(ordered, rules, tagEnd);
     writeInOrder(ordered, mayLearn);
 }

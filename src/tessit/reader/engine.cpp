@@ -4,18 +4,17 @@
 #include <tessit/reader/conforming.h>
 #include <tessit/reader/raw_copy.h>
 
-QeXmlReader::Engine::Engine(QeXmlReader& owner) : Engine(owner, {}) {}
-
 // A conforming reader's own end of the bytes is set when the document is complete; until then `eof` is false.
-QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions& options)
+QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* options)
     : reader(owner),
-      conforming(options.rules == QeXmlRules::Lenient ? nullptr : std::make_unique<Conforming>(options)),
+      conforming(options == nullptr || options->rules == QeXmlRules::Lenient ? nullptr
+                                                                             : std::make_unique<Conforming>(*options)),
       input({owner.cursor, owner.bufferStart, conforming == nullptr ? owner.bufferEnd : conforming->end,
              owner.ownedDocument, owner.encoding}),
       bindings(owner.namespaceStack),
       slots(owner.lastName, owner.lastAttributes, input.limit(), bindings) {
     reader.isConforming = conforming != nullptr;
-    input.setSourceName(options.sourceName);
+    if (options != nullptr) input.setSourceName(options->sourceName);
 }
 
 QeXmlReader::Engine::~Engine() = default;

@@ -13,8 +13,7 @@
 /// tag slots or the text; what drives it on is the `NodeReader`. The public calls hold
 /// the node that comes of it against what the program expects.
 struct QeXmlReader::Engine {
-    explicit Engine(QeXmlReader& owner);
-    Engine(QeXmlReader& owner, const QeXmlReaderOptions& options);
+    explicit Engine(QeXmlReader& owner, const QeXmlReaderOptions* options = nullptr);
     ~Engine();
 
     // nodes.cpp and prolog.cpp

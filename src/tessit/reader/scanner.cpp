@@ -176,6 +176,17 @@ void Scanner::appendText(QeCString& target) {
     }
 }
 
+template <typename... Byte>
+bool Scanner::readTextRun(QeCString& text, Byte... others) {
+    const char* const stop = findAny(cursor, end, '<', '&', '\r', others...);
+    text.assign(cursor, static_cast<std::size_t>(stop - cursor));
+    cursor = stop;
+    return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
+}
+
+template bool Scanner::readTextRun(QeCString& text);
+template bool Scanner::readTextRun(QeCString& text, char other);
+
 // Looks for the '>', which instructions seldom hold, and then back.
 void Scanner::skipInstruction() {
     for (const char* at = cursor; (at = findByte(at, end, '>')) != end; ++at) {
@@ -280,29 +291,34 @@ FoundEntity findEntity(const char* at) {
     return {static_cast<char>(character), length};
 }
 
-}  // namespace
-
-bool Scanner::passPredefined(char& character) noexcept {
-    if (end - cursor >= std::ptrdiff_t{Entity::WordSize}) {
-        const FoundEntity entity = findEntity(cursor);
-        cursor += entity.length;
+// Passes the entity whose name begins at `at`, if there is one.
+inline bool passEntity(const char*& at, const char* end, char& character) noexcept {
+    if (end - at >= std::ptrdiff_t{Entity::WordSize}) {
+        const FoundEntity entity = findEntity(at);
+        at += entity.length;
         character = entity.character;
         return entity.length != 0;
     }
     for (const Entity& entity : Entities) {
-        if (!std::string_view(cursor, static_cast<std::size_t>(end - cursor)).starts_with(entity.name)) continue;
-        cursor += entity.name.size();
+        if (!std::string_view(at, static_cast<std::size_t>(end - at)).starts_with(entity.name)) continue;
+        at += entity.name.size();
         character = entity.character;
         return true;
     }
     return false;
 }
 
+}  // namespace
+
+bool Scanner::passPredefined(char& character) noexcept {
+    return passEntity(cursor, end, character);
+}
+
 // Entered just after the '&'; returns what the reference stands for. An unknown
 // entity is no error: it stands for its reference as written. `encoded` is room
 // for the character.
 std::string_view Scanner::readReference(char (&encoded)[4]) {
-    if (passPredefined(encoded[0])) return {encoded, 1};
+    if (passEntity(cursor, end, encoded[0])) return {encoded, 1};
     const char* const semicolon = findByte(cursor, end, ';');
     if (semicolon == end) raiseEnd();
     const std::string_view body(cursor, static_cast<std::size_t>(semicolon - cursor));

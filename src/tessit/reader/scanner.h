@@ -132,12 +132,7 @@ public:
 
     /// Reads a text up to what needs thought in it. Returns whether that is the tag that ends it.
     template <typename... Byte>
-    bool readTextRun(QeCString& text, Byte... others) {
-        const char* const stop = corvel::findAny(cursor, end, '<', '&', '\r', others...);
-        text.assign(cursor, static_cast<std::size_t>(stop - cursor));
-        cursor = stop;
-        return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
-    }
+    bool readTextRun(QeCString& text, Byte... others);
 
     /// Entered just after an '&'. Passes the name and the semicolon if that is one of the five predefined
     /// entities, and says which character it stands for.

@@ -131,7 +131,8 @@ std::string_view TagSlots::valueOf(const RawAttribute& attribute) const noexcept
 // once, into its final place.
 void TagSlots::writeAttributes() {
     if (rawAttributes.empty()) return writeNoAttributes();
-    const std::span<Ordered> ordered = leaveOutRepeated(putInOrder());
+    Ordered few[Few];
+    const std::span<Ordered> ordered = leaveOutRepeated(putInOrder(few));
     writeInOrder(ordered, ordered.size() == rawAttributes.size());
 }
 
@@ -175,12 +176,13 @@ int compare(std::uint64_t leftKey, const RawAttribute& left, std::uint64_t right
 
 }  // namespace
 
-// Puts the attributes in order; equal ones stand as in the document.
-std::span<TagSlots::Ordered> TagSlots::putInOrder() {
+// Puts the attributes in order, where there is room for few or in storage of its own; equal ones stand as in the
+// document.
+std::span<TagSlots::Ordered> TagSlots::putInOrder(Ordered* few) {
     findValues();
     const std::size_t count = rawAttributes.size();
     if (count > Few) manyOrdered.resize(count);
-    const std::span<Ordered> ordered(count > Few ? manyOrdered.data() : fewOrdered, count);
+    const std::span<Ordered> ordered(count > Few ? manyOrdered.data() : few, count);
     for (std::size_t i = 0; i < count; ++i)
         ordered[i] = {corvel::firstBytes(rawAttributes[i].name.local(), readableEnd), &rawAttributes[i]};
     if (count == 1) return ordered;

@@ -130,7 +130,7 @@ private:
     void writeAttributes();
     void writeInOrder(std::span<const Ordered> ordered, bool mayLearn);
     void findValues() noexcept;
-    std::span<Ordered> putInOrder();
+    std::span<Ordered> putInOrder(Ordered* few);
     std::span<Ordered> leaveOutRepeated(std::span<Ordered> ordered);
     void openSlots(std::size_t count);
     void takeSlots(std::size_t count);
@@ -160,7 +160,6 @@ private:
 
     // Working storage of a tag, kept between tags so that it is allocated once.
     std::vector<RawAttribute> rawAttributes;
-    Ordered fewOrdered[Few];
     std::vector<Ordered> manyOrdered;
     std::vector<RawAttribute*> sameLocalName;
     QeCString valueScratch;

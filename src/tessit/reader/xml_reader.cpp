@@ -25,18 +25,18 @@ QeXmlReader::QeXmlReader(std::span<const unsigned char> document) : engine(std::
 // Programs of later versions pass more fields than this library has; those of earlier ones, fewer: fields that are
 // appended from now on are looked at only where `passed.size` says that they are there.
 QeXmlReader::QeXmlReader(std::istream& in, const Passed& passed)
-    : engine(std::make_unique<Engine>(*this, passed.fields)) {
+    : engine(std::make_unique<Engine>(*this, &passed.fields)) {
     ownedDocument.readFile(in);
     open(ownedDocument);
 }
 
 QeXmlReader::QeXmlReader(const QeCString& document, const Passed& passed)
-    : ownedDocument(document), engine(std::make_unique<Engine>(*this, passed.fields)) {
+    : ownedDocument(document), engine(std::make_unique<Engine>(*this, &passed.fields)) {
     open(ownedDocument);
 }
 
 QeXmlReader::QeXmlReader(std::span<const unsigned char> document, const Passed& passed)
-    : engine(std::make_unique<Engine>(*this, passed.fields)) {
+    : engine(std::make_unique<Engine>(*this, &passed.fields)) {
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 
