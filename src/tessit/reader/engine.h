@@ -19,6 +19,8 @@ struct QeXmlReader::Engine {
     // nodes.cpp and prolog.cpp
     void readProlog();
     void readContent();
+    void noteOpen(std::string_view name);
+    bool closesInnermost() noexcept;
 
     // conforming.cpp, and conforming_nodes.cpp for what is read over and over
     void openConforming(std::string_view document);

@@ -57,7 +57,7 @@ inline void QeXmlReader::Engine::NodeReader::readEndTag() {
     skipSpace();
     engine.bindings.closeScope();
     if (const char byte = take(); byte != '>') raiseWith("Unexpected character ", {&byte, 1});
-    if (engine.matchesTags) apart(&NodeReader::matchEndTag);
+    if (engine.matchesTags && !engine.closesInnermost()) apart(&NodeReader::matchEndTag);
 }
 
 // Passes the name of the last tag, if it stands here again, ended by a '>', and means the same.
@@ -68,17 +68,27 @@ inline bool QeXmlReader::Engine::NodeReader::skipLastName() noexcept {
     return true;
 }
 
+// Apart from the loop, which has enough to keep in registers.
+TESSIT_NOINLINE void QeXmlReader::Engine::noteOpen(std::string_view name) {
+    openElements.push(name);
+}
+
+// Whether the end tag is written like the start tag of the innermost element, as most are: that is closed then.
+TESSIT_NOINLINE bool QeXmlReader::Engine::closesInnermost() noexcept {
+    if (openElements.empty() || !corvel::sameBytes(slots.elementAsWritten(), openElements.innermost())) return false;
+    openElements.pop();
+    return true;
+}
+
 TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::matchEndTag() {
     if (engine.openElements.empty() || !isLikeInnermost())
         raiseWith("Unmatched start tag for ", reader.lastName.asString());
     engine.openElements.pop();
 }
 
-// Most end tags are written like their start tags, and need no look at namespaces. Where
-// prefixes differ, both names stand in the scope of the element that closes.
+// Where prefixes differ, both names stand in the scope of the element that closes.
 bool QeXmlReader::Engine::NodeReader::isLikeInnermost() const {
     const std::string_view opened = engine.openElements.innermost();
-    if (corvel::sameBytes(engine.slots.elementAsWritten(), opened)) return true;
     const auto name = tessit::RawName::of(opened);
     return reader.lastName.getLocalName() == name.local() &&
            reader.lastName.getNamespace().getURI() == engine.bindings.uriInsideTag(name.prefix());
@@ -104,7 +114,7 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
         ++reader.depth;
         reader.lastNodeType = ElementStart;
         engine.slots.writeElementName(name);
-        if (engine.matchesTags) engine.openElements.push(name.whole());
+        if (engine.matchesTags) engine.noteOpen(name.whole());
         return;
     }
     reader.lastNodeType = EmptyElement;
