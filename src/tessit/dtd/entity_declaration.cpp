@@ -3,7 +3,6 @@
 #include <memory>
 #include <utility>
 
-#include <corvel/byte_scan.h>
 #include <tessit/dtd/expansion.h>
 #include <tessit/dtd/subset_reader.h>
 #include <tessit/rules/rules.h>
@@ -24,20 +23,13 @@ public:
     /// False when something in it is not available.
     bool append() {
         do {
-            while (appendPlain())
+            while (appendUpTo('&', '%', '\r'))
                 appendSpecial();
         } while (leaveText());
         return isComplete;
     }
 
 private:
-    bool appendPlain() {
-        const char* const start = here.position();
-        here.goTo(corvel::findAny(start, end, '&', '%', '\r'));
-        text.append(start, static_cast<std::size_t>(here.position() - start));
-        return here.position() != end;
-    }
-
     void appendSpecial() {
         switch (*here.position()) {
             case '&':

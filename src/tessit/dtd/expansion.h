@@ -3,6 +3,7 @@
 #include <string_view>
 #include <vector>
 
+#include <corvel/byte_scan.h>
 #include <corvel/c_string.h>
 #include <tessit/dtd/declarations.h>
 #include <tessit/rules/strict_scanner.h>
@@ -19,6 +20,15 @@ public:
     Expansion& operator=(const Expansion&) = delete;
 
 protected:
+    /// Appends what stands up to the next of these bytes; false at the end of the text.
+    template <typename... Byte>
+    bool appendUpTo(Byte... bytes) {
+        const char* const start = here.position();
+        here.goTo(corvel::findAny(start, end, bytes...));
+        text.append(start, static_cast<std::size_t>(here.position() - start));
+        return here.position() != end;
+    }
+
     /// Goes on in the text that has the reference, if all of one that it brought was read. False at the literal's end.
     bool leaveText();
 

@@ -20,20 +20,12 @@ public:
 
     void append() {
         do {
-            while (appendPlain())
+            while (appendUpTo('&', '<', '\r', '\n', '\t'))
                 appendSpecial();
         } while (leaveText());
     }
 
 private:
-    // Appends up to the next byte that needs thought; false at the end of the text.
-    bool appendPlain() {
-        const char* const start = here.position();
-        here.goTo(corvel::findAny(start, end, '&', '<', '\r', '\n', '\t'));
-        text.append(start, static_cast<std::size_t>(here.position() - start));
-        return here.position() != end;
-    }
-
     void appendSpecial() {
         switch (*here.position()) {
             case '&':

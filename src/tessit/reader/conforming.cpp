@@ -32,7 +32,7 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     reader.encoding = document.encoding;
     const bool isAnotherText = document.source.text.data() == document.converted.data();
     if (isAnotherText) reader.ownedDocument = QeCString();
-    if (conforming->options.namespaces) bindings.declare("xml", "http://www.w3.org/XML/1998/namespace");
+    if (conforming->options.namespaces) tessit::ConformingTags::bindXml(bindings);
     input.enter(document.source, document.source.begin());
     ConformingNodes(*this).readProlog();
 }

@@ -32,10 +32,6 @@ struct QeXmlReader::Engine::Conforming {
 
     explicit Conforming(const QeXmlReaderOptions& given);
 
-    const tessit::Source& source() const noexcept {
-        return entities.empty() ? document.source : entities.back().entity->source;
-    }
-
     bool delivers(QeXmlNodes node) const noexcept { return tessit::hasNode(options.nodes, node); }
 
     // Whether there are instructions among the declarations that were not delivered yet. None are kept that nobody

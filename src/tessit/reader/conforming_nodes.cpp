@@ -83,9 +83,7 @@ inline void QeXmlReader::Engine::ConformingNodes::closeStartTag(const RawName& n
     const bool isEmpty = peek() == '/';
     if (isEmpty) skip(1);
     require('>', Rule::Attribute);
-    if (name.localStart != 0 && engine.bindings.find(name.prefix(), limit()) == nullptr)
-        tessit::refuse(source(), name.data, Rule::UnboundPrefix, name.prefix());
-    engine.slots.writeElementName(name);
+    if (!engine.slots.writeElementName(name)) tessit::refuse(source(), name.data, Rule::UnboundPrefix, name.prefix());
     if (!isEmpty) {
         ++reader.depth;
         reader.lastNodeType = ElementStart;
@@ -162,8 +160,8 @@ TESSIT_NOINLINE bool QeXmlReader::Engine::ConformingNodes::readLongText(Others o
 // Appends text up to markup, to the end, or to a reference to an entity that is not predefined.
 void QeXmlReader::Engine::ConformingNodes::appendRuns(QeCString& target) {
     tessit::TextBuilder text(target);
-    const bool isAsWritten =
-        source().hasPlaces;  // in what an internal entity brought, line ends are what they shall be
+    // In what an internal entity brought, line ends are what they shall be.
+    const bool isAsWritten = source().hasPlaces;
     while (!atEnd() && peek() != '<') {
         const char* at = position();
         text.putRun(at, limit(), '<', '&', '\r', '>');
@@ -244,9 +242,10 @@ bool QeXmlReader::Engine::ConformingNodes::readReference(Others others, bool& fo
 bool QeXmlReader::Engine::ConformingNodes::readMarkupInText(Others others, bool& found) {
     if (limit() - position() < 2) refuseEnd();
     const char kind = position()[1];
-    if (kind == '?') return !readInstruction(others == Others::Deliver ? Others::Leave : others);
+    const Others behindText = others == Others::Deliver ? Others::Leave : others;  // nodes come behind the text
+    if (kind == '?') return !readInstruction(behindText);
     if (kind != '!') return false;
-    if (isCommentHere()) return !readComment(others == Others::Deliver ? Others::Leave : others);
+    if (isCommentHere()) return !readComment(behindText);
     if (others == Others::Deliver && state.delivers(QeXmlNodes::CDATASections)) {
         requireCDATA();
         return false;
@@ -272,5 +271,5 @@ TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity() {
     state.entities.pop_back();
     state.declared.get().close(*left.entity);
     const Lending lending(*this);
-    engine.input.enter(source(), left.resume);
+    engine.input.enter(*left.entity->source.parent, left.resume);
 }

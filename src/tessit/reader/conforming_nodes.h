@@ -31,7 +31,7 @@ public:
     bool passOutside(Others others);
 
 private:
-    const tessit::Source& source() const noexcept { return state.source(); }
+    const tessit::Source& source() const noexcept { return input.source(); }
     [[noreturn]] void refuse(tessit::Rule rule, std::string_view found = {}) const {
         tessit::refuse(source(), position(), rule, found);
     }

@@ -38,6 +38,10 @@ RawName readLongConformingName(Scanner& scanner, const Source& source, bool name
     return name;
 }
 
+void ConformingTags::bindXml(Bindings& bindings) {
+    bindings.declare(Xml, XmlURI);
+}
+
 const AttributeList* ConformingTags::declaredFor(std::string_view element) {
     ++tagNumber;
     return declared.hasAttributes() ? declared.get().attributesOf(element) : nullptr;

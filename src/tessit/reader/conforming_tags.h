@@ -23,6 +23,9 @@ class ConformingTags {
 public:
     ConformingTags(Declared& ofDocument, bool readsNamespaces) : declared(ofDocument), namespaces(readsNamespaces) {}
 
+    /// Binds the prefix that needs no declaration.
+    static void bindXml(Bindings& bindings);
+
     bool readsNamespaces() const noexcept { return namespaces; }
 
     /// Whether attributes are declared for any element.

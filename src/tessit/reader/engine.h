@@ -67,6 +67,7 @@ struct QeXmlReader::Engine {
     tessit::TagSlots slots;
     tessit::OpenElements openElements;  // of a reader that matches tags
     bool matchesTags = false;
-    QeXmlName expectedName;      // what the caller demands; working storage of one call
-    RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
+    QeXmlName expectedName;              // what the caller demands; working storage of one call
+    const char* pendingStart = nullptr;  // where the node that was looked at begins, in a document that stays
+    RawCopy* rawCopy = nullptr;          // the copy that `readElement` is making
 };

@@ -38,6 +38,9 @@ public:
     /// where it is as long as it is read.
     void enter(const Source& source, const char* place) noexcept;
 
+    /// What a conforming reader reads.
+    const Source& source() const noexcept { return *strict; }
+
     /// The name that errors have as that of their source.
     void setSourceName(const QeCString& name) { sourceName = name; }
 

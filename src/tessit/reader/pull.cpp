@@ -36,6 +36,7 @@ void QeXmlReader::Engine::takeNextNode() {
 void QeXmlReader::Engine::lookAhead() {
     if (reader.nodePending || reader.lastNodeType == EmptyElement) return;
     readContent();
+    pendingStart = nextInDocument();
     reader.readNextNode();
     reader.nodePending = true;
 }
@@ -109,8 +110,9 @@ bool QeXmlReader::Engine::startsNext(const Name& name) {
 }
 
 QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
-    RawCopy copy(*this);
     const bool wasPending = reader.nodePending;
+    const bool isThere = wasPending && reader.isConforming;  // the tag as written; a lenient reader's document can go
+    RawCopy copy(*this, isThere ? pendingStart : nextInDocument());
     if (!wasPending) takeNextNode();
     if (!opensElement(reader.lastNodeType)) {
         reader.nodePending = true;
@@ -118,7 +120,7 @@ QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
         return QeCString();
     }
     QeCString front;
-    if (wasPending && !reader.isInEntity()) front = rebuildTag();  // it stands before the copy's begin
+    if (wasPending && !isThere) front = rebuildTag();  // it stands before the copy's begin
     reader.nodePending = false;
     if (!asksForAny(expected) && !matchesStart(expected)) raiseMismatch(expected);
     if (reader.lastNodeType == EmptyElement) {
@@ -155,39 +157,6 @@ std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
     return contentEnd;
 }
 
-namespace {
-
-// As stored; where markup is to come of it, with references for what would be none.
-void appendValue(QeCString& tag, const QeCString& value, bool escapes) {
-    if (!escapes) {
-        tag += value;
-        return;
-    }
-    for (const char byte : std::string_view(value)) {
-        switch (byte) {
-            case '&':
-                tag += "&amp;";
-                break;
-            case '<':
-                tag += "&lt;";
-                break;
-            case '"':
-                tag += "&quot;";
-                break;
-            case '\t':
-            case '\n':
-            case '\r':
-                tag += "&#";
-                tag += byte == '\t' ? "9;" : byte == '\n' ? "10;" : "13;";
-                break;
-            default:
-                tag += byte;
-        }
-    }
-}
-
-}  // namespace
-
 // The start tag that was scanned ahead, written anew.
 QeCString QeXmlReader::Engine::rebuildTag() const {
     QeCString tag("<");
@@ -196,7 +165,7 @@ QeCString QeXmlReader::Engine::rebuildTag() const {
     for (const QeXmlAttribute& attribute : std::as_const(reader.lastAttributes)) {
         tag += attribute.getName().asString();
         tag += "=\"";
-        appendValue(tag, attribute.getValue(), reader.isConforming && reader.expandAttributeReference);
+        tag += attribute.getValue();
         tag += "\" ";
     }
     tag += reader.lastNodeType == EmptyElement ? "/>" : ">";

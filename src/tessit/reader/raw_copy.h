@@ -12,11 +12,8 @@
 /// can replace the buffer; then the text up to there is kept aside.
 class QeXmlReader::RawCopy {
 public:
-    /// Begins at the input's cursor, or, where that is in what an entity brought, at the reference; until it ends, the
-    /// engine knows of the copy.
-    explicit RawCopy(Engine& source) noexcept : engine(source), runStart(source.nextInDocument()) {
-        engine.rawCopy = this;
-    }
+    /// Begins at that place of the document; until it ends, the engine knows of the copy.
+    RawCopy(Engine& source, const char* start) noexcept : engine(source), runStart(start) { engine.rawCopy = this; }
     ~RawCopy() { engine.rawCopy = nullptr; }
     RawCopy(const RawCopy&) = delete;
     RawCopy& operator=(const RawCopy&) = delete;

@@ -244,11 +244,12 @@ void TagSlots::learnShape(std::span<const Ordered> ordered) {
     shape->version = bindings.version();
 }
 
-void TagSlots::writeElementName(const RawName& name) {
+bool TagSlots::writeElementName(const RawName& name) {
     const std::string_view prefix = name.prefix();
     const QeXmlNamespace* binding = bindings.find(prefix, readableEnd);
     if (binding == nullptr && prefix.empty()) binding = &NoNamespace;
     writeName(elementName, nameWritten, name, binding);
+    return binding != nullptr;
 }
 
 // Makes `name` the name as written, in the namespace of `binding`; without one, in

@@ -36,8 +36,8 @@ public:
     /// @name The element's name
     /// @{
 
-    /// Makes the last name that one, resolved.
-    void writeElementName(const RawName& name);
+    /// Makes the last name that one, resolved. Whether its prefix, if it has one, is bound.
+    bool writeElementName(const RawName& name);
 
     /// The last name as it stands in the document; empty when that is not known.
     std::string_view elementAsWritten() const noexcept { return nameWritten.raw; }

@@ -22,8 +22,8 @@ QeXmlReader::QeXmlReader(std::span<const unsigned char> document) : engine(std::
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 
-// Programs of later versions pass more fields than this library has; those of earlier ones, fewer: fields that are
-// appended from now on are looked at only where `passed.size` says that they are there.
+// Programs of later versions pass more fields than this library has. Those of earlier ones will pass fewer, once there
+// are versions with more: then, before the engine is made, what `passed.size` covers has to be copied over defaults.
 QeXmlReader::QeXmlReader(std::istream& in, const Passed& passed)
     : engine(std::make_unique<Engine>(*this, &passed.fields)) {
     ownedDocument.readFile(in);
