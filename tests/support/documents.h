@@ -105,39 +105,23 @@ public:
         std::copy(text.begin(), text.end(), bytes.get());
     }
 
-    std::unique_ptr<QeXmlReader> open(Source source) const {
+    /// With options or, as described, without.
+    template <typename... Options>
+    std::unique_ptr<QeXmlReader> open(Source source, const Options&... options) const {
         const std::string_view text(reinterpret_cast<const char*>(bytes.get()), size);
         switch (source) {
             case Source::Stream: {
                 std::istringstream in{std::string(text)};
-                return std::make_unique<QeXmlReader>(in);
+                return std::make_unique<QeXmlReader>(in, options...);
             }
             case Source::String:
-                return std::make_unique<QeXmlReader>(QeCString(text));
+                return std::make_unique<QeXmlReader>(QeCString(text), options...);
             case Source::Buffer:
-                return std::make_unique<QeXmlReader>(bytes.get(), static_cast<unsigned>(size));
+                return std::make_unique<QeXmlReader>(bytes.get(), static_cast<unsigned>(size), options...);
             case Source::Span:
                 break;
         }
-        return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size));
-    }
-
-    /// The same with options.
-    std::unique_ptr<QeXmlReader> open(Source source, const QeXmlReaderOptions& options) const {
-        const std::string_view text(reinterpret_cast<const char*>(bytes.get()), size);
-        switch (source) {
-            case Source::Stream: {
-                std::istringstream in{std::string(text)};
-                return std::make_unique<QeXmlReader>(in, options);
-            }
-            case Source::String:
-                return std::make_unique<QeXmlReader>(QeCString(text), options);
-            case Source::Buffer:
-                return std::make_unique<QeXmlReader>(bytes.get(), static_cast<unsigned>(size), options);
-            case Source::Span:
-                break;
-        }
-        return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size), options);
+        return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size), options...);
     }
 
 private:

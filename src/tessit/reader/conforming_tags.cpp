@@ -14,11 +14,6 @@ constexpr std::string_view Xml = "xml", Xmlns = "xmlns";
 constexpr std::string_view XmlURI = "http://www.w3.org/XML/1998/namespace";
 constexpr std::string_view XmlnsURI = "http://www.w3.org/2000/xmlns/";
 
-bool standsForItself(std::string_view literal) noexcept {
-    const char* const end = literal.data() + literal.size();
-    return corvel::findAny(literal.data(), end, '&', '\t', '\n', '\r') == end;
-}
-
 // A value as written, with white space as it is delivered. What an internal entity brought has its line ends already.
 void appendAsWritten(QeCString& value, const Source& source, std::string_view literal) {
     for (std::size_t at = 0; at != literal.size(); ++at) {
@@ -49,47 +44,58 @@ const AttributeList* ConformingTags::declaredFor(std::string_view element) {
 
 namespace {
 
+// What stands between quotes.
+struct Literal {
+    std::string_view text;
+    bool standsForItself;  // without references, or white space but blanks
+    bool isCut;            // by a '<'
+};
+
 // Passes a value and its quotes.
-std::string_view passLiteral(Scanner& scanner, const Source& source) {
+Literal passLiteral(Scanner& scanner, const Source& source) {
     if (scanner.atEnd()) refuseEnd(source);
     const char quote = scanner.peek();
     if (quote != '"' && quote != '\'') refuse(source, scanner.position(), Rule::Attribute);
     const char* const start = scanner.position() + 1;
-    const char* const stop = corvel::findAny(start, scanner.limit(), quote, '<');
+    const char* stop = corvel::findAny(start, scanner.limit(), quote, '<', '&', '\t', '\n', '\r');
+    const bool standsForItself = stop != scanner.limit() && *stop == quote;
+    if (!standsForItself) stop = corvel::findAny(stop, scanner.limit(), quote, '<');
     if (stop == scanner.limit()) refuseEnd(source);
     scanner.goBackTo(stop + 1);
-    return {start, static_cast<std::size_t>(stop - start)};
+    return {{start, static_cast<std::size_t>(stop - start)}, standsForItself, *stop == '<'};
 }
 
 }  // namespace
 
-void ConformingTags::append(QeCString& value, std::string_view literal, bool expands) {
+// Of a value that does not stand for itself. What is wrong in it comes before the '<' that cuts it.
+void ConformingTags::append(QeCString& value, std::string_view literal, bool isCut, bool expands) {
     leftInValue.clear();
-    if (expands) return declared.get().appendValue(value, *source, literal, &leftInValue);
-    isAsWritten = true;
-    meaning.clear();
-    declared.get().appendValue(meaning, *source, literal, nullptr);
-    appendAsWritten(value, *source, literal);
+    isAsWritten = !expands;
+    if (expands) {
+        declared.get().appendValue(value, *source, literal, &leftInValue);
+    } else {
+        meaning.clear();
+        declared.get().appendValue(meaning, *source, literal, nullptr);
+        appendAsWritten(value, *source, literal);
+    }
+    if (isCut) refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);
 }
 
 void ConformingTags::readValueInto(QeCString& value, Scanner& scanner, bool expands) {
-    const std::string_view literal = passLiteral(scanner, *source);
-    if (literal.data()[literal.size()] != '<' && standsForItself(literal)) {
-        value.assign(literal);
+    const Literal literal = passLiteral(scanner, *source);
+    if (literal.standsForItself) {
+        value.assign(literal.text);
         return;
     }
     value.clear();
-    append(value, literal, expands);
-    if (literal.data()[literal.size()] == '<') refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);
+    append(value, literal.text, literal.isCut, expands);
 }
 
 std::string_view ConformingTags::readValue(QeCString& scratch, Scanner& scanner, bool expands) {
     isAsWritten = false;
-    const std::string_view literal = passLiteral(scanner, *source);
-    const bool isCut = literal.data()[literal.size()] == '<';
-    if (!isCut && standsForItself(literal)) return literal;
-    append(scratch, literal, expands);
-    if (isCut) refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);
+    const Literal literal = passLiteral(scanner, *source);
+    if (literal.standsForItself) return literal.text;
+    append(scratch, literal.text, literal.isCut, expands);
     return {};
 }
 

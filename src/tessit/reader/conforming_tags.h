@@ -108,7 +108,7 @@ private:
         const RawAttribute* attribute;
     };
 
-    void append(QeCString& value, std::string_view literal, bool expands);
+    void append(QeCString& value, std::string_view literal, bool isCut, bool expands);
     const char* placeOf(const RawAttribute& attribute, const char* tagEnd) const;
     void putInOrder();
 
