@@ -70,8 +70,8 @@ TEST(Characters, AreToldByEachSequence) {
 TEST(Characters, AreToldAtEveryPlace) {
     const char* const Fills[] = {
         "x", "\n", "\xC3\xA9", "\xE0\xA4\x85", "\xED\x95\x9C", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80"};
-    const char* const Faults[] = {"\x01",         "\x80",         "\xC3",         "\xE2\x82",
-                                  "\xF0\x9F\x98", "\xED\xA0\x80", "\xEF\xBF\xBF", "\xFF"};
+    const char* const Faults[] = {"\x01",         "\x80",         "\xC3", "\xE2\x82", "\xF0\x9F\x98",
+                                  "\xED\xA0\x80", "\xEF\xBF\xBF", "\xFF", "\xC0\x80"};
     for (const std::string fill : Fills)
         for (std::size_t length = 0; length <= 150; ++length) {
             const std::string sound = std::string(length % 7, '-') + tessit::test::repeat(fill, length / fill.size());

@@ -164,11 +164,13 @@ const char* characterBegin(const char* at, const char* textBegin) noexcept {
 
 #if defined(TESSIT_WIDE_CHARACTERS)
 
-// The same as `passBlocks`, where the processor has larger ones.
+// The same as `passBlocks`, where the processor has larger ones. A first byte is judged there with the one behind it:
+// one that a block ends with is looked at again.
 const char* passWideBlocks(const char*& at, const char* textBegin, const char* textEnd) noexcept {
     constexpr std::ptrdiff_t Length = 64;
     for (;;) {
         at = passSound64(at, textEnd);
+        if (static_cast<unsigned char>(at[-1]) >= 0xC0) --at;
         if (textEnd - at < Length) return nullptr;
         const char* const next = at + Length;
         if (const char* const stop = checkEach(characterBegin(at, textBegin), next, textEnd); stop < next) return stop;
