@@ -39,7 +39,7 @@ void print(const QeXmlParseError& error) {
     std::cout << error.getSourceFile() << ":" << error.getLineNumber() << ":" << error.getColumnNumber() << ": "
               << error.why() << "\n";
     if (const QeXmlNote* note = error.getNote())
-        std::cout << note->place.sourceFile << ":" << note->place.line << ":" << note->place.column << ": "
+        std::cout << note->place.sourceFile << ":" << note->place.position.line << ":" << note->place.position.column << ": "
                   << note->text << "\n";
 }
 

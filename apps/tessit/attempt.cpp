@@ -10,13 +10,13 @@
 #include "input.h"
 
 std::string placeText(const QeXmlPlace& place) {
-    return std::string(place.sourceFile) + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
+    return std::string(place.sourceFile) + ':' + std::to_string(place.position.line) + ':' + std::to_string(place.position.column);
 }
 
 namespace {
 
 void complainOfRefusal(Console& console, std::string_view name, const QeXmlParseError& error, ExitStatus refusal) {
-    QeXmlPlace place{error.getSourceFile(), error.getLineNumber(), error.getColumnNumber()};
+    QeXmlPlace place{error.getSourceFile(), error.getPosition()};
     if (place.sourceFile.empty()) place.sourceFile = QeCString(name);
     console.complain(placeText(place), error.what(), refusal);
     if (const QeXmlNote* note = error.getNote()) console.note(placeText(note->place), note->text);

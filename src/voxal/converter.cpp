@@ -71,6 +71,10 @@ const QeCString* QeUToUnicodeConverter::findMalformed() const noexcept {
     return decoder->hasEnded() ? &decoder->malformedBytes() : nullptr;
 }
 
+bool QeUToUnicodeConverter::hasByteEach() const noexcept {
+    return decoder->hasByteEach();
+}
+
 std::string_view QeUToUnicodeConverter::canonicalName(const QeCString& name) {
     return isEncodingName(name) ? voxal::canonicalName(name) : std::string_view();
 }

@@ -61,6 +61,9 @@ public:
     /// The bytes that ended the text, as far as they are known, where malformed ones do; null where none have.
     const QeCString* findMalformed() const noexcept;
 
+    /// Whether each byte is a character, as far as that is known.
+    bool hasByteEach() const noexcept;
+
     /// The one name of an encoding that is known by this one; empty when none is. Lives for ever.
     static std::string_view canonicalName(const QeCString& name);
 

@@ -22,6 +22,9 @@ public:
     /// Where malformed bytes end the conversion: true, and it has ended for good.
     virtual bool decode(const char*& at, const char* end, bool isLast, char*& out, const char* outEnd) = 0;
 
+    /// Whether each byte is a character, as far as that is known.
+    virtual bool hasByteEach() const noexcept { return false; }
+
     /// Whether malformed bytes have ended the conversion, and which ones, as far as they are known.
     bool hasEnded() const noexcept { return ended; }
     const QeCString& malformedBytes() const noexcept { return lastBytes; }

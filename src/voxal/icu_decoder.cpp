@@ -69,6 +69,8 @@ public:
         return true;
     }
 
+    bool hasByteEach() const noexcept override { return ucnv_getMaxCharSize(source.get()) == 1; }
+
 private:
     // Either converter may have met what means nothing. What the pivot still has is text in front
     // of it in the one case, and behind it in the other.

@@ -200,8 +200,8 @@ TEST(Declarations, TellsWhereAFileWasReferredTo) {
     } catch (const QeXmlParseError& error) {
         EXPECT_EQ(error.getColumnNumber(), 25u);
         ASSERT_NE(error.getNote(), nullptr);
-        EXPECT_EQ(error.getNote()->place.line, 2u);
-        EXPECT_EQ(error.getNote()->place.column, 33u);
+        EXPECT_EQ(error.getNote()->place.position.line, 2u);
+        EXPECT_EQ(error.getNote()->place.position.column, 33u);
     }
 }
 

@@ -396,7 +396,7 @@ std::string placeOf(const QeXmlParseError& error) {
     std::ostringstream text;
     text << error.getSourceFile() << ':' << error.getLineNumber() << ':' << error.getColumnNumber();
     if (const QeXmlNote* note = error.getNote())
-        text << " note " << note->place.sourceFile << ':' << note->place.line << ':' << note->place.column;
+        text << " note " << note->place.sourceFile << ':' << note->place.position.line << ':' << note->place.position.column;
     return text.str();
 }
 

@@ -3,8 +3,14 @@
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include <corvel/exmsg.h>
+#include <tessit/errors/xml_position.h>
+
+namespace tessit {
+struct ErrorAccess;
+}
 
 /// The root of the library's own exceptions.
 ///
@@ -93,13 +99,6 @@ public:
     ~QeXmlSchemaError() override;
 };
 
-/// A place in a text: lines and columns count from 1, columns in bytes of the text as UTF-8.
-struct QeXmlPlace {
-    QeCString sourceFile;  ///< what the text is called; empty when that is not known
-    std::uint64_t line = 1;
-    std::uint64_t column = 1;
-};
-
 /// A second place that belongs to an error, and what it has to do with it.
 struct QeXmlNote {
     QeCString text;
@@ -138,17 +137,41 @@ public:
     unsigned getColumnNumber() const noexcept { return columnNumber; }
     void setColumnNumber(unsigned column) noexcept { columnNumber = column; }
 
-    /// The second place, or null. Lives as long as an error that has it. O(1).
+    /// @name What a reader knows besides
+    ///
+    /// Each is O(1), and what is returned lives as long as an error that has it: copies share it.
+    /// @{
+
+    /// The position, of 64 bits each, as the reader counts: it can differ from the described numbers, which begin anew
+    /// where a lenient reader converts the rest of a document. Of an error that a program made from a line and a
+    /// column, the offsets are unknown.
+    QeXmlPosition getPosition() const noexcept;
+
+    /// The elements that were open, outermost first: `/feed/entry[3]/title` is in the third `entry` of its parent. First
+    /// ones have no number, nor have those of more than sixteen names in one parent. The middle of a path of more
+    /// than 1,000 bytes is left out. Empty where no element was open, or nobody knows.
+    const QeCString& getPath() const noexcept;
+
+    /// A second place, or null.
     const QeXmlNote* getNote() const noexcept;
+
+    /// What often is the reason, for a person to read; or empty.
+    const QeCString& getHint() const noexcept;
+
+    /// The name of the rule that a conforming reader found broken, such as `duplicate-attribute`; or empty.
+    std::string_view getRule() const noexcept;
+
+    /// @}
 
 private:
     struct Details;
+    friend struct tessit::ErrorAccess;
 
     QeCString sourceFile;
     unsigned lineNumber;
     unsigned columnNumber;
 
-    // Room for what a reader of a later version knows besides, so that programs built today catch its errors, too.
+    // What it holds is the library's own: programs built today catch the errors of later readers, too.
     std::shared_ptr<const Details> details;
 };
 

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <limits>
+#include <utility>
 
-#include <tessit/errors/xml_error.h>
+#include <corvel/immortal.h>
+#include <tessit/errors/error_access.h>
 
 // Destructors stand here, out of line: they are the classes' key functions, so
 // that there is one type description of each class in the process and a catch
@@ -17,11 +19,9 @@ QeXmlRangeError::~QeXmlRangeError() = default;
 QeXmlSchemaError::~QeXmlSchemaError() = default;
 QeXmlParseError::~QeXmlParseError() = default;
 
-struct QeXmlParseError::Details {
-    QeXmlNote note;
-};
-
 namespace {
+
+constinit const corvel::Immortal<QeCString> None;
 
 unsigned clamped(std::uint64_t count) {
     return static_cast<unsigned>(std::min<std::uint64_t>(count, std::numeric_limits<unsigned>::max()));
@@ -30,16 +30,55 @@ unsigned clamped(std::uint64_t count) {
 }  // namespace
 
 QeXmlParseError::QeXmlParseError(const QeCString& msg, const QeXmlPlace& where)
-    : QeXmlParseError(msg, where.sourceFile, clamped(where.line), clamped(where.column)) {}
+    : QeXmlParseError(msg, where.sourceFile, clamped(where.position.line), clamped(where.position.column)) {
+    details = std::make_shared<const Details>(Details{.position = where.position});
+}
 
 QeXmlParseError::QeXmlParseError(const QeCString& msg, const QeXmlPlace& where, const QeXmlNote& note)
     : QeXmlParseError(msg, where) {
-    details = std::make_shared<const Details>(Details{note});
+    details = std::make_shared<const Details>(Details{.position = where.position, .note = note});
+}
+
+QeXmlPosition QeXmlParseError::getPosition() const noexcept {
+    if (details != nullptr) return details->position;
+    return {lineNumber, columnNumber, QeXmlPosition::Unknown, QeXmlPosition::Unknown, QeXmlPosition::Unknown};
 }
 
 const QeXmlNote* QeXmlParseError::getNote() const noexcept {
-    return details == nullptr ? nullptr : &details->note;
+    return details == nullptr || !details->note ? nullptr : &*details->note;
 }
+
+const QeCString& QeXmlParseError::getPath() const noexcept {
+    return details == nullptr ? None.value : details->path;
+}
+
+const QeCString& QeXmlParseError::getHint() const noexcept {
+    return details == nullptr ? None.value : details->hint;
+}
+
+std::string_view QeXmlParseError::getRule() const noexcept {
+    return details == nullptr ? std::string_view() : details->rule;
+}
+
+namespace tessit {
+
+QeXmlParseError ErrorAccess::make(const QeCString& message, const QeXmlPlace& described, Details&& details) {
+    QeXmlParseError error(message, described.sourceFile, clamped(described.position.line),
+                          clamped(described.position.column));
+    setDetails(error, std::move(details));
+    return error;
+}
+
+ErrorAccess::Details ErrorAccess::detailsOf(const QeXmlParseError& error) {
+    if (error.details != nullptr) return *error.details;
+    return {.position = error.getPosition()};
+}
+
+void ErrorAccess::setDetails(QeXmlParseError& error, Details&& details) {
+    error.details = std::make_shared<const Details>(std::move(details));
+}
+
+}  // namespace tessit
 
 void QeThrow(const QeXmlError& error) {
     throw QeXmlError(error);

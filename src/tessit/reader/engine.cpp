@@ -22,7 +22,7 @@ QeXmlReader::Engine::~Engine() = default;
 // Whatever points into the old bytes lets go of them before they go.
 void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     reader.encodingDeclared = true;
-    std::optional<QeCString> converted = input.declareEncoding(name);
+    std::optional<tessit::Input::Converted> converted = input.declareEncoding(name);
     if (!converted) return;
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();

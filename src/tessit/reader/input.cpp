@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <bit>
-#include <climits>
 #include <span>
 #include <utility>
 #include <voxal/converter.h>
 #include <voxal/transcode.h>
 
-#include <corvel/byte_scan.h>
-#include <tessit/errors/xml_error.h>
+#include <tessit/errors/error_access.h>
 #include <tessit/reader/input.h>
 #include <tessit/rules/rules.h>
 
@@ -58,6 +56,7 @@ bool beginsAsUtf8(std::string_view first) {
 }  // namespace
 
 void Input::take(std::string_view document) noexcept {
+    places.reset();
     cursor = bufferStart = document.data();
     bufferEnd = bufferStart + document.size();
     conversionAllowance = ConversionFactor * (document.size() + ConversionGrace);
@@ -79,19 +78,26 @@ void Input::detectEncoding() {
     if (beginsAsUtf8(first)) {
         encoding = "UTF-8";
     } else if (const ByteOrderMark* mark = findMark(Marks, first)) {
-        cursor += mark->bytes.size();
+        passMark(mark->bytes.size());
         name = mark->encoding;
     } else if (const ByteOrderMark* row = findMark(FirstBytes, first)) {
         name = row->encoding;
     }
     if (name == nullptr) return;
-    if (std::optional<QeCString> converted = convertRest(name)) replaceRest(std::move(*converted));
+    if (std::optional<Converted> converted = convertRest(name)) replaceRest(std::move(*converted));
+}
+
+// A mark is three bytes of a text in UTF-8, whatever it is in the input.
+void Input::passMark(std::size_t length) {
+    cursor += length;
+    places = std::make_unique<TextPlaces>();
+    places->begin(rest(), LineEnds::LineFeed, InputUnits::Same, {.offset = 3, .inputOffset = length});
 }
 
 // A declaration that only spells the detected encoding differently converts nothing:
 // the text is UTF-8 by now, and a second conversion would garble it. Declarations that
 // come later, in the midst of the document, mean what they say.
-std::optional<QeCString> Input::declareEncoding(const QeCString& name) {
+std::optional<Input::Converted> Input::declareEncoding(const QeCString& name) {
     const bool mayBeAnotherSpelling = std::exchange(isDetected, false);
     if (name == encoding) return std::nullopt;
     if (!mayBeAnotherSpelling || !QeUToUnicodeConverter::sameEncoding(name, encoding)) return convertRest(name);
@@ -99,23 +105,41 @@ std::optional<QeCString> Input::declareEncoding(const QeCString& name) {
     return std::nullopt;
 }
 
-std::optional<QeCString> Input::convertRest(const QeCString& name) {
+// Of bytes that were converted before, nobody knows where in the input they were.
+std::optional<Input::Converted> Input::convertRest(const QeCString& name) {
     encoding = name;
+    InputUnits units = inputUnitsOf(QeUToUnicodeConverter::canonicalName(name), false);
+    std::optional<QeCString> text = convertText(name, units);
+    if (!text) return std::nullopt;
+    conversionAllowance -= text->length();
+    if (placesInText().inputUnits() != InputUnits::Same) units = InputUnits::Unknown;
+    return Converted{std::move(*text), units, positionOf(cursor), std::make_unique<TextPlaces>()};
+}
+
+// Nothing, where the bytes are UTF-8 already.
+std::optional<QeCString> Input::convertText(const QeCString& name, InputUnits& units) {
     QeCString upperName = name;
     upperName.toUpper();
     if (upperName == "UTF-8" || upperName == "US-ASCII") return std::nullopt;
-    if (upperName == "ISO-8859-1") return withinAllowance(voxal::latin1ToUtf8(rest(), conversionAllowance));
-    if (upperName == "UTF-16" || upperName == "UTF-16BE")
-        return withinAllowance(voxal::utf16ToUtf8<std::endian::big>(rest(), conversionAllowance));
-    if (upperName == "UTF-16LE")
-        return withinAllowance(voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance));
-    return withinAllowance(convertByTables(name));
+    std::optional<QeCString> text;
+    if (upperName == "ISO-8859-1")
+        text = voxal::latin1ToUtf8(rest(), conversionAllowance);
+    else if (upperName == "UTF-16" || upperName == "UTF-16BE")
+        text = voxal::utf16ToUtf8<std::endian::big>(rest(), conversionAllowance);
+    else if (upperName == "UTF-16LE")
+        text = voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance);
+    else
+        text = convertByTables(name, units);
+    if (!text) raiseTranscoding(TooManyConversions);
+    return text;
 }
 
-QeCString Input::convertByTables(const QeCString& name) {
+QeCString Input::convertByTables(const QeCString& name, InputUnits& units) {
     const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(conversionAllowance, SIZE_MAX));
     try {
-        return QeUToUnicodeConverter(name).toUtf8(rest(), most);
+        QeUToUnicodeConverter converter(name);
+        if (converter.hasByteEach()) units = InputUnits::One;
+        return converter.toUtf8(rest(), most);
     } catch (const QeUConversionTooLong&) {
         raiseTranscoding(TooManyConversions);
     } catch (const Qexmsg& error) {
@@ -123,15 +147,10 @@ QeCString Input::convertByTables(const QeCString& name) {
     }
 }
 
-QeCString Input::withinAllowance(std::optional<QeCString>&& converted) {
-    if (!converted) raiseTranscoding(TooManyConversions);
-    conversionAllowance -= converted->length();
-    return std::move(*converted);
-}
-
-void Input::replaceRest(QeCString&& converted) noexcept {
-    counted = {};
-    ownedDocument = std::move(converted);
+void Input::replaceRest(Converted&& converted) noexcept {
+    ownedDocument = std::move(converted.text);
+    places = std::move(converted.places);
+    places->begin(ownedDocument, LineEnds::LineFeed, converted.units, converted.beginning);
     cursor = bufferStart = ownedDocument.begin();
     bufferEnd = ownedDocument.end();
 }
@@ -144,29 +163,33 @@ void Input::raiseTranscoding(const char* reason) const {
     raise(message);
 }
 
+TextPlaces& Input::placesInText() const {
+    if (places == nullptr) {
+        places = std::make_unique<TextPlaces>();
+        places->begin({bufferStart, static_cast<std::size_t>(bufferEnd - bufferStart)}, LineEnds::LineFeed);
+    }
+    return *places;
+}
+
+QeXmlPosition Input::positionOf(const char* place) const {
+    return strict != nullptr ? placeIn(*strict, place).position : placesInText().at(place);
+}
+
+// The described line and column count from the last conversion, and take a mark in.
 void Input::raise(const QeCString& message) const {
     if (strict != nullptr) raiseIn(*strict, cursor, message);
-    const LineCount& here = countLines();
-    const auto fromOne = [](std::size_t count) {
-        return static_cast<unsigned>(std::min<std::size_t>(count, UINT_MAX - 1) + 1);
-    };
-    const auto column = static_cast<std::size_t>(cursor - here.lineStart);
-    throw QeXmlParseError(message, sourceName, fromOne(here.lines), fromOne(column));
+    const QeXmlPosition position = positionOf(cursor);
+    const QeXmlPosition& beginning = placesInText().beginning();
+    QeXmlPlace described{sourceName, position};
+    described.position.line = position.line - beginning.line + 1;
+    if (position.line == beginning.line)
+        described.position.column = static_cast<std::uint64_t>(cursor - bufferStart) + 1;
+    throw ErrorAccess::make(message, described, {.position = position});
 }
 
 void Input::raiseAt(const char* place, const char* message, std::string_view found) {
     cursor = place;
     raise(QeCString(message) + found);
-}
-
-// Goes on from where the last error was counted: a caller may raise any number of them.
-const Input::LineCount& Input::countLines() const {
-    const bool goesOn = counted.upTo != nullptr && counted.upTo <= cursor;
-    if (!goesOn) counted = {bufferStart, bufferStart, 0};
-    for (const char* at = counted.upTo; (at = corvel::findByte(at, cursor, '\n')) != cursor; counted.lineStart = ++at)
-        ++counted.lines;
-    counted.upTo = cursor;
-    return counted;
 }
 
 }  // namespace tessit

@@ -2,11 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 
 #include <corvel/c_string.h>
 #include <tessit/rules/source.h>
+#include <tessit/rules/text_places.h>
 
 namespace tessit {
 
@@ -22,6 +24,14 @@ public:
         const char*& bufferEnd;
         QeCString& ownedDocument;
         QeCString& encoding;
+    };
+
+    /// What the bytes from the cursor on are as UTF-8.
+    struct Converted {
+        QeCString text;
+        InputUnits units;
+        QeXmlPosition beginning;
+        std::unique_ptr<TextPlaces> places;  // room for them
     };
 
     explicit Input(const Members& members) noexcept
@@ -49,10 +59,10 @@ public:
 
     /// Makes the encoding a declared one. Returns all from the cursor on in UTF-8 where
     /// that makes a difference: it is for `replaceRest`, once nobody needs the old bytes.
-    std::optional<QeCString> declareEncoding(const QeCString& name);
+    std::optional<Converted> declareEncoding(const QeCString& name);
 
-    /// Goes on with these bytes. What was before the cursor is gone, so positions count from here.
-    void replaceRest(QeCString&& converted) noexcept;
+    /// Goes on with these bytes. What was before the cursor is gone, so the described lines and columns count from here.
+    void replaceRest(Converted&& converted) noexcept;
 
     const char* position() const noexcept { return cursor; }
 
@@ -60,26 +70,23 @@ public:
     const char*& place() noexcept { return cursor; }
     const char* const& limit() const noexcept { return bufferEnd; }
 
-    /// Throws `QeXmlParseError` with this message and the cursor's line and column.
-    /// O(bytes read since the last error).
+    /// The position of a place in what is read. O(bytes since the last one that was asked for).
+    QeXmlPosition positionOf(const char* place) const;
+
+    /// Throws `QeXmlParseError` with this message and the cursor's position. O(bytes read since the last error).
     [[noreturn]] void raise(const QeCString& message) const;
 
     /// The same with the cursor at that place, and with what was found there behind the message.
     [[noreturn]] void raiseAt(const char* place, const char* message, std::string_view found = {});
 
 private:
-    // The line feeds in front of a place in the buffer.
-    struct LineCount {
-        const char* upTo = nullptr;
-        const char* lineStart = nullptr;
-        std::size_t lines = 0;
-    };
-
     std::string_view rest() const noexcept { return {cursor, static_cast<std::size_t>(bufferEnd - cursor)}; }
-    std::optional<QeCString> convertRest(const QeCString& name);
-    QeCString convertByTables(const QeCString& name);
-    QeCString withinAllowance(std::optional<QeCString>&& converted);
-    const LineCount& countLines() const;
+    void passMark(std::size_t length);
+    std::optional<Converted> convertRest(const QeCString& name);
+    std::optional<QeCString> convertText(const QeCString& name, InputUnits& units);
+    QeCString convertByTables(const QeCString& name, InputUnits& units);
+    void beginPlaces(InputUnits units, const QeXmlPosition& beginning);
+    TextPlaces& placesInText() const;
     [[noreturn]] void raiseTranscoding(const char* reason) const;
 
     const char*& cursor;       // the next byte to be read
@@ -93,7 +100,9 @@ private:
 
     bool isDetected = false;                // no declaration was taken in yet
     std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
-    mutable LineCount counted;              // up to the last error
+
+    // Of the text from a mark, or the last conversion, on; made when it is needed.
+    mutable std::unique_ptr<TextPlaces> places;
 };
 
 }  // namespace tessit

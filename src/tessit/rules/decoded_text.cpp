@@ -228,6 +228,7 @@ private:
     void decodeEbcdic() {
         text.converted = declarationFromEbcdic(bytes);
         text.source.text = text.converted;
+        text.source.inputUnits = InputUnits::One;
         const std::string_view declared = findDeclared(text.source.text);
         if (declared.empty()) return endInFront(Rule::UnknownEncoding, "EBCDIC");
         convertDeclared(declared);
@@ -252,6 +253,8 @@ private:
     void convert(std::string_view from, std::string_view canonical, const QeCString& name) {
         text.encoding = name;
         text.source.endsBy = Rule::None;
+        text.source.markLength = static_cast<unsigned>(from.data() - bytes.data());
+        text.source.inputUnits = inputUnitsOf(canonical, false);
         if (canonical == "UTF-8")
             text.source.text = from;
         else if (canonical == "US-ASCII")
@@ -289,6 +292,7 @@ private:
     void convertByTables(std::string_view from, const QeCString& name) {
         std::optional<QeUToUnicodeConverter> converter = openConverter(name);
         if (!converter) return endInFront(Rule::UnknownEncoding, name);
+        if (converter->hasByteEach()) text.source.inputUnits = InputUnits::One;
         takeConverted(converter->toUtf8(from));
         if (const QeCString* const malformed = converter->findMalformed()) endByMalformed(*malformed);
     }

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
-#include <corvel/byte_scan.h>
-#include <tessit/errors/xml_error.h>
+#include <tessit/errors/error_access.h>
 #include <tessit/rules/rules.h>
 
 namespace tessit {
@@ -92,18 +92,18 @@ QeCString messageFor(Rule rule, std::string_view found) {
     return message;
 }
 
-// Goes on from the last place that was counted, unless that is behind this one, or in another text.
-const Source::Counted& countTo(const Source& source, const char* place) {
-    Source::Counted& counted = source.counted;
+// A mark is three bytes of a text in UTF-8, whatever it was in the input.
+TextPlaces& placesOf(const Source& source) {
+    if (source.places != nullptr) return *source.places;
+    constexpr std::uint64_t MarkInText = 3;
     const char* const first = source.linesFrom != nullptr ? source.linesFrom : source.begin();
-    if (counted.upTo == nullptr || counted.upTo < first || counted.upTo > place) counted = {first, first, 1};
-    for (const char* at = counted.upTo; (at = corvel::findAny(at, place, '\n', '\r')) != place;) {
-        at += *at == '\r' && at + 1 != source.end() && at[1] == '\n' ? 2 : 1;
-        if (at > place) return counted;  // between the two bytes of a line end
-        counted = {at, at, counted.line + 1};
-    }
-    counted.upTo = place;
-    return counted;
+    QeXmlPosition beginning;
+    if (source.markLength != 0) beginning.offset = MarkInText;
+    beginning.inputOffset = source.markLength;
+    source.places = std::make_unique<TextPlaces>();
+    source.places->begin({first, static_cast<std::size_t>(source.end() - first)}, LineEnds::All, source.inputUnits,
+                         beginning);
+    return *source.places;
 }
 
 // The text whose reference a reader would want to see besides: that of the entity from outside in which the place is.
@@ -128,20 +128,31 @@ QeXmlPlace placeIn(const Source& source, const char* place) {
     const Source* told = &source;
     for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
         place = told->reference;
-    const Source::Counted& here = countTo(*told, place);
-    return {told->name, here.line, static_cast<std::uint64_t>(place - here.lineStart) + 1};
+    return {told->name, placesOf(*told).at(place)};
 }
+
+namespace {
+
+[[noreturn]] void raise(const Source& source, const char* place, const QeCString& message, Rule rule,
+                        std::optional<QeXmlNote>&& note) {
+    const QeXmlPlace where = placeIn(source, place);
+    if (const Source* const outside = outsideOf(source); outside != nullptr && !note)
+        note = {"the entity was referred to here", placeIn(*outside->parent, outside->reference)};
+    throw ErrorAccess::make(message, where,
+                            {.position = where.position,
+                             .note = std::move(note),
+                             .rule = rule == Rule::None ? std::string_view() : nameOf(rule)});
+}
+
+}  // namespace
 
 void raiseIn(const Source& source, const char* place, const QeCString& message) {
-    const QeXmlPlace where = placeIn(source, place);
-    const Source* const outside = outsideOf(source);
-    if (outside == nullptr) throw QeXmlParseError(message, where);
-    throw QeXmlParseError(message, where,
-                          {"the entity was referred to here", placeIn(*outside->parent, outside->reference)});
+    raise(source, place, message, Rule::None, std::nullopt);
 }
 
-void refuse(const Source& source, const char* place, Rule rule, std::string_view found) {
-    raiseIn(source, place, messageFor(rule, found));
+void refuse(const Source& source, const char* place, Rule rule, std::string_view found,
+            std::optional<QeXmlNote>&& note) {
+    raise(source, place, messageFor(rule, found), rule, std::move(note));
 }
 
 void refuseEnd(const Source& source) {

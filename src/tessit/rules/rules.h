@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include <tessit/errors/xml_error.h>
@@ -80,8 +81,10 @@ QeXmlPlace placeIn(const Source& source, const char* place);
 [[noreturn]] void raiseIn(const Source& source, const char* place, const QeCString& message);
 
 /// The same: what the rule says, with what was found there, and the place. Where the source is what an
-/// entity brought, the place of the reference goes along; for one that has no places of its own, it is the place.
-[[noreturn]] void refuse(const Source& source, const char* place, Rule rule, std::string_view found = {});
+/// entity brought, the place of the reference goes along as the second place, unless another is given; for one that
+/// has no places of its own, it is the place.
+[[noreturn]] void refuse(const Source& source, const char* place, Rule rule, std::string_view found = {},
+                         std::optional<QeXmlNote>&& note = {});
 
 /// The same for a construct that was not whole where the source ended: what cannot be read there, or that it ended.
 [[noreturn]] void refuseEnd(const Source& source);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include <corvel/c_string.h>
+#include <tessit/rules/text_places.h>
 
 namespace tessit {
 
@@ -27,13 +27,11 @@ struct Source {
     /// written as a character reference: it is not to be normalised.
     bool hasPlaces = true;
 
-    /// The lines in front of a place, as they were counted for the last error: a program may raise any number of them.
-    struct Counted {
-        const char* upTo = nullptr;
-        const char* lineStart = nullptr;
-        std::uint64_t line = 1;
-    };
-    mutable Counted counted{};
+    InputUnits inputUnits = InputUnits::Same;
+    unsigned markLength = 0;  ///< of the byte-order mark in front, in bytes of the input
+
+    /// What was counted; made when a place is asked for, as most entities have none that is.
+    mutable std::unique_ptr<TextPlaces> places;
 
     const char* begin() const noexcept { return text.data(); }
     const char* end() const noexcept { return text.data() + text.size(); }

@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include <tessit/rules/text_places.h>
+
+namespace tessit {
+
+namespace {
+
+constexpr std::size_t Distance = 4096;
+
+using Word = std::uint64_t;
+
+constexpr Word inEachByte(unsigned char byte) {
+    return ~Word{0} / 0xFF * byte;
+}
+
+// The highest bit of each byte that is this one.
+Word findByte(Word word, char byte) {
+    const Word difference = word ^ inEachByte(static_cast<unsigned char>(byte));
+    return ~(((difference & inEachByte(0x7F)) + inEachByte(0x7F)) | difference) & inEachByte(0x80);
+}
+
+// Of the bytes that are marked, the last one by its place in memory.
+std::size_t lastOf(Word marks) {
+    const int unmarked = std::endian::native == std::endian::little ? std::countl_zero(marks) : std::countr_zero(marks);
+    return sizeof(Word) - 1 - static_cast<std::size_t>(unmarked) / 8;
+}
+
+}  // namespace
+
+InputUnits inputUnitsOf(std::string_view canonical, bool hasByteEach) noexcept {
+    if (canonical == "UTF-8" || canonical == "US-ASCII") return InputUnits::Same;
+    if (hasByteEach || canonical == "ISO-8859-1") return InputUnits::One;
+    if (canonical.starts_with("UTF-16")) return InputUnits::TwoEach;
+    return canonical.starts_with("UTF-32") ? InputUnits::Four : InputUnits::Unknown;
+}
+
+void TextPlaces::begin(std::string_view newText, LineEnds ends, InputUnits inputUnits,
+                       const QeXmlPosition& position) noexcept {
+    text = newText;
+    lineEnds = ends;
+    units = inputUnits;
+    base = position;
+    last = {text.data(), text.data(), 0, 0, 0, 0};
+    kept.clear();
+}
+
+QeXmlPosition TextPlaces::at(const char* place) {
+    goBackFor(place);
+    countTo(place);
+    QeXmlPosition position = base;
+    const bool isFirstLine = last.lines == 0;
+    const auto inLine = static_cast<std::uint64_t>(place - last.lineStart);
+    const std::uint64_t continuations = last.continuations - last.continuationsInFrontOfLine;
+    position.line += last.lines;
+    position.column = inLine + (isFirstLine ? base.column : 1);
+    position.characterColumn = inLine - continuations + (isFirstLine ? base.characterColumn : 1);
+    position.offset += static_cast<std::uint64_t>(place - text.data());
+    const bool isKnown = units != InputUnits::Unknown && base.inputOffset != QeXmlPosition::Unknown;
+    position.inputOffset = isKnown ? base.inputOffset + inputBytes() : QeXmlPosition::Unknown;
+    return position;
+}
+
+// To the last place in front of this one that was kept, unless the last count is nearer.
+void TextPlaces::goBackFor(const char* place) {
+    const auto distances = static_cast<std::size_t>(place - text.data()) / Distance;
+    const std::size_t number = std::min(distances, kept.size());
+    const char* const from = text.data() + number * Distance;
+    if (last.upTo <= place && last.upTo >= from) return;
+    last = number == 0 ? Count{text.data(), text.data(), 0, 0, 0, 0} : kept[number - 1];
+}
+
+void TextPlaces::countTo(const char* place) {
+    while (last.upTo != place) {
+        const char* const next = text.data() + (kept.size() + 1) * Distance;
+        const char* const stop = last.upTo < next && next <= place ? next : place;
+        Word word;
+        while (static_cast<std::size_t>(stop - last.upTo) >= sizeof word) {
+            std::memcpy(&word, last.upTo, sizeof word);
+            const Word lineFeeds = findByte(word, '\n');
+            const bool isPlain = (word & inEachByte(0x80)) == 0 &&
+                                 (lineEnds == LineEnds::LineFeed || findByte(word, '\r') == 0);
+            if (!isPlain) {
+                for (const char* const wordEnd = last.upTo + sizeof word; last.upTo != wordEnd;)
+                    countByte(last.upTo);
+                continue;
+            }
+            if (lineFeeds != 0) {
+                last.lines += static_cast<unsigned>(std::popcount(lineFeeds));
+                last.lineStart = last.upTo + lastOf(lineFeeds) + 1;
+                last.continuationsInFrontOfLine = last.continuations;
+            }
+            last.upTo += sizeof word;
+        }
+        while (last.upTo != stop)
+            countByte(last.upTo);
+        if (stop == next) kept.push_back(last);
+    }
+}
+
+// A carriage return in front of a line feed is part of that line end.
+bool TextPlaces::endsLine(const char* at) const noexcept {
+    if (*at == '\n') return true;
+    if (*at != '\r' || lineEnds == LineEnds::LineFeed) return false;
+    return at + 1 == text.data() + text.size() || at[1] != '\n';
+}
+
+void TextPlaces::countByte(const char* at) noexcept {
+    const auto byte = static_cast<unsigned char>(*at);
+    last.upTo = at + 1;
+    if (byte >= 0x80) {
+        last.continuations += byte < 0xC0;
+        last.pastPlane += byte >= 0xF0;
+    } else if (endsLine(at)) {
+        ++last.lines;
+        last.lineStart = at + 1;
+        last.continuationsInFrontOfLine = last.continuations;
+    }
+}
+
+// What the input had for what was counted.
+std::uint64_t TextPlaces::inputBytes() const noexcept {
+    const auto bytes = static_cast<std::uint64_t>(last.upTo - text.data());
+    const std::uint64_t characters = bytes - last.continuations;
+    switch (units) {
+        case InputUnits::Same:
+            return bytes;
+        case InputUnits::One:
+            return characters;
+        case InputUnits::TwoEach:
+            return 2 * (characters + last.pastPlane);
+        case InputUnits::Four:
+            return 4 * characters;
+        case InputUnits::Unknown:
+            break;
+    }
+    return QeXmlPosition::Unknown;
+}
+
+}  // namespace tessit

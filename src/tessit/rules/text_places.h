@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include <tessit/errors/xml_position.h>
+
+namespace tessit {
+
+/// What ends a line.
+enum class LineEnds : bool { LineFeed, All };
+
+/// How many bytes of the input a character of the text was.
+enum class InputUnits : std::uint8_t {
+    Same,     // as many as of the text
+    One,      // in an encoding of a byte for each character
+    TwoEach,  // UTF-16: two, or four for those past U+FFFF
+    Four,     // UTF-32
+    Unknown
+};
+
+/// Those of an encoding by its one name; `hasByteEach` says that each byte is a character.
+InputUnits inputUnitsOf(std::string_view canonicalEncoding, bool hasByteEach) noexcept;
+
+/// Finds the position of a place in a text. Goes on from the last place that was asked for, and
+/// keeps what it counted every few thousand bytes: so that no order of questions costs more than
+/// O(bytes) in all, and a few thousand bytes each.
+class TextPlaces {
+public:
+    /// Begins a text; its own beginning has that position in the document.
+    void begin(std::string_view text, LineEnds ends, InputUnits inputUnits = InputUnits::Same,
+               const QeXmlPosition& position = {}) noexcept;
+
+    /// The position of a place in the text, or behind it.
+    QeXmlPosition at(const char* place);
+
+    /// What the text began with.
+    const QeXmlPosition& beginning() const noexcept { return base; }
+    InputUnits inputUnits() const noexcept { return units; }
+
+private:
+    // What there is in front of a place.
+    struct Count {
+        const char* upTo;
+        const char* lineStart;
+        std::uint64_t lines;
+        std::uint64_t continuations;  // bytes that begin no character
+        std::uint64_t continuationsInFrontOfLine;
+        std::uint64_t pastPlane;  // characters of four bytes
+    };
+
+    void goBackFor(const char* place);
+    void countTo(const char* place);
+    void countByte(const char* at) noexcept;
+    bool endsLine(const char* at) const noexcept;
+    std::uint64_t inputBytes() const noexcept;
+
+    std::string_view text;
+    LineEnds lineEnds = LineEnds::LineFeed;
+    InputUnits units = InputUnits::Same;
+    QeXmlPosition base;
+    Count last{};
+    std::vector<Count> kept;  // at each multiple of a distance that was passed, the beginning left out
+};
+
+}  // namespace tessit
