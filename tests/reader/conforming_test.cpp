@@ -125,7 +125,7 @@ constexpr Case Refused[] = {
     {"<?xml version='2.0'?><a/>", "!1:16 an XML declaration is written wrong: 2.0"},
     {"<?xml version='1.0' standalone='maybe'?><a/>", "!1:33 an XML declaration is written wrong: maybe"},
     {"<?xml version='1.0' standalone='yes' encoding='utf-8'?><a/>", "!1:38 an XML declaration is written wrong"},
-    {"<?xml version='1.0'encoding='utf-8'?><a/>", "!1:20 white space was expected"},
+    {"<?xml version='1.0'encoding='utf-8'?><a/>", "!1:20 white space was expected, found 'e'"},
     {"<?xml version='1.0' encoding=' utf-8'?><a/>", "!1:31 an XML declaration is written wrong:  utf-8"},
     {"<?xml version='1.0' ><a/>", "!1:21 an XML declaration is written wrong"},
     {"<a><!-- -- --></a>", "+a !1:9 '--' in a comment"},
@@ -136,26 +136,28 @@ constexpr Case Refused[] = {
     {"<a><?p+?></a>", "+a !1:7 a processing instruction's target is wrong: p"},
     {"<a><? p?></a>", "+a !1:6 a processing instruction's target is wrong"},
     {"<a><?p x</a>", "+a !1:13 the document ends before it is complete"},
-    {"<1/>", "!1:2 a name was expected"},
-    {"<-a/>", "!1:2 a name was expected"},
+    {"<1/>", "!1:2 a name was expected, found '1'"},
+    {"<-a/>", "!1:2 a name was expected, found '-'"},
     {"<a-:b/>", "!1:2 a prefix that is not bound to a namespace: a-"},
     {"<a:/>", "!1:3 a colon where namespaces allow none: a:"},
     {"<:a/>", "!1:2 a colon where namespaces allow none: :a"},
     {"<a:b:c xmlns:a='u'/>", "!1:5 a colon where namespaces allow none: a:b:c"},
     {"<a:1 xmlns:a='u'/>", "!1:3 a colon where namespaces allow none: a:1"},
-    {"<a x='1'y='2'/>", "!1:9 white space was expected"},
+    {"<a x='1'y='2'/>", "!1:9 white space was expected, found 'y'"},
     {"<a x/>", "!1:5 an attribute, '>' or '/>' was expected: x"},
-    {"<a x=1/>", "!1:6 an attribute, '>' or '/>' was expected"},
+    {"<a x=1/>", "!1:6 an attribute, '>' or '/>' was expected, found '1'"},
     {"<a x='1/>", "!1:10 the document ends before it is complete"},
     {"<a x='<'/>", "!1:7 '<' in an attribute's value"},
     {"<a x='1' x='2'/>", "!1:10 an attribute stands twice in a tag: x"},
     {"<a xmlns:p='u' xmlns:q='u' p:x='1' q:x='2'/>", "!1:36 an attribute stands twice in a tag: q:x"},
     {"<a xmlns='u' xmlns='v'/>", "!1:14 an attribute stands twice in a tag: xmlns"},
-    {"<a / >", "!1:5 an attribute, '>' or '/>' was expected"},
-    {"<a></b>", "+a !1:6 an end tag that does not close the innermost element: b"},
+    {"<a / >", "!1:5 an attribute, '>' or '/>' was expected, found white space"},
+    {"<a></b>",
+     "+a !1:6 an end tag that does not close the innermost element: </b> closes <a>, which was opened at 1:1"},
     {"<a></a x='1'>", "+a !1:8 an end tag that does not close the innermost element"},
     {"<p:b xmlns:p='u' xmlns:q='u'></q:b>",
-     "+{u}p:b[xmlns:p=u xmlns:q=u] !1:32 an end tag that does not close the innermost element: q:b"},
+     "+{u}p:b[xmlns:p=u xmlns:q=u] !1:32 an end tag that does not close the innermost element: </q:b> closes <p:b>, "
+     "which was opened at 1:1"},
     {"<a>]]></a>", "+a !1:4 ']]>' in text"},
     {"<a><!ELEMENT></a>", "+a !1:4 '<!' that begins nothing that may stand here"},
     {"<a><!DOCTYPE a></a>", "+a !1:4 a document type declaration that may not stand here"},
@@ -206,7 +208,7 @@ constexpr Case Refused[] = {
      "!1:43 '%' that begins no reference to a parameter entity, or one that may not stand here"},
     {"<?xml version='1.0' standalone='yes'?><!DOCTYPE a SYSTEM 'x'><a>&e;</a>",
      "+a !1:65 an entity that is not declared: e"},
-    {"<!DOCTYPE>", "!1:10 white space was expected"},
+    {"<!DOCTYPE>", "!1:10 white space was expected, found '>'"},
     {"<!DOCTYPE a [<!ELEMENT a (b,c|d)>]><a/>", "!1:30 an element declaration is written wrong"},
     {"<!DOCTYPE a b><a/>", "!1:13 a document type declaration is written wrong"},
     {"<!doctype a><a/>", "!1:1 '<!' that begins nothing that may stand here"},
@@ -389,14 +391,15 @@ const ExternalCase External[] = {
      "+a =\n\xC3\xA9 -a"},
     {{{"e", "1\n<b>"}}, "<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>\n&e;</a>", "+a =\n1\n +b doc/e:2:4 note doc:2:1"},
     {{{"e", "1\n\x01"}}, "<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>&e;</a>", "+a doc/e:2:1 note doc:1:41"},
-    {{{"s", "<!ENTITY f '<b>'>"}}, "<!DOCTYPE a SYSTEM 's'><a>\n&f;</a>", "+a =\n +b doc:2:1"},
+    {{{"s", "<!ENTITY f '<b>'>"}}, "<!DOCTYPE a SYSTEM 's'><a>\n&f;</a>", "+a =\n +b doc:2:1 note doc/s:1:10"},
 };
 
 std::string placeOf(const QeXmlParseError& error) {
     std::ostringstream text;
     text << error.getSourceFile() << ':' << error.getLineNumber() << ':' << error.getColumnNumber();
     if (const QeXmlNote* note = error.getNote())
-        text << " note " << note->place.sourceFile << ':' << note->place.position.line << ':' << note->place.position.column;
+        text << " note " << note->place.sourceFile << ':' << note->place.position.line << ':'
+             << note->place.position.column;
     return text.str();
 }
 

@@ -34,6 +34,14 @@ protected:
         std::filesystem::remove_all(folder);
     }
 
+    static std::string withoutNotes(const std::string& text) {
+        std::string rest;
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);)
+            if (line.find(": note: ") == std::string::npos) rest += line + '\n';
+        return rest;
+    }
+
     // Runs a shell command in which `tessit` is the tool; `input` is its standard input.
     static void expect(const std::string& command, std::string_view input, const std::string& output,
                        const std::string& errors, int status) {
@@ -41,8 +49,9 @@ protected:
         writeFile("input", input);
         const std::string line = "tessit() { '" TESSIT_TOOL "' \"$@\"; }; { " + command + "; } <input >output 2>errors";
         const int result = std::system(line.c_str());
-        EXPECT_EQ(contentOf("output"), output);
-        EXPECT_EQ(contentOf("errors"), errors);
+        const bool saysMore = errors.find("note:") != std::string::npos;
+        EXPECT_EQ(withoutNotes(contentOf("output")), output);
+        EXPECT_EQ(saysMore ? contentOf("errors") : withoutNotes(contentOf("errors")), errors);
         EXPECT_EQ(WIFEXITED(result) ? WEXITSTATUS(result) : -1, status);
     }
 

@@ -21,6 +21,22 @@ struct QeXmlPosition {
     std::uint64_t characterColumn = 1;  ///< the column in characters, which are Unicode's code points
 };
 
+/// A stretch of a document, from the first byte to behind the last one.
+struct QeXmlSpan {
+    QeXmlPosition begin, end;
+};
+
+/// Where an attribute stands: its name as written, and its value without the quotes.
+struct QeXmlAttributeSpans {
+    QeXmlSpan name, value;
+};
+
+/// An element that is open: its name as written, and where its start tag stands.
+struct QeXmlOpenElement {
+    QeCString name;
+    QeXmlSpan tag;
+};
+
 /// A place, and in which text.
 struct QeXmlPlace {
     QeCString sourceFile;  ///< what the text is called; empty when that is not known

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -182,6 +183,25 @@ public:
     TESSIT_API bool isInEntity() const noexcept;
 
     /// @}
+    /// @name Places
+    ///
+    /// Spans are good for replacing what they cover in the document. What an internal entity brought stands where its
+    /// reference does; after what a lenient reader converted anew, what came before is unknown: the present place
+    /// stands for it. O(bytes since the last place that was asked for), and O(bytes of the node).
+    /// @{
+
+    /// Where the last node stands, as written.
+    TESSIT_API QeXmlSpan getLastSpan() const;
+
+    /// Where an attribute of the last tag that opened an element stands; nothing for a declared default. Of several
+    /// that are written alike, which a lenient reader takes for one, the first name and the last value.
+    TESSIT_API std::optional<QeXmlAttributeSpans> getAttributeSpans(const QeXmlAttribute& attribute) const;
+
+    /// The elements that are open, outermost first, as far as a lenient document's tags pair up: an end tag closes the
+    /// innermost element. Also O(elements).
+    TESSIT_API std::vector<QeXmlOpenElement> getOpenElements() const;
+
+    /// @}
     /// @name Namespaces
     /// @{
 
@@ -243,6 +263,9 @@ public:
     /// Throws `QeXmlParseError` with this text and the reader's present position;
     /// for callers who find the document wrong themselves. O(bytes read since the last error).
     [[noreturn]] TESSIT_API void err(const QeCString& message) const;
+
+    /// The same with the position of what was found wrong, which may be long past; without a path.
+    [[noreturn]] TESSIT_API void err(const QeCString& message, const QeXmlPosition& where) const;
 
     /// @}
 

@@ -33,7 +33,7 @@ Entity* Declarations::resolve(const Source& where, const char* reference, std::s
     }
     if (isStandalone && entity->isDeclaredOutside && !isReadingOutside)
         refuse(where, reference, Rule::UndeclaredEntity, name);
-    if (entity->isUnparsed) refuse(where, reference, Rule::UnparsedEntity, name);
+    if (entity->isUnparsed) refuse(where, reference, Rule::UnparsedEntity, name, noteOfDeclaration(entity->source));
     return entity;
 }
 

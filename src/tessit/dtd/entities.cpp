@@ -56,8 +56,9 @@ void EntityReading::charge(std::uint64_t bytes, const Source& where, const char*
 }
 
 const Source* EntityReading::open(Entity& entity, const Source& where, const char* reference) {
-    if (entity.isOpen) refuse(where, reference, Rule::RecursiveEntity, entity.name);
-    if (openEntities >= settings.entityDepth) refuse(where, reference, Rule::EntityDepth, entity.name);
+    if (entity.isOpen) refuse(where, reference, Rule::RecursiveEntity, entity.name, noteOfDeclaration(entity.source));
+    if (openEntities >= settings.entityDepth)
+        refuse(where, reference, Rule::EntityDepth, entity.name, noteOfDeclaration(entity.source));
     entity.source.parent = &where;
     entity.source.reference = reference;
     if (entity.isExternal && !load(entity)) return nullptr;

@@ -72,6 +72,7 @@ void SubsetReader::readEntityDeclaration() {
     const bool isParameter = text.passIf("%");
     if (isParameter) text.requireBlank();
     const std::string_view name = text.readNCName(Broken);
+    const Source* const where = &text.getSource();
     text.requireBlank();
 
     EntityDefinition definition = readEntityDefinition(isParameter);
@@ -79,6 +80,8 @@ void SubsetReader::readEntityDeclaration() {
     if (!definition.isComplete) return;
     Entity* const entity = declarations.declareEntity(name, isParameter);
     if (entity == nullptr) return;
+    entity->source.declaredIn = where;
+    entity->source.declaredAt = name.data();
     define(*entity, std::move(definition));
     if (!entity->isUnparsed) return;
     const Entity::External& external = *entity->external;

@@ -49,7 +49,8 @@ private:
         if (const std::string_view known = Declarations::predefined(name); !known.empty()) return text.append(known);
         Entity* const entity = declarations.resolve(here.getSource(), reference, name);
         if (entity == nullptr) return leaveAlone(reference);
-        if (entity->isExternal) here.refuseAt(reference, Rule::ExternalEntityInValue, name);
+        if (entity->isExternal)
+            refuse(here.getSource(), reference, Rule::ExternalEntityInValue, name, noteOfDeclaration(entity->source));
         if (entity->isPlainText)
             appendPlainEntity(*entity, reference);
         else

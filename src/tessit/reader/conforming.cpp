@@ -1,6 +1,7 @@
 // A conforming reader from its begin on, the fault that stays, and what its program asks it.
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include <corvel/immortal.h>
@@ -34,7 +35,29 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     if (isAnotherText) reader.ownedDocument = QeCString();
     if (conforming->options.namespaces) tessit::ConformingTags::bindXml(bindings);
     input.enter(document.source, document.source.begin());
-    ConformingNodes(*this).readProlog();
+    try {
+        ConformingNodes(*this).readProlog();
+    } catch (...) {
+        keepFault();
+        raiseFault();
+    }
+}
+
+// To be called where an exception was caught. What cannot be said for lack of memory is left out.
+void QeXmlReader::Engine::keepFault() {
+    conforming->fault = std::current_exception();
+    try {
+        std::rethrow_exception(conforming->fault);
+    } catch (QeXmlParseError& error) {
+        try {
+            tessit::ErrorAccess::Details details = tessit::ErrorAccess::detailsOf(error);
+            const bool isInDocument = lastNode.source == &conforming->document.source;
+            complete(details, isInDocument ? lastNode.begin : input.position());
+            tessit::ErrorAccess::setDetails(error, std::move(details));
+        } catch (const std::bad_alloc&) {
+        }
+    } catch (...) {
+    }
 }
 
 // The first fault stays, whatever the program calls behind it; so does what a resolver or a lack of memory has broken
@@ -49,7 +72,7 @@ void QeXmlReader::Engine::readConformingContent() {
     try {
         ConformingNodes(*this).readContent();
     } catch (...) {
-        conforming->fault = std::current_exception();
+        keepFault();
         raiseFault();
     }
 }
@@ -64,7 +87,7 @@ void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
     try {
         ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave);
     } catch (...) {
-        conforming->fault = std::current_exception();
+        keepFault();
     }
 }
 

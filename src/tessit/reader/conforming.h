@@ -45,6 +45,8 @@ struct QeXmlReader::Engine::Conforming {
     tessit::Declared declared;
     tessit::ConformingTags tags;
     QeXmlDocumentType documentType;
+    const char* documentTypeBegin = nullptr;
+    const char* documentTypeEnd = nullptr;  // once it was read
     bool documentTypeWasRead = false;
     std::size_t nextInstruction = 0;  // of those that stand among the declarations
     Phase phase = InProlog;

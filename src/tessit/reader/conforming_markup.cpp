@@ -68,6 +68,7 @@ bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
             return false;
         }
         if (peek() != '<') refuse(Rule::TextOutsideRoot);
+        if (others == Others::Deliver) engine.lastNode = {position(), &source()};
         if (limit() - position() < 2) refuseEnd();
         const char kind = position()[1];
         if (kind == '/') refuse(Rule::EndTag);
@@ -116,6 +117,7 @@ bool QeXmlReader::Engine::ConformingNodes::readInstruction(Others others) {
 // One of those among the declarations, which are delivered behind the document type.
 bool QeXmlReader::Engine::ConformingNodes::deliverInstruction(Others others) {
     if (others == Others::Leave) return true;
+    engine.lastNode.begin = state.documentTypeBegin;
     const auto& [target, data] = state.declared.get().instructions()[state.nextInstruction++];
     state.target.assign(target);
     deliver(Instruction, data);
@@ -127,8 +129,10 @@ bool QeXmlReader::Engine::ConformingNodes::readDocumentType(Others others) {
     if (isLeft(others, QeXmlNodes::DocumentType)) return true;
     StrictScanner scanner(source(), position() + DocumentTypeBegin.size());
     state.documentTypeWasRead = true;
+    state.documentTypeBegin = position();
     state.declared.get().readDocumentType(scanner, state.documentType);
     goBackTo(scanner.position());
+    state.documentTypeEnd = position();
     if (others == Others::Pass || !state.delivers(QeXmlNodes::DocumentType)) return false;
     state.target = state.documentType.name;
     deliver(DocumentType, {});

@@ -12,12 +12,11 @@ using tessit::StrictScanner;
 
 // As for a lenient reader, all that is called here is made one function.
 TESSIT_FLATTEN void QeXmlReader::readNextConforming() {
-    std::exception_ptr& fault = engine->conforming->fault;
-    if (fault != nullptr) engine->raiseFault();
+    if (engine->conforming->fault != nullptr) engine->raiseFault();
     try {
         Engine::ConformingNodes(*engine).readNextNode();
     } catch (...) {
-        fault = std::current_exception();
+        engine->keepFault();
         engine->raiseFault();
     }
 }
@@ -29,6 +28,7 @@ inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
         state.phase = Conforming::InRoot;
     }
     for (;;) {
+        engine.lastNode = {position(), &source()};
         if (atEnd()) {
             apart([](ConformingNodes& nodes) { nodes.leaveEntity(); });
             continue;
@@ -47,6 +47,7 @@ inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
 }
 
 void QeXmlReader::Engine::ConformingNodes::readContent() {
+    engine.lastNode = {position(), &source()};
     if (state.phase == Conforming::InRoot) {
         readText(Others::Pass);
         return;
@@ -66,6 +67,7 @@ inline RawName QeXmlReader::Engine::ConformingNodes::readTagName() {
 // Entered at the name. The scope is opened before the attributes are read, so that the
 // tag's declarations go into it; names are resolved once all were seen.
 inline void QeXmlReader::Engine::ConformingNodes::readStartTag() {
+    engine.lastTag = {position() - 1, &source()};
     const RawName name = readTagName();
     engine.bindings.openScope();
     state.tags.openTag(source());
@@ -121,7 +123,7 @@ TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::passEndTag(std::strin
     StrictScanner scanner(source(), position());
     const char* const start = position();
     const std::string_view name = scanner.readName(Rule::EndTag);
-    if (name != opened) scanner.refuseAt(start, Rule::EndTag, name);
+    if (name != opened) engine.refuseEndTag({start, &source()}, name);
     scanner.passSpace();
     scanner.require(">", Rule::EndTag);
     goBackTo(scanner.position());

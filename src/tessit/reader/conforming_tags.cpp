@@ -195,7 +195,8 @@ void ConformingTags::checkDuplicates(std::span<RawAttribute* const> sameLocalNam
         if (left.hash != right.hash || (left.binding == nullptr) != (right.binding == nullptr)) continue;
         if (left.binding == nullptr ? left.attribute->name.whole() == right.attribute->name.whole()
                                     : left.binding->getURI() == right.binding->getURI())
-            refuse(*source, placeOf(*right.attribute, tagEnd), Rule::DuplicateAttribute, right.attribute->name.whole());
+            refuse(*source, placeOf(*right.attribute, tagEnd), Rule::DuplicateAttribute, right.attribute->name.whole(),
+                   QeXmlNote{"the first of the two stands here", placeIn(*source, placeOf(*left.attribute, tagEnd))});
     }
 }
 

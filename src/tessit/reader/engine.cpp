@@ -10,7 +10,8 @@ QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* option
       conforming(options == nullptr || options->rules == QeXmlRules::Lenient ? nullptr
                                                                              : std::make_unique<Conforming>(*options)),
       input({owner.cursor, owner.bufferStart, conforming == nullptr ? owner.bufferEnd : conforming->end,
-             owner.ownedDocument, owner.encoding}),
+             owner.ownedDocument, owner.encoding},
+            *this),
       bindings(owner.namespaceStack),
       slots(owner.lastName, owner.lastAttributes, input.limit(), bindings) {
     reader.isConforming = conforming != nullptr;
@@ -26,6 +27,8 @@ void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     if (!converted) return;
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();
+    lastNode = lastTag = {};
+    path.reset();
     input.replaceRest(std::move(*converted));
     if (rawCopy != nullptr) rawCopy->goOn();
 }

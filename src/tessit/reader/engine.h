@@ -1,9 +1,15 @@
 #pragma once
 
+#include <memory>
+#include <optional>
+#include <vector>
+
 #include <tessit/reader/bindings.h>
+#include <tessit/reader/element_path.h>
 #include <tessit/reader/input.h>
 #include <tessit/reader/open_elements.h>
 #include <tessit/reader/tag_slots.h>
+#include <tessit/reader/written_markup.h>
 #include <tessit/reader/xml_reader.h>
 
 /// What stands behind a reader: its parts, each on the reader's members that it is
@@ -12,7 +18,13 @@
 /// A byte goes from the input through a scanner, which lives as long as a call, to the
 /// tag slots or the text; what drives it on is the `NodeReader`. The public calls hold
 /// the node that comes of it against what the program expects.
-struct QeXmlReader::Engine {
+struct QeXmlReader::Engine final : tessit::ErrorContext {
+    // Where something begins that was read, and in a conforming reader in which text; nowhere once its bytes are gone.
+    struct Written {
+        const char* begin = nullptr;
+        const tessit::Source* source = nullptr;
+    };
+
     explicit Engine(QeXmlReader& owner, const QeXmlReaderOptions* options = nullptr);
     ~Engine();
 
@@ -26,6 +38,7 @@ struct QeXmlReader::Engine {
     void openConforming(std::string_view document);
     void readConformingContent();
     void passOutsideOfRoot() noexcept;
+    void keepFault();
     [[noreturn]] void raiseFault();
     const char* positionInDocument() const noexcept;
     const char* nextInDocument() const noexcept;
@@ -56,6 +69,22 @@ struct QeXmlReader::Engine {
     QeCString rebuildTag() const;
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
 
+    // places.cpp
+    QeXmlPosition positionIn(const Written& written, const char* place) const;
+    QeXmlPosition endOf(const Written& written, const char* end) const;
+    QeXmlSpan spanOf(const Written& written, const char* end) const;
+    QeXmlSpan spanOfLastNode() const;
+    QeXmlSpan spanOfTag(const char* tag) const;
+    std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
+    const tessit::ElementPath& pathInDocument(const char* place) const;
+    QeCString pathOfOpenElements(const char* place) const;
+    std::optional<QeXmlNote> noteOfInnermost(const char* text, const char* place) const;
+    [[noreturn]] void refuseEndTag(const Written& tag, std::string_view name) const;
+    [[noreturn]] void raiseUnmatched() const;
+    QeCString hint(std::string_view rule) const;
+    void complete(tessit::ErrorAccess::Details& details, const char* place) const override;
+    std::vector<QeXmlOpenElement> listOpenElements() const;
+
     class NodeReader;
     class ConformingNodes;
     struct Conforming;
@@ -69,5 +98,8 @@ struct QeXmlReader::Engine {
     bool matchesTags = false;
     QeXmlName expectedName;              // what the caller demands; working storage of one call
     const char* pendingStart = nullptr;  // where the node that was looked at begins, in a document that stays
-    RawCopy* rawCopy = nullptr;          // the copy that `readElement` is making
+    Written lastNode, lastTag;           // the tag is the last one that opened an element
+    tessit::WrittenAttributes attributesOfLastTag;
+    mutable std::unique_ptr<tessit::ElementPath> path;  // made when it is asked for
+    RawCopy* rawCopy = nullptr;                         // the copy that `readElement` is making
 };

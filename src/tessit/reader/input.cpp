@@ -176,15 +176,26 @@ QeXmlPosition Input::positionOf(const char* place) const {
 }
 
 // The described line and column count from the last conversion, and take a mark in.
-void Input::raise(const QeCString& message) const {
-    if (strict != nullptr) raiseIn(*strict, cursor, message);
+void Input::raise(const QeCString& message, std::optional<QeXmlNote>&& note, const char* readUpTo) const {
     const QeXmlPosition position = positionOf(cursor);
+    ErrorAccess::Details details{.position = position, .note = std::move(note)};
+    context.complete(details, readUpTo);
+    if (strict != nullptr) throw ErrorAccess::make(message, placeIn(*strict, cursor), std::move(details));
     const QeXmlPosition& beginning = placesInText().beginning();
     QeXmlPlace described{sourceName, position};
     described.position.line = position.line - beginning.line + 1;
     if (position.line == beginning.line)
         described.position.column = static_cast<std::uint64_t>(cursor - bufferStart) + 1;
-    throw ErrorAccess::make(message, described, {.position = position});
+    throw ErrorAccess::make(message, described, std::move(details));
+}
+
+void Input::raise(const QeCString& message, std::optional<QeXmlNote>&& note) const {
+    raise(message, std::move(note), cursor);
+}
+
+void Input::raiseEnd(const char* place) {
+    cursor = bufferEnd;
+    raise("Premature EOF", std::nullopt, place);
 }
 
 void Input::raiseAt(const char* place, const char* message, std::string_view found) {

@@ -7,10 +7,21 @@
 #include <string_view>
 
 #include <corvel/c_string.h>
+#include <tessit/errors/error_access.h>
 #include <tessit/rules/source.h>
 #include <tessit/rules/text_places.h>
 
 namespace tessit {
+
+/// Knows what else is to be said of an error that is raised where the input stands.
+class ErrorContext {
+public:
+    /// The document was read up to `place`; the error can be elsewhere.
+    virtual void complete(ErrorAccess::Details& details, const char* place) const = 0;
+
+protected:
+    ~ErrorContext() = default;
+};
 
 /// The document's bytes and the place that was read up to. Finds out their encoding,
 /// converts them to UTF-8, bounds what conversions may produce, counts lines, and
@@ -34,8 +45,9 @@ public:
         std::unique_ptr<TextPlaces> places;  // room for them
     };
 
-    explicit Input(const Members& members) noexcept
-        : cursor(members.cursor),
+    Input(const Members& members, const ErrorContext& errorContext) noexcept
+        : context(errorContext),
+          cursor(members.cursor),
           bufferStart(members.bufferStart),
           bufferEnd(members.bufferEnd),
           ownedDocument(members.ownedDocument),
@@ -53,6 +65,7 @@ public:
 
     /// The name that errors have as that of their source.
     void setSourceName(const QeCString& name) { sourceName = name; }
+    const QeCString& getSourceName() const noexcept { return sourceName; }
 
     /// Tells the encoding by a mark or by the first bytes, and converts what is not UTF-8.
     void detectEncoding();
@@ -61,10 +74,14 @@ public:
     /// that makes a difference: it is for `replaceRest`, once nobody needs the old bytes.
     std::optional<Converted> declareEncoding(const QeCString& name);
 
-    /// Goes on with these bytes. What was before the cursor is gone, so the described lines and columns count from here.
+    /// Goes on with these bytes. What was before the cursor is gone, so the described lines and columns count from
+    /// here.
     void replaceRest(Converted&& converted) noexcept;
 
     const char* position() const noexcept { return cursor; }
+
+    /// What stays of a lenient reader's document, without a mark in front.
+    std::string_view textBehindMark() const { return placesInText().whole(); }
 
     /// The cursor itself, for who moves it, and where the bytes end.
     const char*& place() noexcept { return cursor; }
@@ -74,7 +91,10 @@ public:
     QeXmlPosition positionOf(const char* place) const;
 
     /// Throws `QeXmlParseError` with this message and the cursor's position. O(bytes read since the last error).
-    [[noreturn]] void raise(const QeCString& message) const;
+    [[noreturn]] void raise(const QeCString& message, std::optional<QeXmlNote>&& note = {}) const;
+
+    /// The same at the end, for what was read up to a place and has no end.
+    [[noreturn]] void raiseEnd(const char* place);
 
     /// The same with the cursor at that place, and with what was found there behind the message.
     [[noreturn]] void raiseAt(const char* place, const char* message, std::string_view found = {});
@@ -88,7 +108,9 @@ private:
     void beginPlaces(InputUnits units, const QeXmlPosition& beginning);
     TextPlaces& placesInText() const;
     [[noreturn]] void raiseTranscoding(const char* reason) const;
+    [[noreturn]] void raise(const QeCString& message, std::optional<QeXmlNote>&& note, const char* readUpTo) const;
 
+    const ErrorContext& context;
     const char*& cursor;       // the next byte to be read
     const char*& bufferStart;  // lines and columns count from here
     const char*& bufferEnd;

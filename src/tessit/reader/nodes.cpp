@@ -12,11 +12,13 @@ TESSIT_FLATTEN void QeXmlReader::readNextLenient() {
 
 void QeXmlReader::Engine::readContent() {
     if (conforming != nullptr) return readConformingContent();
+    lastNode.begin = input.position();
     NodeReader(*this).readContent();
 }
 
 inline void QeXmlReader::Engine::NodeReader::readNextNode() {
     for (;;) {
+        engine.lastNode.begin = position();
         if (take() != '<') {
             stepBack(1);
             return readContent();
@@ -81,8 +83,7 @@ TESSIT_NOINLINE bool QeXmlReader::Engine::closesInnermost() noexcept {
 }
 
 TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::matchEndTag() {
-    if (engine.openElements.empty() || !isLikeInnermost())
-        raiseWith("Unmatched start tag for ", reader.lastName.asString());
+    if (engine.openElements.empty() || !isLikeInnermost()) engine.raiseUnmatched();
     engine.openElements.pop();
 }
 
@@ -97,6 +98,7 @@ bool QeXmlReader::Engine::NodeReader::isLikeInnermost() const {
 // Entered just after the '<'. The scope is opened before the attributes are read,
 // so that the tag's declarations go into it; names are resolved once all were seen.
 inline void QeXmlReader::Engine::NodeReader::readStartTag() {
+    engine.lastTag.begin = position() - 1;
     const tessit::RawName name = readName();
     engine.bindings.openScope();
     if (peek() == '>') {

@@ -15,11 +15,22 @@ void OpenElements::endLongName(std::size_t length) noexcept {
     *at = static_cast<char>(IsLong);
 }
 
-std::string_view OpenElements::innermostLong() const noexcept {
+std::string_view OpenElements::longNameBefore(std::size_t end) const noexcept {
     std::size_t length;
-    const char* const at = bytes.data() + used - 1 - sizeof length;
+    const char* const at = bytes.data() + end - 1 - sizeof length;
     std::memcpy(&length, at, sizeof length);
     return {at - length, length};
+}
+
+std::vector<std::string_view> OpenElements::innermost(std::size_t count) const {
+    std::vector<std::string_view> names;
+    for (std::size_t end = used; names.size() != count;
+         end = static_cast<std::size_t>(names.back().data() - bytes.data())) {
+        const auto length = static_cast<unsigned char>(bytes[end - 1]);
+        names.push_back(length == IsLong ? longNameBefore(end)
+                                         : std::string_view(bytes.data() + end - 1 - length, length));
+    }
+    return names;
 }
 
 }  // namespace tessit

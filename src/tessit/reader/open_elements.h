@@ -33,9 +33,12 @@ public:
     /// The innermost one; there must be one. Valid until the next push or pop.
     std::string_view innermost() const noexcept {
         const auto length = static_cast<unsigned char>(bytes[used - 1]);
-        if (length == IsLong) return innermostLong();
+        if (length == IsLong) return longNameBefore(used);
         return {bytes.data() + used - 1 - length, length};
     }
+
+    /// That many of them, from inside. Valid until the next push or pop.
+    std::vector<std::string_view> innermost(std::size_t count) const;
 
     void pop() noexcept {
         const std::size_t length = innermost().size();
@@ -51,7 +54,7 @@ private:
 
     void grow(std::size_t size);
     void endLongName(std::size_t length) noexcept;
-    std::string_view innermostLong() const noexcept;
+    std::string_view longNameBefore(std::size_t end) const noexcept;
 
     std::vector<char> bytes;  // outermost first; those behind `used` mean nothing
     std::size_t used = 0;

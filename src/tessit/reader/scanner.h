@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include <corvel/byte_scan.h>
 #include <corvel/c_string.h>
@@ -166,8 +167,8 @@ public:
 
     /// Goes to the end, where something was missing.
     [[noreturn]] void raiseEnd() {
-        cursor = end;
-        raise("Premature EOF");
+        const char* const place = std::exchange(cursor, end);
+        input.raiseEnd(place);
     }
 
 private:

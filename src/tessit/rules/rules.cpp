@@ -4,6 +4,7 @@
 
 #include <tessit/errors/error_access.h>
 #include <tessit/rules/rules.h>
+#include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
 
@@ -77,18 +78,34 @@ const RuleText& textOf(Rule rule) noexcept {
     return Texts[static_cast<std::size_t>(rule)];
 }
 
-// What was found is quoted up to here: a name can be as long as the document.
-constexpr std::size_t LongestFound = 100;
+constexpr std::size_t LongestQuoted = 100;
 
-QeCString messageFor(Rule rule, std::string_view found) {
+// Whether a rule's message says what was expected, so that what stands there instead is to be said.
+bool expectsSomething(Rule rule) noexcept {
+    return rule == Rule::Name || rule == Rule::WhiteSpace || rule == Rule::Attribute || rule == Rule::Literal;
+}
+
+void appendCharacterAt(QeCString& message, const Source& source, const char* place) {
+    if (place == source.end()) return;
+    message += ", found ";
+    if (std::string_view(" \t\r\n").find(*place) != std::string_view::npos) {
+        message += "white space";
+        return;
+    }
+    message += '\'';
+    message += std::string_view(place, characterAt(place).length);
+    message += '\'';
+}
+
+QeCString messageFor(const Source& source, const char* place, Rule rule, std::string_view found) {
     QeCString message(textOf(rule).message);
-    if (found.empty()) return message;
-    std::size_t length = std::min(found.size(), LongestFound);
-    while (length != 0 && length != found.size() && (found[length] & 0xC0) == 0x80)
-        --length;
+    if (found.empty()) {
+        if (expectsSomething(rule)) appendCharacterAt(message, source, place);
+        return message;
+    }
     message += ": ";
-    message += found.substr(0, length);
-    if (length != found.size()) message += "...";
+    message += quoted(found);
+    if (quoted(found).size() != found.size()) message += "...";
     return message;
 }
 
@@ -131,28 +148,31 @@ QeXmlPlace placeIn(const Source& source, const char* place) {
     return {told->name, placesOf(*told).at(place)};
 }
 
-namespace {
-
-[[noreturn]] void raise(const Source& source, const char* place, const QeCString& message, Rule rule,
-                        std::optional<QeXmlNote>&& note) {
+void refuseSaying(const Source& source, const char* place, Rule rule, const QeCString& message,
+                  std::optional<QeXmlNote>&& note) {
     const QeXmlPlace where = placeIn(source, place);
+    if (!source.hasPlaces && !note) note = noteOfDeclaration(source);
     if (const Source* const outside = outsideOf(source); outside != nullptr && !note)
         note = {"the entity was referred to here", placeIn(*outside->parent, outside->reference)};
     throw ErrorAccess::make(message, where,
-                            {.position = where.position,
-                             .note = std::move(note),
-                             .rule = rule == Rule::None ? std::string_view() : nameOf(rule)});
-}
-
-}  // namespace
-
-void raiseIn(const Source& source, const char* place, const QeCString& message) {
-    raise(source, place, message, Rule::None, std::nullopt);
+                            {.position = where.position, .note = std::move(note), .rule = nameOf(rule)});
 }
 
 void refuse(const Source& source, const char* place, Rule rule, std::string_view found,
             std::optional<QeXmlNote>&& note) {
-    raise(source, place, messageFor(rule, found), rule, std::move(note));
+    refuseSaying(source, place, rule, messageFor(source, place, rule, found), std::move(note));
+}
+
+std::optional<QeXmlNote> noteOfDeclaration(const Source& source) {
+    if (source.declaredIn == nullptr) return std::nullopt;
+    return QeXmlNote{"the entity is declared here", placeIn(*source.declaredIn, source.declaredAt)};
+}
+
+std::string_view quoted(std::string_view text) noexcept {
+    std::size_t length = std::min(text.size(), LongestQuoted);
+    while (length != 0 && length != text.size() && (text[length] & 0xC0) == 0x80)
+        --length;
+    return text.substr(0, length);
 }
 
 void refuseEnd(const Source& source) {

@@ -77,14 +77,21 @@ const char* messageOf(Rule rule) noexcept;
 /// those of the reference that brought it. O(bytes since the last place that was asked for, if that was in front).
 QeXmlPlace placeIn(const Source& source, const char* place);
 
-/// Throws `QeXmlParseError` with this text and the place.
-[[noreturn]] void raiseIn(const Source& source, const char* place, const QeCString& message);
-
-/// The same: what the rule says, with what was found there, and the place. Where the source is what an
+/// Throws `QeXmlParseError`: what the rule says, with what was found there, and the place. Where the source is what an
 /// entity brought, the place of the reference goes along as the second place, unless another is given; for one that
 /// has no places of its own, it is the place.
 [[noreturn]] void refuse(const Source& source, const char* place, Rule rule, std::string_view found = {},
                          std::optional<QeXmlNote>&& note = {});
+
+/// The same with all that is to be said.
+[[noreturn]] void refuseSaying(const Source& source, const char* place, Rule rule, const QeCString& message,
+                               std::optional<QeXmlNote>&& note);
+
+/// The place where the entity is declared that the text is of; nothing where nobody knows.
+std::optional<QeXmlNote> noteOfDeclaration(const Source& source);
+
+/// What is quoted in messages: a name can be as long as the document.
+std::string_view quoted(std::string_view text) noexcept;
 
 /// The same for a construct that was not whole where the source ended: what cannot be read there, or that it ended.
 [[noreturn]] void refuseEnd(const Source& source);

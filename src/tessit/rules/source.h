@@ -19,9 +19,11 @@ struct Source {
     QeCString foundAtEnd;  ///< and what is said to be found there
     Rule cutBy{};          ///< the rule that what the true end cuts breaks; none where the document is unfinished then
     QeCString name;        ///< of the document, or of the entity from outside
-    const Source* parent = nullptr;   ///< where the reference stands that brought the text; null for the document
-    const char* reference = nullptr;  ///< its '&' or '%'
-    const char* linesFrom = nullptr;  ///< the text declaration in front, from which on lines count; null without one
+    const Source* parent = nullptr;      ///< where the reference stands that brought the text; null for the document
+    const char* reference = nullptr;     ///< its '&' or '%'
+    const Source* declaredIn = nullptr;  ///< where the entity is declared that the text is of; null where nobody knows
+    const char* declaredAt = nullptr;    ///< its name there
+    const char* linesFrom = nullptr;     ///< the text declaration in front, from which on lines count; null without one
 
     /// Whether lines and columns count in it. Else its places are the reference's, and what looks like a line end was
     /// written as a character reference: it is not to be normalised.

@@ -38,6 +38,7 @@ public:
 
     /// What the text began with.
     const QeXmlPosition& beginning() const noexcept { return base; }
+    std::string_view whole() const noexcept { return text; }
     InputUnits inputUnits() const noexcept { return units; }
 
 private:

@@ -1,0 +1,199 @@
+// Where things stand that were read: asked for by programs, and by errors.
+
+#include <string>
+#include <utility>
+
+#include <corvel/byte_scan.h>
+#include <tessit/errors/error_access.h>
+#include <tessit/reader/conforming.h>
+#include <tessit/reader/element_path.h>
+#include <tessit/reader/hints.h>
+#include <tessit/rules/rules.h>
+
+using tessit::ElementPath;
+using tessit::Source;
+
+namespace {
+
+struct PlaceInSource {
+    const Source* source;
+    const char* place;
+};
+
+// What an entity brought that has no places of its own stands where its reference does.
+PlaceInSource endWithPlaces(PlaceInSource end) {
+    while (!end.source->hasPlaces && end.source->parent != nullptr) {
+        const Source* const outer = end.source->parent;
+        end = {outer, corvel::findByte(end.source->reference, outer->end(), ';') + 1};
+    }
+    return end;
+}
+
+}  // namespace
+
+QeXmlPosition QeXmlReader::Engine::endOf(const Written& written, const char* end) const {
+    if (written.source == nullptr) return input.positionOf(end);
+    const PlaceInSource told = endWithPlaces({written.source, end});
+    return placeIn(*told.source, told.place).position;
+}
+
+QeXmlSpan QeXmlReader::Engine::spanOf(const Written& written, const char* end) const {
+    return {positionIn(written, written.begin), endOf(written, end)};
+}
+
+QeXmlPosition QeXmlReader::Engine::positionIn(const Written& written, const char* place) const {
+    return written.source == nullptr ? input.positionOf(place) : placeIn(*written.source, place).position;
+}
+
+// Behind the node the reader may have gone on, over what it does not deliver. A text ends where it stands, in whatever
+// source that is.
+QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
+    const Written here{input.position(), conforming == nullptr ? nullptr : &input.source()};
+    if (lastNode.begin == nullptr) return spanOf(here, here.begin);
+    if (reader.lastNodeType == Content) return {positionIn(lastNode, lastNode.begin), endOf(here, here.begin)};
+    const char* const limit = lastNode.source == nullptr ? input.limit() : lastNode.source->end();
+    if (conforming != nullptr && lastNode.begin == conforming->documentTypeBegin)
+        return spanOf(lastNode, conforming->documentTypeEnd);
+    if (reader.lastNodeType == EntityReference)
+        return spanOf(lastNode, corvel::findByte(lastNode.begin, limit, ';') + 1);
+    const char* const end = tessit::endOfMarkup(lastNode.begin, limit);
+    return spanOf(lastNode, end == nullptr ? lastNode.begin : end);
+}
+
+std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttribute& attribute) {
+    if (lastTag.begin == nullptr) return std::nullopt;
+    const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
+    const auto written = attributesOfLastTag.find(lastTag.begin, limit, attribute.getName().asString());
+    if (!written) return std::nullopt;
+    const auto spanOfText = [this](std::string_view text) {
+        return QeXmlSpan{positionIn(lastTag, text.data()), endOf(lastTag, text.data() + text.size())};
+    };
+    return QeXmlAttributeSpans{spanOfText(written->name), spanOfText(written->value)};
+}
+
+// The elements that the document's own text opens in front of a place; within an entity, that is the reference.
+const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const {
+    if (conforming != nullptr && !conforming->entities.empty())
+        place = conforming->entities.front().entity->source.reference;
+    if (path == nullptr) {
+        const char* first = reader.bufferStart;
+        if (conforming != nullptr)
+            first = conforming->documentTypeEnd != nullptr ? conforming->documentTypeEnd
+                                                           : conforming->document.source.begin();
+        path = std::make_unique<ElementPath>(first);
+    }
+    path->goOnTo(place);
+    return *path;
+}
+
+// Elements that an entity opened are known by their names alone.
+QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
+    if (reader.depth <= 0) return QeCString();
+    const ElementPath& inDocument = pathInDocument(place);
+    tessit::PathText text;
+    const auto nameOf = [&](std::size_t level) { return tessit::nameInTag(inDocument.element(level).tag); };
+    std::size_t first = 0, last = inDocument.depth();
+    bool hasRoom = true;
+    if (conforming != nullptr && !conforming->entities.empty()) {
+        const std::ptrdiff_t fromEntities = reader.depth - conforming->entities.front().depth;
+        for (const std::string_view name : openElements.innermost(static_cast<std::size_t>(fromEntities)))
+            if (!(hasRoom = text.addInnermost(name, 0))) break;
+    }
+    while (first != last && text.addOutermost(nameOf(first), inDocument.element(first).index))
+        ++first;
+    while (hasRoom && first != last && text.addInnermost(nameOf(last - 1), inDocument.element(last - 1).index))
+        --last;
+    return text.whole(hasRoom && first == last);
+}
+
+QeXmlSpan QeXmlReader::Engine::spanOfTag(const char* tag) const {
+    const Source* const source = conforming == nullptr ? nullptr : &conforming->document.source;
+    const char* const limit = source == nullptr ? input.limit() : source->end();
+    return spanOf({tag, source}, tessit::endOfMarkup(tag, limit));
+}
+
+std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
+    std::vector<QeXmlOpenElement> elements;
+    if (reader.depth <= 0) return elements;
+    const ElementPath& inDocument = pathInDocument(input.position());
+    for (std::size_t level = 0; level != inDocument.depth(); ++level) {
+        const char* const tag = inDocument.element(level).tag;
+        elements.push_back({QeCString(tessit::nameInTag(tag)), spanOfTag(tag)});
+    }
+    if (conforming == nullptr || conforming->entities.empty()) return elements;
+    const Conforming::OpenEntity& outermost = conforming->entities.front();
+    const Source& entity = outermost.entity->source;
+    const QeXmlSpan reference = spanOf({entity.reference, entity.parent}, outermost.resume);
+    const auto names = openElements.innermost(static_cast<std::size_t>(reader.depth - outermost.depth));
+    for (auto name = names.rbegin(); name != names.rend(); ++name)
+        elements.push_back({QeCString(*name), reference});
+    return elements;
+}
+
+// The start tag of the innermost element of the document's own text that is open in front of a place.
+std::optional<QeXmlNote> QeXmlReader::Engine::noteOfInnermost(const char* text, const char* place) const {
+    const ElementPath& inDocument = pathInDocument(place);
+    if (inDocument.depth() == 0) return std::nullopt;
+    const QeCString& source = conforming == nullptr ? input.getSourceName() : conforming->document.source.name;
+    return QeXmlNote{text, {source, spanOfTag(inDocument.element(inDocument.depth() - 1).tag).begin}};
+}
+
+void QeXmlReader::Engine::raiseUnmatched() const {
+    input.raise(QeCString("Unmatched start tag for ") + reader.lastName.asString(),
+                noteOfInnermost("this element is open", lastNode.begin));
+}
+
+// Elements that an entity opened have no place of their own.
+void QeXmlReader::Engine::refuseEndTag(const Written& tag, std::string_view name) const {
+    QeCString message(tessit::messageOf(tessit::Rule::EndTag));
+    message += ": </";
+    message += tessit::quoted(name);
+    message += "> closes <";
+    message += tessit::quoted(openElements.innermost());
+    message += '>';
+    std::optional<QeXmlNote> note;
+    if (conforming->entities.empty()) note = noteOfInnermost("it was opened here", tag.begin);
+    if (note) {
+        const QeXmlPosition& opened = note->place.position;
+        message += ", which was opened at " + std::to_string(opened.line) + ':' + std::to_string(opened.column);
+    }
+    tessit::refuseSaying(*tag.source, tag.begin, tessit::Rule::EndTag, message, std::move(note));
+}
+
+// Of the document without its first mark. A second root's fault has its place where the reader stands, at the '<'.
+QeCString QeXmlReader::Engine::hint(std::string_view rule) const {
+    if (conforming != nullptr) {
+        const std::string_view text = conforming->document.source.text;
+        const auto behind = static_cast<std::size_t>(input.position() + 1 - text.data());
+        const bool isSecondRoot =
+            rule == nameOf(tessit::Rule::SecondRoot) && text.substr(behind).starts_with(slots.elementAsWritten());
+        return tessit::hintFor(text, isSecondRoot);
+    }
+    return tessit::hintFor(input.textBehindMark(), false);
+}
+
+// What was said already stays: a fault can come by here twice.
+void QeXmlReader::Engine::complete(tessit::ErrorAccess::Details& details, const char* place) const {
+    if (!details.path.empty()) return;
+    details.path = pathOfOpenElements(place);
+    const bool isUnfinished = conforming == nullptr ? input.position() == input.limit()
+                                                    : details.rule == nameOf(tessit::Rule::UnfinishedDocument);
+    if (!details.note && isUnfinished) details.note = noteOfInnermost("this element is not closed", place);
+    details.hint = hint(details.rule);
+}
+
+QeXmlSpan QeXmlReader::getLastSpan() const {
+    return engine->spanOfLastNode();
+}
+
+std::optional<QeXmlAttributeSpans> QeXmlReader::getAttributeSpans(const QeXmlAttribute& attribute) const {
+    return engine->spansOf(attribute);
+}
+
+std::vector<QeXmlOpenElement> QeXmlReader::getOpenElements() const {
+    return engine->listOpenElements();
+}
+
+void QeXmlReader::err(const QeCString& message, const QeXmlPosition& where) const {
+    throw QeXmlParseError(message, QeXmlPlace{engine->input.getSourceName(), where});
+}

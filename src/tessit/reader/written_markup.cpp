@@ -1,0 +1,111 @@
+// What is known to be whole is gone through in few steps: nothing in it is wrong.
+
+#include <algorithm>
+#include <tuple>
+
+#include <corvel/byte_scan.h>
+#include <tessit/reader/char_class.h>
+#include <tessit/reader/written_markup.h>
+
+namespace tessit {
+
+namespace {
+
+const char* behindText(const char* from, const char* limit, std::string_view text) noexcept {
+    const std::string_view rest(from, static_cast<std::size_t>(limit - from));
+    const std::size_t at = rest.find(text);
+    return at == std::string_view::npos ? nullptr : from + at + text.size();
+}
+
+bool endsName(char byte) noexcept {
+    return isSpace(byte) || byte == '/' || byte == '>';
+}
+
+// Quotes are those of values: nothing else in a tag may hold one.
+const char* endOfTag(const char* at, const char* limit) noexcept {
+    for (;;) {
+        at = corvel::findAny(at, limit, '>', '"', '\'');
+        if (at == limit) return nullptr;
+        if (*at == '>') return at + 1;
+        const char* const quote = corvel::findByte(at + 1, limit, *at);
+        if (quote == limit) return nullptr;
+        at = quote + 1;
+    }
+}
+
+// Brackets have to pair up.
+const char* endOfDocumentType(const char* at, const char* limit) noexcept {
+    for (std::ptrdiff_t brackets = 0; (at = corvel::findAny(at, limit, '[', ']', '>')) != limit; ++at) {
+        if (*at == '[') ++brackets;
+        if (*at == ']') --brackets;
+        if (*at == '>' && brackets == 0) return at + 1;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+const char* endOfMarkup(const char* begin, const char* limit) noexcept {
+    const std::string_view markup(begin, static_cast<std::size_t>(limit - begin));
+    if (markup.starts_with("<!--")) return behindText(begin + 4, limit, "-->");
+    if (markup.starts_with("<![")) return behindText(begin, limit, "]]>");
+    if (markup.starts_with("<?")) return behindText(begin + 2, limit, "?>");
+    return markup.starts_with("<!") ? endOfDocumentType(begin, limit) : endOfTag(begin, limit);
+}
+
+std::string_view nameInTag(const char* begin) noexcept {
+    const char* const first = begin + (begin[1] == '/' ? 2 : 1);
+    const char* last = first;
+    while (!endsName(*last))
+        ++last;
+    return {first, static_cast<std::size_t>(last - first)};
+}
+
+namespace {
+
+constexpr std::size_t Few = 16;
+
+bool isBefore(const WrittenAttributes::Attribute& left, const WrittenAttributes::Attribute& right) noexcept {
+    return left.name < right.name;
+}
+
+}  // namespace
+
+void WrittenAttributes::lookThrough(const char* tag, const char* limit) {
+    attributes.clear();
+    lastTag = nullptr;  // until all is there: an insertion can throw
+    for (const char* at = nameInTag(tag).end();;) {
+        while (isSpace(*at))
+            ++at;
+        if (*at == '>' || *at == '/') break;
+        const char* const name = at;
+        while (!isSpace(*at) && *at != '=')
+            ++at;
+        const std::string_view whole(name, static_cast<std::size_t>(at - name));
+        while (*at != '"' && *at != '\'')
+            ++at;
+        const char* const value = at + 1;
+        at = corvel::findByte(value, limit, *at);
+        attributes.push_back({whole, {value, static_cast<std::size_t>(at - value)}});
+        ++at;
+    }
+    if (attributes.size() > Few) std::stable_sort(attributes.begin(), attributes.end(), isBefore);
+    lastTag = tag;
+}
+
+std::optional<WrittenAttributes::Attribute> WrittenAttributes::find(const char* tag, const char* limit,
+                                                                    std::string_view name) {
+    if (tag != lastTag) lookThrough(tag, limit);
+    const bool isSorted = attributes.size() > Few;
+    const Attribute sought{name, {}};
+    auto first = attributes.begin(), last = attributes.end();
+    if (isSorted) std::tie(first, last) = std::equal_range(first, last, sought, isBefore);
+    const auto hasName = [name](const Attribute& attribute) { return attribute.name == name; };
+    first = std::find_if(first, last, hasName);
+    if (first == last) return std::nullopt;
+    while (!hasName(*(last - 1)))
+        --last;
+    return Attribute{first->name, (last - 1)->value};
+}
+
+}  // namespace tessit

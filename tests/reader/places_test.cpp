@@ -1,0 +1,327 @@
+// Where things stand: nodes and attributes against a model that counts, and what errors say besides their text.
+
+#include <gtest/gtest.h>
+#include <map>
+
+#include "support/documents.h"
+
+using namespace tessit::test;
+
+namespace {
+
+enum class Form { Utf8, Marked, Utf16LE, Utf16BE, Latin1, Cyrillic };
+constexpr Form Forms[] = {Form::Utf8, Form::Marked, Form::Utf16LE, Form::Utf16BE, Form::Latin1, Form::Cyrillic};
+
+// A document in that form, and the same text as UTF-8. Empty where it does not go.
+struct Formed {
+    std::string bytes, text;
+    std::size_t markInText = 0;
+};
+
+Formed put(std::string_view body, Form form) {
+    constexpr std::string_view Mark = "\xEF\xBB\xBF";
+    const std::string text(body);
+    if (form == Form::Utf8) return {text, text};
+    if (form == Form::Marked) return {std::string(Mark) + text, std::string(Mark) + text, 3};
+    if (form == Form::Utf16LE || form == Form::Utf16BE)
+        return {encode(body, form == Form::Utf16LE ? Encoding::Utf16LE : Encoding::Utf16BE), std::string(Mark) + text,
+                3};
+    const bool isLatin = form == Form::Latin1;
+    const std::string declaration =
+        std::string("<?xml version='1.0' encoding='") + (isLatin ? "ISO-8859-1" : "windows-1251") + "'?>";
+    std::string bytes = declaration;
+    for (const char32_t code : decode(body).value()) {
+        if (code >= 0x80 && (isLatin ? code > 0xFF : code != 0x0416)) return {};
+        bytes += static_cast<char>(code < 0x80 || isLatin ? code : 0xC6);
+    }
+    return {bytes, declaration + text};
+}
+
+QeXmlPosition model(const Formed& document, std::uint64_t offset, bool isConforming, bool isWide) {
+    const std::string_view text = document.text;
+    QeXmlPosition position;
+    position.inputOffset = document.markInText == 0 ? 0 : isWide ? 2 : 3;
+    for (std::size_t i = document.markInText; i < offset; ++i) {
+        const bool begins = (text[i] & 0xC0) != 0x80;
+        const bool isLast = text[i] == '\n' || (isConforming && text[i] == '\r' && text[i + 1] != '\n');
+        position.column = isLast ? 1 : position.column + 1;
+        position.characterColumn = isLast ? 1 : position.characterColumn + (begins ? 1 : 0);
+        position.line += isLast ? 1 : 0;
+        const bool isPastPlane = static_cast<unsigned char>(text[i]) >= 0xF0;
+        const bool isOfBytes = document.bytes.size() == document.text.size();
+        position.inputOffset += isOfBytes ? 1 : !begins ? 0 : !isWide ? 1 : isPastPlane ? 4 : 2;
+    }
+    position.offset = offset;
+    return position;
+}
+
+class SpanChecker {
+public:
+    SpanChecker(const Formed& checkedDocument, bool conforming, bool wide)
+        : document(checkedDocument), isConforming(conforming), isWide(wide) {}
+
+    // The text that a span covers, each of its ends being what counting gives.
+    std::string textOf(const QeXmlSpan& span) const {
+        for (const QeXmlPosition& position : {span.begin, span.end}) {
+            const QeXmlPosition expected = model(document, position.offset, isConforming, isWide);
+            EXPECT_EQ(describe(position), describe(expected)) << document.text;
+        }
+        return document.text.substr(span.begin.offset, span.end.offset - span.begin.offset);
+    }
+
+private:
+    static std::string describe(const QeXmlPosition& position) {
+        std::ostringstream text;
+        text << position.line << ':' << position.column << ':' << position.characterColumn << ' ' << position.offset
+             << ' ' << position.inputOffset;
+        return text.str();
+    }
+
+    const Formed& document;
+    bool isConforming, isWide;
+};
+
+// All nodes as written, each with its attributes in the set's order, and the open elements.
+std::string readSpans(QeXmlReader& reader, const SpanChecker& checker) {
+    std::string all;
+    while (!reader.eof()) {
+        reader.readNextNode();
+        const bool opens = reader.getLastNodeType() == QeXmlReader::ElementStart ||
+                           reader.getLastNodeType() == QeXmlReader::EmptyElement;
+        all += checker.textOf(reader.getLastSpan());
+        const QeXmlAttributeSet& attributes = reader.getLastAttributes();
+        for (auto attribute = attributes.begin(); opens && attribute != attributes.end(); ++attribute) {
+            const auto spans = reader.getAttributeSpans(*attribute);
+            all += spans ? " [" + checker.textOf(spans->name) + "=" + checker.textOf(spans->value) + "]" : " [none]";
+        }
+        for (const QeXmlOpenElement& element : reader.getOpenElements())
+            all += " in " + std::string(element.name) + ' ' + checker.textOf(element.tag);
+        all += " | ";
+    }
+    return all;
+}
+
+struct SpanCase {
+    std::string_view body;
+    QeXmlNodes nodes;
+    std::string_view spans, lenientSpans = spans;
+};
+
+constexpr SpanCase Spans[] = {
+    {"<a  y = '1\n2' x=\"\xC3\xA9&lt;\"\r\n>t&amp;\r\nu</a >", QeXmlNodes::All,
+     "<a  y = '1\n2' x=\"\xC3\xA9&lt;\"\r\n> [x=\xC3\xA9&lt;] [y=1\n2] in a <a  y = '1\n2' x=\"\xC3\xA9&lt;\"\r\n> | "
+     "t&amp;\r\nu in a <a  y = '1\n2' x=\"\xC3\xA9&lt;\"\r\n> | </a > | "},
+    {"<r>\xD0\x96\r<a/>\r\r\n<b c='>'/></r>\n", QeXmlNodes::All,
+     "<r> in r <r> | \xD0\x96\r in r <r> | <a/> in r <r> | \r\r\n in r <r> | <b c='>'/> [c=>] in r <r> | </r> | "},
+    {"<r>\xF0\x9F\x98\x80<!--c--><?p q?><![CDATA[d]]></r>", QeXmlNodes::All,
+     "<r> in r <r> | \xF0\x9F\x98\x80 in r <r> | <!--c--> in r <r> | <?p q?> in r <r> | <![CDATA[d]]> in r <r> | </r> "
+     "| ",
+     "<r> in r <r> | \xF0\x9F\x98\x80<!--c--><?p q?><![CDATA[d]]> in r <r> | </r> | "},
+};
+
+}  // namespace
+
+TEST(Places, AreThoseOfAModelThatCounts) {
+    for (const auto& [body, nodes, spans, lenientSpans] : Spans) {
+        for (const Form form : Forms) {
+            const Formed formed = put(body, form);
+            if (formed.bytes.empty()) continue;
+#if defined(TESSIT_WITHOUT_ICU)
+            if (form == Form::Cyrillic) continue;
+#endif
+            const Document document(formed.bytes);
+            for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+                const bool isConforming = rules == QeXmlRules::Conforming;
+                const SpanChecker checker(formed, isConforming, form == Form::Utf16LE || form == Form::Utf16BE);
+                const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules, .nodes = nodes});
+                EXPECT_EQ(readSpans(*reader, checker), isConforming ? spans : lenientSpans) << formed.text;
+            }
+        }
+    }
+}
+
+// Whatever is asked for in which order, over more than what is counted at once.
+TEST(Places, AreFoundInAnyOrder) {
+    std::string text = "<r";
+    for (int i = 0; i < 300; ++i)
+        text += (i % 7 == 0 ? "\n a" : " a") + std::to_string(i) + "='" + repeat("\xC3\xA9", 20) +
+                std::to_string(i * i) + "'";
+    const Formed formed{text + ">" + repeat("\n<e>", 300), text + ">" + repeat("\n<e>", 300)};
+    const Document document(formed.bytes);
+    const SpanChecker checker(formed, false, false);
+    const auto reader = document.open(Source::Span);
+    reader->readElementStart();
+    for (const QeXmlAttribute& attribute : reader->getLastAttributes()) {
+        const auto spans = reader->getAttributeSpans(attribute).value();
+        EXPECT_EQ(checker.textOf(spans.value), attribute.getValue().data());
+        EXPECT_EQ(checker.textOf(spans.name), attribute.getName().asString().data());
+    }
+    for (int i = 0; i < 300; ++i)
+        reader->readElementStart();
+    const std::vector<QeXmlOpenElement> elements = reader->getOpenElements();
+    ASSERT_EQ(elements.size(), 301u);
+    EXPECT_EQ(checker.textOf(elements[0].tag), text + ">");
+    EXPECT_EQ(checker.textOf(elements[299].tag), "<e>");
+    EXPECT_EQ(checker.textOf(reader->getLastSpan()), "<e>");
+}
+
+namespace {
+
+// Has entities by their system identifiers.
+class Shelf : public QeXmlResolver {
+    bool resolve(const QeXmlExternalId& id, QeXmlExternalEntity& entity) override {
+        if (id.getSystemId() == "none") return false;
+        entity.setBytes("1\n<b x='2'/>");
+        return true;
+    }
+};
+
+struct EntitySpan {
+    std::string_view xml;
+    unsigned node;          // the number of the node to look at
+    std::string_view span;  // of it, and of its first attribute
+};
+
+constexpr EntitySpan EntitySpans[] = {
+    {"<!DOCTYPE a [<!ENTITY e '<b x=\"1\">t</b>'>]><a>&e;</a>", 1, "1:47-1:50 1:47-1:50"},
+    {"<!DOCTYPE a [<!ENTITY e '<b x=\"1\">t</b>'>]><a>&e;</a>", 3, "1:47-1:50"},
+    {"<!DOCTYPE a [<!ENTITY e '<b/>t'>]><a>&e;u</a>", 2, "1:38-1:42"},
+    {"<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>&e;u</a>", 2, "2:1-2:11 2:7-2:8"},
+    {"<!DOCTYPE a [<!ENTITY e SYSTEM 'none'>]>\n<a>&e;</a>", 1, "2:4-2:7"},
+    {"<!DOCTYPE a [<!ATTLIST a x CDATA '1'>]><a/>", 0, "1:40-1:44 none"},
+};
+
+std::string textOf(const QeXmlSpan& span) {
+    std::ostringstream text;
+    text << span.begin.line << ':' << span.begin.column << '-' << span.end.line << ':' << span.end.column;
+    return text.str();
+}
+
+}  // namespace
+
+TEST(Places, OfWhatEntitiesBring) {
+    for (const auto& [xml, node, expected] : EntitySpans) {
+        Shelf shelf;
+        const Document document(xml);
+        const auto reader = document.open(
+            Source::Span,
+            QeXmlReaderOptions{.rules = QeXmlRules::Conforming, .nodes = QeXmlNodes::References, .resolver = &shelf});
+        for (unsigned i = 0; i <= node; ++i)
+            reader->readNextNode();
+        std::string spans = textOf(reader->getLastSpan());
+        if (const auto& attributes = reader->getLastAttributes();
+            attributes.begin() != attributes.end() && reader->getLastNodeType() != QeXmlReader::ElementEnd) {
+            const auto places = reader->getAttributeSpans(*attributes.begin());
+            spans += " " + (places ? textOf(places->value) : "none");
+        }
+        EXPECT_EQ(spans, std::string(expected)) << xml;
+    }
+}
+
+namespace {
+
+std::string describeAll(const QeXmlParseError& error) {
+    std::ostringstream text;
+    const QeXmlPosition position = error.getPosition();
+    text << position.line << ':' << position.column << ' ' << error.getRule() << ' ' << error.getPath();
+    if (const QeXmlNote* note = error.getNote())
+        text << " (" << note->text << ' ' << note->place.position.line << ':' << note->place.position.column << ')';
+    if (!error.getHint().empty()) text << " hint: " << error.getHint().substring(0, 18);
+    return text.str();
+}
+
+std::string errorOf(std::string_view xml, QeXmlRules rules) {
+    try {
+        const Document document(xml);
+        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules});
+        reader->setMatchTags(true);
+        while (!reader->eof())
+            reader->readNextNode();
+        reader->err("the end");
+    } catch (const QeXmlParseError& error) {
+        return describeAll(error);
+    }
+    return "none";
+}
+
+struct ErrorCase {
+    std::string xml;
+    std::string conforming, lenient;
+};
+
+const ErrorCase Errors[] = {
+    {"<a><b></a>", "1:9 end-tag /a/b (it was opened here 1:4)", "1:11  /a (this element is open 1:4)"},
+    {"<a>\n<b/><b><c>", "2:11 unfinished-document /a/b[2]/c (this element is not closed 2:8)",
+     "2:11  /a/b[2]/c (this element is not closed 2:8)"},
+    {"<f><e/><x/><e/><e><t>&</t></e></f>", "1:23 reference /f/e[3]/t",
+     "1:35  /f/e[3]/t (this element is not closed 1:19)"},
+    {"<a><b x='1'\n x='2'/></a>", "2:2 duplicate-attribute /a (the first of the two stands here 1:7)", "2:13  "},
+    {"<a><!--<b>--><![CDATA[<b>]]><?p <b>?><b x='>' y=\"/>\"><1/></b></a>", "1:55 name /a/b", "1:56  /a/b"},
+    {"<!DOCTYPE a [\n<!ENTITY e '&e;'>]><a>&e;</a>", "2:23 recursive-entity /a (the entity is declared here 2:10)",
+     "2:30  "},
+    {"<!DOCTYPE a [\n<!ENTITY e '<b>'>]><a>&e;</a>", "2:23 entity-nesting /a/b (the entity is declared here 2:10)",
+     "2:30  "},
+    {"<!DOCTYPE a [\n<!ENTITY e '<b><c>&#38;</c></b>'>]><a>&e;</a>",
+     "2:39 reference /a/b/c (the entity is declared here 2:10)", "2:46  "},
+    {"<!DOCTYPE a [\n<!ENTITY u SYSTEM 'u' NDATA n>]><a>&u;</a>",
+     "2:36 unparsed-entity /a (the entity is declared here 2:10)", "2:43  "},
+    {"<!DOCTYPE a [\n<!ENTITY u SYSTEM 'u'>]><a x='&u;'/>",
+     "2:31 external-entity-in-value  (the entity is declared here 2:10)", "2:37  "},
+    {"order/2026.xml", "1:1 text-outside-root  hint: is this a file's n", "1:2   hint: is this a file's n"},
+    {"\xEF\xBB\xBF\xEF\xBB\xBF<a/>", "1:1 text-outside-root  hint: a byte-order mark ",
+     "1:2   hint: a byte-order mark "},
+    {"<!DOCTYPE html>\n<html><br></html>", "2:13 end-tag /html/br (it was opened here 2:7) hint: this looks like HT",
+     "2:18  /html (this element is open 2:7) hint: this looks like HT"},
+    {"<log a='1'/>\n<log a='2'/>", "2:1 second-root  hint: are these several ", "2:13  "},
+    {"<log/>\n<b/>", "2:1 second-root ", "2:5  "},
+    {"", "1:1 unfinished-document ", "1:1  "},
+};
+
+}  // namespace
+
+TEST(Places, ErrorsSayMoreThanTheirText) {
+    for (const auto& [xml, conforming, lenient] : Errors) {
+        EXPECT_EQ(errorOf(xml, QeXmlRules::Conforming), conforming) << xml;
+        EXPECT_EQ(errorOf(xml, QeXmlRules::Lenient), lenient) << xml;
+    }
+}
+
+// Names past the sixteenth have no number; the middle of what is long is left out.
+TEST(Places, PathsAreBounded) {
+    std::string names = "<r>";
+    for (int i = 0; i < 17; ++i)
+        names += "<n" + std::to_string(i) + "/>";
+    EXPECT_EQ(
+        errorOf(names + "<n15/><n15>", QeXmlRules::Conforming).substr(0, 45).find("/r/n15[3] ") != std::string::npos,
+        true);
+    EXPECT_NE(errorOf(names + "<n16/><n16>", QeXmlRules::Conforming).find("/r/n16 "), std::string::npos);
+    const std::string deep = errorOf(repeat("<e><e/>", 2000), QeXmlRules::Lenient);
+    EXPECT_NE(deep.find("/e/e[2]/e[2]"), std::string::npos) << deep;
+    EXPECT_NE(deep.find("/e[2]/.../e/e"), std::string::npos) << deep;
+    EXPECT_LT(deep.size(), 1'100u);
+    EXPECT_NE(
+        errorOf("<" + repeat("\xC3\xA9", 90) + ">", QeXmlRules::Conforming).find("/" + repeat("\xC3\xA9", 50) + "..."),
+        std::string::npos);
+}
+
+// A program that finds a fault later names its place; one that goes on behind errors is told where each was.
+TEST(Places, OfErrorsThatAProgramRaises) {
+    const Document document("<r>\n<a/>\n<b/><c/></r>");
+    const auto reader = document.open(Source::Span, QeXmlReaderOptions{.sourceName = "doc"});
+    reader->readElementStart();
+    reader->readElementStart("a");
+    const QeXmlPosition early = reader->getLastSpan().begin;
+    reader->readElementEnd();
+    const auto errorOfCall = [](auto call) {
+        try {
+            call();
+        } catch (const QeXmlParseError& error) {
+            return std::string(error.getSourceFile().data()) + ' ' + describeAll(error);
+        }
+        return std::string("none");
+    };
+    EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:5  /r");
+    EXPECT_EQ(errorOfCall([&] { reader->err("late", early); }), "doc 2:1  ");
+    EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:9  /r");
+    EXPECT_EQ(errorOfCall([&] { reader->err("now"); }), "doc 3:9  /r");
+}
