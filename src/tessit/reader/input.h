@@ -80,6 +80,9 @@ public:
 
     const char* position() const noexcept { return cursor; }
 
+    /// Has questions about places of a lenient reader's document that are not far behind this one cost little.
+    void dropAnchor(const char* place) const { placesInText().dropAnchor(place); }
+
     /// What stays of a lenient reader's document, without a mark in front.
     std::string_view textBehindMark() const { return placesInText().whole(); }
 

@@ -63,6 +63,10 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
 std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttribute& attribute) {
     if (lastTag.begin == nullptr) return std::nullopt;
     const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
+    if (lastTag.source == nullptr)
+        input.dropAnchor(lastTag.begin);
+    else
+        dropAnchor(*lastTag.source, lastTag.begin);
     const auto written = attributesOfLastTag.find(lastTag.begin, limit, attribute.getName().asString());
     if (!written) return std::nullopt;
     const auto spanOfText = [this](std::string_view text) {

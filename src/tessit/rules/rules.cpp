@@ -148,6 +148,10 @@ QeXmlPlace placeIn(const Source& source, const char* place) {
     return {told->name, placesOf(*told).at(place)};
 }
 
+void dropAnchor(const Source& source, const char* place) {
+    if (source.hasPlaces) placesOf(source).dropAnchor(place);
+}
+
 void refuseSaying(const Source& source, const char* place, Rule rule, const QeCString& message,
                   std::optional<QeXmlNote>&& note) {
     const QeXmlPlace where = placeIn(source, place);

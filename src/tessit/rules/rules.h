@@ -77,6 +77,9 @@ const char* messageOf(Rule rule) noexcept;
 /// those of the reference that brought it. O(bytes since the last place that was asked for, if that was in front).
 QeXmlPlace placeIn(const Source& source, const char* place);
 
+/// Has questions about places not far behind this one cost little, in any order.
+void dropAnchor(const Source& source, const char* place);
+
 /// Throws `QeXmlParseError`: what the rule says, with what was found there, and the place. Where the source is what an
 /// entity brought, the place of the reference goes along as the second place, unless another is given; for one that
 /// has no places of its own, it is the place.

@@ -22,6 +22,16 @@ Word findByte(Word word, char byte) {
     return ~(((difference & inEachByte(0x7F)) + inEachByte(0x7F)) | difference) & inEachByte(0x80);
 }
 
+// A mask of the bytes that come first in memory, fewer than all.
+Word firstBytes(std::size_t count) {
+    const Word low = (Word{1} << 8 * count) - 1;
+    return std::endian::native == std::endian::little ? low : ~(~Word{0} >> 8 * count);
+}
+
+std::uint64_t howMany(Word marks) {
+    return (marks >> 7) * inEachByte(1) >> 56;
+}
+
 // Of the bytes that are marked, the last one by its place in memory.
 std::size_t lastOf(Word marks) {
     const int unmarked = std::endian::native == std::endian::little ? std::countl_zero(marks) : std::countr_zero(marks);
@@ -43,8 +53,15 @@ void TextPlaces::begin(std::string_view newText, LineEnds ends, InputUnits input
     lineEnds = ends;
     units = inputUnits;
     base = position;
-    last = {text.data(), text.data(), 0, 0, 0, 0};
+    last = anchor = {text.data(), text.data(), 0, 0, 0, 0};
     kept.clear();
+}
+
+void TextPlaces::dropAnchor(const char* place) {
+    if (anchor.upTo == place) return;
+    goBackFor(place);
+    countTo(place);
+    anchor = last;
 }
 
 QeXmlPosition TextPlaces::at(const char* place) {
@@ -63,40 +80,48 @@ QeXmlPosition TextPlaces::at(const char* place) {
     return position;
 }
 
-// To the last place in front of this one that was kept, unless the last count is nearer.
+// To the nearest place that was counted and is not behind this one.
 void TextPlaces::goBackFor(const char* place) {
-    const auto distances = static_cast<std::size_t>(place - text.data()) / Distance;
-    const std::size_t number = std::min(distances, kept.size());
-    const char* const from = text.data() + number * Distance;
-    if (last.upTo <= place && last.upTo >= from) return;
-    last = number == 0 ? Count{text.data(), text.data(), 0, 0, 0, 0} : kept[number - 1];
+    if (last.upTo <= place && static_cast<std::size_t>(place - last.upTo) < Distance) return;
+    const std::size_t number = std::min(static_cast<std::size_t>(place - text.data()) / Distance, kept.size());
+    const Count begin{text.data(), text.data(), 0, 0, 0, 0};
+    const Count& nearest = number == 0 ? begin : kept[number - 1];
+    if (last.upTo > place || last.upTo < nearest.upTo) last = nearest;
+    if (anchor.upTo <= place && anchor.upTo > last.upTo) last = anchor;
 }
 
 void TextPlaces::countTo(const char* place) {
-    while (last.upTo != place) {
+    for (;;) {
         const char* const next = text.data() + (kept.size() + 1) * Distance;
-        const char* const stop = last.upTo < next && next <= place ? next : place;
-        Word word;
-        while (static_cast<std::size_t>(stop - last.upTo) >= sizeof word) {
-            std::memcpy(&word, last.upTo, sizeof word);
-            const Word lineFeeds = findByte(word, '\n');
-            const bool isPlain = (word & inEachByte(0x80)) == 0 &&
-                                 (lineEnds == LineEnds::LineFeed || findByte(word, '\r') == 0);
-            if (!isPlain) {
-                for (const char* const wordEnd = last.upTo + sizeof word; last.upTo != wordEnd;)
-                    countByte(last.upTo);
-                continue;
-            }
-            if (lineFeeds != 0) {
-                last.lines += static_cast<unsigned>(std::popcount(lineFeeds));
-                last.lineStart = last.upTo + lastOf(lineFeeds) + 1;
-                last.continuationsInFrontOfLine = last.continuations;
-            }
-            last.upTo += sizeof word;
-        }
-        while (last.upTo != stop)
+        if (place < next) return countOn(place);
+        countOn(next);
+        kept.push_back(last);
+    }
+}
+
+// Words are taken whole, the last one with what is behind `place` blanked out.
+void TextPlaces::countOn(const char* place) noexcept {
+    const char* const end = text.data() + text.size();
+    Word word;
+    while (last.upTo < place) {
+        const auto length = std::min(static_cast<std::size_t>(place - last.upTo), sizeof word);
+        if (static_cast<std::size_t>(end - last.upTo) < sizeof word) {
             countByte(last.upTo);
-        if (stop == next) kept.push_back(last);
+            continue;
+        }
+        std::memcpy(&word, last.upTo, sizeof word);
+        if (length != sizeof word) word &= firstBytes(length);
+        if ((word & inEachByte(0x80)) != 0 || (lineEnds == LineEnds::All && findByte(word, '\r') != 0)) {
+            for (const char* const stop = last.upTo + length; last.upTo != stop;)
+                countByte(last.upTo);
+            continue;
+        }
+        if (const Word lineFeeds = findByte(word, '\n')) {
+            last.lines += howMany(lineFeeds);
+            last.lineStart = last.upTo + lastOf(lineFeeds) + 1;
+            last.continuationsInFrontOfLine = last.continuations;
+        }
+        last.upTo += length;
     }
 }
 

@@ -36,6 +36,9 @@ public:
     /// The position of a place in the text, or behind it.
     QeXmlPosition at(const char* place);
 
+    /// Has questions about places not far behind this one cost little, in any order.
+    void dropAnchor(const char* place);
+
     /// What the text began with.
     const QeXmlPosition& beginning() const noexcept { return base; }
     std::string_view whole() const noexcept { return text; }
@@ -54,6 +57,7 @@ private:
 
     void goBackFor(const char* place);
     void countTo(const char* place);
+    void countOn(const char* place) noexcept;
     void countByte(const char* at) noexcept;
     bool endsLine(const char* at) const noexcept;
     std::uint64_t inputBytes() const noexcept;
@@ -62,7 +66,7 @@ private:
     LineEnds lineEnds = LineEnds::LineFeed;
     InputUnits units = InputUnits::Same;
     QeXmlPosition base;
-    Count last{};
+    Count last{}, anchor{};
     std::vector<Count> kept;  // at each multiple of a distance that was passed, the beginning left out
 };
 
