@@ -39,8 +39,8 @@ void print(const QeXmlParseError& error) {
     std::cout << error.getSourceFile() << ":" << error.getLineNumber() << ":" << error.getColumnNumber() << ": "
               << error.why() << "\n";
     if (const QeXmlNote* note = error.getNote())
-        std::cout << note->place.sourceFile << ":" << note->place.position.line << ":" << note->place.position.column << ": "
-                  << note->text << "\n";
+        std::cout << note->place.sourceFile << ":" << note->place.position.line << ":" << note->place.position.column
+                  << ": " << note->text << "\n";
 }
 
 void print(std::string_view document) {

@@ -77,7 +77,8 @@ struct Reading {
 std::string describeFault(const QeXmlParseError& error) {
     std::string text = std::string(std::string_view(error.getSourceFile())) + describe(error);
     if (const QeXmlNote* note = error.getNote())
-        text += " note " + std::to_string(note->place.position.line) + ":" + std::to_string(note->place.position.column);
+        text +=
+            " note " + std::to_string(note->place.position.line) + ":" + std::to_string(note->place.position.column);
     return text;
 }
 

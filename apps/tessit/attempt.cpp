@@ -10,7 +10,8 @@
 #include "input.h"
 
 std::string placeText(const QeXmlPlace& place) {
-    return std::string(place.sourceFile) + ':' + std::to_string(place.position.line) + ':' + std::to_string(place.position.column);
+    return std::string(place.sourceFile) + ':' + std::to_string(place.position.line) + ':' +
+           std::to_string(place.position.column);
 }
 
 namespace {
