@@ -171,7 +171,7 @@ namespace {
 class Shelf : public QeXmlResolver {
     bool resolve(const QeXmlExternalId& id, QeXmlExternalEntity& entity) override {
         if (id.getSystemId() == "none") return false;
-        entity.setBytes("1\n<b x='2'/>");
+        entity.setBytes(id.getSystemId() == "bad" ? "1\n<c>&</c>" : "1\n<b x='2'/>");
         return true;
     }
 };
@@ -286,6 +286,68 @@ TEST(Places, ErrorsSayMoreThanTheirText) {
     }
 }
 
+namespace {
+
+// The line, a caret in it where the place is, and dots where it goes on.
+std::string textOf(const QeXmlExcerpt& excerpt) {
+    std::string text = excerpt.isCutInFront ? "..." : "";
+    text += excerpt.text.data();
+    text.insert(text.size() - excerpt.text.length() + excerpt.offset, "^");
+    return text + (excerpt.isCutBehind ? "..." : "");
+}
+
+std::string linesOf(std::string_view xml, QeXmlRules rules) {
+    try {
+        Shelf shelf;
+        const Document document(xml);
+        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules, .resolver = &shelf});
+        reader->setMatchTags(true);
+        while (!reader->eof())
+            reader->readNextNode();
+        reader->err("the end");
+    } catch (const QeXmlParseError& error) {
+        return textOf(error.getExcerpt()) + (error.getNote() ? " | " + textOf(error.getNote()->excerpt) : "");
+    }
+}
+
+struct LineCase {
+    std::string xml;
+    std::string conforming, lenient;
+};
+
+const std::string Accents = repeat("\xC3\xA9", 100);
+const std::string Cut = repeat("\xC3\xA9", 79);  // a byte more of the next one could be shown
+
+const LineCase Lines[] = {
+    {"<a>\n<b>\n</a>", "</^a> | ^<b>", "</a>^ | ^<b>"},
+    {"<a>\r2&\r3</a>", "2&^", "<a>\r2&\r3</a>^ | ^<a>\r2&\r3</a>"},
+    {"<a>\r\n<1/ \r\n", "<^1/ ", "<1^/ "},
+    {"<a >\r\r\n&</a>", "&^</a>", "&</a>^ | ^<a >\r"},
+    {"<a b='" + Accents + "' 1" + Accents + "'/>", "..." + Cut + "' ^1" + Cut + "...",
+     "..." + Accents.substr(0, 156) + "' 1^" + Accents.substr(0, 160) + "..."},
+    {"<a>\x01</a>", "<a>^\x01</a>", "<a>\x01</a>^"},
+    {"<a>\xFF" + repeat("y", 200), "<a>^\xFF" + repeat("y", 159) + "...",
+     "..." + repeat("y", 160) + "^ | ^<a>\xFF" + repeat("y", 156) + "..."},
+    {"<?xml version='1.0' encoding='x'?>", "<?xml version='1.0' encoding='^x'?>",
+     "<?xml version='1.0' encoding='x'^?>"},
+    {"<a>\xC3\xA9<?xml version='1.0' encoding='ISO-8859-1'?>\xE9",
+     "<a>\xC3\xA9<?^xml version='1.0' encoding='ISO-8859-1'?>\xE9", "...?>\xC3\xA9^"},
+    {encode("<a>\n\xC3\xA9&</a>", Encoding::Utf16LE), "\xC3\xA9&^</a>", "\xC3\xA9&</a>^ | ^<a>"},
+    {"<!DOCTYPE a [<!ENTITY e '&#60;'>\n]><a>&e;</a>", "]><a>^&e;</a> | <!DOCTYPE a [<!ENTITY ^e '&#60;'>",
+     "]><a>&e;</a>^"},
+    {"<!DOCTYPE a [<!ENTITY e SYSTEM 'bad'>]>\n<a>&e;</a>", "<c>&^</c> | <a>^&e;</a>", "<a>&e;</a>^"},
+    {"<a/>\n", "^", "^"},
+};
+
+}  // namespace
+
+TEST(Places, ErrorsShowTheirLines) {
+    for (const auto& [xml, conforming, lenient] : Lines) {
+        EXPECT_EQ(linesOf(xml, QeXmlRules::Conforming), conforming) << xml;
+        EXPECT_EQ(linesOf(xml, QeXmlRules::Lenient), lenient) << xml;
+    }
+}
+
 // Names past the sixteenth have no number; the middle of what is long is left out.
 TEST(Places, PathsAreBounded) {
     std::string names = "<r>";
@@ -306,7 +368,7 @@ TEST(Places, PathsAreBounded) {
 
 // A program that finds a fault later names its place; one that goes on behind errors is told where each was.
 TEST(Places, OfErrorsThatAProgramRaises) {
-    const Document document("<r>\n<a/>\n<b/><c/></r>");
+    const Document document("<r>\r\n<a/>\n<b/><c/></r>");
     const auto reader = document.open(Source::Span, QeXmlReaderOptions{.sourceName = "doc"});
     reader->readElementStart();
     reader->readElementStart("a");
@@ -316,12 +378,15 @@ TEST(Places, OfErrorsThatAProgramRaises) {
         try {
             call();
         } catch (const QeXmlParseError& error) {
-            return std::string(error.getSourceFile().data()) + ' ' + describeAll(error);
+            return std::string(error.getSourceFile().data()) + ' ' + describeAll(error) + " " +
+                   textOf(error.getExcerpt());
         }
         return std::string("none");
     };
-    EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:5  /r");
-    EXPECT_EQ(errorOfCall([&] { reader->err("late", early); }), "doc 2:1  ");
-    EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:9  /r");
-    EXPECT_EQ(errorOfCall([&] { reader->err("now"); }), "doc 3:9  /r");
+    EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:5  /r <b/>^<c/></r>");
+    EXPECT_EQ(errorOfCall([&] { reader->err("late", early); }), "doc 2:1   ^<a/>");
+    EXPECT_EQ(errorOfCall([&] { reader->err("", {.line = 1, .column = 5, .offset = 4}); }), "doc 1:5   <r>^");
+    EXPECT_EQ(errorOfCall([&] { reader->err("", {.line = 1, .column = 6, .offset = 5}); }), "doc 1:6   ^");
+    EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:9  /r <b/><c/>^</r>");
+    EXPECT_EQ(errorOfCall([&] { reader->err("now"); }), "doc 3:9  /r <b/><c/>^</r>");
 }

@@ -103,6 +103,7 @@ public:
 struct QeXmlNote {
     QeCString text;
     QeXmlPlace place;
+    QeXmlExcerpt excerpt = {};  ///< the line of the place
 };
 
 /// A document that cannot be read, and where.
@@ -147,13 +148,16 @@ public:
     /// column, the offsets are unknown.
     QeXmlPosition getPosition() const noexcept;
 
-    /// The elements that were open, outermost first: `/feed/entry[3]/title` is in the third `entry` of its parent. First
-    /// ones have no number, nor have those of more than sixteen names in one parent. The middle of a path of more
+    /// The elements that were open, outermost first: `/feed/entry[3]/title` is in the third `entry` of its parent.
+    /// First ones have no number, nor have those of more than sixteen names in one parent. The middle of a path of more
     /// than 1,000 bytes is left out. Empty where no element was open, or nobody knows.
     const QeCString& getPath() const noexcept;
 
     /// A second place, or null.
     const QeXmlNote* getNote() const noexcept;
+
+    /// The line of the position, as far as the reader has it.
+    const QeXmlExcerpt& getExcerpt() const noexcept;
 
     /// What often is the reason, for a person to read; or empty.
     const QeCString& getHint() const noexcept;

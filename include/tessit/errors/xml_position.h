@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include <corvel/c_string.h>
@@ -35,6 +36,14 @@ struct QeXmlAttributeSpans {
 struct QeXmlOpenElement {
     QeCString name;
     QeXmlSpan tag;
+};
+
+/// The line in which a place stands, for people to see: up to 160 bytes of it on either side of the place.
+struct QeXmlExcerpt {
+    QeCString text;          ///< as UTF-8, without the line's end; empty where nobody knows it
+    std::size_t offset = 0;  ///< of the place in the text, in bytes
+    bool isCutInFront = false;
+    bool isCutBehind = false;
 };
 
 /// A place, and in which text.

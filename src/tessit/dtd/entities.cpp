@@ -81,6 +81,9 @@ bool EntityReading::load(Entity& entity) {
     entity.source.text = decoded.text;
     entity.source.endsBy = decoded.endsBy;
     entity.source.foundAtEnd = decoded.foundAtEnd;
+    entity.source.behind = decoded.behind;
+    entity.source.inputUnits = decoded.inputUnits;
+    entity.source.markLength = decoded.markLength;
     entity.source.name = std::move(name);
     passTextDeclaration(entity.source);
     return external.isAvailable = true;

@@ -12,6 +12,7 @@ struct QeXmlParseError::Details {
     std::optional<QeXmlNote> note = {};
     QeCString hint = {};
     std::string_view rule = {};  // a text that stays
+    QeXmlExcerpt excerpt = {};
 };
 
 namespace tessit {

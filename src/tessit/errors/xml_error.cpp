@@ -22,6 +22,7 @@ QeXmlParseError::~QeXmlParseError() = default;
 namespace {
 
 constinit const corvel::Immortal<QeCString> None;
+constinit const corvel::Immortal<QeXmlExcerpt> NoExcerpt;
 
 unsigned clamped(std::uint64_t count) {
     return static_cast<unsigned>(std::min<std::uint64_t>(count, std::numeric_limits<unsigned>::max()));
@@ -50,6 +51,10 @@ const QeXmlNote* QeXmlParseError::getNote() const noexcept {
 
 const QeCString& QeXmlParseError::getPath() const noexcept {
     return details == nullptr ? None.value : details->path;
+}
+
+const QeXmlExcerpt& QeXmlParseError::getExcerpt() const noexcept {
+    return details == nullptr ? NoExcerpt.value : details->excerpt;
 }
 
 const QeCString& QeXmlParseError::getHint() const noexcept {

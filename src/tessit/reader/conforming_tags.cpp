@@ -196,7 +196,7 @@ void ConformingTags::checkDuplicates(std::span<RawAttribute* const> sameLocalNam
         if (left.binding == nullptr ? left.attribute->name.whole() == right.attribute->name.whole()
                                     : left.binding->getURI() == right.binding->getURI())
             refuse(*source, placeOf(*right.attribute, tagEnd), Rule::DuplicateAttribute, right.attribute->name.whole(),
-                   QeXmlNote{"the first of the two stands here", placeIn(*source, placeOf(*left.attribute, tagEnd))});
+                   noteIn(*source, placeOf(*left.attribute, tagEnd), "the first of the two stands here"));
     }
 }
 

@@ -74,6 +74,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     QeXmlPosition endOf(const Written& written, const char* end) const;
     QeXmlSpan spanOf(const Written& written, const char* end) const;
     QeXmlSpan spanOfLastNode() const;
+    QeXmlExcerpt excerptAt(const QeXmlPosition& position) const;
     QeXmlSpan spanOfTag(const char* tag) const;
     std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
     const tessit::ElementPath& pathInDocument(const char* place) const;

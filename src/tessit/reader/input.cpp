@@ -9,6 +9,7 @@
 
 #include <tessit/errors/error_access.h>
 #include <tessit/reader/input.h>
+#include <tessit/rules/excerpt.h>
 #include <tessit/rules/rules.h>
 
 namespace tessit {
@@ -175,10 +176,24 @@ QeXmlPosition Input::positionOf(const char* place) const {
     return strict != nullptr ? placeIn(*strict, place).position : placesInText().at(place);
 }
 
+QeXmlExcerpt Input::excerptAt(const char* place) const {
+    if (strict != nullptr) return excerptIn(*strict, place);
+    const TextPlaces& text = placesInText();
+    QeXmlExcerpt excerpt = tessit::excerptAt(text.whole(), place, LineEnds::LineFeed);
+    const bool reachesFirst = place - excerpt.offset == text.whole().data();
+    if (reachesFirst && text.beginning().column != 1) excerpt.isCutInFront = true;
+    return excerpt;
+}
+
+QeXmlExcerpt Input::excerptAt(const QeXmlPosition& position) const {
+    const char* const place = placesInText().find(position);
+    return place == nullptr ? QeXmlExcerpt() : excerptAt(place);
+}
+
 // The described line and column count from the last conversion, and take a mark in.
 void Input::raise(const QeCString& message, std::optional<QeXmlNote>&& note, const char* readUpTo) const {
     const QeXmlPosition position = positionOf(cursor);
-    ErrorAccess::Details details{.position = position, .note = std::move(note)};
+    ErrorAccess::Details details{.position = position, .note = std::move(note), .excerpt = excerptAt(cursor)};
     context.complete(details, readUpTo);
     if (strict != nullptr) throw ErrorAccess::make(message, placeIn(*strict, cursor), std::move(details));
     const QeXmlPosition& beginning = placesInText().beginning();

@@ -93,6 +93,12 @@ public:
     /// The position of a place in what is read. O(bytes since the last one that was asked for).
     QeXmlPosition positionOf(const char* place) const;
 
+    /// The line of a place. O(1).
+    QeXmlExcerpt excerptAt(const char* place) const;
+
+    /// The same of a position, if it is one of a lenient reader's document.
+    QeXmlExcerpt excerptAt(const QeXmlPosition& position) const;
+
     /// Throws `QeXmlParseError` with this message and the cursor's position. O(bytes read since the last error).
     [[noreturn]] void raise(const QeCString& message, std::optional<QeXmlNote>&& note = {}) const;
 

@@ -138,8 +138,9 @@ std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
 std::optional<QeXmlNote> QeXmlReader::Engine::noteOfInnermost(const char* text, const char* place) const {
     const ElementPath& inDocument = pathInDocument(place);
     if (inDocument.depth() == 0) return std::nullopt;
-    const QeCString& source = conforming == nullptr ? input.getSourceName() : conforming->document.source.name;
-    return QeXmlNote{text, {source, spanOfTag(inDocument.element(inDocument.depth() - 1).tag).begin}};
+    const char* const tag = inDocument.element(inDocument.depth() - 1).tag;
+    if (conforming != nullptr) return tessit::noteIn(conforming->document.source, tag, text);
+    return QeXmlNote{text, {input.getSourceName(), input.positionOf(tag)}, input.excerptAt(tag)};
 }
 
 void QeXmlReader::Engine::raiseUnmatched() const {
@@ -186,6 +187,13 @@ void QeXmlReader::Engine::complete(tessit::ErrorAccess::Details& details, const 
     details.hint = hint(details.rule);
 }
 
+// Of a position that is one of the document's text.
+QeXmlExcerpt QeXmlReader::Engine::excerptAt(const QeXmlPosition& position) const {
+    if (conforming == nullptr) return input.excerptAt(position);
+    const char* const place = tessit::findIn(conforming->document.source, position);
+    return place == nullptr ? QeXmlExcerpt() : excerptIn(conforming->document.source, place);
+}
+
 QeXmlSpan QeXmlReader::getLastSpan() const {
     return engine->spanOfLastNode();
 }
@@ -199,5 +207,6 @@ std::vector<QeXmlOpenElement> QeXmlReader::getOpenElements() const {
 }
 
 void QeXmlReader::err(const QeCString& message, const QeXmlPosition& where) const {
-    throw QeXmlParseError(message, QeXmlPlace{engine->input.getSourceName(), where});
+    throw tessit::ErrorAccess::make(message, {engine->input.getSourceName(), where},
+                                    {.position = where, .excerpt = engine->excerptAt(where)});
 }

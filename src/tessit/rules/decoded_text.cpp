@@ -253,6 +253,7 @@ private:
     void convert(std::string_view from, std::string_view canonical, const QeCString& name) {
         text.encoding = name;
         text.source.endsBy = Rule::None;
+        text.source.behind = nullptr;
         text.source.markLength = static_cast<unsigned>(from.data() - bytes.data());
         text.source.inputUnits = inputUnitsOf(canonical, false);
         if (canonical == "UTF-8")
@@ -278,7 +279,8 @@ private:
     void takeAscii(std::string_view from) {
         const auto isPast = [](char byte) { return (byte & 0x80) != 0; };
         const auto length = static_cast<std::size_t>(std::find_if(from.begin(), from.end(), isPast) - from.begin());
-        text.source.text = from.substr(0, length);
+        text.source.text = from;
+        cut(length);
         if (length != from.size()) endByMalformed(from.substr(length, 1));
     }
 
@@ -302,7 +304,7 @@ private:
         const auto length = static_cast<std::size_t>(findBadCharacter(utf8) - utf8.data());
         if (length == utf8.size()) return;
         const std::string_view bad = utf8.substr(length);
-        utf8 = utf8.substr(0, length);
+        cut(length);
         if (const std::optional<std::uint32_t> character = decodeFirst(bad))
             endBy(Rule::Character, describeCharacter(*character));
         else
@@ -324,10 +326,14 @@ private:
 
     // In front of a name that stands in the text.
     void endAt(std::string_view name, Rule rule) {
-        const std::string_view whole = text.source.text;
         text.encoding.assign(name);
-        text.source.text = whole.substr(0, static_cast<std::size_t>(name.data() - whole.data()));
+        cut(static_cast<std::size_t>(name.data() - text.source.begin()));
         endBy(rule, QeCString(name));
+    }
+
+    void cut(std::size_t length) {
+        text.source.behind = text.source.end();
+        text.source.text = text.source.text.substr(0, length);
     }
 
     void endBy(Rule rule, QeCString&& found) {

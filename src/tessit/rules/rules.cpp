@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <tessit/errors/error_access.h>
+#include <tessit/rules/excerpt.h>
 #include <tessit/rules/rules.h>
 #include <tessit/rules/strict_scanner.h>
 
@@ -123,6 +124,34 @@ TextPlaces& placesOf(const Source& source) {
     return *source.places;
 }
 
+struct PlaceInSource {
+    const Source* source;
+    const char* place;
+};
+
+// Where places are told: up to the reference, from a text that has none.
+PlaceInSource toldIn(const Source& source, const char* place) {
+    PlaceInSource told{&source, place};
+    while (!told.source->hasPlaces && told.source->parent != nullptr)
+        told = {told.source->parent, told.source->reference};
+    return told;
+}
+
+QeXmlPlace positionOf(const PlaceInSource& told) {
+    return {told.source->name, placesOf(*told.source).at(told.place)};
+}
+
+// Behind a fault of characters, the line is shown all the same, as far as its bytes are there.
+QeXmlExcerpt excerptOf(const PlaceInSource& told) {
+    const Source& source = *told.source;
+    const char* const first = source.linesFrom != nullptr ? source.linesFrom : source.begin();
+    const char* const last = source.behind != nullptr ? source.behind : source.end();
+    QeXmlExcerpt excerpt = excerptAt({first, static_cast<std::size_t>(last - first)}, told.place, LineEnds::All);
+    const bool reachesLast = told.place + (excerpt.text.length() - excerpt.offset) == last;
+    if (reachesLast && source.behind == nullptr) excerpt.isCutBehind = source.endsBy != Rule::None;
+    return excerpt;
+}
+
 // The text whose reference a reader would want to see besides: that of the entity from outside in which the place is.
 const Source* outsideOf(const Source& source) {
     const Source* at = &source;
@@ -142,10 +171,20 @@ const char* messageOf(Rule rule) noexcept {
 }
 
 QeXmlPlace placeIn(const Source& source, const char* place) {
-    const Source* told = &source;
-    for (; !told->hasPlaces && told->parent != nullptr; told = told->parent)
-        place = told->reference;
-    return {told->name, placesOf(*told).at(place)};
+    return positionOf(toldIn(source, place));
+}
+
+const char* findIn(const Source& source, const QeXmlPosition& position) {
+    return placesOf(source).find(position);
+}
+
+QeXmlExcerpt excerptIn(const Source& source, const char* place) {
+    return excerptOf(toldIn(source, place));
+}
+
+QeXmlNote noteIn(const Source& source, const char* place, const char* text) {
+    const PlaceInSource told = toldIn(source, place);
+    return {text, positionOf(told), excerptOf(told)};
 }
 
 void dropAnchor(const Source& source, const char* place) {
@@ -157,9 +196,12 @@ void refuseSaying(const Source& source, const char* place, Rule rule, const QeCS
     const QeXmlPlace where = placeIn(source, place);
     if (!source.hasPlaces && !note) note = noteOfDeclaration(source);
     if (const Source* const outside = outsideOf(source); outside != nullptr && !note)
-        note = {"the entity was referred to here", placeIn(*outside->parent, outside->reference)};
+        note = noteIn(*outside->parent, outside->reference, "the entity was referred to here");
     throw ErrorAccess::make(message, where,
-                            {.position = where.position, .note = std::move(note), .rule = nameOf(rule)});
+                            {.position = where.position,
+                             .note = std::move(note),
+                             .rule = nameOf(rule),
+                             .excerpt = excerptIn(source, place)});
 }
 
 void refuse(const Source& source, const char* place, Rule rule, std::string_view found,
@@ -169,7 +211,7 @@ void refuse(const Source& source, const char* place, Rule rule, std::string_view
 
 std::optional<QeXmlNote> noteOfDeclaration(const Source& source) {
     if (source.declaredIn == nullptr) return std::nullopt;
-    return QeXmlNote{"the entity is declared here", placeIn(*source.declaredIn, source.declaredAt)};
+    return noteIn(*source.declaredIn, source.declaredAt, "the entity is declared here");
 }
 
 std::string_view quoted(std::string_view text) noexcept {

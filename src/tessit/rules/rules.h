@@ -77,6 +77,15 @@ const char* messageOf(Rule rule) noexcept;
 /// those of the reference that brought it. O(bytes since the last place that was asked for, if that was in front).
 QeXmlPlace placeIn(const Source& source, const char* place);
 
+/// The place in a source that has places which has this position; null if none has.
+const char* findIn(const Source& source, const QeXmlPosition& position);
+
+/// The line of a place, told as `placeIn` tells places. O(1).
+QeXmlExcerpt excerptIn(const Source& source, const char* place);
+
+/// A place with its line, and what is to be said of it.
+QeXmlNote noteIn(const Source& source, const char* place, const char* text);
+
 /// Has questions about places not far behind this one cost little, in any order.
 void dropAnchor(const Source& source, const char* place);
 

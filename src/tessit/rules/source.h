@@ -19,6 +19,7 @@ struct Source {
     QeCString foundAtEnd;  ///< and what is said to be found there
     Rule cutBy{};          ///< the rule that what the true end cuts breaks; none where the document is unfinished then
     QeCString name;        ///< of the document, or of the entity from outside
+    const char* behind = nullptr;        ///< where the bytes behind a fault end; null where they are not there
     const Source* parent = nullptr;      ///< where the reference stands that brought the text; null for the document
     const char* reference = nullptr;     ///< its '&' or '%'
     const Source* declaredIn = nullptr;  ///< where the entity is declared that the text is of; null where nobody knows

@@ -80,6 +80,13 @@ QeXmlPosition TextPlaces::at(const char* place) {
     return position;
 }
 
+const char* TextPlaces::find(const QeXmlPosition& position) {
+    if (position.offset < base.offset || position.offset - base.offset > text.size()) return nullptr;
+    const char* const place = text.data() + (position.offset - base.offset);
+    const QeXmlPosition found = at(place);
+    return found.line == position.line && found.column == position.column ? place : nullptr;
+}
+
 // To the nearest place that was counted and is not behind this one.
 void TextPlaces::goBackFor(const char* place) {
     if (last.upTo <= place && static_cast<std::size_t>(place - last.upTo) < Distance) return;

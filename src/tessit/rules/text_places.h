@@ -36,6 +36,9 @@ public:
     /// The position of a place in the text, or behind it.
     QeXmlPosition at(const char* place);
 
+    /// The place in the text that has that position; null if none has.
+    const char* find(const QeXmlPosition& position);
+
     /// Has questions about places not far behind this one cost little, in any order.
     void dropAnchor(const char* place);
 
