@@ -50,12 +50,19 @@ void print(std::string_view document) {
     parser.setContentHandler(&printer);
     parser.setLexicalHandler(&printer);
     const auto* bytes = reinterpret_cast<const unsigned char*>(document.data());
+    QeXmlLimits limits = QeXmlLimits::forStrangers();
+    limits.depth = 2;  // orders are flat
     try {
         parser.parse({bytes, document.size()}, {.rules = QeXmlRules::Conforming,
                                                 .sourceName = "order.xml",
                                                 .nodes = QeXmlNodes::Comments,
-                                                .resolver = &shelf});
+                                                .resolver = &shelf,
+                                                .limits = limits});
         std::cout << "\n";
+    } catch (const QeXmlLimitError& error) {
+        std::cout << "\n";
+        print(error);
+        std::cout << "The limit on " << error.getLimit() << " is " << error.getValue() << ".\n";
     } catch (const QeXmlParseError& error) {
         std::cout << "\n";
         print(error);
@@ -68,4 +75,5 @@ int main() {
     print("<!DOCTYPE order SYSTEM 'order.dtd'><order><!--soon--><item>&tea;</item></order>");
     print("<order>\n<item name='tea' name='rice'/></order>");
     print("<!DOCTYPE order [<!ENTITY note SYSTEM 'note.xml'>]>\n<order>&note;</order>");
+    print("<order><item><item><item/></item></item></order>");
 }

@@ -14,6 +14,8 @@
 #include <tessit/dtd/xml_resolver.h>
 #include <tessit/errors/catalog.h>
 #include <tessit/errors/xml_error.h>
+#include <tessit/errors/xml_limits.h>
+#include <tessit/errors/xml_position.h>
 #include <tessit/model/xml_attribute.h>
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_element_imp.h>

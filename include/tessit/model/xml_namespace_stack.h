@@ -90,6 +90,7 @@ private:
     TESSIT_NO_EXPORT void takeInnermost(Declarations& from);
     TESSIT_NO_EXPORT void makeInnermostOnly() noexcept;
 
+    TESSIT_NO_EXPORT std::size_t count() const noexcept;
     TESSIT_NO_EXPORT Declarations& declarations();
     TESSIT_NO_EXPORT void dropAll() noexcept;
     TESSIT_NO_EXPORT void lookAtInnermost() noexcept;

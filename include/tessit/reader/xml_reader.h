@@ -145,7 +145,7 @@ public:
 
     /// Scans the next node, whatever it is; `getLastNodeType()` tells. A lenient reader does not check that tags
     /// pair up. At the end of the input throws "Premature EOF": test `eof()` first.
-    void readNextNode() { nodePending || isConforming ? takePendingOrConforming() : readNextLenient(); }
+    void readNextNode() { nodePending || readsApart ? takePendingOrApart() : readNextLenient(); }
 
     /// Whether the document is exhausted: a tag that `isElementNext` has looked at counts as read, though it
     /// is still to be taken. Outside the root element skips whitespace first, a conforming reader also what is
@@ -279,7 +279,7 @@ private:
     TESSIT_API QeXmlReader(std::span<const unsigned char> document, const Passed& passed);
     void open(std::string_view document);
     TESSIT_API void readNextLenient();
-    TESSIT_API void takePendingOrConforming();
+    TESSIT_API void takePendingOrApart();
     void readNextConforming();
     TESSIT_API void skipSpace() noexcept;
 
@@ -298,6 +298,6 @@ private:
     NodeType lastNodeType = NoNode;
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
-    bool isConforming = false;  // which loop reads
+    bool readsApart = false;  // by the conforming rules, or with limits
     std::unique_ptr<Engine> engine;
 };

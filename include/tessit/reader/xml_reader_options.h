@@ -7,6 +7,7 @@
 
 #include <corvel/c_string.h>
 #include <tessit/dtd/xml_resolver.h>
+#include <tessit/errors/xml_limits.h>
 
 /// By which rules a reader reads.
 enum class QeXmlRules {
@@ -33,8 +34,8 @@ constexpr QeXmlNodes operator|(QeXmlNodes left, QeXmlNodes right) noexcept {
 
 /// How a reader is to read: `QeXmlReader reader(bytes, {.rules = QeXmlRules::Conforming})`.
 ///
-/// All but the source's name is for conforming readers, and without effect on a lenient
-/// one. Later versions append fields; programs that were built with fewer of them go on as
+/// All but the source's name and the limits is for conforming readers, and without effect on a
+/// lenient one. Later versions append fields; programs that were built with fewer of them go on as
 /// if these had their defaults.
 struct QeXmlReaderOptions {
     QeXmlRules rules = QeXmlRules::Lenient;
@@ -64,6 +65,9 @@ struct QeXmlReaderOptions {
 
     /// How deep entities may stand in the replacement text of others.
     std::size_t entityDepth = 256;
+
+    /// What a document may have at most, of lenient readers, too.
+    QeXmlLimits limits = {};
 
     struct Passed;
 };

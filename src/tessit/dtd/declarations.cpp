@@ -67,6 +67,11 @@ Entity* Declarations::resolveParameter(const Source& where, const char* referenc
     return entity;
 }
 
+void Declarations::countDeclaration(const Source& where, const char* place) {
+    if (++declarationCount > settings.limits->declarations)
+        refuseLimit(where, place, *settings.limits, Limit::Declarations);
+}
+
 Entity* Declarations::declareEntity(std::string_view name, bool isParameter) {
     auto& entities = isParameter ? parameters : general;
     if (!appliesDeclarations() || entities.find(name) != nullptr) return nullptr;

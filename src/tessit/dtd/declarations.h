@@ -72,8 +72,10 @@ public:
     void charge(std::uint64_t bytes, const Source& where, const char* place) { reading.charge(bytes, where, place); }
 
     /// Appends what an attribute's value is that stands between quotes in `where`. References that are left alone stay
-    /// as written, and are listed in `left` if there is one.
-    void appendValue(QeCString& value, const Source& where, std::string_view literal, std::vector<LeftReference>* left);
+    /// as written, and are listed in `left` if there is one. Throws `Exceeded` before the value would have more than
+    /// `most` bytes.
+    void appendValue(QeCString& value, const Source& where, std::string_view literal, std::vector<LeftReference>* left,
+                     std::uint64_t most = QeXmlLimits::None);
 
     /// Drops the blanks around what stands in the value from a place on, and all but one of those within. What is
     /// listed in `left` stays listed.
@@ -102,6 +104,9 @@ public:
     /// The parameter entity of a reference, whose '%' is at that place; null when it is not declared.
     Entity* resolveParameter(const Source& where, const char* reference, std::string_view name);
 
+    /// There is one more, at that place.
+    void countDeclaration(const Source& where, const char* place);
+
     /// A new entity, or null where the declaration is not applied: another one came first, or something was not read.
     Entity* declareEntity(std::string_view name, bool isParameter);
 
@@ -122,6 +127,7 @@ private:
     NamedList<AttributeList, std::deque> lists;
     Entity externalSubset;
     bool isStandalone = false;
+    std::uint64_t declarationCount = 0;
     std::vector<SubsetInstruction> subsetInstructions;
     bool refersElsewhere = false, lacksParameterEntity = false;
     bool isReadingOutside = false;

@@ -91,11 +91,13 @@ constexpr std::string_view SectionEnd = "]]>";
 void SubsetReader::readMarkup() {
     if (text.passIf("<!--")) return passComment();
     if (text.passIf("<?")) return readInstruction();
+    const char* const start = text.position();
+    if (text.passIf("<![")) return readConditionalSection();
+    declarations.countDeclaration(text.getSource(), start);
     if (text.passIf("<!ELEMENT")) return readElementDeclaration();
     if (text.passIf("<!ATTLIST")) return readAttributeListDeclaration();
     if (text.passIf("<!ENTITY")) return readEntityDeclaration();
     if (text.passIf("<!NOTATION")) return readNotationDeclaration();
-    if (text.passIf("<![")) return readConditionalSection();
     refuseMarkup();
 }
 

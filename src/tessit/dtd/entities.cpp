@@ -51,12 +51,17 @@ void EntityReading::addBytesRead(std::uint64_t bytes) noexcept {
 }
 
 void EntityReading::charge(std::uint64_t bytes, const Source& where, const char* place) {
+    const QeXmlLimits& limits = *settings.limits;
+    if (bytes > limits.replacementText - std::min(charged, limits.replacementText))
+        refuseLimit(where, place, limits, Limit::ReplacementText);
     if (bytes > mostCharged - charged) refuse(where, place, Rule::EntityExpansion);
     charged += bytes;
 }
 
 const Source* EntityReading::open(Entity& entity, const Source& where, const char* reference) {
     if (entity.isOpen) refuse(where, reference, Rule::RecursiveEntity, entity.name, noteOfDeclaration(entity.source));
+    if (openEntities >= settings.limits->entityDepth)
+        refuseLimit(where, reference, *settings.limits, Limit::EntityDepth);
     if (openEntities >= settings.entityDepth)
         refuse(where, reference, Rule::EntityDepth, entity.name, noteOfDeclaration(entity.source));
     entity.source.parent = &where;

@@ -11,6 +11,7 @@
 #include <tessit/dtd/named_list.h>
 #include <tessit/dtd/xml_resolver.h>
 #include <tessit/rules/decoded_text.h>
+#include <tessit/rules/limits.h>
 #include <tessit/rules/source.h>
 
 namespace tessit {
@@ -22,6 +23,7 @@ struct DeclarationSettings {
     std::uint64_t expansionFactor = 100;
     std::uint64_t freeExpansion = 8 * 1024 * 1024;
     std::size_t entityDepth = 256;
+    const QeXmlLimits* limits = &NoLimits;
     bool keepsInstructions = false;  ///< those among the declarations
 };
 

@@ -6,6 +6,7 @@
 #include <corvel/byte_scan.h>
 #include <corvel/c_string.h>
 #include <tessit/dtd/declarations.h>
+#include <tessit/rules/limits.h>
 #include <tessit/rules/strict_scanner.h>
 
 namespace tessit {
@@ -14,8 +15,16 @@ namespace tessit {
 /// the other, to any depth.
 class Expansion {
 public:
-    Expansion(Declarations& from, QeCString& result, const Source& where, std::string_view literal) noexcept
-        : declarations(from), text(result), here(where, literal.data()), end(literal.data() + literal.size()) {}
+    /// The result may have `most` bytes; `Exceeded` is thrown before it has more.
+    Expansion(Declarations& from, QeCString& result, const Source& where, std::string_view literal,
+              std::uint64_t most = QeXmlLimits::None) noexcept
+        : declarations(from),
+          text(result),
+          here(where, literal.data()),
+          end(literal.data() + literal.size()),
+          begin(literal.data()),
+          alreadyThere(result.length()),
+          mostBytes(most) {}
     Expansion(const Expansion&) = delete;
     Expansion& operator=(const Expansion&) = delete;
 
@@ -25,8 +34,15 @@ protected:
     bool appendUpTo(Byte... bytes) {
         const char* const start = here.position();
         here.goTo(corvel::findAny(start, end, bytes...));
-        text.append(start, static_cast<std::size_t>(here.position() - start));
+        const auto length = static_cast<std::size_t>(here.position() - start);
+        holdMore(length);
+        text.append(start, length);
         return here.position() != end;
+    }
+
+    /// So many bytes are about to be appended.
+    void holdMore(std::size_t bytes) const {
+        hold(text.length() - alreadyThere + bytes, mostBytes, Limit::Value, begin);
     }
 
     /// Goes on in the text that has the reference, if all of one that it brought was read. False at the literal's end.
@@ -45,6 +61,10 @@ protected:
     const char* end;  // of the literal or of the replacement text
 
 private:
+    const char* begin;
+    std::size_t alreadyThere;
+    std::uint64_t mostBytes;
+
     struct Suspended {
         StrictScanner at;
         const char* end;

@@ -15,8 +15,8 @@ namespace {
 class Value : Expansion {
 public:
     Value(Declarations& from, QeCString& result, const Source& where, std::string_view literal,
-          std::vector<LeftReference>* leftReferences) noexcept
-        : Expansion(from, result, where, literal), left(leftReferences) {}
+          std::vector<LeftReference>* leftReferences, std::uint64_t most) noexcept
+        : Expansion(from, result, where, literal, most), left(leftReferences) {}
 
     void append() {
         do {
@@ -66,6 +66,7 @@ private:
     // What such an entity has that looks like markup is none.
     void appendPlainEntity(Entity& entity, const char* reference) {
         const Source& source = *declarations.open(entity, here.getSource(), reference);
+        holdMore(source.text.size());
         for (const char* at = source.begin();;) {
             const char* const blank = corvel::findAny(at, source.end(), '\r', '\n', '\t');
             text.append(at, static_cast<std::size_t>(blank - at));
@@ -82,8 +83,8 @@ private:
 }  // namespace
 
 void Declarations::appendValue(QeCString& value, const Source& where, std::string_view literal,
-                               std::vector<LeftReference>* left) {
-    Value(*this, value, where, literal, left).append();
+                               std::vector<LeftReference>* left, std::uint64_t most) {
+    Value(*this, value, where, literal, left, most).append();
 }
 
 void Declarations::tokenize(QeCString& value, std::size_t from, std::vector<LeftReference>* left) {

@@ -4,6 +4,7 @@
 
 #include <corvel/immortal.h>
 #include <tessit/errors/error_access.h>
+#include <tessit/errors/xml_limits.h>
 
 // Destructors stand here, out of line: they are the classes' key functions, so
 // that there is one type description of each class in the process and a catch
@@ -18,6 +19,7 @@ QeXmlLengthError::~QeXmlLengthError() = default;
 QeXmlRangeError::~QeXmlRangeError() = default;
 QeXmlSchemaError::~QeXmlSchemaError() = default;
 QeXmlParseError::~QeXmlParseError() = default;
+QeXmlLimitError::~QeXmlLimitError() = default;
 
 namespace {
 

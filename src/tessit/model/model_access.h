@@ -80,6 +80,9 @@ struct ModelAccess {
     /// Whether the innermost scope has bindings.
     static bool innermostDeclares(const QeXmlNamespaceStack& stack) noexcept { return stack.innermostDeclares(); }
 
+    /// How many bindings there are in all scopes.
+    static std::size_t countOf(const QeXmlNamespaceStack& stack) noexcept { return stack.count(); }
+
     /// A number for the bindings in force, 0 for none: as long as it is the same, every
     /// lookup gives the same binding, at the same address. Popping a scope brings back
     /// the number from before it.

@@ -155,6 +155,10 @@ void QeXmlNamespaceStack::addNamespace(const QeXmlNamespace& ns) {
     addBinding(ns.prefix, ns.uri, &ns.uri);
 }
 
+std::size_t QeXmlNamespaceStack::count() const noexcept {
+    return declared == nullptr ? 0 : declared->bindingCount;
+}
+
 QeXmlNamespaceStack::Declarations& QeXmlNamespaceStack::declarations() {
     if (declared == nullptr) declared = std::make_unique<Declarations>();
     return *declared;

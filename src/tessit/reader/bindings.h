@@ -35,6 +35,11 @@ public:
     /// Whether the innermost scope binds anything.
     bool tagDeclares() const noexcept { return ModelAccess::innermostDeclares(inForce); }
 
+    /// How many are in force, and with those of the element that closed last.
+    std::size_t count(bool withClosed) const noexcept {
+        return ModelAccess::countOf(inForce) + (withClosed ? ModelAccess::countOf(closed) : 0);
+    }
+
     /// A number for the bindings in force: as long as it is the same, each prefix has the
     /// same binding, at the same address. It comes back when a scope ends.
     std::uint64_t version() const noexcept { return ModelAccess::versionOf(inForce); }

@@ -17,6 +17,7 @@ tessit::DeclarationSettings settingsOf(const QeXmlReaderOptions& options) {
     settings.expansionFactor = options.expansionFactor;
     settings.freeExpansion = options.freeExpansion;
     settings.entityDepth = options.entityDepth;
+    settings.limits = &options.limits;
     settings.keepsInstructions = tessit::hasNode(options.nodes, QeXmlNodes::Instructions);
     return settings;
 }
@@ -24,7 +25,7 @@ tessit::DeclarationSettings settingsOf(const QeXmlReaderOptions& options) {
 }  // namespace
 
 QeXmlReader::Engine::Conforming::Conforming(const QeXmlReaderOptions& given)
-    : options(given), declared(settingsOf(options)), tags(declared, options.namespaces) {}
+    : options(given), declared(settingsOf(options)), tags(declared, options.namespaces, options.limits) {}
 
 void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     tessit::DecodedText& document = conforming->document;
@@ -36,6 +37,7 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     if (conforming->options.namespaces) tessit::ConformingTags::bindXml(bindings);
     input.enter(document.source, document.source.begin());
     try {
+        tessit::hold(bytes.size(), input.limits().document, tessit::Limit::Document);
         ConformingNodes(*this).readProlog();
     } catch (...) {
         keepFault();
@@ -43,20 +45,30 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     }
 }
 
-// To be called where an exception was caught. What cannot be said for lack of memory is left out.
+// To be called where an exception was caught.
 void QeXmlReader::Engine::keepFault() {
-    conforming->fault = std::current_exception();
     try {
-        std::rethrow_exception(conforming->fault);
-    } catch (QeXmlParseError& error) {
         try {
-            tessit::ErrorAccess::Details details = tessit::ErrorAccess::detailsOf(error);
-            const bool isInDocument = lastNode.source == &conforming->document.source;
-            complete(details, isInDocument ? lastNode.begin : input.position());
-            tessit::ErrorAccess::setDetails(error, std::move(details));
-        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const tessit::Exceeded& exceeded) {
+            raiseExceeded(exceeded);
         }
+    } catch (QeXmlParseError& error) {
+        completeFault(error);
+        conforming->fault = std::current_exception();
     } catch (...) {
+        conforming->fault = std::current_exception();
+    }
+}
+
+// What cannot be said for lack of memory is left out.
+void QeXmlReader::Engine::completeFault(QeXmlParseError& error) const {
+    try {
+        tessit::ErrorAccess::Details details = tessit::ErrorAccess::detailsOf(error);
+        const bool isInDocument = lastNode.source == &conforming->document.source;
+        complete(details, isInDocument ? lastNode.begin : input.position());
+        tessit::ErrorAccess::setDetails(error, std::move(details));
+    } catch (const std::bad_alloc&) {
     }
 }
 
@@ -71,14 +83,17 @@ void QeXmlReader::Engine::readConformingContent() {
     if (conforming->fault != nullptr) raiseFault();
     try {
         ConformingNodes(*this).readContent();
+        if (limits != nullptr) limitLastNode();
     } catch (...) {
         keepFault();
         raiseFault();
     }
 }
 
-void QeXmlReader::takePendingOrConforming() {
-    if (!std::exchange(nodePending, false)) readNextConforming();
+void QeXmlReader::takePendingOrApart() {
+    if (std::exchange(nodePending, false)) return;
+    if (engine->conforming != nullptr) return readNextConforming();
+    engine->withinLimits([this] { readNextLenient(); });
 }
 
 // Asked outside of the root element by `eof`, which raises nothing: a fault there is for the next reading call.
@@ -111,21 +126,21 @@ const char* QeXmlReader::Engine::nextInDocument() const noexcept {
 }
 
 const QeCString& QeXmlReader::getLastTarget() const noexcept {
-    return !isConforming ? QeXmlAttributeSet::EmptyString : engine->conforming->target;
+    return engine->conforming == nullptr ? QeXmlAttributeSet::EmptyString : engine->conforming->target;
 }
 
 const QeXmlDocumentType& QeXmlReader::getDocumentType() const noexcept {
     static constinit const corvel::Immortal<QeXmlDocumentType> None;
-    return !isConforming ? None.value : engine->conforming->documentType;
+    return engine->conforming == nullptr ? None.value : engine->conforming->documentType;
 }
 
 bool QeXmlReader::isSpecified(const QeXmlAttribute& attribute) const {
-    return !isConforming || !engine->conforming->tags.isDefault(attribute.getName().asString());
+    return engine->conforming == nullptr || !engine->conforming->tags.isDefault(attribute.getName().asString());
 }
 
 std::vector<QeXmlLeftReference> QeXmlReader::getLeftReferences(const QeXmlAttribute& attribute) const {
     std::vector<QeXmlLeftReference> references;
-    if (!isConforming) return references;
+    if (engine->conforming == nullptr) return references;
     const QeCString name = attribute.getName().asString();
     for (const auto& [owner, reference] : engine->conforming->tags.leftIn(name))
         references.push_back({reference.offset, reference.length});
@@ -133,5 +148,5 @@ std::vector<QeXmlLeftReference> QeXmlReader::getLeftReferences(const QeXmlAttrib
 }
 
 bool QeXmlReader::isInEntity() const noexcept {
-    return isConforming && !engine->conforming->entities.empty();
+    return engine->conforming != nullptr && !engine->conforming->entities.empty();
 }

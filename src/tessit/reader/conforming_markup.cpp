@@ -97,6 +97,7 @@ bool QeXmlReader::Engine::ConformingNodes::readComment(Others others) {
     if (isLeft(others, QeXmlNodes::Comments)) return true;
     StrictScanner scanner(source(), position() + CommentBegin.size());
     const std::string_view text = scanner.readComment();
+    engine.limitMarkup(position(), scanner.position());
     goBackTo(scanner.position());
     if (others == Others::Pass || !state.delivers(QeXmlNodes::Comments)) return false;
     deliver(Comment, text);
@@ -107,6 +108,8 @@ bool QeXmlReader::Engine::ConformingNodes::readInstruction(Others others) {
     if (isLeft(others, QeXmlNodes::Instructions)) return true;
     StrictScanner scanner(source(), position() + std::string_view("<?").size());
     const auto [target, data] = scanner.readInstruction(state.options.namespaces);
+    tessit::hold(target.size(), input.limits().name, tessit::Limit::Name, target.data());
+    engine.limitMarkup(position(), scanner.position());
     goBackTo(scanner.position());
     if (others == Others::Pass || !state.delivers(QeXmlNodes::Instructions)) return false;
     state.target.assign(target);
@@ -131,6 +134,7 @@ bool QeXmlReader::Engine::ConformingNodes::readDocumentType(Others others) {
     state.documentTypeWasRead = true;
     state.documentTypeBegin = position();
     state.declared.get().readDocumentType(scanner, state.documentType);
+    engine.limitMarkup(position(), scanner.position());
     goBackTo(scanner.position());
     state.documentTypeEnd = position();
     if (others == Others::Pass || !state.delivers(QeXmlNodes::DocumentType)) return false;
@@ -148,10 +152,11 @@ void QeXmlReader::Engine::ConformingNodes::deliver(NodeType type, std::string_vi
 
 void QeXmlReader::Engine::ConformingNodes::appendAsWritten(QeCString& target, std::string_view text) {
     if (!source().hasPlaces) {
+        tessit::hold(target.length() + text.size(), input.limits().text, tessit::Limit::Text);
         target += text;
         return;
     }
-    tessit::TextBuilder builder(target);
+    tessit::TextBuilder builder(target, input.limits().text);
     const char* at = text.data();
     const char* const textEnd = at + text.size();
     while (at != textEnd) {
@@ -168,6 +173,7 @@ void QeXmlReader::Engine::ConformingNodes::readCDATA(QeCString& text) {
     for (const char* at = start; (at = corvel::findByte(at, limit(), '>')) != limit(); ++at) {
         if (at - start < 2 || at[-1] != ']' || at[-2] != ']') continue;
         appendAsWritten(text, {start, static_cast<std::size_t>(at - 2 - start)});
+        engine.limitMarkup(position(), at + 1);
         return goBackTo(at + 1);
     }
     refuseEnd();

@@ -15,6 +15,7 @@ TESSIT_FLATTEN void QeXmlReader::readNextConforming() {
     if (engine->conforming->fault != nullptr) engine->raiseFault();
     try {
         Engine::ConformingNodes(*engine).readNextNode();
+        if (engine->limits != nullptr) engine->limitLastNode();
     } catch (...) {
         engine->keepFault();
         engine->raiseFault();
@@ -161,7 +162,7 @@ TESSIT_NOINLINE bool QeXmlReader::Engine::ConformingNodes::readLongText(Others o
 
 // Appends text up to markup, to the end, or to a reference to an entity that is not predefined.
 void QeXmlReader::Engine::ConformingNodes::appendRuns(QeCString& target) {
-    tessit::TextBuilder text(target);
+    tessit::TextBuilder text(target, input.limits().text);
     // In what an internal entity brought, line ends are what they shall be.
     const bool isAsWritten = source().hasPlaces;
     while (!atEnd() && peek() != '<') {
@@ -221,6 +222,7 @@ bool QeXmlReader::Engine::ConformingNodes::readReference(Others others, bool& fo
         const bool isNode = others == Others::Deliver && state.delivers(QeXmlNodes::References);
         if (isNode && found) return false;
         goBackTo(scanner.position());
+        holdText(static_cast<std::size_t>(scanner.position() - start));
         reader.lastContent.append(start, static_cast<std::size_t>(scanner.position() - start));
         found = true;
         if (isNode) {
@@ -231,6 +233,7 @@ bool QeXmlReader::Engine::ConformingNodes::readReference(Others others, bool& fo
     }
     goBackTo(scanner.position());
     if (entity->isPlainText) {
+        holdText(text->text.size());
         reader.lastContent += text->text;
         found = found || !text->text.empty();
         state.declared.get().close(*entity);

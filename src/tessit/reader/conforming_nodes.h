@@ -67,6 +67,11 @@ private:
     bool appendCharacter(tessit::TextBuilder& text);
     bool readReference(Others others, bool& found);
     bool readMarkupInText(Others others, bool& found);
+    // So many bytes more of text are about to be held.
+    void holdText(std::size_t bytes) const {
+        tessit::hold(reader.lastContent.length() + bytes, input.limits().text, tessit::Limit::Text);
+    }
+
     void enterEntity(tessit::Entity& entity);
     void leaveEntity();
 

@@ -79,6 +79,7 @@ TESSIT_NOINLINE void TagSlots::readAny(const RawName& element, Input& input, boo
 
 void TagSlots::readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const AttributeList* list) {
     const RawName name = readConformingName(scanner, rules.getSource(), rules.readsNamespaces());
+    hold(rawAttributes.size() + 1, scanner.limits().attributes, Limit::Attributes, name.data);
     scanner.skipSpace();
     if (scanner.atEnd()) refuseEnd(rules.getSource());
     if (scanner.peek() != '=') refuse(rules.getSource(), scanner.position(), Rule::Attribute, name.whole());

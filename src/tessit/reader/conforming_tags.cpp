@@ -28,6 +28,7 @@ void appendAsWritten(QeCString& value, const Source& source, std::string_view li
 RawName readLongConformingName(Scanner& scanner, const Source& source, bool namespaces) {
     StrictScanner strict(source, scanner.position());
     const RawName name = RawName::of(strict.readName(), namespaces);
+    hold(name.length, scanner.limits().name, Limit::Name, name.data);
     scanner.goBackTo(strict.position());
     if (name.localStart != 0) checkQName(source, name.whole());
     return name;
@@ -62,6 +63,7 @@ Literal passLiteral(Scanner& scanner, const Source& source) {
     if (!standsForItself) stop = corvel::findAny(stop, scanner.limit(), quote, '<');
     if (stop == scanner.limit()) refuseEnd(source);
     scanner.goBackTo(stop + 1);
+    if (standsForItself) hold(static_cast<std::size_t>(stop - start), scanner.limits().value, Limit::Value, start);
     return {{start, static_cast<std::size_t>(stop - start)}, standsForItself, *stop == '<'};
 }
 
@@ -72,10 +74,11 @@ void ConformingTags::append(QeCString& value, std::string_view literal, bool isC
     leftInValue.clear();
     isAsWritten = !expands;
     if (expands) {
-        declared.get().appendValue(value, *source, literal, &leftInValue);
+        declared.get().appendValue(value, *source, literal, &leftInValue, mostInValue);
     } else {
         meaning.clear();
-        declared.get().appendValue(meaning, *source, literal, nullptr);
+        declared.get().appendValue(meaning, *source, literal, nullptr, mostInValue);
+        hold(literal.size(), mostInValue, Limit::Value, literal.data());
         appendAsWritten(value, *source, literal);
     }
     if (isCut) refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);

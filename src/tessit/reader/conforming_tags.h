@@ -21,7 +21,8 @@ namespace tessit {
 /// slots, which know where attributes go.
 class ConformingTags {
 public:
-    ConformingTags(Declared& ofDocument, bool readsNamespaces) : declared(ofDocument), namespaces(readsNamespaces) {}
+    ConformingTags(Declared& ofDocument, bool readsNamespaces, const QeXmlLimits& limits)
+        : declared(ofDocument), namespaces(readsNamespaces), mostInValue(limits.value) {}
 
     /// Binds the prefix that needs no declaration.
     static void bindXml(Bindings& bindings);
@@ -115,6 +116,7 @@ private:
     Declared& declared;
     const Source* source = nullptr;
     bool namespaces;
+    std::uint64_t mostInValue;
     std::uint64_t tagNumber = 0;
     Told told;
     std::vector<LeftReference> leftInValue;  // working storage, as what follows

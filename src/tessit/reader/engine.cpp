@@ -14,8 +14,10 @@ QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* option
             *this),
       bindings(owner.namespaceStack),
       slots(owner.lastName, owner.lastAttributes, input.limit(), bindings) {
-    reader.isConforming = conforming != nullptr;
-    if (options != nullptr) input.setSourceName(options->sourceName);
+    reader.readsApart = conforming != nullptr;
+    if (options == nullptr) return;
+    input.setSourceName(options->sourceName);
+    setLimits(options->limits);
 }
 
 QeXmlReader::Engine::~Engine() = default;

@@ -39,6 +39,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void readConformingContent();
     void passOutsideOfRoot() noexcept;
     void keepFault();
+    void completeFault(QeXmlParseError& error) const;
     [[noreturn]] void raiseFault();
     const char* positionInDocument() const noexcept;
     const char* nextInDocument() const noexcept;
@@ -86,12 +87,32 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void complete(tessit::ErrorAccess::Details& details, const char* place) const override;
     std::vector<QeXmlOpenElement> listOpenElements() const;
 
+    // limits.cpp
+    void setLimits(const QeXmlLimits& given);
+    void limitMarkup(const char* begin, const char* end) const;
+    void limitNode() const;
+    void limitTag();
+    void limitLastNode();
+
+    /// Reads a node of a lenient reader, and holds it against the limits.
+    template <typename Read>
+    void withinLimits(const Read& read) {
+        try {
+            read();
+            limitLastNode();
+        } catch (const tessit::Exceeded& exceeded) {
+            raiseExceeded(exceeded);
+        }
+    }
+    [[noreturn]] void raiseExceeded(const tessit::Exceeded& exceeded) const;
+
     class NodeReader;
     class ConformingNodes;
     struct Conforming;
 
     QeXmlReader& reader;
-    std::unique_ptr<Conforming> conforming;  // of a reader that is one
+    std::unique_ptr<Conforming> conforming;     // of a reader that is one
+    std::unique_ptr<const QeXmlLimits> limits;  // if there are any
     tessit::Input input;
     tessit::Bindings bindings;
     tessit::TagSlots slots;

@@ -191,26 +191,32 @@ QeXmlExcerpt Input::excerptAt(const QeXmlPosition& position) const {
 }
 
 // The described line and column count from the last conversion, and take a mark in.
-void Input::raise(const QeCString& message, std::optional<QeXmlNote>&& note, const char* readUpTo) const {
-    const QeXmlPosition position = positionOf(cursor);
-    ErrorAccess::Details details{.position = position, .note = std::move(note), .excerpt = excerptAt(cursor)};
+QeXmlParseError Input::errorAt(const char* place, const QeCString& message, std::optional<QeXmlNote>&& note,
+                               const char* readUpTo) const {
+    const QeXmlPosition position = positionOf(place);
+    ErrorAccess::Details details{.position = position, .note = std::move(note), .excerpt = excerptAt(place)};
     context.complete(details, readUpTo);
-    if (strict != nullptr) throw ErrorAccess::make(message, placeIn(*strict, cursor), std::move(details));
+    if (strict != nullptr) return ErrorAccess::make(message, placeIn(*strict, place), std::move(details));
     const QeXmlPosition& beginning = placesInText().beginning();
     QeXmlPlace described{sourceName, position};
     described.position.line = position.line - beginning.line + 1;
     if (position.line == beginning.line)
-        described.position.column = static_cast<std::uint64_t>(cursor - bufferStart) + 1;
-    throw ErrorAccess::make(message, described, std::move(details));
+        described.position.column = static_cast<std::uint64_t>(place - bufferStart) + 1;
+    return ErrorAccess::make(message, described, std::move(details));
 }
 
 void Input::raise(const QeCString& message, std::optional<QeXmlNote>&& note) const {
-    raise(message, std::move(note), cursor);
+    throw errorAt(cursor, message, std::move(note), cursor);
+}
+
+void Input::raiseLimit(Limit limit, const char* place) const {
+    throw QeXmlLimitError(errorAt(place, messageFor(limits(), limit), std::nullopt, place), nameOf(limit),
+                          valueOf(limits(), limit));
 }
 
 void Input::raiseEnd(const char* place) {
     cursor = bufferEnd;
-    raise("Premature EOF", std::nullopt, place);
+    throw errorAt(cursor, "Premature EOF", std::nullopt, place);
 }
 
 void Input::raiseAt(const char* place, const char* message, std::string_view found) {

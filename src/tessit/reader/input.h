@@ -8,6 +8,7 @@
 
 #include <corvel/c_string.h>
 #include <tessit/errors/error_access.h>
+#include <tessit/rules/limits.h>
 #include <tessit/rules/source.h>
 #include <tessit/rules/text_places.h>
 
@@ -52,6 +53,10 @@ public:
           bufferEnd(members.bufferEnd),
           ownedDocument(members.ownedDocument),
           encoding(members.encoding) {}
+
+    /// What a document may have; `limits` lives as long.
+    void setLimits(const QeXmlLimits& limits) noexcept { bounds = &limits; }
+    const QeXmlLimits& limits() const noexcept { return *bounds; }
 
     /// Begins with these bytes, which stay where they are.
     void take(std::string_view document) noexcept;
@@ -102,6 +107,9 @@ public:
     /// Throws `QeXmlParseError` with this message and the cursor's position. O(bytes read since the last error).
     [[noreturn]] void raise(const QeCString& message, std::optional<QeXmlNote>&& note = {}) const;
 
+    /// The same where a limit is exceeded, with that place.
+    [[noreturn]] void raiseLimit(Limit limit, const char* place) const;
+
     /// The same at the end, for what was read up to a place and has no end.
     [[noreturn]] void raiseEnd(const char* place);
 
@@ -117,7 +125,8 @@ private:
     void beginPlaces(InputUnits units, const QeXmlPosition& beginning);
     TextPlaces& placesInText() const;
     [[noreturn]] void raiseTranscoding(const char* reason) const;
-    [[noreturn]] void raise(const QeCString& message, std::optional<QeXmlNote>&& note, const char* readUpTo) const;
+    QeXmlParseError errorAt(const char* place, const QeCString& message, std::optional<QeXmlNote>&& note,
+                            const char* readUpTo) const;
 
     const ErrorContext& context;
     const char*& cursor;       // the next byte to be read
@@ -126,6 +135,7 @@ private:
     QeCString& ownedDocument;
     QeCString& encoding;
 
+    const QeXmlLimits* bounds = &NoLimits;
     const Source* strict = nullptr;  // what is read by a conforming reader
     QeCString sourceName;
 

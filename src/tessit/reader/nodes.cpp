@@ -13,7 +13,8 @@ TESSIT_FLATTEN void QeXmlReader::readNextLenient() {
 void QeXmlReader::Engine::readContent() {
     if (conforming != nullptr) return readConformingContent();
     lastNode.begin = input.position();
-    NodeReader(*this).readContent();
+    if (limits == nullptr) return NodeReader(*this).readContent();
+    withinLimits([this] { NodeReader(*this).readContent(); });
 }
 
 inline void QeXmlReader::Engine::NodeReader::readNextNode() {
@@ -27,6 +28,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
         if (kind == '/') return readEndTag();
         if (kind == '?') {
             apart(&NodeReader::readInstruction);
+            engine.limitMarkup(engine.lastNode.begin, position());
         } else if (kind != '!') {
             stepBack(1);
             return readStartTag();
@@ -39,6 +41,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
             if (peek() != '-') raiseWith("Invalid character sequence <!", {position(), 1});
             skip(1);
             apart(&NodeReader::skipComment);
+            engine.limitMarkup(engine.lastNode.begin, position());
         }
     }
 }
@@ -147,22 +150,27 @@ TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::readLongContent() {
 // Entered just after a '<' in text. Passes a comment or an instruction, takes in a
 // CDATA section, and steps back from a tag, where the text ends: then false.
 bool QeXmlReader::Engine::NodeReader::readMarkupInContent() {
+    const char* const start = position() - 1;
     const char byte = take();
-    if (byte == '?') {
-        readInstruction();
-        return true;
-    }
-    if (byte != '!') {
+    if (byte != '?' && byte != '!') {
         stepBack(2);
         return false;
     }
+    if (byte == '?')
+        readInstruction();
+    else
+        readDeclarationInContent();
+    engine.limitMarkup(start, position());
+    return true;
+}
+
+// Entered just after "<!".
+void QeXmlReader::Engine::NodeReader::readDeclarationInContent() {
     switch (const char kind = take()) {
         case '-':
-            skipComment();
-            return true;
+            return skipComment();
         case '[':
-            readCDATA(reader.lastContent);
-            return true;
+            return readCDATA(reader.lastContent);
         default:
             raiseWith("Invalid character sequence <!", {&kind, 1});
     }

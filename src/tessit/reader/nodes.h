@@ -32,6 +32,7 @@ private:
     void apart(const Read& read);
     void readLongContent();
     bool readMarkupInContent();
+    void readDeclarationInContent();
 
     // prolog.cpp
     void readPrologMarkup();

@@ -1,5 +1,6 @@
 // Where things stand that were read: asked for by programs, and by errors.
 
+#include <ranges>
 #include <string>
 #include <utility>
 
@@ -129,8 +130,8 @@ std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
     const Source& entity = outermost.entity->source;
     const QeXmlSpan reference = spanOf({entity.reference, entity.parent}, outermost.resume);
     const auto names = openElements.innermost(static_cast<std::size_t>(reader.depth - outermost.depth));
-    for (auto name = names.rbegin(); name != names.rend(); ++name)
-        elements.push_back({QeCString(*name), reference});
+    for (const std::string_view name : std::views::reverse(names))
+        elements.push_back({QeCString(name), reference});
     return elements;
 }
 

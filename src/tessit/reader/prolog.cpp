@@ -3,13 +3,20 @@
 #include <tessit/reader/nodes.h>
 
 void QeXmlReader::Engine::readProlog() {
-    input.detectEncoding();
-    NodeReader(*this).readProlog();
+    try {
+        tessit::hold(static_cast<std::uint64_t>(input.limit() - input.position()), input.limits().document,
+                     tessit::Limit::Document);
+        input.detectEncoding();
+        NodeReader(*this).readProlog();
+    } catch (const tessit::Exceeded& exceeded) {
+        raiseExceeded(exceeded);
+    }
 }
 
 void QeXmlReader::Engine::NodeReader::readProlog() {
     for (;;) {
         skipSpace();
+        const char* const start = position();
         if (take() != '<') raise("First non-ws character in document wasn't '<'");
         switch (take()) {
             case '?':
@@ -21,6 +28,7 @@ void QeXmlReader::Engine::NodeReader::readProlog() {
             default:
                 return stepBack(2);
         }
+        engine.limitMarkup(start, position());
     }
 }
 

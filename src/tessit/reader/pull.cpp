@@ -111,7 +111,7 @@ bool QeXmlReader::Engine::startsNext(const Name& name) {
 
 QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
     const bool wasPending = reader.nodePending;
-    const bool isThere = wasPending && reader.isConforming;  // the tag as written; a lenient reader's document can go
+    const bool isThere = wasPending && conforming != nullptr;  // the tag as written; a lenient reader's document can go
     RawCopy copy(*this, isThere ? pendingStart : nextInDocument());
     if (!wasPending) takeNextNode();
     if (!opensElement(reader.lastNodeType)) {

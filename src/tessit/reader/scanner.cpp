@@ -37,6 +37,7 @@ TESSIT_NOINLINE RawName Scanner::readLongName() {
     }
     if (at == end) raiseEnd();
     if (nameByte(*at) == MultiByteName) return readNameSlowly(at, localStart);
+    hold(static_cast<std::size_t>(at - start), input.limits().name, Limit::Name, start);
     cursor = at;
     return {start, static_cast<std::size_t>(at - start), localStart};
 }
@@ -68,6 +69,7 @@ RawName Scanner::readNameSlowly(const char* from, std::size_t localStart) {
         ++at;
         if (kind == SplitsName && localStart == 0) localStart = static_cast<std::size_t>(at - start);
     }
+    hold(static_cast<std::size_t>(at - start), input.limits().name, Limit::Name, start);
     cursor = at;
     return {start, static_cast<std::size_t>(at - start), localStart};
 }
@@ -129,6 +131,7 @@ TESSIT_NOINLINE bool Scanner::readLongValueInto(QeCString& value, bool expands) 
     if (stop == end || *stop == '<') return false;
     cursor = stop + 1;
     if (*stop == quote) {
+        hold(static_cast<std::size_t>(stop - start), input.limits().value, Limit::Value, start);
         value.assign(start, static_cast<std::size_t>(stop - start));
     } else {
         value.clear();
@@ -143,7 +146,10 @@ std::string_view Scanner::readValue(char quote, bool expands, QeCString& scratch
     cursor = stop;
     const char byte = take();
     if (byte == '<') raise("Syntax error: unterminated attribute value");
-    if (byte == quote) return {start, static_cast<std::size_t>(stop - start)};
+    if (byte == quote) {
+        hold(static_cast<std::size_t>(stop - start), input.limits().value, Limit::Value, start);
+        return {start, static_cast<std::size_t>(stop - start)};
+    }
     expandValue(scratch, start, quote);
     return {};
 }
@@ -163,7 +169,7 @@ TESSIT_NOINLINE void Scanner::expandValue(QeCString& target, const char* start, 
 }
 
 void Scanner::appendText(QeCString& target) {
-    TextBuilder text(target);
+    TextBuilder text(target, input.limits().text);
     for (;;) {
         text.putRun(cursor, end, '<', '&', '\r');
         if (cursor == end || *cursor == '<') return;
@@ -179,6 +185,7 @@ void Scanner::appendText(QeCString& target) {
 template <typename... Byte>
 bool Scanner::readTextRun(QeCString& text, Byte... others) {
     const char* const stop = findAny(cursor, end, '<', '&', '\r', others...);
+    hold(static_cast<std::size_t>(stop - cursor), input.limits().text, Limit::Text);
     text.assign(cursor, static_cast<std::size_t>(stop - cursor));
     cursor = stop;
     return end - stop >= 2 && stop[0] == '<' && stop[1] != '!' && stop[1] != '?';
@@ -225,7 +232,9 @@ void Scanner::readCDATA(QeCString& text) {
     const char* const start = cursor;
     for (const char* at = start; (at = findByte(at, end, '>')) != end; ++at) {
         if (at - start >= 2 && at[-1] == ']' && at[-2] == ']') {
-            text.append(start, static_cast<std::size_t>(at - 2 - start));
+            const auto length = static_cast<std::size_t>(at - 2 - start);
+            hold(text.length() + length, input.limits().text, Limit::Text);
+            text.append(start, length);
             cursor = at + 1;
             return;
         }

@@ -60,6 +60,9 @@ public:
         return read(other);
     }
 
+    /// What a document may have.
+    const QeXmlLimits& limits() const noexcept { return input.limits(); }
+
     const char* position() const noexcept { return cursor; }
     const char* limit() const noexcept { return end; }
     void goBackTo(const char* place) noexcept { cursor = place; }

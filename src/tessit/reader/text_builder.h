@@ -9,15 +9,18 @@
 #include <corvel/byte_copy.h>
 #include <corvel/byte_scan.h>
 #include <corvel/c_string.h>
+#include <tessit/rules/limits.h>
 
 namespace tessit {
 
 /// Appends to a string through a pointer into its spare room, so that short
 /// pieces cost a few moves each. The string has its right length again once the
-/// builder is gone, also when an exception ends it.
+/// builder is gone, also when an exception ends it. Throws `Exceeded` before the string would
+/// have more than `most` bytes.
 class TextBuilder {
 public:
-    explicit TextBuilder(QeCString& target) : text(target), out(nullptr), limit(nullptr) {
+    explicit TextBuilder(QeCString& target, std::uint64_t most = QeXmlLimits::None)
+        : text(target), out(nullptr), limit(nullptr), mostBytes(most) {
         openRoom(text.length(), text.capacity());
     }
     ~TextBuilder() { text.truncate(written()); }
@@ -30,7 +33,8 @@ public:
     }
 
     void put(std::uint32_t character) {
-        need(4);
+        char bytes[16];
+        if (limit - out < 4) return put({bytes, static_cast<std::size_t>(voxal::putUtf8(bytes, character) - bytes)});
         out = voxal::putUtf8(out, character);
     }
 
@@ -43,31 +47,34 @@ public:
     /// Takes over bytes from `at` up to the first that is one of `bytes`, or to `end`.
     template <typename... Byte>
     void putRun(const char*& at, const char* end, Byte... bytes) {
-        do {
-            need(1);
+        for (;;) {
             const std::ptrdiff_t count = std::min(limit - out, end - at);
             corvel::copyUntilAny(at, at + count, out, bytes...);
-        } while (at != end && (... && (*at != bytes)));
+            if (at == end || (... || (*at == bytes))) return;
+            need(1);
+        }
     }
 
 private:
     std::size_t written() const { return static_cast<std::size_t>(out - text.begin()); }
 
     void need(std::size_t count) {
-        if (static_cast<std::size_t>(limit - out) < count)
-            openRoom(written(), written() + std::max<std::size_t>(count, 64));
+        if (static_cast<std::size_t>(limit - out) >= count) return;
+        hold(written() + count, mostBytes, Limit::Text);
+        openRoom(written(), written() + std::max<std::size_t>(count, 64));
     }
 
     void openRoom(std::size_t length, std::size_t capacity) {
         char* const start = text.resizeForOverwrite(capacity);
         text.resizeForOverwrite(text.capacity());  // growing can give more than was asked for
         out = start + length;
-        limit = start + text.capacity();
+        limit = start + std::min<std::uint64_t>(text.capacity(), mostBytes);
     }
 
     QeCString& text;
     char* out;
     char* limit;
+    const std::uint64_t mostBytes;
 };
 
 }  // namespace tessit

@@ -44,25 +44,25 @@ QeXmlReader::~QeXmlReader() = default;
 
 void QeXmlReader::open(std::string_view document) {
     namespaceStack.pushScope();  // the document's own
-    if (isConforming) return engine->openConforming(document);
+    if (engine->conforming != nullptr) return engine->openConforming(document);
     engine->input.take(document);
     engine->readProlog();
 }
 
 void QeXmlReader::skipSpace() noexcept {
-    if (isConforming) return engine->passOutsideOfRoot();
+    if (engine->conforming != nullptr) return engine->passOutsideOfRoot();
     while (cursor != bufferEnd && tessit::isSpace(*cursor))
         ++cursor;
 }
 
 void QeXmlReader::setMatchTags(bool match) noexcept {
-    if (isConforming) return;
+    if (engine->conforming != nullptr) return;
     engine->matchesTags = match;
     engine->openElements.clear();
 }
 
 bool QeXmlReader::getMatchTags() const noexcept {
-    return engine->matchesTags || isConforming;
+    return engine->matchesTags || engine->conforming != nullptr;
 }
 
 QeCString QeXmlReader::getOpenElement() const {

@@ -1,0 +1,86 @@
+// What a document may have at most: what was read is held against the limits once a node is there. What would hold much
+// more than a limit before that, such as a long text, is refused on the way, by throwing `Exceeded`.
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+#include <tessit/model/model_access.h>
+#include <tessit/reader/conforming.h>
+
+using tessit::Exceeded;
+using tessit::hold;
+using tessit::Limit;
+
+namespace {
+
+std::uint64_t lengthOf(const QeXmlName& name) {
+    const QeCString& prefix = name.getNamespace().getPrefix();
+    return name.getLocalName().length() + (prefix.empty() ? 0 : prefix.length() + 1);
+}
+
+bool opensElement(QeXmlReader::NodeType type) {
+    return type == QeXmlReader::ElementStart || type == QeXmlReader::EmptyElement;
+}
+
+}  // namespace
+
+void QeXmlReader::Engine::setLimits(const QeXmlLimits& given) {
+    if (!tessit::areAny(given)) return;
+    limits = std::make_unique<const QeXmlLimits>(given);
+    input.setLimits(*limits);
+    reader.readsApart = true;
+}
+
+// Of markup in a document that stays.
+void QeXmlReader::Engine::limitMarkup(const char* begin, const char* end) const {
+    if (limits == nullptr || !std::less_equal<>()(reader.bufferStart, begin) || !std::less<>()(begin, end)) return;
+    hold(static_cast<std::uint64_t>(end - begin), limits->node, Limit::Node, begin);
+}
+
+// A node that begins in one text and ends in another has a reference in the document between them.
+void QeXmlReader::Engine::limitNode() const {
+    const char* end = input.position();
+    if (conforming != nullptr && lastNode.source != &input.source()) {
+        if (lastNode.source != &conforming->document.source) return;
+        end = positionInDocument();
+    }
+    if (lastNode.begin != nullptr) limitMarkup(lastNode.begin, end);
+}
+
+// The bindings of an empty element are not in force any more, but were.
+void QeXmlReader::Engine::limitTag() {
+    const bool isEmpty = reader.lastNodeType == EmptyElement;
+    hold(static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(reader.depth, 0)) + (isEmpty ? 1 : 0), limits->depth,
+         Limit::Depth);
+    hold(lengthOf(reader.lastName), limits->name, Limit::Name, lastTag.begin + 1);
+    hold(reader.lastAttributes.size(), limits->attributes, Limit::Attributes);
+    const bool bindsXml = conforming != nullptr && conforming->options.namespaces;
+    hold(bindings.count(isEmpty) - (bindsXml ? 1 : 0), limits->bindings, Limit::Bindings);
+    for (const QeXmlAttribute& attribute : std::as_const(reader.lastAttributes)) {
+        const bool isLong = attribute.getValue().length() > limits->value;
+        if (!isLong && lengthOf(attribute.getName()) <= limits->name) continue;
+        const char* const tag = lastTag.begin;
+        const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
+        const auto written = attributesOfLastTag.find(tag, limit, attribute.getName().asString());
+        const char* const place = !written ? tag : isLong ? written->value.data() : written->name.data();
+        throw Exceeded{isLong ? Limit::Value : Limit::Name, place};
+    }
+}
+
+void QeXmlReader::Engine::limitLastNode() {
+    if (opensElement(reader.lastNodeType))
+        limitTag();
+    else if (reader.lastNodeType != ElementEnd)
+        hold(reader.lastContent.length(), limits->text, Limit::Text);
+    limitNode();
+}
+
+// A place that was given stands in what is read now, which the node may have begun in front of.
+void QeXmlReader::Engine::raiseExceeded(const Exceeded& exceeded) const {
+    const char* const ofNode = lastNode.begin == nullptr ? input.position() : lastNode.begin;
+    const char* const place = exceeded.place == nullptr ? ofNode : exceeded.place;
+    if (conforming == nullptr) input.raiseLimit(exceeded.limit, place);
+    const bool isOfNode = exceeded.place == nullptr && lastNode.source != nullptr;
+    refuseLimit(isOfNode ? *lastNode.source : input.source(), place, *limits, exceeded.limit);
+}

@@ -1,0 +1,113 @@
+// Limits: what a document has passes exactly, and one less is refused, by every path through the code.
+
+#include <gtest/gtest.h>
+
+#include "support/documents.h"
+
+using namespace tessit::test;
+
+namespace {
+
+enum class Modes { Both, Conforming };
+
+struct Case {
+    std::uint64_t QeXmlLimits::*field;
+    const char* name;
+    std::string xml;
+    std::uint64_t count;     // what the document has
+    std::string_view place;  // where it has too much if one less is allowed
+    Modes modes = Modes::Both;
+};
+
+const std::string Long(40, 'n'), LongText(5000, 't');
+
+const Case Cases[] = {
+    {&QeXmlLimits::depth, "depth", "<a><b/></a>", 2, "1:4"},
+    {&QeXmlLimits::depth, "depth", "<a>\n<b>t</b></a>", 2, "2:1"},
+    {&QeXmlLimits::depth, "depth", "<!DOCTYPE a [<!ENTITY e '<b><c/></b>'>]><a>&e;</a>", 3, "1:44", Modes::Conforming},
+    {&QeXmlLimits::attributes, "attributes", "<a x='1' y='2' z='3'/>", 3, "1:16"},
+    {&QeXmlLimits::attributes, "attributes", "<r><a x='1' y='2'/><a x='1' y='2'/><a x='1' y='2' z='3'/></r>", 3,
+     "1:51"},
+    {&QeXmlLimits::attributes, "attributes", "<!DOCTYPE a [<!ATTLIST a x CDATA '1' y CDATA '2'>]><a z='3'/>", 3, "1:52",
+     Modes::Conforming},
+    {&QeXmlLimits::bindings, "bindings", "<a xmlns='u' xmlns:p='v'><b xmlns:q='w'/><c/></a>", 3, "1:26"},
+    {&QeXmlLimits::bindings, "bindings", "<a xmlns='u' xmlns:p='v'><b xmlns:q='w'></b></a>", 3, "1:26"},
+    {&QeXmlLimits::name, "name", "<a><b:cd xmlns:b='u'/></a>", 7, "1:10"},
+    {&QeXmlLimits::name, "name", "<a><bcd/></a>", 3, "1:5"},
+    {&QeXmlLimits::name, "name", "<a><" + Long + "></" + Long + "></a>", 40, "1:5"},
+    {&QeXmlLimits::name, "name", "<a><b " + Long + "='1'/></a>", 40, "1:7"},
+    {&QeXmlLimits::name, "name", "<a><b \xC3\xA9" + Long + "='1'/></a>", 42, "1:7"},
+    {&QeXmlLimits::name, "name", "<a><?bcd e?></a>", 3, "1:6", Modes::Conforming},
+    {&QeXmlLimits::value, "value", "<a x='123'/>", 3, "1:7"},
+    {&QeXmlLimits::value, "value", "<a x='" + LongText + "'/>", 5000, "1:7"},
+    {&QeXmlLimits::value, "value", "<a x='1&lt;&#233;'/>", 4, "1:7"},
+    {&QeXmlLimits::value, "value", "<r>" + repeat("<a x='1' y='2'/>", 3) + "<a x='1' y='2" + Long + "'/></r>", 41,
+     "1:64"},
+    {&QeXmlLimits::value, "value", "<!DOCTYPE a [<!ENTITY e '123'><!ENTITY f '&e;&e;'>]><a x='&f;4'/>", 7, "1:59",
+     Modes::Conforming},
+    {&QeXmlLimits::text, "text", "<a>123</a>", 3, "1:4"},
+    {&QeXmlLimits::text, "text", "<a>" + LongText + "</a>", 5000, "1:4"},
+    {&QeXmlLimits::text, "text", "<a>" + LongText + "&lt;" + LongText + "&#233;</a>", 10'003, "1:4"},
+    {&QeXmlLimits::text, "text", "<a>" + LongText + "\r\n" + LongText + "</a>", 10'001, "1:4"},
+    {&QeXmlLimits::text, "text", "<a>1<![CDATA[" + Long + "]]>2<!--" + Long + "-->3</a>", 43, "1:4"},
+    {&QeXmlLimits::text, "text", "<!DOCTYPE a [<!ENTITY e '12'><!ENTITY f '<b/>&e;'>]><a>&f;&e;</a>", 4, "1:56",
+     Modes::Conforming},
+    {&QeXmlLimits::node, "node", "<a><b   x='1' \n/></a>", 14, "1:4"},
+    {&QeXmlLimits::node, "node", "<a>123456789012345&lt;</a>", 19, "1:4"},
+    {&QeXmlLimits::node, "node", "<a><!--1234--><b/></a>", 11, "1:4"},
+    {&QeXmlLimits::node, "node", "<a>1<!--234-->5</a>", 12, "1:4"},
+    {&QeXmlLimits::node, "node", "<?pi and data?><!--1--><a/>", 15, "1:1"},
+    {&QeXmlLimits::node, "node", "<a></a>\n<!--1234-->", 11, "2:1", Modes::Conforming},
+    {&QeXmlLimits::node, "node", "<a><?pi and data?></a>", 15, "1:4"},
+    {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>", 31, "1:1"},
+    {&QeXmlLimits::document, "document", "<a>1</a>", 8, "1:1"},
+    {&QeXmlLimits::entityDepth, "entityDepth",
+     "<!DOCTYPE a [<!ENTITY d '1'><!ENTITY e '&d;'><!ENTITY f '&e;'>]><a>&f;</a>", 3, "1:68", Modes::Conforming},
+    {&QeXmlLimits::entityDepth, "entityDepth",
+     "<!DOCTYPE a [<!ENTITY d '1'><!ENTITY e '&d;'><!ENTITY f '&e;'>]><a x='&f;'/>", 3, "1:71", Modes::Conforming},
+    {&QeXmlLimits::replacementText, "replacementText", "<!DOCTYPE a [<!ENTITY e '123'>]><a>&e;&e;</a>", 8, "1:39",
+     Modes::Conforming},
+    {&QeXmlLimits::replacementText, "replacementText", "<!DOCTYPE a [<!ATTLIST a b CDATA '123'>]><a/>", 4, "1:44",
+     Modes::Conforming},
+    {&QeXmlLimits::declarations, "declarations", "<!DOCTYPE a [<!ENTITY e ''><!ELEMENT a ANY>\n<!ATTLIST a>]><a/>", 3,
+     "2:1", Modes::Conforming},
+};
+
+// All nodes, read one by one or demanded; or which limit was exceeded, its value, and where.
+std::string read(const Case& row, std::uint64_t most, QeXmlRules rules, bool demands) {
+    QeXmlLimits limits;
+    limits.*row.field = most;
+    const Document document(row.xml);
+    try {
+        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules, .limits = limits});
+        while (!reader->eof()) {
+            if (demands) reader->readElementValue();
+            reader->readNextNode();
+        }
+    } catch (const QeXmlLimitError& error) {
+        EXPECT_EQ(std::string_view(error.getLimit()), row.name);
+        EXPECT_EQ(error.getValue(), most);
+        EXPECT_EQ(std::string(error.why()).substr(0, 10), "more than ");
+        return std::to_string(error.getPosition().line) + ':' + std::to_string(error.getPosition().column);
+    } catch (const QeXmlParseError& error) {
+        return error.why();
+    }
+    return "passes";
+}
+
+}  // namespace
+
+TEST(Limits, AreExact) {
+    for (const Case& row : Cases) {
+        for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+            if (row.modes == Modes::Conforming && rules == QeXmlRules::Lenient) continue;
+            for (const bool demands : {false, true}) {
+                if (demands && rules == QeXmlRules::Conforming && row.place == "2:1") continue;
+                const std::string name = std::string(row.name) + ' ' + row.xml;
+                const std::string atLimit = read(row, row.count, rules, demands);
+                EXPECT_TRUE(atLimit == "passes" || (demands && atLimit == "Premature EOF")) << atLimit << ' ' << name;
+                EXPECT_EQ(read(row, row.count - 1, rules, demands), row.place) << name;
+            }
+        }
+    }
+}
