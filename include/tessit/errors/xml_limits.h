@@ -8,15 +8,16 @@
 /// `QeXmlLimitError`, in either mode. Without limits, memory and time alone bound it.
 ///
 /// Counts are of what is delivered, expanded references, defaults and all that entities bring
-/// included; bytes are those of the text as UTF-8. Fields are set by name: later versions use up
-/// the room behind them.
+/// included; of names and values also what a lenient reader drops, such as the first of two equal
+/// attributes. Bytes are those of the text as UTF-8. Fields are set by name: later versions use
+/// up the room behind them.
 struct QeXmlLimits {
     static constexpr std::uint64_t None = UINT64_MAX;
 
     std::uint64_t depth = None;       ///< elements within each other
     std::uint64_t attributes = None;  ///< of a tag, declarations of namespaces and declared defaults among them
     std::uint64_t bindings = None;    ///< of prefixes that are in force, without that of `xml`
-    std::uint64_t name = None;        ///< bytes of a name with its prefix: of elements, attributes, instructions
+    std::uint64_t name = None;        ///< bytes of a name with its prefix, of a tag or an attribute; in conforming readers of a target
     std::uint64_t value = None;       ///< bytes of an attribute's value
     std::uint64_t text = None;        ///< bytes of a text, a comment, or the data of an instruction
     std::uint64_t node = None;  ///< bytes of one as written: a tag, a text with all in it, a comment, the document type

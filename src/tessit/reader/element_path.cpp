@@ -15,10 +15,15 @@ constexpr std::size_t MostCounted = 1024;  // levels in which children are count
 
 }  // namespace
 
-void ElementPath::goOnTo(const char* place) {
+// A lenient reader takes all up to a semicolon for a reference, in texts, too.
+void ElementPath::goOnTo(const char* place, bool expandsReferences) {
     while (at < place) {
-        const char* const tag = corvel::findByte(at, place, '<');
-        const char* const end = tag == place ? nullptr : endOfMarkup(tag, place);
+        const char* const tag = corvel::findAny(at, place, '<', '&');
+        if (tag != place && *tag == '&') {
+            at = corvel::findByte(tag, place, ';');
+            continue;
+        }
+        const char* const end = tag == place ? nullptr : endOfMarkup(tag, place, expandsReferences);
         if (end == nullptr) {
             at = place;
             return;

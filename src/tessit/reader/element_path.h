@@ -25,7 +25,7 @@ public:
     explicit ElementPath(const char* text) noexcept : at(text) {}
 
     /// Reads on to a place; what is not whole there is passed.
-    void goOnTo(const char* place);
+    void goOnTo(const char* place, bool expandsReferences);
 
     std::size_t depth() const noexcept { return tags.size(); }
     Element element(std::size_t level) const noexcept {

@@ -51,9 +51,12 @@ void QeXmlReader::Engine::limitNode() const {
 // The bindings of an empty element are not in force any more, but were.
 void QeXmlReader::Engine::limitTag() {
     const bool isEmpty = reader.lastNodeType == EmptyElement;
-    hold(static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(reader.depth, 0)) + (isEmpty ? 1 : 0), limits->depth,
-         Limit::Depth);
-    hold(lengthOf(reader.lastName), limits->name, Limit::Name, lastTag.begin + 1);
+    const std::ptrdiff_t level = reader.depth + (isEmpty ? 1 : 0);  // below 0 behind end tags too many
+    hold(static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(level, 0)), limits->depth, Limit::Depth);
+    if (lastTag.begin != nullptr) {
+        const std::string_view name = tessit::nameInTag(lastTag.begin);
+        hold(name.size(), limits->name, Limit::Name, name.data());
+    }
     hold(reader.lastAttributes.size(), limits->attributes, Limit::Attributes);
     const bool bindsXml = conforming != nullptr && conforming->options.namespaces;
     hold(bindings.count(isEmpty) - (bindsXml ? 1 : 0), limits->bindings, Limit::Bindings);
@@ -62,7 +65,8 @@ void QeXmlReader::Engine::limitTag() {
         if (!isLong && lengthOf(attribute.getName()) <= limits->name) continue;
         const char* const tag = lastTag.begin;
         const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
-        const auto written = attributesOfLastTag.find(tag, limit, attribute.getName().asString());
+        const auto written =
+            attributesOfLastTag.find(tag, limit, reader.expandAttributeReference, attribute.getName().asString());
         const char* const place = !written ? tag : isLong ? written->value.data() : written->name.data();
         throw Exceeded{isLong ? Limit::Value : Limit::Name, place};
     }

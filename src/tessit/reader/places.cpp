@@ -1,6 +1,6 @@
 // Where things stand that were read: asked for by programs, and by errors.
 
-#include <ranges>
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -57,7 +57,7 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
         return spanOf(lastNode, conforming->documentTypeEnd);
     if (reader.lastNodeType == EntityReference)
         return spanOf(lastNode, corvel::findByte(lastNode.begin, limit, ';') + 1);
-    const char* const end = tessit::endOfMarkup(lastNode.begin, limit);
+    const char* const end = tessit::endOfMarkup(lastNode.begin, limit, reader.expandAttributeReference);
     return spanOf(lastNode, end == nullptr ? lastNode.begin : end);
 }
 
@@ -68,7 +68,8 @@ std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttri
         input.dropAnchor(lastTag.begin);
     else
         dropAnchor(*lastTag.source, lastTag.begin);
-    const auto written = attributesOfLastTag.find(lastTag.begin, limit, attribute.getName().asString());
+    const auto written =
+        attributesOfLastTag.find(lastTag.begin, limit, reader.expandAttributeReference, attribute.getName().asString());
     if (!written) return std::nullopt;
     const auto spanOfText = [this](std::string_view text) {
         return QeXmlSpan{positionIn(lastTag, text.data()), endOf(lastTag, text.data() + text.size())};
@@ -87,7 +88,7 @@ const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const 
                                                            : conforming->document.source.begin();
         path = std::make_unique<ElementPath>(first);
     }
-    path->goOnTo(place);
+    path->goOnTo(place, reader.expandAttributeReference);
     return *path;
 }
 
@@ -114,7 +115,8 @@ QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
 QeXmlSpan QeXmlReader::Engine::spanOfTag(const char* tag) const {
     const Source* const source = conforming == nullptr ? nullptr : &conforming->document.source;
     const char* const limit = source == nullptr ? input.limit() : source->end();
-    return spanOf({tag, source}, tessit::endOfMarkup(tag, limit));
+    const char* const end = tessit::endOfMarkup(tag, limit, reader.expandAttributeReference);
+    return spanOf({tag, source}, end == nullptr ? tag : end);
 }
 
 std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
@@ -129,8 +131,9 @@ std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
     const Conforming::OpenEntity& outermost = conforming->entities.front();
     const Source& entity = outermost.entity->source;
     const QeXmlSpan reference = spanOf({entity.reference, entity.parent}, outermost.resume);
-    const auto names = openElements.innermost(static_cast<std::size_t>(reader.depth - outermost.depth));
-    for (const std::string_view name : std::views::reverse(names))
+    auto names = openElements.innermost(static_cast<std::size_t>(reader.depth - outermost.depth));
+    std::ranges::reverse(names);
+    for (const std::string_view name : names)
         elements.push_back({QeCString(name), reference});
     return elements;
 }

@@ -37,7 +37,6 @@ TESSIT_NOINLINE RawName Scanner::readLongName() {
     }
     if (at == end) raiseEnd();
     if (nameByte(*at) == MultiByteName) return readNameSlowly(at, localStart);
-    hold(static_cast<std::size_t>(at - start), input.limits().name, Limit::Name, start);
     cursor = at;
     return {start, static_cast<std::size_t>(at - start), localStart};
 }
@@ -69,7 +68,6 @@ RawName Scanner::readNameSlowly(const char* from, std::size_t localStart) {
         ++at;
         if (kind == SplitsName && localStart == 0) localStart = static_cast<std::size_t>(at - start);
     }
-    hold(static_cast<std::size_t>(at - start), input.limits().name, Limit::Name, start);
     cursor = at;
     return {start, static_cast<std::size_t>(at - start), localStart};
 }

@@ -105,6 +105,7 @@ TESSIT_NOINLINE void TagSlots::readAny(Input& input, bool expands) {
 void TagSlots::readAttribute(Scanner& scanner, bool expands) {
     const RawName name = scanner.readName();
     hold(rawAttributes.size() + 1, scanner.limits().attributes, Limit::Attributes, name.data);
+    hold(name.length, scanner.limits().name, Limit::Name, name.data);
     const char quote = scanner.readEqualsAndQuote();
     const std::size_t scratchLength = valueScratch.length();
     const std::string_view value = scanner.readValue(quote, expands, valueScratch);

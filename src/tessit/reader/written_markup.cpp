@@ -21,13 +21,22 @@ bool endsName(char byte) noexcept {
     return isSpace(byte) || byte == '/' || byte == '>';
 }
 
+// The closing quote of a value, from behind the opening one on; the limit where there is none.
+const char* endOfValue(const char* at, const char* limit, char quote, bool expands) noexcept {
+    for (;;) {
+        at = corvel::findAny(at, limit, quote, expands ? '&' : quote);
+        if (at == limit || *at == quote) return at;
+        at = corvel::findByte(at, limit, ';');
+    }
+}
+
 // Quotes are those of values: nothing else in a tag may hold one.
-const char* endOfTag(const char* at, const char* limit) noexcept {
+const char* endOfTag(const char* at, const char* limit, bool expands) noexcept {
     for (;;) {
         at = corvel::findAny(at, limit, '>', '"', '\'');
         if (at == limit) return nullptr;
         if (*at == '>') return at + 1;
-        const char* const quote = corvel::findByte(at + 1, limit, *at);
+        const char* const quote = endOfValue(at + 1, limit, *at, expands);
         if (quote == limit) return nullptr;
         at = quote + 1;
     }
@@ -45,12 +54,12 @@ const char* endOfDocumentType(const char* at, const char* limit) noexcept {
 
 }  // namespace
 
-const char* endOfMarkup(const char* begin, const char* limit) noexcept {
+const char* endOfMarkup(const char* begin, const char* limit, bool expands) noexcept {
     const std::string_view markup(begin, static_cast<std::size_t>(limit - begin));
     if (markup.starts_with("<!--")) return behindText(begin + 4, limit, "-->");
     if (markup.starts_with("<![")) return behindText(begin, limit, "]]>");
     if (markup.starts_with("<?")) return behindText(begin + 2, limit, "?>");
-    return markup.starts_with("<!") ? endOfDocumentType(begin, limit) : endOfTag(begin, limit);
+    return markup.starts_with("<!") ? endOfDocumentType(begin, limit) : endOfTag(begin, limit, expands);
 }
 
 std::string_view nameInTag(const char* begin) noexcept {
@@ -71,31 +80,32 @@ bool isBefore(const WrittenAttributes::Attribute& left, const WrittenAttributes:
 
 }  // namespace
 
-void WrittenAttributes::lookThrough(const char* tag, const char* limit) {
+// Looks for ends all the same: how references count can have been set anew since the tag was read.
+void WrittenAttributes::lookThrough(const char* tag, const char* limit, bool expands) {
     attributes.clear();
     lastTag = nullptr;  // until all is there: an insertion can throw
     for (const char* at = nameInTag(tag).end();;) {
-        while (isSpace(*at))
+        while (at != limit && isSpace(*at))
             ++at;
-        if (*at == '>' || *at == '/') break;
         const char* const name = at;
-        while (!isSpace(*at) && *at != '=')
+        while (at != limit && !endsName(*at) && *at != '=')
             ++at;
-        const std::string_view whole(name, static_cast<std::size_t>(at - name));
-        while (*at != '"' && *at != '\'')
-            ++at;
-        const char* const value = at + 1;
-        at = corvel::findByte(value, limit, *at);
-        attributes.push_back({whole, {value, static_cast<std::size_t>(at - value)}});
+        std::string_view whole(name, static_cast<std::size_t>(at - name));
+        if (whole.starts_with(':')) whole.remove_prefix(1);  // of an empty prefix, nothing is delivered
+        const char* const quote = corvel::findAny(at, limit, '"', '\'', '>');
+        if (whole.empty() || quote == limit || *quote == '>') break;
+        at = endOfValue(quote + 1, limit, *quote, expands);
+        if (at == limit) break;
+        attributes.push_back({whole, {quote + 1, static_cast<std::size_t>(at - quote - 1)}});
         ++at;
     }
     if (attributes.size() > Few) std::stable_sort(attributes.begin(), attributes.end(), isBefore);
     lastTag = tag;
 }
 
-std::optional<WrittenAttributes::Attribute> WrittenAttributes::find(const char* tag, const char* limit,
+std::optional<WrittenAttributes::Attribute> WrittenAttributes::find(const char* tag, const char* limit, bool expands,
                                                                     std::string_view name) {
-    if (tag != lastTag) lookThrough(tag, limit);
+    if (tag != lastTag) lookThrough(tag, limit, expands);
     const bool isSorted = attributes.size() > Few;
     const Attribute sought{name, {}};
     auto first = attributes.begin(), last = attributes.end();
