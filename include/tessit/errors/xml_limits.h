@@ -17,12 +17,11 @@ struct QeXmlLimits {
     std::uint64_t depth = None;       ///< elements within each other
     std::uint64_t attributes = None;  ///< of a tag, declarations of namespaces and declared defaults among them
     std::uint64_t bindings = None;    ///< of prefixes that are in force, without that of `xml`
-    std::uint64_t name =
-        None;  ///< bytes of a name with its prefix, of a tag or an attribute; in conforming readers of a target
-    std::uint64_t value = None;  ///< bytes of an attribute's value
-    std::uint64_t text = None;   ///< bytes of a text, a comment, or the data of an instruction
-    std::uint64_t node = None;  ///< bytes of one as written: a tag, a text with all in it, a comment, the document type
-    std::uint64_t document = None;  ///< bytes of the input
+    std::uint64_t name = None;        ///< bytes of a name with its prefix: of tags, attributes, targets
+    std::uint64_t value = None;       ///< bytes of an attribute's value
+    std::uint64_t text = None;        ///< bytes of a text, a comment, or the data of an instruction
+    std::uint64_t node = None;        ///< bytes as written of a tag, a text with all in it, a comment, ...
+    std::uint64_t document = None;    ///< bytes of the input
 
     /// @name For conforming readers
     /// @{
