@@ -13,11 +13,12 @@ using tessit::fuzz::require;
 
 namespace {
 
-// Whether the tag has one default declaration, and values in double quotes only, without a tag's signs in them.
+// Whether the tag has one default declaration (an empty prefix makes another), and values in double quotes only,
+// without a tag's signs in them.
 bool declaresDefaultPlainly(std::string_view tag) {
     const auto declaration = tag.find("xmlns=\"");
     return declaration != tag.npos && tag.find("xmlns", declaration + 1) == tag.npos &&
-           tag.find_first_of("'&/") == tag.npos &&
+           tag.find("xmlns:=") == tag.npos && tag.find_first_of("'&/") == tag.npos &&
            std::count(tag.begin(), tag.end(), '=') * 2 == std::count(tag.begin(), tag.end(), '"');
 }
 
