@@ -55,13 +55,12 @@ public:
     /// Throws a `Qexmsg`, and counts as not called, when the pattern is invalid or
     /// malformed UTF-8 (the text names the pattern and the place), when it is longer
     /// than 64 KiB, and when matching takes too many steps or too much memory, as a
-    /// pattern does that would take exponential time. A check takes at most 50 million
-    /// steps, and 64 for each UTF-16 unit of the value: up to some seconds. A step in a
-    /// long pattern counts for several; in one that looks around, all the more in a
-    /// long value. Patterns that begin with '^' and have one way only to match take
-    /// time linear in the value; those that begin with a repetition take quadratic time
-    /// where they do not match, and reach the limit on some 10,000 characters. The
-    /// stack takes at most 8 MiB and 128 bytes for each UTF-16 unit, up to 512 MiB.
+    /// pattern does that would take exponential time. A check takes at most 100 million
+    /// steps: up to some seconds, whatever the value. A step in a long pattern counts
+    /// for several; in one that looks around, all the more in a long value. Patterns that begin with '^' and have one
+    /// way only to match take time linear in the value; those that begin with a repetition take quadratic time where
+    /// they do not match, and reach the limit on some 10,000 characters. The stack takes at most 8 MiB and 128 bytes
+    /// for each UTF-16 unit, up to 512 MiB.
     ///
     /// The last few patterns stay compiled, so that checking value after value
     /// against the same ones compiles nothing. Before it is matched, the value is
