@@ -30,7 +30,8 @@ Formed put(std::string_view body, Form form) {
     const std::string declaration =
         std::string("<?xml version='1.0' encoding='") + (isLatin ? "ISO-8859-1" : "windows-1251") + "'?>";
     std::string bytes = declaration;
-    for (const char32_t code : decode(body).value()) {
+    const std::u32string codes = decode(body).value();
+    for (const char32_t code : codes) {
         if (code >= 0x80 && (isLatin ? code > 0xFF : code != 0x0416)) return {};
         bytes += static_cast<char>(code < 0x80 || isLatin ? code : 0xC6);
     }

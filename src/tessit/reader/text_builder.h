@@ -33,8 +33,7 @@ public:
     }
 
     void put(std::uint32_t character) {
-        char bytes[16];
-        if (limit - out < 4) return put({bytes, static_cast<std::size_t>(voxal::putUtf8(bytes, character) - bytes)});
+        need(character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4);
         out = voxal::putUtf8(out, character);
     }
 
