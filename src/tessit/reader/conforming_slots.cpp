@@ -56,8 +56,7 @@ TESSIT_NOINLINE bool TagSlots::readOtherValueInto(QeCString& value, Scanner& sca
 
 TESSIT_NOINLINE void TagSlots::readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules) {
     Scanner scanner(input);
-    rawAttributes.clear();
-    rawAttributes.reserve(Few);
+    const RawAttributes::Room room(rawAttributes);
     valueScratch.clear();
     const AttributeList* const list = rules.declaredFor(element.whole());
     for (;;) {

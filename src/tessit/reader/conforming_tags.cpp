@@ -136,7 +136,7 @@ std::span<const ConformingTags::Left> ConformingTags::leftIn(std::string_view na
     return {first, last};
 }
 
-void ConformingTags::addDefaults(std::vector<RawAttribute>& attributes, const AttributeList& list, const char* tagEnd) {
+void ConformingTags::addDefaults(RawAttributes& attributes, const AttributeList& list, const char* tagEnd) {
     for (const std::size_t number : list.defaults) {
         const DeclaredAttribute& attribute = list.begin()[static_cast<std::ptrdiff_t>(number)];
         if (attribute.seenInTag == tagNumber) continue;

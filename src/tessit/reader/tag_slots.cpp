@@ -91,8 +91,7 @@ void TagSlots::takeSlots(std::size_t count) {
 
 TESSIT_NOINLINE void TagSlots::readAny(Input& input, bool expands) {
     Scanner scanner(input);
-    rawAttributes.clear();
-    rawAttributes.reserve(Few);
+    const RawAttributes::Room room(rawAttributes);
     valueScratch.clear();
     for (;;) {
         scanner.skipSpace();
@@ -237,7 +236,7 @@ void TagSlots::learnShape(std::span<const Ordered> ordered) {
     if (ordered.size() > MostExpected || bindings.tagDeclares()) return;
     for (std::size_t slot = 0; slot < ordered.size(); ++slot) {
         const RawAttribute& attribute = *ordered[slot].attribute;
-        TagShape::Entry& entry = shape->entries[static_cast<std::size_t>(&attribute - rawAttributes.data())];
+        TagShape::Entry& entry = shape->entries[static_cast<std::size_t>(&attribute - rawAttributes.begin())];
         entry.name = attribute.name.whole();
         entry.slot = slot;
     }

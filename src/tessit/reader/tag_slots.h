@@ -150,7 +150,7 @@ private:
     void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
     void writeLocalName(QeXmlName& name, const RawName& raw);
 
-    static constexpr std::size_t Few = 8;  // at least this much at once: ordinary tags fit in
+    static constexpr std::size_t Few = RawAttributes::Few;
 
     QeXmlName& elementName;
     QeXmlAttributeSet& attributes;
@@ -159,7 +159,7 @@ private:
     NameWritten nameWritten;
 
     // Working storage of a tag, kept between tags so that it is allocated once.
-    std::vector<RawAttribute> rawAttributes;
+    RawAttributes rawAttributes;
     std::vector<Ordered> manyOrdered;
     std::vector<RawAttribute*> sameLocalName;
     QeCString valueScratch;
