@@ -80,9 +80,7 @@ TESSIT_NOINLINE void QeXmlReader::Engine::noteOpen(std::string_view name) {
 
 // Whether the end tag is written like the start tag of the innermost element, as most are: that is closed then.
 TESSIT_NOINLINE bool QeXmlReader::Engine::closesInnermost() noexcept {
-    if (openElements.empty() || !corvel::sameBytes(slots.elementAsWritten(), openElements.innermost())) return false;
-    openElements.pop();
-    return true;
+    return openElements.popIf(slots.elementAsWritten());
 }
 
 TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::matchEndTag() {

@@ -9,10 +9,15 @@ void OpenElements::grow(std::size_t size) {
     bytes.resize(std::max({Least, used + size, bytes.size() + bytes.size() / 2}));
 }
 
-void OpenElements::endLongName(std::size_t length) noexcept {
-    char* const at = bytes.data() + used - 1;
-    std::memcpy(at - sizeof length, &length, sizeof length);
-    *at = static_cast<char>(IsLong);
+void OpenElements::pushSlowly(std::string_view name) {
+    const bool isLong = name.size() >= IsLong;
+    const std::size_t length = name.size(), size = length + 1 + (isLong ? sizeof length : 0);
+    if (bytes.size() - used < size) grow(size);
+    char* const at = bytes.data() + used;
+    corvel::copyBytes(at, name.data(), length);
+    if (isLong) std::memcpy(at + length, &length, sizeof length);
+    at[size - 1] = static_cast<char>(isLong ? IsLong : length);
+    used += size;
 }
 
 std::string_view OpenElements::longNameBefore(std::size_t end) const noexcept {

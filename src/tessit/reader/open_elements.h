@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <corvel/byte_copy.h>
+#include <corvel/byte_scan.h>
 
 namespace tessit {
 
@@ -20,14 +21,11 @@ public:
     bool empty() const noexcept { return used == 0; }
 
     void push(std::string_view name) {
-        const bool isLong = name.size() >= IsLong;
-        const std::size_t size = name.size() + 1 + (isLong ? sizeof(std::size_t) : 0);
-        if (bytes.size() - used < size) grow(size);
-        char* at = bytes.data() + used;
+        if (name.size() > LongestShort || bytes.size() - used <= name.size()) return pushSlowly(name);
+        char* const at = bytes.data() + used;
         corvel::copyBytes(at, name.data(), name.size());
-        used += size;
-        if (isLong) return endLongName(name.size());
         at[name.size()] = static_cast<char>(name.size());
+        used += name.size() + 1;
     }
 
     /// The innermost one; there must be one. Valid until the next push or pop.
@@ -40,9 +38,14 @@ public:
     /// That many of them, from inside. Valid until the next push or pop.
     std::vector<std::string_view> innermost(std::size_t count) const;
 
-    void pop() noexcept {
-        const std::size_t length = innermost().size();
-        used -= length + 1 + (length >= IsLong ? sizeof(std::size_t) : 0);
+    /// Drops the innermost one.
+    void pop() noexcept { drop(innermost().size()); }
+
+    /// The same if it is written like this. Whether it is.
+    bool popIf(std::string_view name) noexcept {
+        if (empty() || !corvel::sameBytes(name, innermost())) return false;
+        drop(name.size());
+        return true;
     }
 
     /// Forgets all of them.
@@ -52,8 +55,11 @@ private:
     // Behind each name stands its length: one byte, or for long names this byte and, in front of it, a whole number.
     static constexpr unsigned char IsLong = 0xFF;
 
+    static constexpr std::size_t LongestShort = 32;  // as most are: pushed without a call
+
+    void drop(std::size_t length) noexcept { used -= length + 1 + (length >= IsLong ? sizeof(std::size_t) : 0); }
+    void pushSlowly(std::string_view name);
     void grow(std::size_t size);
-    void endLongName(std::size_t length) noexcept;
     std::string_view longNameBefore(std::size_t end) const noexcept;
 
     std::vector<char> bytes;  // outermost first; those behind `used` mean nothing
