@@ -126,6 +126,7 @@ void TagSlots::checkDuplicates(std::span<const Ordered> ordered, ConformingTags&
     const auto haveOneName = [](const Ordered& left, const Ordered& right) {
         return left.key == right.key && left.attribute->name.local() == right.attribute->name.local();
     };
+    std::vector<RawAttribute*> sameLocalName;  // few tags have any
     for (auto first = ordered.begin(); first != ordered.end();) {
         auto last = first + 1;
         while (last != ordered.end() && haveOneName(*first, *last))

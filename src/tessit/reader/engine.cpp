@@ -14,6 +14,9 @@ QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* option
             *this),
       bindings(owner.namespaceStack),
       slots(owner.lastName, owner.lastAttributes, input.limit(), bindings) {
+#if defined(__GLIBC__)
+    static_assert(sizeof(Engine) <= 1032);  // blocks up to there are at hand again once they were freed
+#endif
     reader.readsApart = conforming != nullptr;
     if (options == nullptr) return;
     input.setSourceName(options->sourceName);

@@ -77,6 +77,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     QeXmlSpan spanOfLastNode() const;
     QeXmlExcerpt excerptAt(const QeXmlPosition& position) const;
     QeXmlSpan spanOfTag(const char* tag) const;
+    tessit::WrittenAttributes& attributesOfLastTag();
     std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
     const tessit::ElementPath& pathInDocument(const char* place) const;
     QeCString pathOfOpenElements(const char* place) const;
@@ -121,7 +122,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     QeXmlName expectedName;              // what the caller demands; working storage of one call
     const char* pendingStart = nullptr;  // where the node that was looked at begins, in a document that stays
     Written lastNode, lastTag;           // the tag is the last one that opened an element
-    tessit::WrittenAttributes attributesOfLastTag;
-    mutable std::unique_ptr<tessit::ElementPath> path;  // made when it is asked for
-    RawCopy* rawCopy = nullptr;                         // the copy that `readElement` is making
+    // made when they are asked for
+    std::unique_ptr<tessit::WrittenAttributes> writtenAttributes;
+    mutable std::unique_ptr<tessit::ElementPath> path;
+    RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
 };

@@ -66,7 +66,7 @@ void QeXmlReader::Engine::limitTag() {
         const char* const tag = lastTag.begin;
         const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
         const auto written =
-            attributesOfLastTag.find(tag, limit, reader.expandAttributeReference, attribute.getName().asString());
+            attributesOfLastTag().find(tag, limit, reader.expandAttributeReference, attribute.getName().asString());
         const char* const place = !written ? tag : isLong ? written->value.data() : written->name.data();
         throw Exceeded{isLong ? Limit::Value : Limit::Name, place};
     }

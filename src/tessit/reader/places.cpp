@@ -61,6 +61,11 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
     return spanOf(lastNode, end == nullptr ? lastNode.begin : end);
 }
 
+tessit::WrittenAttributes& QeXmlReader::Engine::attributesOfLastTag() {
+    if (writtenAttributes == nullptr) writtenAttributes = std::make_unique<tessit::WrittenAttributes>();
+    return *writtenAttributes;
+}
+
 std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttribute& attribute) {
     if (lastTag.begin == nullptr) return std::nullopt;
     const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
@@ -68,8 +73,8 @@ std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttri
         input.dropAnchor(lastTag.begin);
     else
         dropAnchor(*lastTag.source, lastTag.begin);
-    const auto written =
-        attributesOfLastTag.find(lastTag.begin, limit, reader.expandAttributeReference, attribute.getName().asString());
+    const auto written = attributesOfLastTag().find(lastTag.begin, limit, reader.expandAttributeReference,
+                                                    attribute.getName().asString());
     if (!written) return std::nullopt;
     const auto spanOfText = [this](std::string_view text) {
         return QeXmlSpan{positionIn(lastTag, text.data()), endOf(lastTag, text.data() + text.size())};

@@ -161,7 +161,6 @@ private:
     // Working storage of a tag, kept between tags so that it is allocated once.
     RawAttributes rawAttributes;
     std::vector<Ordered> manyOrdered;
-    std::vector<RawAttribute*> sameLocalName;
     QeCString valueScratch;
 
     // What the tags that are read are expected to hold: eight places, by a hash of the
