@@ -4,12 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include <tessit/errors/xml_error.h>
-
 #include "console.h"
-
-/// `FILE:LINE:COLUMN`.
-std::string placeText(const QeXmlPlace& place);
 
 /// Runs what reads a file. Complains, and returns false, when the file cannot be
 /// read, its document is refused, or memory does not suffice; a refusal has the

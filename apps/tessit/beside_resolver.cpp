@@ -6,7 +6,6 @@
 #include <system_error>
 #include <vector>
 
-#include "attempt.h"
 #include "input.h"
 
 namespace fs = std::filesystem;
@@ -71,7 +70,7 @@ BesideResolver::BesideResolver(Console& notes, std::string_view document)
 bool BesideResolver::resolve(const QeXmlExternalId& id, QeXmlExternalEntity& entity) {
     const auto leaveUnread = [&](const std::string& reason) {
         const std::string name(id.getSystemId());
-        console.note(placeText(id.getPlace()), '"' + name + "\" was not read: " + reason);
+        console.note(id.getPlace(), '"' + name + "\" was not read: " + reason);
         return false;
     };
     try {

@@ -3,8 +3,6 @@
 #include <cerrno>
 #include <unistd.h>
 
-#include "escape.h"
-
 namespace {
 
 constexpr std::size_t BufferSize = 65'536;
@@ -45,24 +43,30 @@ void Console::finish() {
     if (close(STDOUT_FILENO) != 0) throw WriteError{errno};
 }
 
-void Console::complain(std::string_view where, std::string_view message, ExitStatus meaning) {
+void Console::complain(std::string_view file, const QeXmlParseError& error, ExitStatus meaning) {
     conclude(meaning);  // also when the output cannot be written any more
+    flush();
+    print(
+        {.severity = "error", .file = file, .message = error.what(), .position = error.getPosition(), .error = &error});
+}
+
+void Console::complain(std::string_view where, std::string_view message, ExitStatus meaning) {
+    conclude(meaning);
     flush();
     complainOnly(where, message, meaning);
 }
 
 void Console::complainOnly(std::string_view where, std::string_view message, ExitStatus meaning) {
     conclude(meaning);
-    print(where, "error", message);
+    print({.severity = "error", .file = where, .message = message});
 }
 
-void Console::note(std::string_view where, std::string_view message) {
+void Console::note(const QeXmlPlace& place, std::string_view message) {
     flush();
-    print(where, "note", message);
+    print({.severity = "note", .file = place.sourceFile, .message = message, .position = place.position});
 }
 
 // A complaint that cannot be written is still told by the exit status.
-void Console::print(std::string_view where, std::string_view kind, std::string_view message) const {
-    if (silent) return;
-    writeAll(STDERR_FILENO, escaped(where) + ": " + std::string(kind) + ": " + escaped(message) + "\n");
+void Console::print(const Report& report) const {
+    if (!silent) writeAll(STDERR_FILENO, json ? asJson(report) : asText(report));
 }

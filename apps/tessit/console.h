@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "report.h"
+
 /// What the tool's exit status says. The worst of all that happened counts.
 enum class ExitStatus {
     Good = 0,       ///< every document was read to its end, and the answer is yes where there is a question
@@ -36,18 +38,23 @@ public:
     /// Writes out what is buffered, and closes standard output: some errors show only then. Throws `WriteError`.
     void finish();
 
-    /// Prints "WHERE: error: MESSAGE" to standard error, behind the output so far, both escaped.
-    /// Throws `WriteError`.
+    /// Prints what is wrong with a document to standard error, behind the output so far. Throws `WriteError`.
+    void complain(std::string_view file, const QeXmlParseError& error, ExitStatus meaning);
+
+    /// The same for what has no position, such as a file that cannot be read.
     void complain(std::string_view where, std::string_view message, ExitStatus meaning);
 
     /// The same for when standard output itself is what fails: nothing is written to it.
     void complainOnly(std::string_view where, std::string_view message, ExitStatus meaning);
 
-    /// Prints "WHERE: note: MESSAGE" in the same way; the exit status stays. Throws `WriteError`.
-    void note(std::string_view where, std::string_view message);
+    /// Prints a note in the same way; the exit status stays. Throws `WriteError`.
+    void note(const QeXmlPlace& place, std::string_view message);
 
     /// From now on prints neither complaints nor notes.
     void silence() { silent = true; }
+
+    /// From now on prints complaints and notes as JSON.
+    void speakJson() { json = true; }
 
     /// Makes the exit status at least this bad, without a complaint.
     void conclude(ExitStatus meaning) { worst = std::max(worst, meaning); }
@@ -55,9 +62,10 @@ public:
     ExitStatus status() const { return worst; }
 
 private:
-    void print(std::string_view where, std::string_view kind, std::string_view message) const;
+    void print(const Report& report) const;
 
     std::string pending;
     ExitStatus worst = ExitStatus::Good;
     bool silent = false;
+    bool json = false;
 };

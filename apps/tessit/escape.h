@@ -22,6 +22,27 @@ enum class Within {
     Braces   ///< also closing braces and spaces
 };
 
+struct Character {
+    std::uint32_t code;
+    std::size_t length;  ///< in bytes; 0 where the bytes are not UTF-8
+};
+
+/// The character in front of a text that is not empty.
+inline Character characterIn(std::string_view text) {
+    constexpr std::uint32_t Least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto lead = static_cast<unsigned char>(text[0]);
+    if (lead < 0x80) return {lead, 1};
+    const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    if (length == 0 || text.size() < length) return {0, 0};
+    std::uint32_t code = lead & (0x7Fu >> length);
+    for (const char byte : text.substr(1, length - 1)) {
+        if ((byte & 0xC0) != 0x80) return {0, 0};
+        code = code << 6 | static_cast<std::uint32_t>(byte & 0x3F);
+    }
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    return code < Least[length] || code > 0x10FFFF || isSurrogate ? Character{0, 0} : Character{code, length};
+}
+
 namespace escapes {
 
 template <Within Place>
@@ -43,20 +64,9 @@ constexpr bool steersTheLine(std::uint32_t code) {
                        [code](const auto& range) { return code >= range.first && code <= range.last; });
 }
 
-/// How many bytes the character in front takes, which is not ASCII; 0 when it has
-/// to be escaped.
-inline std::size_t characterThatStays(std::string_view text) {
-    constexpr std::uint32_t Least[] = {0, 0, 0xA0, 0x800, 0x10000};  // below 0xA0: more control characters
-    const auto lead = static_cast<unsigned char>(text[0]);
-    const std::size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-    if (length == 0 || text.size() < length) return 0;
-    std::uint32_t code = lead & (0x7Fu >> length);
-    for (const char byte : text.substr(1, length - 1)) {
-        if ((byte & 0xC0) != 0x80) return 0;
-        code = code << 6 | static_cast<std::uint32_t>(byte & 0x3F);
-    }
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    return code < Least[length] || code > 0x10FFFF || isSurrogate || steersTheLine(code) ? 0 : length;
+/// Whether a character that is not ASCII can stand. Below U+00A0, there are more controls.
+constexpr bool stays(std::uint32_t code) {
+    return code >= 0xA0 && !steersTheLine(code);
 }
 
 template <Within Place>
@@ -65,9 +75,14 @@ std::size_t runThatStays(std::string_view text) {
     std::size_t at = 0;
     while (at < text.size()) {
         const auto byte = static_cast<unsigned char>(text[at]);
-        const std::size_t length = byte < 0x80 ? Stays[byte] : characterThatStays(text.substr(at));
-        if (length == 0) break;
-        at += length;
+        if (byte < 0x80) {
+            if (!Stays[byte]) break;
+            ++at;
+            continue;
+        }
+        const Character character = characterIn(text.substr(at));
+        if (character.length == 0 || !stays(character.code)) break;
+        at += character.length;
     }
     return at;
 }

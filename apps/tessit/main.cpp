@@ -37,6 +37,9 @@ void runCommand(std::span<char*> words, Console& console) {
         "2 for wrong usage or a file that cannot be read or written;\n"
         "subcommands that answer a question have their own.");
     const Command commands[] = {addCheck(tool), addEvents(tool), addSame(tool)};
+    bool json = false;
+    for (const Command& command : commands)
+        command.arguments->add_flag("--json", json, "Report errors as JSON, one object a line");
     tool.require_subcommand(0, 1);
     std::vector<std::string> arguments(words.size());
     std::transform(words.begin(), words.end(), arguments.rbegin(), literally);  // CLI11 takes them from the back
@@ -49,6 +52,7 @@ void runCommand(std::span<char*> words, Console& console) {
     } catch (const CLI::ParseError& error) {
         return refuseUsage(console, error.what());
     }
+    if (json) console.speakJson();
     for (const Command& command : commands)
         if (command.arguments->parsed()) return command.run(console);
     refuseUsage(console, "A subcommand is required");

@@ -24,7 +24,7 @@ struct Options {
 // and does not look whether tags pair up.
 QeCString readDocument(const std::string& file) {
     const std::vector<unsigned char> bytes = readInput(file);
-    QeXmlReader reader{std::span(bytes)};
+    QeXmlReader reader{std::span(bytes), {.sourceName = QeCString(displayName(file))}};
     for (DocumentWalk walk(reader); walk.next();)
         ;
     return QeCString(reinterpret_cast<const char*>(bytes.data()), bytes.size());

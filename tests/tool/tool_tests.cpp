@@ -22,6 +22,15 @@ void writeFile(const char* file, std::string_view content) {
     std::ofstream(file) << content;
 }
 
+// Documents that name others.
+void writeLinkedFiles() {
+    writeFile("away", "<!DOCTYPE a SYSTEM 'http://away'><a>&b;</a>");
+    std::filesystem::create_directories("nested/types");
+    writeFile("nested/doc", "<!DOCTYPE a SYSTEM 'types/dtd'>\n<a>&e;</a>");
+    writeFile("nested/types/dtd", "<!ENTITY e SYSTEM 'entity'>");
+    writeFile("nested/types/entity", "\n<");
+}
+
 class Tool : public testing::Test {
 protected:
     Tool() {
@@ -34,25 +43,33 @@ protected:
         std::filesystem::remove_all(folder);
     }
 
-    static std::string withoutNotes(const std::string& text) {
+    // Without what is told of an error in lines of its own: its line, path, second place and hint.
+    static std::string errorsAlone(const std::string& text) {
         std::string rest;
         std::istringstream lines(text);
-        for (std::string line; std::getline(lines, line);)
-            if (line.find(": note: ") == std::string::npos) rest += line + '\n';
+        for (std::string line; std::getline(lines, line);) {
+            const bool isMore = line.starts_with("  ") || line.starts_with("path: ") || line.starts_with("hint: ");
+            const bool isPlace =
+                line.find(": note: ") != std::string::npos && line.find("\" was not read: ") == std::string::npos;
+            if (!isMore && !isPlace) rest += line + '\n';
+        }
         return rest;
     }
 
-    // Runs a shell command in which `tessit` is the tool; `input` is its standard input.
     static void expect(const std::string& command, std::string_view input, const std::string& output,
                        const std::string& errors, int status) {
         SCOPED_TRACE(command + " with " + std::string(input));
+        EXPECT_EQ(run(command, input), status);
+        EXPECT_EQ(errorsAlone(contentOf("output")), output);
+        EXPECT_EQ(errorsAlone(contentOf("errors")), errors);
+    }
+
+    // Runs a shell command in which `tessit` is the tool; `input` is its standard input. Returns its status.
+    static int run(const std::string& command, std::string_view input) {
         writeFile("input", input);
         const std::string line = "tessit() { '" TESSIT_TOOL "' \"$@\"; }; { " + command + "; } <input >output 2>errors";
         const int result = std::system(line.c_str());
-        const bool saysMore = errors.find("note:") != std::string::npos;
-        EXPECT_EQ(withoutNotes(contentOf("output")), output);
-        EXPECT_EQ(saysMore ? contentOf("errors") : withoutNotes(contentOf("errors")), errors);
-        EXPECT_EQ(WIFEXITED(result) ? WEXITSTATUS(result) : -1, status);
+        return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
     }
 
 private:
@@ -163,6 +180,96 @@ TEST_F(Tool, ReadsExternalEntitiesBesideTheDocumentAlone) {
     }
 }
 
+std::string repeat(std::string_view text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
+constexpr std::string_view Wide = "\u65E5";
+const std::string Long = repeat(Wide, 100);
+
+const struct {
+    const char* command;
+    std::string document;
+    std::string errors;
+} ShownErrors[] = {
+    {"tessit check -", "<a>\n\t<b x='\u65E5\u672Ce\u0301'>\t<c>\n</a>",
+     "<stdin>:3:3: error: an end tag that does not close the innermost element: </a> closes <c>, which was opened at "
+     "2:20\n"
+     "  3 | </a>\n"
+     "    |   ^\n"
+     "path: /a/b/c\n"
+     "<stdin>:2:20: note: it was opened here\n"
+     "  2 | \t<b x='\u65E5\u672Ce\u0301'>\t<c>\n"
+     "    | \t             \t^\n"},
+    {"tessit events - >nodes", "<a>\u202E\x1B\xFF</b>",
+     "<stdin>:1:13: error: Unmatched start tag for b\n"
+     "  1 | <a>\\xE2\\x80\\xAE\\x1B\\xFF</b>\n"
+     "    |                            ^\n"
+     "<stdin>:1:1: note: this element is open\n"
+     "  1 | <a>\\xE2\\x80\\xAE\\x1B\\xFF</b>\n"
+     "    | ^\n"},
+    {"tessit check -", "order.xml",
+     "<stdin>:1:1: error: text outside the root element\n"
+     "  1 | order.xml\n"
+     "    | ^\n"
+     "hint: is this a file's name? A reader takes the document itself\n"},
+    {"tessit check -", "<a" + Long + " 1" + Long + "/>",  // as wide as a terminal, the place in the middle
+     "<stdin>:1:304: error: a name was expected, found '1'\n"
+     "  1 | ..." +
+         repeat(Wide, 17) + " 1" + repeat(Wide, 18) +
+         "...\n"
+         "    |    " +
+         repeat(" ", 35) + "^\n"},
+    {"tessit check -", "<a" + Long + " 1>",  // and more of one side where there is less of the other
+     "<stdin>:1:304: error: a name was expected, found '1'\n"
+     "  1 | ..." +
+         repeat(Wide, 34) +
+         " 1>\n"
+         "    |    " +
+         repeat(" ", 69) + "^\n"},
+    {"cd nested && tessit check --external doc", "",
+     "types/entity:2:2: error: markup that begins and ends in different entities\n"
+     "  2 | <\n"
+     "    |  ^\n"
+     "path: /a\n"
+     "doc:2:4: note: the entity was referred to here\n"
+     "  2 | <a>&e;</a>\n"
+     "    |    ^\n"},
+    {"tessit check --json --external - away", "\xEF\xBB\xBF<a>\n\u00E4<b \u202E></a>",
+     R"({"severity":"error","file":"<stdin>","line":2,"column":6,"characterColumn":5,"offset":12,"inputOffset":12,)"
+     R"("rule":"name","message":"a name was expected, found '\u202E'","path":"/a","note":null,"hint":null})"
+     "\n"
+     R"({"severity":"note","file":"away","line":1,"column":13,"characterColumn":13,"offset":12,"inputOffset":12,)"
+     R"("rule":null,"message":"\"http://away\" was not read: it is not in the document's folder","path":null,)"
+     R"("note":null,"hint":null})"
+     "\n"},
+    {"bad=$(printf '\\377\\n\"\\\\\\001\\303\\244'); cat >\"$bad\"; tessit same --json none \"$bad\"", "<a></b>",
+     R"({"severity":"error","file":"none","line":null,"column":null,"characterColumn":null,"offset":null,)"
+     R"("inputOffset":null,"rule":null,"message":"No such file or directory","path":null,"note":null,"hint":null})"
+     "\n"
+     "{\"severity\":\"error\",\"file\":\"\uFFFD\\n\\\"\\\\\\u0001\u00E4\","
+     R"("line":1,"column":8,"characterColumn":8,"offset":7,"inputOffset":7,"rule":null,)"
+     R"("message":"Unmatched start tag for b","path":null,"note":{"message":"this element is open",)"
+     "\"file\":\"\uFFFD\\n\\\"\\\\\\u0001\u00E4\",\"line\":1,\"column\":1},\"hint\":null}\n"},
+    {"tessit check --json -", "order.xml",
+     R"({"severity":"error","file":"<stdin>","line":1,"column":1,"characterColumn":1,"offset":0,"inputOffset":0,)"
+     R"("rule":"text-outside-root","message":"text outside the root element","path":null,"note":null,)"
+     R"("hint":"is this a file's name? A reader takes the document itself"})"
+     "\n"},
+    {"tessit check --json --quiet -", "<a>", ""},
+};
+
+TEST_F(Tool, ShowsTheLineOfAnError) {
+    writeLinkedFiles();
+    for (const auto& [command, document, errors] : ShownErrors) {
+        run(command, document);
+        EXPECT_EQ(contentOf("errors"), errors);
+    }
+}
+
 const struct {
     const char* command;
     std::string output = {}, errors = {};
@@ -212,9 +319,7 @@ const struct {
     {R"(echo "<!DOCTYPE a SYSTEM '$PWD/good'><a/>" >absolute; tessit check --external absolute 2>&1 | cut -d'"' -f3)",
      " was not read: it is not in the document's folder\n"},
     {"cd nested && tessit check --external doc", "",
-     "types/entity:2:2: error: markup that begins and ends in different entities\ndoc:2:4: note: the entity was "
-     "referred to here\n",
-     1},
+     "types/entity:2:2: error: markup that begins and ends in different entities\n", 1},
 
     {"tessit same good like && tessit same good good && tessit same - ./input"},  // only standard input is read once
     {"tessit same good -", "good and <stdin> differ\n", "", 1},
@@ -233,7 +338,7 @@ const struct {
     {"trap '' PIPE; { tessit events large; echo $? >&2; } | head -n 1", Utf8, "0\n"},
 
     {"bash completing ''; bash completing events -; bash completing same --h; bash completing events good li",
-     "check events same --help --version\n--conforming --external --raw-references --help\n--help\nlike\n"},
+     "check events same --help --version\n--conforming --external --raw-references --json --help\n--help\nlike\n"},
     // The manual and the completions have each subcommand and option that the tool's help names.
     {R"(tessit --help >help
         for command in $(grep -oE '^  [a-z]+' help); do tessit $command --help >>help; done
@@ -243,7 +348,7 @@ const struct {
             done
             echo $name
         done)",
-     "check\nevents\nsame\n--conforming\n--external\n--help\n--quiet\n--raw-references\n--version\n"},
+     "check\nevents\nsame\n--conforming\n--external\n--help\n--json\n--quiet\n--raw-references\n--version\n"},
 };
 
 TEST_F(Tool, AnswersEachCommandLine) {
@@ -251,11 +356,7 @@ TEST_F(Tool, AnswersEachCommandLine) {
     writeFile("like", "<?xml version='1.0'?>\n<good>\n</good>");
     writeFile("bad", "<bad>");
     writeFile("references", "<a x='&amp;&#65;'>&amp;</a>");
-    writeFile("away", "<!DOCTYPE a SYSTEM 'http://away'><a>&b;</a>");
-    std::filesystem::create_directories("nested/types");
-    writeFile("nested/doc", "<!DOCTYPE a SYSTEM 'types/dtd'>\n<a>&e;</a>");
-    writeFile("nested/types/dtd", "<!ENTITY e SYSTEM 'entity'>");
-    writeFile("nested/types/entity", "\n<");
+    writeLinkedFiles();
     writeFile("latin", "<?xml version='1.0' encoding='ISO-8859-1' standalone='no'?><\xE9/>");
     writeFile("unknown", "<?xml version='1.0' encoding='\x1B[2J'?><a/>");
     std::string large = "<r>";

@@ -10,3 +10,4 @@ complete -c tessit -n '__fish_seen_subcommand_from check' -l quiet -d 'Print not
 complete -c tessit -n '__fish_seen_subcommand_from check events' -l external -d 'Read external entities beside the document'
 complete -c tessit -n '__fish_seen_subcommand_from events' -l conforming -d 'Refuse what is not well-formed, print more nodes'
 complete -c tessit -n '__fish_seen_subcommand_from events' -l raw-references -d 'Leave references in attribute values as written'
+complete -c tessit -n '__fish_seen_subcommand_from check events same' -l json -d 'Report errors as JSON, one object a line'
