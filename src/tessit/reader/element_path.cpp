@@ -69,33 +69,56 @@ namespace {
 
 constexpr std::size_t LongestHalf = 500;
 
-QeCString stepOf(std::string_view name, std::uint32_t index) {
-    const std::string_view shown = quoted(name);
-    QeCString step("/");
-    step += shown;
-    if (shown.size() != name.size()) step += "...";
-    if (index > 1) step += '[' + std::to_string(index) + ']';
-    return step;
+// A path that is too long by this step is cut in front of it.
+bool takesRoom(std::size_t& used, std::size_t length) noexcept {
+    if (used + length > LongestHalf) return false;
+    used += length;
+    return true;
 }
 
 }  // namespace
 
+std::size_t PathText::lengthOf(const Step& step) noexcept {
+    constexpr std::size_t Slash = 1, Dots = 3, Brackets = 2;
+    const std::size_t shown = quoted(step.name).size();
+    std::size_t length = Slash + shown + (shown == step.name.size() ? 0 : Dots);
+    if (step.index < 2) return length;
+    for (std::uint32_t rest = step.index; rest != 0; rest /= 10)
+        ++length;
+    return length + Brackets;
+}
+
+void PathText::append(QeCString& text, const Step& step) {
+    const std::string_view shown = quoted(step.name);
+    text += '/';
+    text += shown;
+    if (shown.size() != step.name.size()) text += "...";
+    if (step.index > 1) text += '[' + std::to_string(step.index) + ']';
+}
+
 bool PathText::addOutermost(std::string_view name, std::uint32_t index) {
-    const QeCString step = stepOf(name, index);
-    if (front.length() + step.length() > LongestHalf) return false;
-    front += step;
+    const Step step{name, index};
+    if (!takesRoom(frontLength, lengthOf(step))) return false;
+    front.push_back(step);
     return true;
 }
 
 bool PathText::addInnermost(std::string_view name, std::uint32_t index) {
-    const QeCString step = stepOf(name, index);
-    if (back.length() + step.length() > LongestHalf) return false;
-    back = step + back;
+    const Step step{name, index};
+    if (!takesRoom(backLength, lengthOf(step))) return false;
+    back.push_back(step);
     return true;
 }
 
 QeCString PathText::whole(bool isWhole) const {
-    return isWhole ? front + back : front + "/..." + back;
+    QeCString text;
+    text.reserve(frontLength + backLength + 4);
+    for (const Step& step : front)
+        append(text, step);
+    if (!isWhole) text += "/...";
+    for (auto step = back.rbegin(); step != back.rend(); ++step)
+        append(text, *step);
+    return text;
 }
 
 }  // namespace tessit

@@ -58,7 +58,8 @@ private:
 /// A path of elements as text: `/feed/entry[3]/title`. Long names are cut, and so is the middle of a long path.
 class PathText {
 public:
-    /// Adds elements from outside, then from inside, each time until there is no more room: then false.
+    /// Adds elements from outside, then from inside, each time until there is no more room: then false. The names stay
+    /// as long as this.
     bool addOutermost(std::string_view name, std::uint32_t index);
     bool addInnermost(std::string_view name, std::uint32_t index);
 
@@ -66,7 +67,16 @@ public:
     QeCString whole(bool isWhole) const;
 
 private:
-    QeCString front, back;
+    struct Step {
+        std::string_view name;
+        std::uint32_t index;
+    };
+
+    static std::size_t lengthOf(const Step& step) noexcept;
+    static void append(QeCString& text, const Step& step);
+
+    std::vector<Step> front, back;  // from outside, and from inside
+    std::size_t frontLength = 0, backLength = 0;
 };
 
 }  // namespace tessit

@@ -33,7 +33,7 @@ void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();
     lastNode = lastTag = {};
-    path.reset();
+    forErrors.reset();
     input.replaceRest(std::move(*converted));
     if (rawCopy != nullptr) rawCopy->goOn();
 }

@@ -25,6 +25,13 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
         const tessit::Source* source = nullptr;
     };
 
+    // What was found out for errors so far.
+    struct ForErrors {
+        std::optional<tessit::ElementPath> path;
+        const char* hint = nullptr;
+        bool hasLookedForHint = false;
+    };
+
     explicit Engine(QeXmlReader& owner, const QeXmlReaderOptions* options = nullptr);
     ~Engine();
 
@@ -84,6 +91,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     std::optional<QeXmlNote> noteOfInnermost(const char* text, const char* place) const;
     [[noreturn]] void refuseEndTag(const Written& tag, std::string_view name) const;
     [[noreturn]] void raiseUnmatched() const;
+    ForErrors& makeForErrors() const;
     QeCString hint(std::string_view rule) const;
     void complete(tessit::ErrorAccess::Details& details, const char* place) const override;
     std::vector<QeXmlOpenElement> listOpenElements() const;
@@ -124,6 +132,6 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     Written lastNode, lastTag;           // the tag is the last one that opened an element
     // made when they are asked for
     std::unique_ptr<tessit::WrittenAttributes> writtenAttributes;
-    mutable std::unique_ptr<tessit::ElementPath> path;
-    RawCopy* rawCopy = nullptr;  // the copy that `readElement` is making
+    mutable std::unique_ptr<ForErrors> forErrors;  // made when it is asked for
+    RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
 };

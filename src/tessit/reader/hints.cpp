@@ -40,12 +40,11 @@ bool isLikeHtml(std::string_view begin) {
 
 }  // namespace
 
-QeCString hintFor(std::string_view document, bool isSecondRoot) {
-    if (isSecondRoot) return "are these several documents in a row? Each is one of its own";
+const char* hintFor(std::string_view document) noexcept {
     if (document.starts_with(Mark)) return "a byte-order mark stands here a second time";
     if (isLikeFileName(document)) return "is this a file's name? A reader takes the document itself";
     if (isLikeHtml(document.substr(0, LookedAt))) return "this looks like HTML, which XML parsers do not read";
-    return QeCString();
+    return nullptr;
 }
 
 }  // namespace tessit

@@ -2,12 +2,13 @@
 
 #include <string_view>
 
-#include <corvel/c_string.h>
-
 namespace tessit {
 
-/// What often is the reason when a document is refused that looks like this one; or empty. `isSecondRoot` says that
-/// an element follows which is named like the root was. O(1).
-QeCString hintFor(std::string_view document, bool isSecondRoot);
+/// What often is the reason when a document is refused that looks like this one; or null. O(1), though not little: the
+/// beginning is searched.
+const char* hintFor(std::string_view document) noexcept;
+
+/// The same where an element follows that is named like the root was.
+constexpr char HintAtSecondRoot[] = "are these several documents in a row? Each is one of its own";
 
 }  // namespace tessit

@@ -82,16 +82,22 @@ std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttri
     return QeXmlAttributeSpans{spanOfText(written->name), spanOfText(written->value)};
 }
 
+QeXmlReader::Engine::ForErrors& QeXmlReader::Engine::makeForErrors() const {
+    if (forErrors == nullptr) forErrors = std::make_unique<ForErrors>();
+    return *forErrors;
+}
+
 // The elements that the document's own text opens in front of a place; within an entity, that is the reference.
 const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const {
     if (conforming != nullptr && !conforming->entities.empty())
         place = conforming->entities.front().entity->source.reference;
-    if (path == nullptr) {
+    std::optional<ElementPath>& path = makeForErrors().path;
+    if (!path) {
         const char* first = reader.bufferStart;
         if (conforming != nullptr)
             first = conforming->documentTypeEnd != nullptr ? conforming->documentTypeEnd
                                                            : conforming->document.source.begin();
-        path = std::make_unique<ElementPath>(first);
+        path.emplace(first);
     }
     path->goOnTo(place, reader.expandAttributeReference);
     return *path;
@@ -174,16 +180,18 @@ void QeXmlReader::Engine::refuseEndTag(const Written& tag, std::string_view name
     tessit::refuseSaying(*tag.source, tag.begin, tessit::Rule::EndTag, message, std::move(note));
 }
 
-// Of the document without its first mark. A second root's fault has its place where the reader stands, at the '<'.
+// Of the document without its first mark, which is looked at once. A second root's fault has its place where the reader
+// stands, at the '<'.
 QeCString QeXmlReader::Engine::hint(std::string_view rule) const {
-    if (conforming != nullptr) {
-        const std::string_view text = conforming->document.source.text;
+    const std::string_view text =
+        conforming == nullptr ? input.textBehindMark() : std::string_view(conforming->document.source.text);
+    if (conforming != nullptr && rule == nameOf(tessit::Rule::SecondRoot)) {
         const auto behind = static_cast<std::size_t>(input.position() + 1 - text.data());
-        const bool isSecondRoot =
-            rule == nameOf(tessit::Rule::SecondRoot) && text.substr(behind).starts_with(slots.elementAsWritten());
-        return tessit::hintFor(text, isSecondRoot);
+        if (text.substr(behind).starts_with(slots.elementAsWritten())) return tessit::HintAtSecondRoot;
     }
-    return tessit::hintFor(input.textBehindMark(), false);
+    ForErrors& known = makeForErrors();
+    if (!std::exchange(known.hasLookedForHint, true)) known.hint = tessit::hintFor(text);
+    return known.hint == nullptr ? QeCString() : QeCString(known.hint);
 }
 
 // What was said already stays: a fault can come by here twice.
