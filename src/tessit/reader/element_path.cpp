@@ -116,8 +116,8 @@ QeCString PathText::whole(bool isWhole) const {
     for (const Step& step : front)
         append(text, step);
     if (!isWhole) text += "/...";
-    for (auto step = back.rbegin(); step != back.rend(); ++step)
-        append(text, *step);
+    for (std::size_t left = back.size(); left-- > 0;)
+        append(text, back[left]);
     return text;
 }
 
