@@ -165,7 +165,7 @@ def show(value):
 
 def limit(value):
     if value is None: return ''
-    return f'{value:.1f}' if value > 0 else f'below {-value:,}'
+    return f'{value}' if value > 0 else f'below {-value:,}'
 
 
 def targets(figures):

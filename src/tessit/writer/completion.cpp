@@ -1,3 +1,5 @@
+// Where the declarations of a tag stand among its attributes. Knows neither bytes nor what is in force.
+
 #include <algorithm>
 
 #include <tessit/model/model_access.h>

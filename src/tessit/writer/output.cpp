@@ -1,3 +1,5 @@
+// How room is made for bytes, and what becomes of a call that fails.
+
 #include <cstring>
 
 #include <tessit/writer/borrowed.h>

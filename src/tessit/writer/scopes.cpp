@@ -1,3 +1,5 @@
+// What a tag has to declare. Knows names and namespaces, and no bytes.
+
 #include <tessit/writer/scopes.h>
 
 namespace tessit {

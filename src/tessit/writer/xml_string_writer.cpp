@@ -1,3 +1,5 @@
+// A writer whose sink is a text of its own.
+
 #include <cstring>
 #include <limits>
 #include <utility>
