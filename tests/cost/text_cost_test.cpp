@@ -278,6 +278,8 @@ const struct {
     {"CompareDepth", VeryMany, Nested, compareWithItself},
     {"DemandDepth", Many, Nested, calls<"N:a N:p:a N:{}a T">},
     {"DemandInVain", Many, Nested, calls<"S:none E:none">},
+    {"DemandInVainBehindALongName", Many, "<r><a{bbbb}/>{<c/>}</r>", calls<"S | S:none E">},
+    {"DemandInVainInALongName", Many, "<a{bbbb}>{<c/>}</a>", calls<"S | S:none E">},
     {"TakeMarkupOfDepth", Many, Nested, calls<"R">},
     {"TakeMarkupAtEachLevel", Many, "{<a><b>t</b>}", calls<"S:a R:b">},
     {"BindByHandAtEachLevel", Many, Nested, calls<"B:p=u U:p P:u T">},

@@ -2,13 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <tessit/reader/passed_options.h>
+
 #include "support/documents.h"
 
 using namespace tessit::test;
 
 namespace {
 
-enum class Modes { Both, Conforming };
+enum class Modes { Both, Conforming, Lenient };
 
 struct Case {
     std::uint64_t QeXmlLimits::*field;
@@ -37,7 +39,10 @@ const Case Cases[] = {
     {&QeXmlLimits::name, "name", "<a><" + Long + "></" + Long + "></a>", 40, "1:5"},
     {&QeXmlLimits::name, "name", "<a><b " + Long + "='1'/></a>", 40, "1:7"},
     {&QeXmlLimits::name, "name", "<a><b \xC3\xA9" + Long + "='1'/></a>", 42, "1:7"},
-    {&QeXmlLimits::name, "name", "<a><?bcd e?></a>", 3, "1:6", Modes::Conforming},
+    {&QeXmlLimits::name, "name", "<a><?bcd e?></a>", 3, "1:6"},
+    {&QeXmlLimits::name, "name", "<?bcd e?><a/>", 3, "1:3"},
+    {&QeXmlLimits::name, "name", "<!DOCTYPE a [<?bcd e?>]><a/>", 3, "1:16", Modes::Conforming},
+    {&QeXmlLimits::name, "name", "<a></bcd>", 3, "1:6", Modes::Lenient},
     {&QeXmlLimits::value, "value", "<a x='123'/>", 3, "1:7"},
     {&QeXmlLimits::value, "value", "<a x='" + LongText + "'/>", 5000, "1:7"},
     {&QeXmlLimits::value, "value", "<a x='1&lt;&#233;'/>", 4, "1:7"},
@@ -45,6 +50,8 @@ const Case Cases[] = {
      "1:64"},
     {&QeXmlLimits::value, "value", "<!DOCTYPE a [<!ENTITY e '123'><!ENTITY f '&e;&e;'>]><a x='&f;4'/>", 7, "1:59",
      Modes::Conforming},
+    {&QeXmlLimits::value, "value", "<a x='12345&amp;' x='1'/>", 6, "1:7", Modes::Lenient},
+    {&QeXmlLimits::value, "value", "<a x='" + LongText + "&amp;" + LongText + "'/>", 10'001, "1:7"},
     {&QeXmlLimits::text, "text", "<a>123</a>", 3, "1:4"},
     {&QeXmlLimits::text, "text", "<a>" + LongText + "</a>", 5000, "1:4"},
     {&QeXmlLimits::text, "text", "<a>" + LongText + "&lt;" + LongText + "&#233;</a>", 10'003, "1:4"},
@@ -60,6 +67,11 @@ const Case Cases[] = {
     {&QeXmlLimits::node, "node", "<a></a>\n<!--1234-->", 11, "2:1", Modes::Conforming},
     {&QeXmlLimits::node, "node", "<a><?pi and data?></a>", 15, "1:4"},
     {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>", 31, "1:1"},
+    {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ENTITY e 't<b/>'>]><a>" + Long + "&e;</a>", 44, "1:38",
+     Modes::Conforming},
+    {&QeXmlLimits::node, "node",
+     "<!DOCTYPE a [<!ENTITY e '<b/>t'><!ENTITY f '<b/>'>]><a>&e;<!--" + Long + "-->2222&f;</a>", 55, "1:56",
+     Modes::Conforming},
     {&QeXmlLimits::document, "document", "<a>1</a>", 8, "1:1"},
     {&QeXmlLimits::entityDepth, "entityDepth",
      "<!DOCTYPE a [<!ENTITY d '1'><!ENTITY e '&d;'><!ENTITY f '&e;'>]><a>&f;</a>", 3, "1:68", Modes::Conforming},
@@ -100,7 +112,7 @@ std::string read(const Case& row, std::uint64_t most, QeXmlRules rules, bool dem
 TEST(Limits, AreExact) {
     for (const Case& row : Cases) {
         for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
-            if (row.modes == Modes::Conforming && rules == QeXmlRules::Lenient) continue;
+            if (row.modes == (rules == QeXmlRules::Lenient ? Modes::Conforming : Modes::Lenient)) continue;
             for (const bool demands : {false, true}) {
                 if (demands && rules == QeXmlRules::Conforming && row.place == "2:1") continue;
                 const std::string name = std::string(row.name) + ' ' + row.xml;
@@ -110,4 +122,34 @@ TEST(Limits, AreExact) {
             }
         }
     }
+}
+
+// What is delivered counts: of a value as written a line end is one blank, and what its references stand for is
+// nothing.
+TEST(Limits, OfValuesAsWritten) {
+    const Document document("<!DOCTYPE a [<!ENTITY e '0123456789'>]><a x='a\r\n&e;'/>");
+    for (const std::uint64_t most : {5u, 4u}) {
+        QeXmlLimits limits;
+        limits.value = most;
+        const auto reader =
+            document.open(Source::Span, QeXmlReaderOptions{.rules = QeXmlRules::Conforming, .limits = limits});
+        reader->setExpandAttributeReference(false);
+        if (most == 5) {
+            EXPECT_NO_THROW(reader->readElementStart());
+        } else {
+            EXPECT_THROW(reader->readElementStart(), QeXmlLimitError);
+        }
+    }
+}
+
+// A program that was built with fewer options has the defaults for the others.
+TEST(Limits, OfProgramsThatDoNotKnowThem) {
+    QeXmlReaderOptions options{.rules = QeXmlRules::Conforming, .sourceName = "doc", .entityDepth = 3};
+    options.limits.depth = 1;
+    EXPECT_EQ(tessit::withDefaults({options}).limits.depth, 1u);
+    const QeXmlReaderOptions known = tessit::withDefaults({options, tessit::SizeWithoutLimits});
+    EXPECT_EQ(known.limits.depth, QeXmlLimits::None);
+    EXPECT_EQ(known.rules, QeXmlRules::Conforming);
+    EXPECT_EQ(known.sourceName, "doc");
+    EXPECT_EQ(known.entityDepth, 3u);
 }

@@ -190,6 +190,7 @@ constexpr EntitySpan EntitySpans[] = {
     {"<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>&e;u</a>", 2, "2:1-2:11 2:7-2:8"},
     {"<!DOCTYPE a [<!ENTITY e SYSTEM 'none'>]>\n<a>&e;</a>", 1, "2:4-2:7"},
     {"<!DOCTYPE a [<!ATTLIST a x CDATA '1'>]><a/>", 0, "1:40-1:44 none"},
+    {"<!DOCTYPE a SYSTEM 'none' [<!ENTITY e ''>]><a>&e;&x;</a>", 1, "1:50-1:53"},
 };
 
 std::string textOf(const QeXmlSpan& span) {
@@ -276,6 +277,8 @@ const ErrorCase Errors[] = {
     {"<log a='1'/>\n<log a='2'/>", "2:1 second-root  hint: are these several ", "2:13  "},
     {"<log/>\n<b/>", "2:1 second-root ", "2:5  "},
     {"", "1:1 unfinished-document ", "1:1  "},
+    {"order.xml\n", "1:1 text-outside-root  hint: is this a file's n", "1:2   hint: is this a file's n"},
+    {"<?xml version='1.0'><a><b>", "1:20 xml-declaration ", "1:27  /a/b (this element is not closed 1:24)"},
 };
 
 }  // namespace
@@ -390,4 +393,42 @@ TEST(Places, OfErrorsThatAProgramRaises) {
     EXPECT_EQ(errorOfCall([&] { reader->err("", {.line = 1, .column = 6, .offset = 5}); }), "doc 1:6   ^");
     EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:9  /r <b/><c/>^</r>");
     EXPECT_EQ(errorOfCall([&] { reader->err("now"); }), "doc 3:9  /r <b/><c/>^</r>");
+}
+
+// What a tag that could not be read has left does not count; nor do bytes that are gone.
+TEST(Places, OfTheLastTagThatWasRead) {
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+        const Document document("<a x='1'><bcd");
+        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules});
+        reader->readElementStart();
+        EXPECT_THROW(reader->readElementStart(), QeXmlParseError);
+        const auto spans = reader->getAttributeSpans(*reader->getLastAttributes().begin());
+        ASSERT_TRUE(spans);
+        EXPECT_EQ(textOf(spans->value), "1:7-1:8");
+    }
+    QeXmlReader reader(QeCString("<r><a x='1'>e<?xml version='1.0' encoding='ISO-8859-1'?></a></r>"));
+    reader.readElementStart("r");
+    reader.readElement("a");
+    EXPECT_FALSE(reader.getAttributeSpans(*reader.getLastAttributes().begin()));
+}
+
+// Errors in what came from outside say the reference, whoever raises them.
+TEST(Places, OfErrorsInEntitiesFromOutside) {
+    Shelf shelf;
+    const Document document("<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>&e;</a>");
+    QeXmlReaderOptions options{.rules = QeXmlRules::Conforming, .resolver = &shelf};
+    const auto noteOf = [&](auto call) {
+        try {
+            const auto reader = document.open(Source::Span, options);
+            reader->readElementStart();
+            reader->readElementStart();
+            call(*reader);
+        } catch (const QeXmlParseError& error) {
+            return describeAll(error);
+        }
+        return std::string("none");
+    };
+    EXPECT_EQ(noteOf([](QeXmlReader& reader) { reader.err("x"); }), "2:11  /a (the entity was referred to here 1:41)");
+    options.limits.depth = 1;
+    EXPECT_EQ(noteOf([](QeXmlReader&) {}), "2:1  /a (the entity was referred to here 1:41)");
 }

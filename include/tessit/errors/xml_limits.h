@@ -9,23 +9,23 @@
 ///
 /// Counts are of what is delivered, expanded references, defaults and all that entities bring
 /// included; of names and values also what a lenient reader drops, such as the first of two equal
-/// attributes. Bytes are those of the text as UTF-8. Fields are set by name: later versions use
+/// attributes. Bytes are those of the text as UTF-8, but for `document`. Fields are set by name: later versions use
 /// up the room behind them.
 struct QeXmlLimits {
     static constexpr std::uint64_t None = UINT64_MAX;
 
     std::uint64_t depth = None;       ///< elements within each other
     std::uint64_t attributes = None;  ///< of a tag, declarations of namespaces and declared defaults among them
-    std::uint64_t bindings = None;    ///< of prefixes that are in force, without that of `xml`
-    std::uint64_t name = None;        ///< bytes of a name with its prefix: of tags, attributes, targets
-    std::uint64_t value = None;       ///< bytes of an attribute's value
-    std::uint64_t text = None;        ///< bytes of a text, a comment, or the data of an instruction
-    std::uint64_t node = None;        ///< bytes as written of a tag, a text with all in it, a comment, ...
-    std::uint64_t document = None;    ///< bytes of the input
+    std::uint64_t bindings = None;  ///< of prefixes by the elements that are open, shadowed ones too; not that of `xml`
+    std::uint64_t name = None;      ///< bytes of a name with its prefix: of tags, attributes, targets
+    std::uint64_t value = None;     ///< bytes of an attribute's value
+    std::uint64_t text = None;      ///< bytes of a text, a comment, or the data of an instruction
+    std::uint64_t node = None;      ///< bytes as written of a tag, a text with all in it, a comment, ...
+    std::uint64_t document = None;  ///< bytes of the input as it came
 
     /// @name For conforming readers
     /// @{
-    std::uint64_t entityDepth = None;      ///< entities in the replacement text of others
+    std::uint64_t entityDepth = None;      ///< entities within each other, the external subset one of them
     std::uint64_t replacementText = None;  ///< bytes that entities and declared defaults bring, in all
     std::uint64_t declarations = None;     ///< in the document type
     /// @}

@@ -186,8 +186,9 @@ public:
     /// @name Places
     ///
     /// Spans are good for replacing what they cover in the document. What an internal entity brought stands where its
-    /// reference does; after what a lenient reader converted anew, what came before is unknown: the present place
-    /// stands for it. O(bytes since the last place that was asked for), and O(bytes of the node).
+    /// reference does, what came from outside in its own text. After what a lenient reader converted anew, what came
+    /// before is unknown: the present place stands for it; and places rely on one `setExpandAttributeReference` for
+    /// all tags. O(bytes since the last place that was asked for), and O(bytes of the node).
     /// @{
 
     /// Where the last node stands, as written.
@@ -198,7 +199,7 @@ public:
     TESSIT_API std::optional<QeXmlAttributeSpans> getAttributeSpans(const QeXmlAttribute& attribute) const;
 
     /// The elements that are open, outermost first, as far as a lenient document's tags pair up: an end tag closes the
-    /// innermost element. Also O(elements).
+    /// innermost element. Also O(bytes of their tags).
     TESSIT_API std::vector<QeXmlOpenElement> getOpenElements() const;
 
     /// @}
@@ -264,7 +265,7 @@ public:
     /// for callers who find the document wrong themselves. O(bytes read since the last error).
     [[noreturn]] TESSIT_API void err(const QeCString& message) const;
 
-    /// The same with the position of what was found wrong, which may be long past; without a path.
+    /// The same with the position, in the document, of what was found wrong, which may be long past; without a path.
     [[noreturn]] TESSIT_API void err(const QeCString& message, const QeXmlPosition& where) const;
 
     /// @}

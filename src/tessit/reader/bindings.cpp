@@ -1,3 +1,5 @@
+// What a prefix means, for those who ask once a tag was read.
+
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/reader/bindings.h>
 

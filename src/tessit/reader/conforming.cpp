@@ -30,7 +30,8 @@ QeXmlReader::Engine::Conforming::Conforming(const QeXmlReaderOptions& given)
 void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     tessit::DecodedText& document = conforming->document;
     document.source.name = conforming->options.sourceName;
-    decodeText(document, bytes, conforming->options.encoding);
+    const bool isTooMuch = bytes.size() > input.limits().document;  // then nothing is looked at
+    decodeText(document, bytes.substr(0, isTooMuch ? 0 : bytes.size()), conforming->options.encoding);
     reader.encoding = document.encoding;
     const bool isAnotherText = document.source.text.data() == document.converted.data();
     if (isAnotherText) reader.ownedDocument = QeCString();

@@ -45,6 +45,15 @@ struct QeXmlReader::Engine::Conforming {
     tessit::Declared declared;
     tessit::ConformingTags tags;
     QeXmlDocumentType documentType;
+    // Of the node that is read, what stands in the texts that were entered or left meanwhile; kept where there are
+    // limits.
+    struct Parts {
+        const char* node = nullptr;
+        const char* begin = nullptr;  // of the part in the text that is read now
+        std::uint64_t bytes = 0;      // of those in front of that
+    };
+
+    Parts parts;
     const char* documentTypeBegin = nullptr;
     const char* documentTypeEnd = nullptr;  // once it was read
     bool documentTypeWasRead = false;

@@ -68,7 +68,6 @@ inline RawName QeXmlReader::Engine::ConformingNodes::readTagName() {
 // Entered at the name. The scope is opened before the attributes are read, so that the
 // tag's declarations go into it; names are resolved once all were seen.
 inline void QeXmlReader::Engine::ConformingNodes::readStartTag() {
-    engine.lastTag = {position() - 1, &source()};
     const RawName name = readTagName();
     engine.bindings.openScope();
     state.tags.openTag(source());
@@ -87,10 +86,11 @@ inline void QeXmlReader::Engine::ConformingNodes::closeStartTag(const RawName& n
     if (isEmpty) skip(1);
     require('>', Rule::Attribute);
     if (!engine.slots.writeElementName(name)) tessit::refuse(source(), name.data, Rule::UnboundPrefix, name.prefix());
+    engine.lastTag = {name.data - 1, &source()};
     if (!isEmpty) {
+        engine.openElements.push(name.whole());  // which can throw
         ++reader.depth;
         reader.lastNodeType = ElementStart;
-        engine.openElements.push(name.whole());
         return;
     }
     reader.lastNodeType = EmptyElement;
@@ -226,6 +226,7 @@ bool QeXmlReader::Engine::ConformingNodes::readReference(Others others, bool& fo
         reader.lastContent.append(start, static_cast<std::size_t>(scanner.position() - start));
         found = true;
         if (isNode) {
+            engine.lastNode = {start, &source()};  // behind those that brought nothing
             reader.lastNodeType = EntityReference;
             state.target.assign(name);
         }
@@ -264,8 +265,18 @@ bool QeXmlReader::Engine::ConformingNodes::readMarkupInText(Others others, bool&
 
 void QeXmlReader::Engine::ConformingNodes::enterEntity(tessit::Entity& entity) {
     state.entities.push_back({&entity, position(), reader.depth});
+    goOnIn(entity.source, entity.source.begin());
+}
+
+void QeXmlReader::Engine::ConformingNodes::goOnIn(const Source& text, const char* place) {
+    if (engine.limits != nullptr) {
+        Conforming::Parts& parts = state.parts;
+        if (parts.node != engine.lastNode.begin) parts = {engine.lastNode.begin, engine.lastNode.begin, 0};
+        parts.bytes += static_cast<std::uint64_t>(position() - parts.begin);
+        parts.begin = place;
+    }
     const Lending lending(*this);
-    engine.input.enter(entity.source, entity.source.begin());
+    engine.input.enter(text, place);
 }
 
 // Entered at the end of what is read. What an entity brings has to be complete in itself.
@@ -275,6 +286,5 @@ TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity() {
     if (reader.depth != left.depth) refuse(Rule::EntityNesting, engine.openElements.innermost());
     state.entities.pop_back();
     state.declared.get().close(*left.entity);
-    const Lending lending(*this);
-    engine.input.enter(*left.entity->source.parent, left.resume);
+    goOnIn(*left.entity->source.parent, left.resume);
 }

@@ -72,6 +72,9 @@ private:
         tessit::hold(reader.lastContent.length() + bytes, input.limits().text, tessit::Limit::Text);
     }
 
+    // The node goes on at a place in another text.
+    void goOnIn(const tessit::Source& text, const char* place);
+
     void enterEntity(tessit::Entity& entity);
     void leaveEntity();
 

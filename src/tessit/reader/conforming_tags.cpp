@@ -23,6 +23,15 @@ void appendAsWritten(QeCString& value, const Source& source, std::string_view li
     }
 }
 
+// Of such a value, each line end counts as the blank that it becomes.
+void holdAsWritten(const Source& source, std::string_view literal, std::uint64_t most) {
+    if (literal.size() <= most) return;
+    std::size_t length = literal.size();
+    for (std::size_t at = 0; source.hasPlaces && (at = literal.find("\r\n", at)) != std::string_view::npos; at += 2)
+        --length;
+    hold(length, most, Limit::Value, literal.data());
+}
+
 }  // namespace
 
 RawName readLongConformingName(Scanner& scanner, const Source& source, bool namespaces) {
@@ -77,8 +86,8 @@ void ConformingTags::append(QeCString& value, std::string_view literal, bool isC
         declared.get().appendValue(value, *source, literal, &leftInValue, mostInValue);
     } else {
         meaning.clear();
-        declared.get().appendValue(meaning, *source, literal, nullptr, mostInValue);
-        hold(literal.size(), mostInValue, Limit::Value, literal.data());
+        declared.get().appendValue(meaning, *source, literal, nullptr);
+        holdAsWritten(*source, literal, mostInValue);
         appendAsWritten(value, *source, literal);
     }
     if (isCut) refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);

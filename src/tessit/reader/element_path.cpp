@@ -1,3 +1,6 @@
+// The path of a place: the tags up to there, read once more, and the names that are counted on the way. Knows what
+// markup looks like, and nothing of the reader.
+
 #include <algorithm>
 #include <string>
 
@@ -57,11 +60,10 @@ std::uint32_t ElementPath::countAmongSiblings(const char* tag) {
     if (tags.empty()) return 1;
     const auto first = counts.begin() + counted.back().firstCount;
     const std::string_view name = nameInTag(tag);
-    const auto found =
-        std::find_if(first, counts.end(), [name](const NameCount& known) { return nameInTag(known.tag) == name; });
+    const auto found = std::find_if(first, counts.end(), [name](const NameCount& known) { return known.name == name; });
     if (found != counts.end()) return ++found->count;
     if (static_cast<std::size_t>(counts.end() - first) == MostNames) return 0;
-    counts.push_back({tag, 1});
+    counts.push_back({name, 1});
     return 1;
 }
 

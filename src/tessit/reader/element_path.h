@@ -35,7 +35,7 @@ public:
 private:
     // How often a name stood in an element that is open.
     struct NameCount {
-        const char* tag;  // the first one's
+        std::string_view name;
         std::uint32_t count;
     };
 
@@ -58,6 +58,9 @@ private:
 /// A path of elements as text: `/feed/entry[3]/title`. Long names are cut, and so is the middle of a long path.
 class PathText {
 public:
+    /// So much of a name makes a difference, and so many elements on either side have room.
+    static constexpr std::size_t MostOfName = 128, MostSteps = 256;
+
     /// Adds elements from outside, then from inside, each time until there is no more room: then false. The names stay
     /// as long as this.
     bool addOutermost(std::string_view name, std::uint32_t index);

@@ -1,7 +1,10 @@
+// What is done with the parts of a reader as a whole: they are made, told the options, and follow a change of encoding.
+
 #include <optional>
 #include <utility>
 
 #include <tessit/reader/conforming.h>
+#include <tessit/reader/passed_options.h>
 #include <tessit/reader/raw_copy.h>
 
 // A conforming reader's own end of the bytes is set when the document is complete; until then `eof` is false.
@@ -25,6 +28,12 @@ QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* option
 
 QeXmlReader::Engine::~Engine() = default;
 
+std::unique_ptr<QeXmlReader::Engine> QeXmlReader::Engine::make(QeXmlReader& owner, const Passed& passed) {
+    if (tessit::hasAll(passed)) return std::make_unique<Engine>(owner, &passed.fields);
+    const QeXmlReaderOptions options = tessit::withDefaults(passed);
+    return std::make_unique<Engine>(owner, &options);
+}
+
 // Whatever points into the old bytes lets go of them before they go.
 void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     reader.encodingDeclared = true;
@@ -33,6 +42,7 @@ void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();
     lastNode = lastTag = {};
+    writtenAttributes.reset();
     forErrors.reset();
     input.replaceRest(std::move(*converted));
     if (rawCopy != nullptr) rawCopy->goOn();

@@ -35,6 +35,9 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     explicit Engine(QeXmlReader& owner, const QeXmlReaderOptions* options = nullptr);
     ~Engine();
 
+    /// With the options that a program passed on, whichever of them its headers had.
+    static std::unique_ptr<Engine> make(QeXmlReader& owner, const Passed& passed);
+
     // nodes.cpp and prolog.cpp
     void readProlog();
     void readContent();
@@ -73,7 +76,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     bool matchesEnd(const ExpectedName& expected) const;
     bool asksForAny(const ExpectedName& expected) const noexcept;
     QeCString readElement(const ExpectedName& expected);
-    std::size_t skipToMatchingEnd(const RawCopy& copy);
+    std::size_t skipToMatchingEnd(RawCopy& copy);
     QeCString rebuildTag() const;
     [[noreturn]] void raiseMismatch(const ExpectedName& expected) const;
 
@@ -99,8 +102,9 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     // limits.cpp
     void setLimits(const QeXmlLimits& given);
     void limitMarkup(const char* begin, const char* end) const;
-    void limitNode() const;
+    void limitNode();
     void limitTag();
+    void limitEndTag() const;
     void limitLastNode();
 
     /// Reads a node of a lenient reader, and holds it against the limits.

@@ -1,3 +1,5 @@
+// Documents that are something else, told by their first bytes.
+
 #include <algorithm>
 
 #include <tessit/reader/hints.h>
@@ -23,6 +25,8 @@ bool has(std::string_view text, std::string_view letters) {
 // One line without markup, which ends in a dot and some letters or digits.
 bool isLikeFileName(std::string_view document) {
     constexpr std::size_t LongestExtension = 5;
+    while (document.ends_with('\n') || document.ends_with('\r'))
+        document.remove_suffix(1);
     if (document.size() >= LookedAt || document.find_first_of("<\n\r") != std::string_view::npos) return false;
     const std::size_t dot = document.rfind('.');
     if (dot == std::string_view::npos) return false;

@@ -149,6 +149,7 @@ QeCString Input::convertByTables(const QeCString& name, InputUnits& units) {
 }
 
 void Input::replaceRest(Converted&& converted) noexcept {
+    ++replaced;
     ownedDocument = std::move(converted.text);
     places = std::move(converted.places);
     places->begin(ownedDocument, LineEnds::LineFeed, converted.units, converted.beginning);
@@ -195,6 +196,7 @@ QeXmlParseError Input::errorAt(const char* place, const QeCString& message, std:
                                const char* readUpTo) const {
     const QeXmlPosition position = positionOf(place);
     ErrorAccess::Details details{.position = position, .note = std::move(note), .excerpt = excerptAt(place)};
+    if (strict != nullptr && !details.note) details.note = noteOfReference(*strict);
     context.complete(details, readUpTo);
     if (strict != nullptr) return ErrorAccess::make(message, placeIn(*strict, place), std::move(details));
     const QeXmlPosition& beginning = placesInText().beginning();

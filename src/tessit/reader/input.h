@@ -85,6 +85,9 @@ public:
 
     const char* position() const noexcept { return cursor; }
 
+    /// How often the bytes were replaced: a place is good for as long as this is the same.
+    unsigned conversions() const noexcept { return replaced; }
+
     /// Has questions about places of a lenient reader's document that are not far behind this one cost little.
     void dropAnchor(const char* place) const { placesInText().dropAnchor(place); }
 
@@ -122,7 +125,6 @@ private:
     std::optional<Converted> convertRest(const QeCString& name);
     std::optional<QeCString> convertText(const QeCString& name, InputUnits& units);
     QeCString convertByTables(const QeCString& name, InputUnits& units);
-    void beginPlaces(InputUnits units, const QeXmlPosition& beginning);
     TextPlaces& placesInText() const;
     [[noreturn]] void raiseTranscoding(const char* reason) const;
     QeXmlParseError errorAt(const char* place, const QeCString& message, std::optional<QeXmlNote>&& note,
@@ -139,7 +141,8 @@ private:
     const Source* strict = nullptr;  // what is read by a conforming reader
     QeCString sourceName;
 
-    bool isDetected = false;                // no declaration was taken in yet
+    bool isDetected = false;  // no declaration was taken in yet
+    unsigned replaced = 0;
     std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
 
     // Of the text from a mark, or the last conversion, on; made when it is needed.

@@ -2,7 +2,6 @@
 // more than a limit before that, such as a long text, is refused on the way, by throwing `Exceeded`.
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include <tessit/model/model_access.h>
@@ -32,20 +31,21 @@ void QeXmlReader::Engine::setLimits(const QeXmlLimits& given) {
     reader.readsApart = true;
 }
 
-// Of markup in a document that stays.
 void QeXmlReader::Engine::limitMarkup(const char* begin, const char* end) const {
-    if (limits == nullptr || !std::less_equal<>()(reader.bufferStart, begin) || !std::less<>()(begin, end)) return;
-    hold(static_cast<std::uint64_t>(end - begin), limits->node, Limit::Node, begin);
+    hold(static_cast<std::uint64_t>(end - begin), input.limits().node, Limit::Node, begin);
 }
 
-// A node that begins in one text and ends in another has a reference in the document between them.
-void QeXmlReader::Engine::limitNode() const {
-    const char* end = input.position();
-    if (conforming != nullptr && lastNode.source != &input.source()) {
-        if (lastNode.source != &conforming->document.source) return;
-        end = positionInDocument();
+// A text that goes through entities has a part in each. One through a conversion is not known any more.
+void QeXmlReader::Engine::limitNode() {
+    if (lastNode.begin == nullptr) return;
+    const char* begin = lastNode.begin;
+    std::uint64_t before = 0;
+    if (conforming != nullptr && conforming->parts.node == lastNode.begin) {
+        begin = conforming->parts.begin;
+        before = conforming->parts.bytes;
     }
-    if (lastNode.begin != nullptr) limitMarkup(lastNode.begin, end);
+    if (conforming != nullptr) conforming->parts = {};
+    hold(before + static_cast<std::uint64_t>(input.position() - begin), limits->node, Limit::Node);
 }
 
 // The bindings of an empty element are not in force any more, but were.
@@ -72,10 +72,19 @@ void QeXmlReader::Engine::limitTag() {
     }
 }
 
+// A lenient reader takes any.
+void QeXmlReader::Engine::limitEndTag() const {
+    if (lastNode.begin == nullptr) return;
+    const std::string_view name = tessit::nameInTag(lastNode.begin);
+    hold(name.size(), limits->name, Limit::Name, name.data());
+}
+
 void QeXmlReader::Engine::limitLastNode() {
     if (opensElement(reader.lastNodeType))
         limitTag();
-    else if (reader.lastNodeType != ElementEnd)
+    else if (reader.lastNodeType == ElementEnd)
+        limitEndTag();
+    else
         hold(reader.lastContent.length(), limits->text, Limit::Text);
     limitNode();
 }

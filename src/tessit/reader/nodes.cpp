@@ -28,7 +28,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
         if (kind == '/') return readEndTag();
         if (kind == '?') {
             apart(&NodeReader::readInstruction);
-            engine.limitMarkup(engine.lastNode.begin, position());
+            limitMarkup(engine.lastNode.begin);
         } else if (kind != '!') {
             stepBack(1);
             return readStartTag();
@@ -41,7 +41,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
             if (peek() != '-') raiseWith("Invalid character sequence <!", {position(), 1});
             skip(1);
             apart(&NodeReader::skipComment);
-            engine.limitMarkup(engine.lastNode.begin, position());
+            limitMarkup(engine.lastNode.begin);
         }
     }
 }
@@ -99,7 +99,6 @@ bool QeXmlReader::Engine::NodeReader::isLikeInnermost() const {
 // Entered just after the '<'. The scope is opened before the attributes are read,
 // so that the tag's declarations go into it; names are resolved once all were seen.
 inline void QeXmlReader::Engine::NodeReader::readStartTag() {
-    engine.lastTag.begin = position() - 1;
     const tessit::RawName name = readName();
     engine.bindings.openScope();
     if (peek() == '>') {
@@ -117,12 +116,14 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
         ++reader.depth;
         reader.lastNodeType = ElementStart;
         engine.slots.writeElementName(name);
+        engine.lastTag.begin = name.data - 1;
         if (engine.matchesTags) engine.noteOpen(name.whole());
         return;
     }
     reader.lastNodeType = EmptyElement;
     if (take() != '>') raise("Invalid '/' found in tag");
     engine.slots.writeElementName(name);
+    engine.lastTag.begin = name.data - 1;
     engine.bindings.closeScope();
 }
 
@@ -149,6 +150,7 @@ TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::readLongContent() {
 // CDATA section, and steps back from a tag, where the text ends: then false.
 bool QeXmlReader::Engine::NodeReader::readMarkupInContent() {
     const char* const start = position() - 1;
+    const unsigned conversions = input.conversions();
     const char byte = take();
     if (byte != '?' && byte != '!') {
         stepBack(2);
@@ -158,7 +160,7 @@ bool QeXmlReader::Engine::NodeReader::readMarkupInContent() {
         readInstruction();
     else
         readDeclarationInContent();
-    engine.limitMarkup(start, position());
+    limitMarkup(input.conversions() == conversions ? start : nullptr);
     return true;
 }
 

@@ -31,6 +31,10 @@ private:
     template <typename Read>
     void apart(const Read& read);
     void readLongContent();
+    // What ends here and began at that place, unless its bytes are gone.
+    void limitMarkup(const char* begin) const {
+        if (begin != nullptr) engine.limitMarkup(begin, position());
+    }
     bool readMarkupInContent();
     void readDeclarationInContent();
 

@@ -1,3 +1,5 @@
+// The names of open elements that need room or are long, and those that are asked for from the innermost on.
+
 #include <algorithm>
 
 #include <tessit/reader/open_elements.h>

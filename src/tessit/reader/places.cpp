@@ -108,12 +108,14 @@ QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
     if (reader.depth <= 0) return QeCString();
     const ElementPath& inDocument = pathInDocument(place);
     tessit::PathText text;
-    const auto nameOf = [&](std::size_t level) { return tessit::nameInTag(inDocument.element(level).tag); };
+    const auto nameOf = [&](std::size_t level) {
+        return tessit::nameInTag(inDocument.element(level).tag, tessit::PathText::MostOfName);
+    };
     std::size_t first = 0, last = inDocument.depth();
     bool hasRoom = true;
     if (conforming != nullptr && !conforming->entities.empty()) {
-        const std::ptrdiff_t fromEntities = reader.depth - conforming->entities.front().depth;
-        for (const std::string_view name : openElements.innermost(static_cast<std::size_t>(fromEntities)))
+        const auto fromEntities = static_cast<std::size_t>(reader.depth - conforming->entities.front().depth);
+        for (const std::string_view name : openElements.innermost(std::min(fromEntities, tessit::PathText::MostSteps)))
             if (!(hasRoom = text.addInnermost(name, 0))) break;
     }
     while (first != last && text.addOutermost(nameOf(first), inDocument.element(first).index))

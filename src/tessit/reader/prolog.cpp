@@ -17,6 +17,7 @@ void QeXmlReader::Engine::NodeReader::readProlog() {
     for (;;) {
         skipSpace();
         const char* const start = position();
+        const unsigned conversions = input.conversions();
         if (take() != '<') raise("First non-ws character in document wasn't '<'");
         switch (take()) {
             case '?':
@@ -28,7 +29,7 @@ void QeXmlReader::Engine::NodeReader::readProlog() {
             default:
                 return stepBack(2);
         }
-        engine.limitMarkup(start, position());
+        limitMarkup(input.conversions() == conversions ? start : nullptr);
     }
 }
 
@@ -42,7 +43,9 @@ void QeXmlReader::Engine::NodeReader::readPrologMarkup() {
 
 // Entered just after "<?".
 void QeXmlReader::Engine::NodeReader::readInstruction() {
-    if (readName().whole() == "xml") {
+    const tessit::RawName target = readName();
+    tessit::hold(target.length, input.limits().name, tessit::Limit::Name, target.data);
+    if (target.whole() == "xml") {
         readXmlDeclaration();
     } else {
         skipInstruction();

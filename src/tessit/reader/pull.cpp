@@ -137,9 +137,9 @@ QeCString QeXmlReader::Engine::readElement(const ExpectedName& expected) {
 
 // Reads up to the end tag of the element that the last tag opened, and leaves that
 // tag's attributes, and what is told of them, in place. Returns where the scan of the end tag began.
-std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
+std::size_t QeXmlReader::Engine::skipToMatchingEnd(RawCopy& copy) {
     const QeXmlName startName(reader.lastName);
-    const Written startTag = lastTag;
+    copy.startTag = lastTag;
     QeXmlAttributeSet attributes = std::move(reader.lastAttributes);
     tessit::ConformingTags::Told told;
     if (conforming != nullptr) told = conforming->tags.takeTold();
@@ -152,7 +152,7 @@ std::size_t QeXmlReader::Engine::skipToMatchingEnd(const RawCopy& copy) {
         level += reader.lastNodeType == ElementStart ? 1 : -1;
         if (level == 0) break;
     }
-    lastTag = startTag;
+    lastTag = copy.startTag;
     reader.lastAttributes = std::move(attributes);
     if (conforming != nullptr) conforming->tags.putBack(std::move(told));
     slots.forgetSlots();

@@ -29,8 +29,14 @@ public:
         return front;
     }
 
+    /// The element's start tag; nowhere once its bytes are gone.
+    Engine::Written startTag;
+
     /// What was read so far is about to go.
-    void keepRun() { kept += run(); }
+    void keepRun() {
+        kept += run();
+        startTag = {};
+    }
 
     /// The input begins anew at its cursor.
     void goOn() noexcept { runStart = engine.input.position(); }

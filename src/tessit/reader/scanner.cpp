@@ -1,6 +1,7 @@
 // What names, values and texts hold that needs thought: characters past ASCII,
 // references, line ends, and what stands at the end of the input.
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -154,7 +155,8 @@ std::string_view Scanner::readValue(char quote, bool expands, QeCString& scratch
 
 // Entered behind the first '&' of the value that begins at `start`; appends the value to `target`.
 TESSIT_NOINLINE void Scanner::expandValue(QeCString& target, const char* start, char quote) {
-    TextBuilder value(target);
+    const std::uint64_t most = std::min(input.limits().value, QeXmlLimits::None - target.length());
+    TextBuilder value(target, target.length() + most, Limit::Value, start);
     value.put({start, static_cast<std::size_t>(cursor - 1 - start)});
     for (;;) {
         char encoded[4];

@@ -1,3 +1,5 @@
+// The attributes of tags that look like none before, and the shapes that such tags leave.
+
 #include <algorithm>
 
 #include <tessit/reader/tag_slots.h>

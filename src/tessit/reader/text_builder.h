@@ -16,11 +16,12 @@ namespace tessit {
 /// Appends to a string through a pointer into its spare room, so that short
 /// pieces cost a few moves each. The string has its right length again once the
 /// builder is gone, also when an exception ends it. Throws `Exceeded` before the string would
-/// have more than `most` bytes.
+/// have more than `most` bytes, for that limit and place.
 class TextBuilder {
 public:
-    explicit TextBuilder(QeCString& target, std::uint64_t most = QeXmlLimits::None)
-        : text(target), out(nullptr), limit(nullptr), mostBytes(most) {
+    explicit TextBuilder(QeCString& target, std::uint64_t most = QeXmlLimits::None, Limit exceeded = Limit::Text,
+                         const char* place = nullptr)
+        : text(target), out(nullptr), limit(nullptr), mostBytes(most), whenExceeded{exceeded, place} {
         openRoom(text.length(), text.capacity());
     }
     ~TextBuilder() { text.truncate(written()); }
@@ -59,7 +60,7 @@ private:
 
     void need(std::size_t count) {
         if (static_cast<std::size_t>(limit - out) >= count) return;
-        hold(written() + count, mostBytes, Limit::Text);
+        hold(written() + count, mostBytes, whenExceeded.limit, whenExceeded.place);
         openRoom(written(), written() + std::max<std::size_t>(count, 64));
     }
 
@@ -74,6 +75,7 @@ private:
     char* out;
     char* limit;
     const std::uint64_t mostBytes;
+    const Exceeded whenExceeded;
 };
 
 }  // namespace tessit

@@ -58,14 +58,17 @@ const char* endOfMarkup(const char* begin, const char* limit, bool expands) noex
     const std::string_view markup(begin, static_cast<std::size_t>(limit - begin));
     if (markup.starts_with("<!--")) return behindText(begin + 4, limit, "-->");
     if (markup.starts_with("<![")) return behindText(begin, limit, "]]>");
+    constexpr std::string_view Declaration = "<?xml";
+    if (markup.starts_with(Declaration) && markup.size() > Declaration.size() && isSpace(markup[Declaration.size()]))
+        return endOfTag(begin, limit, false);  // for a lenient reader, its end is a '>'
     if (markup.starts_with("<?")) return behindText(begin + 2, limit, "?>");
     return markup.starts_with("<!") ? endOfDocumentType(begin, limit) : endOfTag(begin, limit, expands);
 }
 
-std::string_view nameInTag(const char* begin) noexcept {
+std::string_view nameInTag(const char* begin, std::size_t most) noexcept {
     const char* const first = begin + (begin[1] == '/' ? 2 : 1);
     const char* last = first;
-    while (!endsName(*last))
+    while (static_cast<std::size_t>(last - first) != most && !endsName(*last))
         ++last;
     return {first, static_cast<std::size_t>(last - first)};
 }

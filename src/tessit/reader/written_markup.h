@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -12,8 +13,8 @@ namespace tessit {
 /// lenient reader takes all up to a semicolon for one then, quotes included. O(bytes of the markup).
 const char* endOfMarkup(const char* begin, const char* limit, bool expands) noexcept;
 
-/// The name in a start tag or an end tag that begins at a '<' and was read before.
-std::string_view nameInTag(const char* begin) noexcept;
+/// The name in a tag that begins at a '<' and was read before, or of a long one so many bytes.
+std::string_view nameInTag(const char* begin, std::size_t most = SIZE_MAX) noexcept;
 
 /// Where the attributes of a tag stand. Looks through a tag once, whatever is asked about it.
 class WrittenAttributes {
@@ -26,9 +27,6 @@ public:
     /// name, the name is the first one's, the value the last one's, as they count for a lenient reader. None if it has
     /// no such attribute.
     std::optional<Attribute> find(const char* tag, const char* limit, bool expands, std::string_view name);
-
-    /// For when the document's bytes are about to go.
-    void forget() noexcept { lastTag = nullptr; }
 
 private:
     void lookThrough(const char* tag, const char* limit, bool expands);

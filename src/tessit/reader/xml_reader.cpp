@@ -22,21 +22,18 @@ QeXmlReader::QeXmlReader(std::span<const unsigned char> document) : engine(std::
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 
-// Programs of later versions pass more fields than this library has. Those of earlier ones will pass fewer, once there
-// are versions with more: then, before the engine is made, what `passed.size` covers has to be copied over defaults.
-QeXmlReader::QeXmlReader(std::istream& in, const Passed& passed)
-    : engine(std::make_unique<Engine>(*this, &passed.fields)) {
+QeXmlReader::QeXmlReader(std::istream& in, const Passed& passed) : engine(Engine::make(*this, passed)) {
     ownedDocument.readFile(in);
     open(ownedDocument);
 }
 
 QeXmlReader::QeXmlReader(const QeCString& document, const Passed& passed)
-    : ownedDocument(document), engine(std::make_unique<Engine>(*this, &passed.fields)) {
+    : ownedDocument(document), engine(Engine::make(*this, passed)) {
     open(ownedDocument);
 }
 
 QeXmlReader::QeXmlReader(std::span<const unsigned char> document, const Passed& passed)
-    : engine(std::make_unique<Engine>(*this, &passed.fields)) {
+    : engine(Engine::make(*this, passed)) {
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 

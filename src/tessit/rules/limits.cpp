@@ -20,7 +20,7 @@ struct LimitText {
 constexpr LimitText Texts[] = {
     {Limit::Depth, &QeXmlLimits::depth, "depth", "elements within each other"},
     {Limit::Attributes, &QeXmlLimits::attributes, "attributes", "attributes in a tag"},
-    {Limit::Bindings, &QeXmlLimits::bindings, "bindings", "prefixes bound at once"},
+    {Limit::Bindings, &QeXmlLimits::bindings, "bindings", "bindings of prefixes by the elements that are open"},
     {Limit::Name, &QeXmlLimits::name, "name", "bytes in a name"},
     {Limit::Value, &QeXmlLimits::value, "value", "bytes in an attribute's value"},
     {Limit::Text, &QeXmlLimits::text, "text", "bytes in a text"},
@@ -69,9 +69,11 @@ bool areAny(const QeXmlLimits& limits) noexcept {
 
 void refuseLimit(const Source& source, const char* place, const QeXmlLimits& limits, Limit limit) {
     const QeXmlPlace where = placeIn(source, place);
-    throw QeXmlLimitError(ErrorAccess::make(messageFor(limits, limit), where,
-                                            {.position = where.position, .excerpt = excerptIn(source, place)}),
-                          nameOf(limit), valueOf(limits, limit));
+    throw QeXmlLimitError(
+        ErrorAccess::make(
+            messageFor(limits, limit), where,
+            {.position = where.position, .note = noteOfReference(source), .excerpt = excerptIn(source, place)}),
+        nameOf(limit), valueOf(limits, limit));
 }
 
 }  // namespace tessit

@@ -191,12 +191,17 @@ void dropAnchor(const Source& source, const char* place) {
     if (source.hasPlaces) placesOf(source).dropAnchor(place);
 }
 
+std::optional<QeXmlNote> noteOfReference(const Source& source) {
+    const Source* const outside = outsideOf(source);
+    if (outside == nullptr) return std::nullopt;
+    return noteIn(*outside->parent, outside->reference, "the entity was referred to here");
+}
+
 void refuseSaying(const Source& source, const char* place, Rule rule, const QeCString& message,
                   std::optional<QeXmlNote>&& note) {
     const QeXmlPlace where = placeIn(source, place);
     if (!source.hasPlaces && !note) note = noteOfDeclaration(source);
-    if (const Source* const outside = outsideOf(source); outside != nullptr && !note)
-        note = noteIn(*outside->parent, outside->reference, "the entity was referred to here");
+    if (!note) note = noteOfReference(source);
     throw ErrorAccess::make(message, where,
                             {.position = where.position,
                              .note = std::move(note),

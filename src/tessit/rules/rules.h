@@ -99,6 +99,9 @@ void dropAnchor(const Source& source, const char* place);
 [[noreturn]] void refuseSaying(const Source& source, const char* place, Rule rule, const QeCString& message,
                                std::optional<QeXmlNote>&& note);
 
+/// The reference that brought the entity from outside in which a place is; nothing where it is in the document.
+std::optional<QeXmlNote> noteOfReference(const Source& source);
+
 /// The place where the entity is declared that the text is of; nothing where nobody knows.
 std::optional<QeXmlNote> noteOfDeclaration(const Source& source);
 

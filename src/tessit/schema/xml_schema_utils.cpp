@@ -1,6 +1,7 @@
 #include <charconv>
 #include <string_view>
 
+#include <corvel/compiler.h>
 #include <corvel/decimal_text.h>
 #include <corvel/immortal.h>
 #include <tessit/model/model_access.h>
@@ -35,11 +36,10 @@ const QeCString& formatFor(std::string_view typeName) {
 // Their URI is too long for a constant expression. The priority has them made before
 // the objects of other sources, which may so use them even where the library is
 // linked statically.
-[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiTypeAttributeName = xsiName("type");
-[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiNilAttributeName = xsiName("nil");
-[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiSchemaLocationAttributeName =
-    xsiName("schemaLocation");
-[[gnu::init_priority(101)]] const QeXmlName QeXmlSchemaUtils::XsiNoNamespaceSchemaLocationAttributeName =
+TESSIT_MADE_FIRST const QeXmlName QeXmlSchemaUtils::XsiTypeAttributeName = xsiName("type");
+TESSIT_MADE_FIRST const QeXmlName QeXmlSchemaUtils::XsiNilAttributeName = xsiName("nil");
+TESSIT_MADE_FIRST const QeXmlName QeXmlSchemaUtils::XsiSchemaLocationAttributeName = xsiName("schemaLocation");
+TESSIT_MADE_FIRST const QeXmlName QeXmlSchemaUtils::XsiNoNamespaceSchemaLocationAttributeName =
     xsiName("noNamespaceSchemaLocation");
 
 QeCString QeXmlSchemaUtils::ConvertTypeToString(const QeCString& value, const QeCString&) {
