@@ -412,6 +412,11 @@ constexpr NameByte nameByte(char byte) {
     return NameBytes[static_cast<unsigned char>(byte)];
 }
 
+/// How many bytes a character takes by its first; 4 for bytes that cannot begin one.
+constexpr std::ptrdiff_t characterLength(unsigned char lead) {
+    return lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3 : 4;
+}
+
 /// The scanner's whitespace; unlike that of the utilities, it includes the carriage return.
 constexpr bool isSpace(char byte) {
     return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';

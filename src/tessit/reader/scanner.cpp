@@ -75,11 +75,6 @@ RawName Scanner::readNameSlowly(const char* from, std::size_t localStart) {
 
 namespace {
 
-// How many bytes a character takes by its first; 4 for bytes that cannot begin one.
-std::ptrdiff_t characterLength(unsigned char lead) {
-    return lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3 : 4;
-}
-
 // Decodes a character of that length, a surrogate too; a value past Unicode where the bytes are not UTF-8.
 std::uint32_t decodeCharacter(const char* at, std::ptrdiff_t length) {
     constexpr std::uint32_t Malformed = 0x110000;

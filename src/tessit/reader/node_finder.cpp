@@ -1,0 +1,488 @@
+#include <corvel/byte_scan.h>
+#include <tessit/reader/char_class.h>
+#include <tessit/reader/node_finder.h>
+
+namespace tessit {
+
+namespace {
+
+bool beginsMarkup(char kind) {
+    return kind == '!' || kind == '?';
+}
+
+#if defined(TESSIT_SCAN_BLOCKS)
+
+// Where of sixteen bytes begins what needs thought: "<!", "<?", or that byte. One byte more is read.
+inline corvel::Matches matchThought(const char* at, char other) {
+    const corvel::Block block = corvel::blockAt(at), next = corvel::blockAt(at + 1);
+    return corvel::matchesOf(((block == '<') & ((next == '!') | (next == '?'))) |
+                             (block == static_cast<unsigned char>(other)));
+}
+
+#endif
+
+// The first "<!", "<?", other byte, or '<' at the very end, if there is one.
+const char* findThought(const char* at, const char* end, char other) {
+#if defined(TESSIT_SCAN_BLOCKS)
+    for (; end - at > 16; at += 16)
+        if (const auto matches = matchThought(at, other)) return at + corvel::firstMatch(matches);
+#endif
+    while (at != end && *at != other && !(*at == '<' && (at + 1 == end || beginsMarkup(at[1]))))
+        ++at;
+    return at;
+}
+
+}  // namespace
+
+void NodeFinder::begin(std::size_t place, Where where, bool expandsReferences) noexcept {
+    expandsValues = expandsReferences;
+    isOutside = where != Where::Content;
+    isDocumentBegin = where == Where::Begin;
+    isNode = false;
+    tagState = Tag::None;
+    at = start = markup = tag = tagAt = wholeNodes = wholeTexts = place;
+    textEnd = 0;
+    state = where == Where::Declaration ? State::LenientDeclaration : State::Between;
+    declaration = Declaration::NextSpace;
+}
+
+void NodeFinder::drop(std::size_t dropped) noexcept {
+    for (std::size_t* place : {&at, &start, &markup, &tag, &tagAt, &textEnd, &wholeNodes, &wholeTexts})
+        *place = *place == Everything ? Everything : *place - std::min(*place, dropped);
+}
+
+void NodeFinder::look(std::string_view longer) noexcept {
+    text = longer;
+    while (step())
+        ;
+    lookAtTag(text.size());
+    conclude();
+}
+
+// Passes what it can; false when the text ends in it.
+bool NodeFinder::step() noexcept {
+    switch (state) {
+        case State::Between:
+            return isOutside ? passOutside() : passBetween();
+        case State::Ampersand:
+            return passAmpersand();
+        case State::Swallowing:
+            return passUpTo(";", State::Between);
+        case State::Markup:
+            return isConforming ? passStrictMarkup() : passLenientMarkup();
+        case State::Target:
+            return passTarget();
+        case State::Instruction:
+            return passUpTo("?>", State::Between);
+        case State::LenientDeclaration:
+            return passLenientDeclaration();
+        case State::StrictDeclaration:
+            return passUpToEnd(State::Between);
+        case State::Comment:
+            return passComment();
+        case State::SectionName:
+            return passSectionName();
+        case State::Section:
+            return passUpTo("]]>", State::Between);
+        case State::DocumentTypeName:
+            return passDocumentTypeName();
+        case State::LenientDocumentType:
+            return passLenientDocumentType();
+        case State::DocumentType:
+            return passDocumentType();
+        case State::Subset:
+            return passSubset();
+        case State::SubsetMarkup:
+            return passSubsetMarkup();
+        case State::SubsetInstruction:
+            return passUpTo("?>", State::Subset);
+        case State::SubsetDeclaration:
+            return passUpToEnd(State::Subset);
+        case State::Literal:
+            return passLiteral();
+        case State::Broken:
+            break;
+    }
+    return false;
+}
+
+// Goes to the next of these bytes.
+template <typename... Byte>
+bool NodeFinder::find(Byte... bytes) noexcept {
+    const char* const end = text.data() + text.size();
+    at = static_cast<std::size_t>(corvel::findAny(text.data() + at, end, bytes...) - text.data());
+    return at != text.size();
+}
+
+// --- Between markup
+
+// All that a text or a tag has is passed here but markup that is no tag, and references, which lenient readers take up
+// to the semicolon. Conforming ones refuse what is none.
+bool NodeFinder::passBetween() noexcept {
+    const char* const end = text.data() + text.size();
+    const char* const thought = findThought(text.data() + at, end, isConforming ? '\0' : '&');
+    const std::size_t from = at;
+    at = static_cast<std::size_t>(thought - text.data());
+    noteTags(from, at);
+    if (left() == 0) return false;
+    if (text[at] == '&') {
+        lookAtTag(at++);
+        isInTag = tagState != Tag::None && tagState != Tag::Whole;
+        return enter(State::Ampersand);
+    }
+    if (left() == 1) return false;
+    markup = at;
+    at += 2;
+    return enter(State::Markup);
+}
+
+bool NodeFinder::passOutside() noexcept {
+    while (left() != 0 && isSpace(text[at]))
+        ++at;
+    if (left() == 0) return false;
+    if (text[at] != '<') return breakHere();
+    if (left() == 1) return false;
+    markup = at;
+    if (beginsMarkup(text[at + 1])) {
+        at += 2;
+        return enter(State::Markup);
+    }
+    isOutside = false;
+    noteTag(at++);
+    return true;
+}
+
+// Each '<' there begins a tag, of which the last one counts.
+void NodeFinder::noteTags(std::size_t from, std::size_t to) noexcept {
+    const std::size_t last = text.substr(from, to - from).rfind('<');
+    if (last != std::string_view::npos) noteTag(from + last);
+}
+
+void NodeFinder::noteTag(std::size_t place) noexcept {
+    tag = place;
+    tagAt = place + 1;
+    tagState = Tag::Begin;
+    textEnd = place + 1;
+}
+
+// A reference goes on to its semicolon, be it behind markup. In the values of a tag that is only so if they are
+// expanded.
+bool NodeFinder::passAmpersand() noexcept {
+    if (!find(';', '<')) return false;
+    if (text[at] == '<') return enter(isInTag && !expandsValues ? State::Between : State::Swallowing);
+    ++at;
+    return enter(State::Between);
+}
+
+// --- Markup
+
+bool NodeFinder::passLenientMarkup() noexcept {
+    if (text[markup + 1] == '?') return enter(State::Target);
+    if (left() == 0) return false;
+    switch (text[at]) {
+        case '-':
+            if (left() == 1) return false;
+            if (text[++at] != '-') return breakHere();
+            ++at;
+            return enterComment(State::Between);
+        case '[':
+            if (isOutside) break;
+            ++at;
+            return enter(State::SectionName);
+        default:
+            break;
+    }
+    return isOutside ? enter(State::DocumentTypeName) : breakHere();
+}
+
+bool NodeFinder::passStrictMarkup() noexcept {
+    constexpr std::string_view Comment = "<!--", Section = "<![CDATA[", Type = "<!DOCTYPE";
+    if (text[markup + 1] == '?') {
+        noteNode(QeXmlNodes::Instructions);
+        return enter(State::Target);
+    }
+    const std::string_view here = text.substr(markup);
+    if (here.starts_with(Comment)) {
+        noteNode(QeXmlNodes::Comments);
+        at = markup + Comment.size();
+        return enterComment(State::Between);
+    }
+    if (here.starts_with(Section) && !isOutside) {
+        noteNode(QeXmlNodes::CDATASections);
+        at = markup + Section.size();
+        return enter(State::Section);
+    }
+    if (here.starts_with(Type) && isOutside) {
+        at = markup + Type.size();
+        return enter(State::DocumentType);
+    }
+    const bool mayGoOn = Comment.starts_with(here) || Section.starts_with(here) || Type.starts_with(here);
+    return mayGoOn && here != Section && here != Type ? false : breakHere();
+}
+
+// A conforming reader that is asked for such nodes delivers the text in front, and then them.
+void NodeFinder::noteNode(QeXmlNodes node) noexcept {
+    isNode = (static_cast<std::uint32_t>(nodes) & static_cast<std::uint32_t>(node)) != 0;
+    if (!isNode || isOutside) return;
+    tag = tagAt = markup;
+    tagState = Tag::None;
+}
+
+bool NodeFinder::endMarkup() noexcept {
+    if (isOutside) {
+        wholeTexts = at;
+    } else if (isNode) {
+        tagAt = at;
+        tagState = Tag::Whole;
+    }
+    isNode = isDocumentBegin = false;
+    return enter(State::Between);
+}
+
+bool NodeFinder::breakHere() noexcept {
+    state = State::Broken;
+    return false;
+}
+
+bool NodeFinder::passName() noexcept {
+    while (left() != 0 && nameByte(text[at]) != EndsName)
+        ++at;
+    return left() != 0;
+}
+
+bool NodeFinder::passTarget() noexcept {
+    if (!passName()) return false;
+    if (at == start) return breakHere();
+    const bool isXml = passed() == "xml";
+    if (isXml && !isConforming) {
+        declaration = Declaration::VersionSpace;
+        return enter(State::LenientDeclaration);
+    }
+    return enter(isXml && isDocumentBegin && isSpace(text[at]) ? State::StrictDeclaration : State::Instruction);
+}
+
+bool NodeFinder::passSectionName() noexcept {
+    if (!passName()) return false;
+    if (passed() != "CDATA" || text[at] != '[') return breakHere();
+    ++at;
+    return enter(State::Section);
+}
+
+bool NodeFinder::passDocumentTypeName() noexcept {
+    if (!passName()) return false;
+    if (passed() != "DOCTYPE") return breakHere();
+    brackets = 0;
+    return enter(State::LenientDocumentType);
+}
+
+// Looks for the last byte of the end, and then back.
+bool NodeFinder::passUpTo(std::string_view end, State next) noexcept {
+    while (find(end.back())) {
+        ++at;
+        if (passed().ends_with(end)) return leave(next);
+    }
+    return false;
+}
+
+bool NodeFinder::enterComment(State behind) noexcept {
+    count = 0;
+    behindComment = behind;
+    return enter(State::Comment);
+}
+
+// Two hyphens that are not followed by a '>' are refused by all readers.
+bool NodeFinder::passComment() noexcept {
+    for (;; ++at) {
+        if (count == 0 && !find('-')) return false;
+        if (left() == 0) return false;
+        if (count == 2) break;
+        count = text[at] == '-' ? count + 1 : 0;
+    }
+    if (text[at] != '>') return breakHere();
+    ++at;
+    return leave(behindComment);
+}
+
+// As the lenient reader reads it: by first letters, and without a look at equals signs and opening quotes.
+bool NodeFinder::passLenientDeclaration() noexcept {
+    constexpr std::string_view Version = "version";
+    while (left() != 0) {
+        const char byte = text[at];
+        switch (declaration) {
+            case Declaration::VersionSpace:
+                if (isSpace(byte)) break;
+                if (left() < Version.size()) return false;
+                at += Version.size();
+                if (!text.substr(0, at).ends_with(Version)) return endMarkup();
+                declaration = Declaration::EqualsSpace;
+                continue;
+            case Declaration::EqualsSpace:
+                if (!isSpace(byte)) declaration = Declaration::QuoteSpace;
+                break;
+            case Declaration::QuoteSpace:
+                if (!isSpace(byte)) declaration = Declaration::Value;
+                break;
+            case Declaration::Value:
+                if (!find('"', '\'')) return false;
+                declaration = Declaration::NextSpace;
+                break;
+            case Declaration::NextSpace:
+                if (byte == '>') {
+                    ++at;
+                    return endMarkup();
+                }
+                if (byte != 'e' && byte != 's') break;
+                count = byte == 'e' ? std::string_view("ncoding").size() : std::string_view("tandalone").size();
+                declaration = Declaration::Skip;
+                break;
+            case Declaration::Skip:
+                if (--count == 0) declaration = Declaration::EqualsSpace;
+                break;
+        }
+        ++at;
+    }
+    return false;
+}
+
+bool NodeFinder::passLenientDocumentType() noexcept {
+    while (find('[', ']', '>')) {
+        const char byte = text[at++];
+        if (byte == '>' && brackets == 0) return endMarkup();
+        brackets += byte == '[' ? 1 : byte == ']' ? -1 : 0;
+    }
+    return false;
+}
+
+// --- The document type by its grammar
+
+bool NodeFinder::passDocumentType() noexcept {
+    if (!find('"', '\'', '[', '>')) return false;
+    const char byte = text[at];
+    if (byte == '"' || byte == '\'') return enterLiteral();
+    ++at;
+    return byte == '[' ? enter(State::Subset) : endMarkup();
+}
+
+bool NodeFinder::passSubset() noexcept {
+    if (!find('<', ']')) return false;
+    if (text[at++] == ']') return enter(State::DocumentType);
+    return enter(State::SubsetMarkup);
+}
+
+bool NodeFinder::passSubsetMarkup() noexcept {
+    constexpr std::string_view Comment = "!--";
+    const std::string_view here = text.substr(start);
+    if (here.starts_with(Comment)) {
+        at = start + Comment.size();
+        return enterComment(State::Subset);
+    }
+    if (Comment.starts_with(here)) return false;
+    if (!here.starts_with('?')) return enter(State::SubsetDeclaration);
+    ++at;
+    return enter(State::SubsetInstruction);
+}
+
+// Past the next '>' that is in no literal.
+bool NodeFinder::passUpToEnd(State next) noexcept {
+    if (!find('"', '\'', '>')) return false;
+    if (text[at] != '>') return enterLiteral();
+    ++at;
+    return leave(next);
+}
+
+bool NodeFinder::enterLiteral() noexcept {
+    behindLiteral = state;
+    quote = text[at++];
+    return enter(State::Literal);
+}
+
+bool NodeFinder::passLiteral() noexcept {
+    if (!find(quote)) return false;
+    ++at;
+    return enter(behindLiteral);
+}
+
+// --- The last tag
+
+template <typename... Byte>
+bool NodeFinder::findInTag(std::size_t upTo, Byte... bytes) noexcept {
+    tagAt = static_cast<std::size_t>(corvel::findAny(text.data() + tagAt, text.data() + upTo, bytes...) - text.data());
+    return tagAt != upTo;
+}
+
+void NodeFinder::lookAtTag(std::size_t upTo) noexcept {
+    while (tagAt < upTo && stepInTag(upTo))
+        ++tagAt;
+}
+
+// Goes to the next byte that matters, and says whether to go on behind it.
+bool NodeFinder::stepInTag(std::size_t upTo) noexcept {
+    const auto goTo = [this](Tag next) {
+        tagState = next;
+        return next != Tag::Broken;
+    };
+    const auto endBy = [this](char byte) {
+        tagAt += byte == '>';
+        tagState = byte == '>' ? Tag::Whole : Tag::Broken;
+        return false;
+    };
+    switch (tagState) {
+        case Tag::Begin:
+            if (text[tagAt] == '/') return goTo(Tag::EndTag);
+            tagState = Tag::Outside;
+            [[fallthrough]];
+        case Tag::Outside:
+            if (!findInTag(upTo, '>', '=', '<')) return false;
+            return text[tagAt] == '=' ? goTo(Tag::Equals) : endBy(text[tagAt]);
+        case Tag::EndTag:
+            return findInTag(upTo, '>', '<') && endBy(text[tagAt]);
+        case Tag::Equals:
+            if (isSpace(text[tagAt])) return true;
+            tagQuote = text[tagAt];
+            if (tagQuote == '"' || tagQuote == '\'') return goTo(Tag::Value);
+            tagState = Tag::Outside;
+            return stepInTag(upTo);
+        case Tag::Value:
+            if (!findInTag(upTo, tagQuote, '<', !isConforming && expandsValues ? '&' : tagQuote)) return false;
+            return goTo(text[tagAt] == tagQuote ? Tag::Outside : text[tagAt] == '&' ? Tag::Reference : Tag::Broken);
+        case Tag::Reference:
+            return findInTag(upTo, ';') && goTo(Tag::Value);
+        case Tag::None:
+        case Tag::Whole:
+        case Tag::Broken:
+            break;
+    }
+    return false;
+}
+
+// --- What is whole
+
+// Whether a character of a name that ends in front of the place would be read past the end of the text, as one can that
+// is none: readers are sure what it is only with as many bytes as its first one announces.
+bool NodeFinder::isCut(std::size_t place) const noexcept {
+    constexpr std::size_t Longest = 4;
+    if (isConforming || text.size() - place >= Longest) return false;
+    std::size_t first = place;
+    for (std::size_t back = 1; back <= Longest + 1 && back <= place; ++back) {
+        const auto byte = static_cast<unsigned char>(text[place - back]);
+        if (byte == '"' || byte == '\'') break;
+        if (byte >= 0x80) first = place - back;
+        if (byte >= 0xC0) break;
+    }
+    while (first < place)
+        first += static_cast<std::size_t>(characterLength(static_cast<unsigned char>(text[first])));
+    return first > text.size();
+}
+
+void NodeFinder::conclude() noexcept {
+    if (state == State::Broken && !isCut(std::min(at + 1, text.size()))) {
+        wholeNodes = wholeTexts = Everything;
+    } else if (tagState == Tag::Broken && !isCut(tagAt)) {
+        wholeNodes = wholeTexts = Everything;
+    } else if (!isCut(tag)) {
+        wholeNodes = tagState == Tag::Whole && !isCut(tagAt) ? tagAt : tag;
+        if (textEnd != 0) wholeTexts = textEnd;
+    }
+}
+
+}  // namespace tessit
