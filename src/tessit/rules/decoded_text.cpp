@@ -12,6 +12,7 @@
 #include <tessit/rules/characters.h>
 #include <tessit/rules/decoded_text.h>
 #include <tessit/rules/rules.h>
+#include <tessit/rules/text_pieces.h>
 
 namespace tessit {
 
@@ -138,26 +139,6 @@ QeCString declarationFromEbcdic(std::string_view bytes) {
     return text;
 }
 
-QeCString inHexadecimal(std::string_view bytes) {
-    constexpr std::string_view Digits = "0123456789ABCDEF";
-    QeCString text;
-    for (const char byte : bytes) {
-        if (!text.empty()) text += ' ';
-        text += Digits[static_cast<unsigned char>(byte) >> 4];
-        text += Digits[byte & 0x0F];
-    }
-    return text;
-}
-
-// "U+0001"; four digits do for every character that is not allowed.
-QeCString describeCharacter(std::uint32_t character) {
-    constexpr std::string_view Digits = "0123456789ABCDEF";
-    QeCString text("U+");
-    for (const unsigned shift : {12u, 8u, 4u, 0u})
-        text += Digits[character >> shift & 0x0F];
-    return text;
-}
-
 // None where no converter is known, or its tables are not there.
 std::optional<QeUToUnicodeConverter> openConverter(const QeCString& name) {
     try {
@@ -252,6 +233,7 @@ private:
 
     void convert(std::string_view from, std::string_view canonical, const QeCString& name) {
         text.encoding = name;
+        text.canonical = canonical;
         text.source.endsBy = Rule::None;
         text.source.behind = nullptr;
         text.source.markLength = static_cast<unsigned>(from.data() - bytes.data());
@@ -305,17 +287,10 @@ private:
         if (length == utf8.size()) return;
         const std::string_view bad = utf8.substr(length);
         cut(length);
-        if (const std::optional<std::uint32_t> character = decodeFirst(bad))
-            endBy(Rule::Character, describeCharacter(*character));
-        else
-            endByMalformed(bad.substr(0, lengthOfSequence(bad)));
+        endByCharacter(text.source, bad, text.encoding);
     }
 
-    void endByMalformed(std::string_view malformed) {
-        QeCString found = inHexadecimal(malformed);
-        if (!found.empty()) found += " in ";
-        endBy(Rule::MalformedEncoding, found + text.encoding);
-    }
+    void endByMalformed(std::string_view malformed) { tessit::endByMalformed(text.source, malformed, text.encoding); }
 
     // Nothing of the text can be read.
     void endInFront(Rule rule, const QeCString& name) {

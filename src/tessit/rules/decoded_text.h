@@ -19,6 +19,8 @@ struct DecodedText {
     Source source;  // of the bytes in place where they are UTF-8, else of `converted`
     QeCString converted;
     QeCString encoding;  // the one in force, by the name that was given, declared or detected
+
+    std::string_view canonical;  // the name that is the same for all of an encoding's
 };
 
 /// `transport` is the encoding that a transport said, or empty. The bytes stay alive as long

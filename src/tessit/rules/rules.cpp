@@ -187,6 +187,15 @@ QeXmlNote noteIn(const Source& source, const char* place, const char* text) {
     return {text, positionOf(told), excerptOf(told)};
 }
 
+QeXmlPosition leaveBehind(const Source& source, const char* place) {
+    return placesOf(source).leave(place);
+}
+
+void goOnIn(const Source& source, std::string_view text, const QeXmlPosition& beginning) noexcept {
+    source.isContinued = true;
+    source.places->begin(text, LineEnds::All, source.inputUnits, beginning);
+}
+
 void dropAnchor(const Source& source, const char* place) {
     if (source.hasPlaces) placesOf(source).dropAnchor(place);
 }

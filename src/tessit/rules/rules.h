@@ -89,6 +89,11 @@ QeXmlNote noteIn(const Source& source, const char* place, const char* text);
 /// Has questions about places not far behind this one cost little, in any order.
 void dropAnchor(const Source& source, const char* place);
 
+/// What stands in front of the place is about to leave the source's text: returns the place's position. Then the rest
+/// of it is that text, and begins there: places go on counting.
+QeXmlPosition leaveBehind(const Source& source, const char* place);
+void goOnIn(const Source& source, std::string_view text, const QeXmlPosition& beginning) noexcept;
+
 /// Throws `QeXmlParseError`: what the rule says, with what was found there, and the place. Where the source is what an
 /// entity brought, the place of the reference goes along as the second place, unless another is given; for one that
 /// has no places of its own, it is the place.

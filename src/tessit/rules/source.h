@@ -36,6 +36,8 @@ struct Source {
     /// What was counted; made when a place is asked for, as most entities have none that is.
     mutable std::unique_ptr<TextPlaces> places;
 
+    mutable bool isContinued = false;  ///< the document's beginning has gone
+
     const char* begin() const noexcept { return text.data(); }
     const char* end() const noexcept { return text.data() + text.size(); }
 };

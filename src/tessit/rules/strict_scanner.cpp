@@ -144,7 +144,7 @@ StrictScanner::Instruction StrictScanner::readInstruction(bool namespaces) {
     const char* const start = at;
     const std::string_view target = readNameWithoutColon(namespaces, Rule::InstructionTarget);
     if (isXml(target)) {
-        const bool isAtBegin = start - source->begin() == 2;
+        const bool isAtBegin = start - source->begin() == 2 && !source->isContinued;
         const Rule ofDeclaration = isAtBegin ? Rule::XmlDeclaration : Rule::XmlDeclarationPlace;
         refuseAt(start, target == "xml" ? ofDeclaration : Rule::InstructionTarget, target);
     }

@@ -2,6 +2,7 @@
 #include <bit>
 #include <cstring>
 
+#include <corvel/byte_scan.h>
 #include <tessit/rules/text_places.h>
 
 namespace tessit {
@@ -62,6 +63,86 @@ void TextPlaces::dropAnchor(const char* place) {
     goBackFor(place);
     countTo(place);
     anchor = last;
+}
+
+namespace {
+
+// How many there are of the bytes that count.
+struct ByteCounts {
+    std::uint64_t lineFeeds = 0, returns = 0, pairs = 0, continuations = 0, pastPlane = 0;
+
+    void add(const char* at, const char* end) noexcept {
+        const auto byte = static_cast<unsigned char>(*at);
+        lineFeeds += byte == '\n';
+        returns += byte == '\r';
+        pairs += byte == '\r' && at + 1 != end && at[1] == '\n';
+        continuations += (byte & 0xC0) == 0x80;
+        pastPlane += byte >= 0xF0;
+    }
+};
+
+#if defined(TESSIT_SCAN_BLOCKS)
+
+using corvel::Block;
+
+std::uint64_t sumOf(Block counts) noexcept {
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i != sizeof counts; ++i)
+        sum += counts[i];
+    return sum;
+}
+
+// By blocks, as many as a byte can count. One byte more is read.
+void addBlocks(ByteCounts& counts, const char*& at, std::size_t number) noexcept {
+    Block lineFeeds{}, returns{}, pairs{}, continuations{}, pastPlane{};
+    for (; number != 0; --number, at += sizeof(Block)) {
+        const Block bytes = corvel::blockAt(at);
+        const Block isReturn = reinterpret_cast<Block>(bytes == '\r');
+        lineFeeds -= reinterpret_cast<Block>(bytes == '\n');
+        returns -= isReturn;
+        pairs -= isReturn & reinterpret_cast<Block>(corvel::blockAt(at + 1) == '\n');
+        continuations -= reinterpret_cast<Block>((bytes & 0xC0) == 0x80);
+        pastPlane -= reinterpret_cast<Block>((bytes & 0xF0) == 0xF0);
+    }
+    counts.lineFeeds += sumOf(lineFeeds);
+    counts.returns += sumOf(returns);
+    counts.pairs += sumOf(pairs);
+    counts.continuations += sumOf(continuations);
+    counts.pastPlane += sumOf(pastPlane);
+}
+
+#endif
+
+ByteCounts countBytes(const char* at, const char* end) noexcept {
+    ByteCounts counts;
+#if defined(TESSIT_SCAN_BLOCKS)
+    constexpr std::size_t Most = 255;
+    while (const std::size_t blocks = static_cast<std::size_t>(end - at) / (sizeof(Block) + 1))
+        addBlocks(counts, at, std::min(blocks, Most));
+#endif
+    for (; at != end; ++at)
+        counts.add(at, end);
+    return counts;
+}
+
+}  // namespace
+
+QeXmlPosition TextPlaces::leave(const char* place) {
+    const bool isAll = lineEnds == LineEnds::All;
+    if (last.upTo >= place || (isAll && place[-1] == '\r')) return at(place);
+    const char* line = place;  // where its line begins, if that is behind the last place
+    while (line != last.upTo && line[-1] != '\n' && !(isAll && line[-1] == '\r'))
+        --line;
+    const ByteCounts inFront = countBytes(last.upTo, line), inLine = countBytes(line, place);
+    if (line != last.upTo) {
+        last.lineStart = line;
+        last.lines += inFront.lineFeeds + (isAll ? inFront.returns - inFront.pairs : 0);
+        last.continuationsInFrontOfLine = last.continuations + inFront.continuations;
+    }
+    last.continuations += inFront.continuations + inLine.continuations;
+    last.pastPlane += inFront.pastPlane + inLine.pastPlane;
+    last.upTo = place;
+    return at(place);
 }
 
 QeXmlPosition TextPlaces::at(const char* place) {
