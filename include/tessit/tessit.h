@@ -23,6 +23,7 @@
 #include <tessit/model/xml_namespace.h>
 #include <tessit/model/xml_namespace_stack.h>
 #include <tessit/model/xml_prolog.h>
+#include <tessit/reader/xml_input.h>
 #include <tessit/reader/xml_reader.h>
 #include <tessit/reader/xml_reader_options.h>
 #include <tessit/sax/xml_content_handler.h>

@@ -45,7 +45,7 @@ std::string readOn(QeXmlReader& reader, std::string& fault) {
 }
 
 // The same from the beginning; a fault stays, and nothing is behind the end.
-std::string read(const Document& document, Source source, const QeXmlReaderOptions& options) {
+std::string readOnce(const Document& document, Source source, const QeXmlReaderOptions& options) {
     std::unique_ptr<QeXmlReader> reader;
     try {
         reader = document.open(source, options);
@@ -61,6 +61,10 @@ std::string read(const Document& document, Source source, const QeXmlReaderOptio
         EXPECT_TRUE(reader->eof());
     }
     return nodes;
+}
+
+std::string read(const Document& document, Source source, const QeXmlReaderOptions& options) {
+    return document.readEachWay(source, [&](const Document& each, Source way) { return readOnce(each, way, options); });
 }
 
 struct Case {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -12,8 +14,14 @@
 /// Documents for tests, in every way that a reader takes them, and compact traces of what is read.
 namespace tessit::test {
 
-enum class Source { Stream, String, Buffer, Span };
-constexpr Source Sources[] = {Source::Stream, Source::String, Source::Buffer, Source::Span};
+enum class Source { Stream, String, Buffer, Span, ByteByByte, InTwo, Moved };
+constexpr Source Sources[] = {Source::Stream,     Source::String, Source::Buffer, Source::Span,
+                              Source::ByteByByte, Source::InTwo,  Source::Moved};
+
+/// Whether the document comes through a window.
+constexpr bool isInPieces(Source source) {
+    return source >= Source::ByteByByte;
+}
 
 enum class Encoding { Utf8, Utf16LE, Utf16BE };
 constexpr Encoding Encodings[] = {Encoding::Utf8, Encoding::Utf16LE, Encoding::Utf16BE};
@@ -118,15 +126,54 @@ public:
                 return std::make_unique<QeXmlReader>(QeCString(text), options...);
             case Source::Buffer:
                 return std::make_unique<QeXmlReader>(bytes.get(), static_cast<unsigned>(size), options...);
+            case Source::ByteByByte:
+                return std::make_unique<QeXmlReader>(inPieces(0, 1), options...);
+            case Source::InTwo:
+            case Source::Moved:
+                return std::make_unique<QeXmlReader>(inPieces(split, size), options...);
             case Source::Span:
                 break;
         }
         return std::make_unique<QeXmlReader>(std::span<const unsigned char>(bytes.get(), size), options...);
     }
 
+    QeXmlInput inPlace() const { return QeXmlInput::bytes({bytes.get(), size}); }
+
+    /// The bytes as they come through a window: so many first, and then pieces of that length.
+    QeXmlInput inPieces(std::size_t first, std::size_t length) const {
+        return QeXmlInput::callback([this, first, length, at = std::size_t{0}](std::span<char> room) mutable {
+            const std::size_t piece = at < first ? first - at : length;
+            const std::size_t count = std::min({piece, room.size(), size - at});
+            std::copy_n(bytes.get() + at, count, room.data());
+            at += count;
+            return count;
+        });
+    }
+
+    /// What comes of reading, which is to be the same wherever a document is split that comes in two pieces; and,
+    /// behind a comment which fills a window so far that it moves for the second one, the same as in place.
+    template <typename Read>
+    std::string readEachWay(Source source, const Read& read) const {
+        if (source == Source::InTwo) return readSplitFrom(0, read(*this, Source::Span), read);
+        if (source != Source::Moved) return read(*this, source);
+        const std::string comment = "<!--" + std::string(50'000, 'x') + "-->\n";
+        const Document longer(comment + std::string(reinterpret_cast<const char*>(bytes.get()), size));
+        const std::string whole = read(longer, Source::Span), moved = longer.readSplitFrom(comment.size(), whole, read);
+        return moved == whole ? read(*this, Source::Span) : moved;
+    }
+
 private:
+    template <typename Read>
+    std::string readSplitFrom(std::size_t first, const std::string& whole, const Read& read) const {
+        for (split = first; split <= size; ++split)
+            if (const std::string nodes = read(*this, Source::InTwo); nodes != whole)
+                return nodes + " when it is split at " + std::to_string(split - first);
+        return whole;
+    }
+
     std::size_t size;
     std::unique_ptr<unsigned char[]> bytes;
+    mutable std::size_t split = 0;
 };
 
 /// `{URI}prefix:local`, without the braces in no namespace.
@@ -179,7 +226,7 @@ inline std::string describeNode(const QeXmlReader& reader) {
 
 /// All nodes that `next` reads, a space before each but the first; an error ends
 /// the trace with `!line:column message`.
-inline std::string trace(const Document& document, Source source, bool expandReferences = true) {
+inline std::string traceOnce(const Document& document, Source source, bool expandReferences) {
     std::string nodes;
     const auto add = [&](const std::string& node) { nodes += (nodes.empty() ? "" : " ") + node; };
     try {
@@ -193,6 +240,11 @@ inline std::string trace(const Document& document, Source source, bool expandRef
         add(describe(error));
     }
     return nodes;
+}
+
+inline std::string trace(const Document& document, Source source, bool expandReferences = true) {
+    return document.readEachWay(
+        source, [&](const Document& each, Source way) { return traceOnce(each, way, expandReferences); });
 }
 
 inline std::string trace(std::string_view xml) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <corvel/c_string.h>
@@ -14,6 +16,7 @@
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 #include <tessit/model/xml_namespace_stack.h>
+#include <tessit/reader/xml_input.h>
 #include <tessit/reader/xml_reader_options.h>
 
 /// A pull reader: hands out a document one node at a time, and lets the caller demand the elements it expects. It
@@ -85,6 +88,12 @@ public:
     QeXmlReader(std::span<const unsigned char> document, const QeXmlReaderOptions& options)
         : QeXmlReader(document, Passed{options}) {}
 
+    /// Reads an input of any kind, with options or without: docs/reading.md tells more. What comes piece by piece is
+    /// converted so, too; an encoding that is declared inside the root element is refused then, by a lenient reader as
+    /// well. O(bytes of the prolog) for those; of others as above. What the input throws passes through.
+    explicit QeXmlReader(QeXmlInput input, const QeXmlReaderOptions& options = {})
+        : QeXmlReader(std::move(input), Passed{options}) {}
+
     QeXmlReader(const QeXmlReader&) = delete;
     QeXmlReader& operator=(const QeXmlReader&) = delete;
     TESSIT_API ~QeXmlReader();
@@ -149,10 +158,11 @@ public:
 
     /// Whether the document is exhausted: a tag that `isElementNext` has looked at counts as read, though it
     /// is still to be taken. Outside the root element skips whitespace first, a conforming reader also what is
-    /// not delivered; in front of a fault it is false. O(bytes skipped).
+    /// not delivered; in front of a fault it is false. An input that comes piece by piece is waited for.
+    /// O(bytes skipped).
     bool eof() noexcept {
         if (depth == 0) skipSpace();
-        return cursor == bufferEnd;
+        return cursor == bufferEnd && isAtEnd();
     }
 
     NodeType getLastNodeType() const noexcept { return lastNodeType; }
@@ -242,6 +252,21 @@ public:
     bool hasStandalone() const noexcept { return standaloneDeclared; }
 
     /// @}
+    /// @name The input
+    /// @{
+
+    /// Goes on with another document, as if this reader were new, with the same options and settings; what was left of
+    /// the last one is not read. Keeps its memory: between documents that are alike, nothing is allocated but what the
+    /// input is made of. As a constructor, it throws what the prolog breaks; the reader can be reset again then.
+    TESSIT_API void reset(QeXmlInput input);
+
+    /// How many bytes of the input were taken in: all at once, unless it comes piece by piece.
+    TESSIT_API std::uint64_t getBytesRead() const noexcept;
+
+    /// How many there are, where that is known.
+    TESSIT_API std::optional<std::uint64_t> getInputSize() const noexcept;
+
+    /// @}
     /// @name Options
     /// @{
 
@@ -278,10 +303,13 @@ private:
     TESSIT_API QeXmlReader(std::istream& in, const Passed& passed);
     TESSIT_API QeXmlReader(const QeCString& document, const Passed& passed);
     TESSIT_API QeXmlReader(std::span<const unsigned char> document, const Passed& passed);
+    TESSIT_API QeXmlReader(QeXmlInput&& input, const Passed& passed);
     void open(std::string_view document);
+    void open(QeXmlInput&& input);
     TESSIT_API void readNextLenient();
     TESSIT_API void takePendingOrApart();
     void readNextConforming();
+    TESSIT_API bool isAtEnd() noexcept;
     TESSIT_API void skipSpace() noexcept;
 
     // These stay where they are in every later library: programs have code inlined that relies on it.
@@ -299,6 +327,7 @@ private:
     NodeType lastNodeType = NoNode;
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
-    bool readsApart = false;  // by the conforming rules, or with limits
+    bool readsApart = false;   // by the conforming rules, with limits, or through a window
+    bool matchesTags = false;  // in a lenient reader
     std::unique_ptr<Engine> engine;
 };

@@ -38,6 +38,17 @@ public:
     /// standalone.
     void beginDocument(std::uint64_t bytes, bool standalone);
 
+    /// More of the document was read.
+    void addDocumentBytes(std::uint64_t bytes) noexcept { reading.addBytesRead(bytes); }
+
+    /// For when the document's bytes are about to go: nobody knows any more where in them entities are declared.
+    void forgetPlaces() noexcept {
+        for (auto* const entities : {&general, &parameters})
+            for (Entity& entity : *entities)
+                if (entity.source.declaredIn != nullptr && entity.source.declaredIn->parent == nullptr)
+                    entity.source.declaredIn = nullptr;
+    }
+
     /// Entered just after "<!DOCTYPE"; passes the closing '>'. Reads the external subset too, where the resolver has
     /// it.
     void readDocumentType(StrictScanner& scanner, QeXmlDocumentType& type);

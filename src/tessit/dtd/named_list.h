@@ -40,6 +40,8 @@ public:
 
     bool empty() const noexcept { return things.empty(); }
     std::size_t size() const noexcept { return things.size(); }
+    auto begin() noexcept { return things.begin(); }
+    auto end() noexcept { return things.end(); }
     auto begin() const noexcept { return things.begin(); }
     auto end() const noexcept { return things.end(); }
 

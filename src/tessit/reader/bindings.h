@@ -24,6 +24,13 @@ public:
         ModelAccess::clear(closed);
     }
 
+    /// Ends all scopes.
+    void clear() {
+        while (ModelAccess::hasScope(inForce))
+            inForce.popScope();
+        ModelAccess::clear(closed);
+    }
+
     void declare(std::string_view prefix, std::string_view uri) { ModelAccess::addBinding(inForce, prefix, uri); }
 
     /// Ends the innermost scope. Its own declarations can still be asked for by `uriInsideTag`.

@@ -27,6 +27,24 @@ tessit::DeclarationSettings settingsOf(const QeXmlReaderOptions& options) {
 QeXmlReader::Engine::Conforming::Conforming(const QeXmlReaderOptions& given)
     : options(given), declared(settingsOf(options)), tags(declared, options.namespaces, options.limits) {}
 
+void QeXmlReader::Engine::Conforming::begin() {
+    document.source = {};
+    document.converted.clear();
+    document.encoding.clear();
+    firstBytes.clear();
+    declared.reset();
+    tags.begin();
+    documentType = {};
+    parts = {};
+    documentTypeBegin = documentTypeEnd = end = nullptr;
+    documentTypeWasRead = false;
+    nextInstruction = 0;
+    phase = InProlog;
+    entities.clear();
+    target.clear();
+    fault = nullptr;
+}
+
 void QeXmlReader::Engine::openConforming(std::string_view bytes) {
     tessit::DecodedText& document = conforming->document;
     document.source.name = conforming->options.sourceName;
@@ -83,18 +101,13 @@ void QeXmlReader::Engine::raiseFault() {
 void QeXmlReader::Engine::readConformingContent() {
     if (conforming->fault != nullptr) raiseFault();
     try {
+        if (conforming->phase == Conforming::InRoot) needText();
         ConformingNodes(*this).readContent();
         if (limits != nullptr) limitLastNode();
     } catch (...) {
         keepFault();
         raiseFault();
     }
-}
-
-void QeXmlReader::takePendingOrApart() {
-    if (std::exchange(nodePending, false)) return;
-    if (engine->conforming != nullptr) return readNextConforming();
-    engine->withinLimits([this] { readNextLenient(); });
 }
 
 // Asked outside of the root element by `eof`, which raises nothing: a fault there is for the next reading call.

@@ -32,6 +32,9 @@ struct QeXmlReader::Engine::Conforming {
 
     explicit Conforming(const QeXmlReaderOptions& given);
 
+    /// Forgets the document.
+    void begin();
+
     bool delivers(QeXmlNodes node) const noexcept { return tessit::hasNode(options.nodes, node); }
 
     // Whether there are instructions among the declarations that were not delivered yet. None are kept that nobody
@@ -42,6 +45,7 @@ struct QeXmlReader::Engine::Conforming {
 
     QeXmlReaderOptions options;
     tessit::DecodedText document;
+    QeCString firstBytes;  // that told the encoding of a document that comes piece by piece
     tessit::Declared declared;
     tessit::ConformingTags tags;
     QeXmlDocumentType documentType;

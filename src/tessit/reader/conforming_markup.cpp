@@ -13,8 +13,9 @@ constexpr std::string_view CommentBegin = "<!--", CDATABegin = "<![CDATA[", Docu
 }  // namespace
 
 void QeXmlReader::Engine::ConformingNodes::readProlog() {
+    if (engine.windowed != nullptr) needOutside();
     StrictScanner scanner(source(), position());
-    if (scanner.isAtDeclaration()) {
+    if (position() == source().begin() && !source().isContinued && scanner.isAtDeclaration()) {
         const StrictScanner::Declaration declaration = scanner.readXmlDeclaration();
         reader.version.assign(declaration.version);
         reader.encodingDeclared = !declaration.encoding.empty();
@@ -61,6 +62,7 @@ bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
             if (others != Others::Pass) return deliverInstruction(others);
             state.nextInstruction = state.declared.get().instructions().size();
         }
+        if (engine.windowed != nullptr) needOutside();
         skipSpace();
         if (atEnd()) {
             if (state.phase == Conforming::InProlog || source().endsBy != Rule::None) refuseEnd();
@@ -78,6 +80,11 @@ bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
         }
         if (kind == '?' ? readInstruction(others) : readMarkupOutside(others)) return true;
     }
+}
+
+void QeXmlReader::Engine::ConformingNodes::needOutside() {
+    const Lending lending(*this);
+    engine.needOutside();
 }
 
 bool QeXmlReader::Engine::ConformingNodes::readMarkupOutside(Others others) {

@@ -22,6 +22,12 @@ TESSIT_FLATTEN void QeXmlReader::readNextConforming() {
     }
 }
 
+// Inline, so that this one's address stays untaken.
+inline void QeXmlReader::Engine::ConformingNodes::needNode() {
+    const Lending lending(*this);
+    engine.needNode();
+}
+
 inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
     if (state.phase != Conforming::InRoot) [[unlikely]] {
         if (apart([](ConformingNodes& nodes) { return nodes.passOutside(Others::Deliver); })) return;
@@ -29,6 +35,7 @@ inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
         state.phase = Conforming::InRoot;
     }
     for (;;) {
+        if (engine.windowed != nullptr) needNode();
         engine.lastNode = {position(), &source()};
         if (atEnd()) {
             apart([](ConformingNodes& nodes) { nodes.leaveEntity(); });
@@ -279,6 +286,11 @@ void QeXmlReader::Engine::ConformingNodes::goOnIn(const Source& text, const char
     engine.input.enter(text, place);
 }
 
+void QeXmlReader::Engine::ConformingNodes::needRestOfText() {
+    const Lending lending(*this);
+    engine.needRestOfText();
+}
+
 // Entered at the end of what is read. What an entity brings has to be complete in itself.
 TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity() {
     if (state.entities.empty() || source().endsBy != Rule::None) refuseEnd();
@@ -287,4 +299,5 @@ TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity() {
     state.entities.pop_back();
     state.declared.get().close(*left.entity);
     goOnIn(*left.entity->source.parent, left.resume);
+    if (engine.windowed != nullptr) needRestOfText();
 }

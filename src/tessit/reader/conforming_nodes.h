@@ -55,6 +55,8 @@ private:
         return read(other);
     }
 
+    void needNode();
+    void needRestOfText();
     tessit::RawName readTagName();
     void readStartTag();
     void closeStartTag(const tessit::RawName& name);
@@ -79,6 +81,7 @@ private:
     void leaveEntity();
 
     // conforming_markup.cpp
+    void needOutside();
     bool beginsWith(std::string_view text);
     bool isCommentHere();
     void requireCDATA();

@@ -124,6 +124,13 @@ void ConformingTags::keepLeft(std::string_view name, std::size_t from) {
     leftInValue.clear();
 }
 
+void ConformingTags::keepNames() {
+    if (told.left.empty() || !told.names.empty()) return;
+    told.names.reserve(told.left.size());  // so that none of them moves
+    for (Left& left : told.left)
+        left.attribute = told.names.emplace_back(left.attribute);
+}
+
 // A tag can have many, and a program ask for each.
 void ConformingTags::putInOrder() {
     if (std::exchange(told.areInOrder, true)) return;

@@ -32,11 +32,18 @@ public:
     /// Whether attributes are declared for any element.
     bool areDeclared() const noexcept { return declared.hasAttributes(); }
 
+    /// Begins with a document.
+    void begin() {
+        source = nullptr;
+        told = {};
+    }
+
     /// Begins with a tag of that source, whose attributes are not declared.
     void openTag(const Source& text) noexcept {
         source = &text;
         told.defaulted.clear();
         told.left.clear();
+        if (!told.names.empty()) told.names.clear();
         told.areInOrder = false;
     }
 
@@ -90,15 +97,22 @@ public:
     /// The references that were left in that attribute of the last tag, in their order.
     std::span<const Left> leftIn(std::string_view name);
 
+    /// For when the document's bytes are about to go.
+    void keepNames();
+
     /// What is told of the attributes of a tag besides names and values.
     struct Told {
         std::vector<std::string_view> defaulted;
         std::vector<Left> left;
-        bool areInOrder = false;  // both of them, by the names of attributes
+        bool areInOrder = false;       // both of them, by the names of attributes
+        std::vector<QeCString> names;  // what was viewed in a text that has gone
     };
 
     /// Takes what is told of the last tag out, to be put back once others were read.
-    Told takeTold() noexcept { return std::exchange(told, {}); }
+    Told takeTold() {
+        keepNames();
+        return std::exchange(told, {});
+    }
     void putBack(Told&& ofTag) noexcept { told = std::move(ofTag); }
 
 private:

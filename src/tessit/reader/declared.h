@@ -19,6 +19,23 @@ public:
         isStandalone = standalone;
     }
 
+    /// Forgets the document.
+    void reset() noexcept {
+        declarations.reset();
+        beginDocument(0, false);
+    }
+
+    /// More of the document was read.
+    void addBytes(std::uint64_t count) {
+        bytes += count;
+        if (declarations.has_value()) declarations->addDocumentBytes(count);
+    }
+
+    /// For when the document's bytes are about to go.
+    void forgetPlaces() noexcept {
+        if (declarations.has_value()) declarations->forgetPlaces();
+    }
+
     Declarations& get() {
         if (!declarations.has_value()) {
             declarations.emplace(settings);

@@ -6,6 +6,7 @@
 #include <tessit/reader/conforming.h>
 #include <tessit/reader/passed_options.h>
 #include <tessit/reader/raw_copy.h>
+#include <tessit/reader/windowed.h>
 
 // A conforming reader's own end of the bytes is set when the document is complete; until then `eof` is false.
 QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* options)
@@ -34,15 +35,28 @@ std::unique_ptr<QeXmlReader::Engine> QeXmlReader::Engine::make(QeXmlReader& owne
     return std::make_unique<Engine>(owner, &options);
 }
 
+void QeXmlReader::Engine::reset() {
+    if (conforming != nullptr) conforming->begin();
+    bindings.clear();
+    slots.forgetDocument();
+    slots.forgetSlots();
+    openElements.clear();
+    lastNode = lastTag = {};
+    pendingStart = nullptr;
+    forErrors.reset();
+    whole.reset();
+    input.begin();
+}
+
 // Whatever points into the old bytes lets go of them before they go.
 void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     reader.encodingDeclared = true;
+    if (windowed != nullptr) return declareEncodingInWindow(name);
     std::optional<tessit::Input::Converted> converted = input.declareEncoding(name);
     if (!converted) return;
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();
     lastNode = lastTag = {};
-    writtenAttributes.reset();
     forErrors.reset();
     input.replaceRest(std::move(*converted));
     if (rawCopy != nullptr) rawCopy->goOn();

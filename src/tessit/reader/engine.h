@@ -7,10 +7,19 @@
 #include <tessit/reader/bindings.h>
 #include <tessit/reader/element_path.h>
 #include <tessit/reader/input.h>
+#include <tessit/reader/node_finder.h>
 #include <tessit/reader/open_elements.h>
 #include <tessit/reader/tag_slots.h>
 #include <tessit/reader/written_markup.h>
 #include <tessit/reader/xml_reader.h>
+
+namespace tessit {
+class ByteSource;
+}
+
+namespace voxal {
+class PieceConverter;
+}
 
 /// What stands behind a reader: its parts, each on the reader's members that it is
 /// about, and what the public calls do with them.
@@ -25,8 +34,9 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
         const tessit::Source* source = nullptr;
     };
 
-    // What was found out for errors so far.
+    // What was found out for errors and about places so far.
     struct ForErrors {
+        tessit::WrittenAttributes ofLastTag;
         std::optional<tessit::ElementPath> path;
         const char* hint = nullptr;
         bool hasLookedForHint = false;
@@ -40,6 +50,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
 
     // nodes.cpp and prolog.cpp
     void readProlog();
+    void readLenientApart();
     void readContent();
     void noteOpen(std::string_view name);
     bool closesInnermost() noexcept;
@@ -54,7 +65,39 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     const char* positionInDocument() const noexcept;
     const char* nextInDocument() const noexcept;
 
+    // windowed.cpp
+    /// Have what comes next be there as a whole: a node; all up to the next tag; what stands outside of the root. For a
+    /// document that is in memory they do nothing.
+    void needNode() {
+        if (windowed != nullptr) needNodeInWindow();
+    }
+    void needNodeInWindow();
+    void needText();
+    void needRestOfText();
+    void needOutside();
+    void openWindowed(std::unique_ptr<tessit::ByteSource> source);
+    void leaveWindow() noexcept;
+    void openConformingWindow();
+    bool readsWindow() const noexcept;
+    bool isHalfALineEnd() const noexcept;
+    bool fetch();
+    bool fetchMore();
+    bool fetchQuietly() noexcept;
+    void moveWindow();
+    void showWindow(const char* place);
+    void findFrom(tessit::NodeFinder::Where where);
+    void findInWindow();
+    void convertWindow(voxal::PieceConverter&& converter, tessit::InputUnits units);
+    void leaveBeginning() noexcept;
+    bool hasBeginning() const noexcept;
+    bool isInDocument(const Written& written) const noexcept;
+    void checkConversions();
+    void declareEncodingInWindow(const QeCString& name);
+
     // engine.cpp
+    /// Forgets the document.
+    void reset();
+
     /// Takes in a declared encoding. All views of the document may be void behind it.
     void declareEncoding(const QeCString& name);
 
@@ -91,6 +134,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
     const tessit::ElementPath& pathInDocument(const char* place) const;
     QeCString pathOfOpenElements(const char* place) const;
+    QeCString pathOfNames() const;
     std::optional<QeXmlNote> noteOfInnermost(const char* text, const char* place) const;
     [[noreturn]] void refuseEndTag(const Written& tag, std::string_view name) const;
     [[noreturn]] void raiseUnmatched() const;
@@ -120,22 +164,23 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     [[noreturn]] void raiseExceeded(const tessit::Exceeded& exceeded) const;
 
     class NodeReader;
+    class LookingAhead;
     class ConformingNodes;
     struct Conforming;
+    struct Windowed;
 
     QeXmlReader& reader;
     std::unique_ptr<Conforming> conforming;     // of a reader that is one
     std::unique_ptr<const QeXmlLimits> limits;  // if there are any
+    std::unique_ptr<Windowed> windowed;         // of one whose document comes piece by piece
+    std::unique_ptr<tessit::ByteSource> whole;  // what else it reads, if that is an input
     tessit::Input input;
     tessit::Bindings bindings;
     tessit::TagSlots slots;
-    tessit::OpenElements openElements;  // of a reader that matches tags
-    bool matchesTags = false;
-    QeXmlName expectedName;              // what the caller demands; working storage of one call
-    const char* pendingStart = nullptr;  // where the node that was looked at begins, in a document that stays
-    Written lastNode, lastTag;           // the tag is the last one that opened an element
-    // made when they are asked for
-    std::unique_ptr<tessit::WrittenAttributes> writtenAttributes;
+    tessit::OpenElements openElements;             // of a reader that matches tags
+    QeXmlName expectedName;                        // what the caller demands; working storage of one call
+    const char* pendingStart = nullptr;            // where the node that was looked at begins, in a document that stays
+    Written lastNode, lastTag;                     // the tag is the last one that opened an element
     mutable std::unique_ptr<ForErrors> forErrors;  // made when it is asked for
     RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
 };

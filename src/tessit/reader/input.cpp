@@ -56,11 +56,19 @@ bool beginsAsUtf8(std::string_view first) {
 
 }  // namespace
 
+void Input::begin() noexcept {
+    cursor = bufferStart = bufferEnd = nullptr;
+    strict = nullptr;
+    isDetected = false;
+    length = 0;
+    ofCounts.reset();
+}
+
 void Input::take(std::string_view document) noexcept {
-    places.reset();
+    ofCounts.reset();
     cursor = bufferStart = document.data();
     bufferEnd = bufferStart + document.size();
-    conversionAllowance = ConversionFactor * (document.size() + ConversionGrace);
+    length = document.size();
 }
 
 void Input::enter(const Source& source, const char* place) noexcept {
@@ -72,6 +80,12 @@ void Input::enter(const Source& source, const char* place) noexcept {
 
 // A document that no row matches keeps an empty encoding: what follows fails at its first byte or name.
 void Input::detectEncoding() {
+    const char* const name = tellEncoding();
+    if (name == nullptr) return;
+    if (std::optional<Converted> converted = convertRest(name)) replaceRest(std::move(*converted));
+}
+
+const char* Input::tellEncoding() {
     isDetected = true;
     const std::string_view first = rest().substr(0, 4);
     if (first.size() < 4) raise("Premature EOF");
@@ -84,26 +98,29 @@ void Input::detectEncoding() {
     } else if (const ByteOrderMark* row = findMark(FirstBytes, first)) {
         name = row->encoding;
     }
-    if (name == nullptr) return;
-    if (std::optional<Converted> converted = convertRest(name)) replaceRest(std::move(*converted));
+    return name;
 }
 
 // A mark is three bytes of a text in UTF-8, whatever it is in the input.
-void Input::passMark(std::size_t length) {
-    cursor += length;
-    places = std::make_unique<TextPlaces>();
-    places->begin(rest(), LineEnds::LineFeed, InputUnits::Same, {.offset = 3, .inputOffset = length});
+void Input::passMark(std::size_t markLength) {
+    cursor += markLength;
+    ofCounts = std::make_unique<Counted>();
+    ofCounts->places.begin(rest(), LineEnds::LineFeed, InputUnits::Same, {.offset = 3, .inputOffset = markLength});
 }
 
 // A declaration that only spells the detected encoding differently converts nothing:
 // the text is UTF-8 by now, and a second conversion would garble it. Declarations that
 // come later, in the midst of the document, mean what they say.
 std::optional<Input::Converted> Input::declareEncoding(const QeCString& name) {
+    return takeDeclaration(name) ? convertRest(name) : std::nullopt;
+}
+
+bool Input::takeDeclaration(const QeCString& name) {
     const bool mayBeAnotherSpelling = std::exchange(isDetected, false);
-    if (name == encoding) return std::nullopt;
-    if (!mayBeAnotherSpelling || !QeUToUnicodeConverter::sameEncoding(name, encoding)) return convertRest(name);
+    if (name == encoding) return false;
+    if (!mayBeAnotherSpelling || !QeUToUnicodeConverter::sameEncoding(name, encoding)) return true;
     encoding = name;
-    return std::nullopt;
+    return false;
 }
 
 // Of bytes that were converted before, nobody knows where in the input they were.
@@ -112,9 +129,15 @@ std::optional<Input::Converted> Input::convertRest(const QeCString& name) {
     InputUnits units = inputUnitsOf(QeUToUnicodeConverter::canonicalName(name), false);
     std::optional<QeCString> text = convertText(name, units);
     if (!text) return std::nullopt;
-    conversionAllowance -= text->length();
     if (placesInText().inputUnits() != InputUnits::Same) units = InputUnits::Unknown;
-    return Converted{std::move(*text), units, positionOf(cursor), std::make_unique<TextPlaces>()};
+    auto ofRest = std::make_unique<Counted>();
+    ofRest->bytesConverted = counted().bytesConverted + text->length();
+    return Converted{std::move(*text), units, positionOf(cursor), std::move(ofRest)};
+}
+
+// How many bytes conversions may still produce.
+std::uint64_t Input::conversionAllowance() const noexcept {
+    return ConversionFactor * (length + ConversionGrace) - (ofCounts == nullptr ? 0 : ofCounts->bytesConverted);
 }
 
 // Nothing, where the bytes are UTF-8 already.
@@ -124,11 +147,11 @@ std::optional<QeCString> Input::convertText(const QeCString& name, InputUnits& u
     if (upperName == "UTF-8" || upperName == "US-ASCII") return std::nullopt;
     std::optional<QeCString> text;
     if (upperName == "ISO-8859-1")
-        text = voxal::latin1ToUtf8(rest(), conversionAllowance);
+        text = voxal::latin1ToUtf8(rest(), conversionAllowance());
     else if (upperName == "UTF-16" || upperName == "UTF-16BE")
-        text = voxal::utf16ToUtf8<std::endian::big>(rest(), conversionAllowance);
+        text = voxal::utf16ToUtf8<std::endian::big>(rest(), conversionAllowance());
     else if (upperName == "UTF-16LE")
-        text = voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance);
+        text = voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance());
     else
         text = convertByTables(name, units);
     if (!text) raiseTranscoding(TooManyConversions);
@@ -136,7 +159,7 @@ std::optional<QeCString> Input::convertText(const QeCString& name, InputUnits& u
 }
 
 QeCString Input::convertByTables(const QeCString& name, InputUnits& units) {
-    const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(conversionAllowance, SIZE_MAX));
+    const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(conversionAllowance(), SIZE_MAX));
     try {
         QeUToUnicodeConverter converter(name);
         if (converter.hasByteEach()) units = InputUnits::One;
@@ -151,10 +174,63 @@ QeCString Input::convertByTables(const QeCString& name, InputUnits& units) {
 void Input::replaceRest(Converted&& converted) noexcept {
     ++replaced;
     ownedDocument = std::move(converted.text);
-    places = std::move(converted.places);
-    places->begin(ownedDocument, LineEnds::LineFeed, converted.units, converted.beginning);
+    ofCounts = std::move(converted.counted);
+    ofCounts->places.begin(ownedDocument, LineEnds::LineFeed, converted.units, converted.beginning);
+    ofCounts->describedLine = converted.beginning.line;
     cursor = bufferStart = ownedDocument.begin();
     bufferEnd = ownedDocument.end();
+}
+
+std::optional<voxal::PieceConverter> Input::openPieces(const QeCString& name) {
+    using voxal::PieceConverter;
+    constexpr auto Replaced = voxal::Malformed::Replaced;
+    encoding = name;
+    QeCString upperName = name;
+    upperName.toUpper();
+    if (upperName == "UTF-8" || upperName == "US-ASCII") return std::nullopt;
+    if (upperName == "ISO-8859-1") return PieceConverter(PieceConverter::Form::Latin1, Replaced);
+    if (upperName == "UTF-16" || upperName == "UTF-16BE")
+        return PieceConverter(PieceConverter::Form::Utf16BigEndian, Replaced);
+    if (upperName == "UTF-16LE") return PieceConverter(PieceConverter::Form::Utf16LittleEndian, Replaced);
+    try {
+        return PieceConverter(name, Replaced);
+    } catch (const Qexmsg& error) {
+        raiseTranscoding(error.why());
+    }
+}
+
+InputUnits Input::unitsOf(const QeCString& name) const {
+    if (placesInText().inputUnits() != InputUnits::Same) return InputUnits::Unknown;
+    return inputUnitsOf(QeUToUnicodeConverter::canonicalName(name), false);
+}
+
+void Input::takeWindow(std::string_view text, std::size_t place) noexcept {
+    bufferStart = text.data();
+    bufferEnd = text.data() + text.size();
+    cursor = bufferStart + place;
+    if (strict == nullptr && ofCounts != nullptr) ofCounts->places.goOnTo(bufferEnd);
+}
+
+QeXmlPosition Input::leaveBehind(const char* place) {
+    if (strict != nullptr) return tessit::leaveBehind(*strict, place);
+    const QeXmlPosition position = placesInText().leave(place);
+    if (position.line == ofCounts->describedLine)
+        ofCounts->columnsInFront += static_cast<std::uint64_t>(place - bufferStart);
+    return position;
+}
+
+void Input::goOnIn(std::string_view text, const QeXmlPosition& beginning) noexcept {
+    if (strict != nullptr) return tessit::goOnIn(*strict, text, beginning);
+    bufferStart = text.data();
+    ofCounts->places.begin(text, LineEnds::LineFeed, ofCounts->places.inputUnits(), beginning);
+}
+
+void Input::goOnConverted(std::string_view text, InputUnits units, const QeXmlPosition& beginning) {
+    ++replaced;
+    takeWindow(text, 0);
+    ofCounts = std::make_unique<Counted>();
+    ofCounts->places.begin(text, LineEnds::LineFeed, units, beginning);
+    ofCounts->describedLine = beginning.line;
 }
 
 void Input::raiseTranscoding(const char* reason) const {
@@ -165,12 +241,12 @@ void Input::raiseTranscoding(const char* reason) const {
     raise(message);
 }
 
-TextPlaces& Input::placesInText() const {
-    if (places == nullptr) {
-        places = std::make_unique<TextPlaces>();
-        places->begin({bufferStart, static_cast<std::size_t>(bufferEnd - bufferStart)}, LineEnds::LineFeed);
+Input::Counted& Input::counted() const {
+    if (ofCounts == nullptr) {
+        ofCounts = std::make_unique<Counted>();
+        ofCounts->places.begin({bufferStart, static_cast<std::size_t>(bufferEnd - bufferStart)}, LineEnds::LineFeed);
     }
-    return *places;
+    return *ofCounts;
 }
 
 QeXmlPosition Input::positionOf(const char* place) const {
@@ -199,11 +275,10 @@ QeXmlParseError Input::errorAt(const char* place, const QeCString& message, std:
     if (strict != nullptr && !details.note) details.note = noteOfReference(*strict);
     context.complete(details, readUpTo);
     if (strict != nullptr) return ErrorAccess::make(message, placeIn(*strict, place), std::move(details));
-    const QeXmlPosition& beginning = placesInText().beginning();
     QeXmlPlace described{sourceName, position};
-    described.position.line = position.line - beginning.line + 1;
-    if (position.line == beginning.line)
-        described.position.column = static_cast<std::uint64_t>(place - bufferStart) + 1;
+    described.position.line = position.line - ofCounts->describedLine + 1;
+    if (position.line == ofCounts->describedLine)
+        described.position.column = ofCounts->columnsInFront + static_cast<std::uint64_t>(place - bufferStart) + 1;
     return ErrorAccess::make(message, described, std::move(details));
 }
 

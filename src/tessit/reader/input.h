@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <voxal/piece_converter.h>
 
 #include <corvel/c_string.h>
 #include <tessit/errors/error_access.h>
@@ -38,12 +39,22 @@ public:
         QeCString& encoding;
     };
 
+    // What is counted of the document, from a mark, or the last conversion, on.
+    struct Counted {
+        TextPlaces places;
+
+        // Where the described line and column begin: the line, and how much of it is in front of the bytes.
+        std::uint64_t describedLine = 1, columnsInFront = 0;
+
+        std::uint64_t bytesConverted = 0;  // by all conversions
+    };
+
     /// What the bytes from the cursor on are as UTF-8.
     struct Converted {
         QeCString text;
         InputUnits units;
         QeXmlPosition beginning;
-        std::unique_ptr<TextPlaces> places;  // room for them
+        std::unique_ptr<Counted> counted;  // of it
     };
 
     Input(const Members& members, const ErrorContext& errorContext) noexcept
@@ -58,8 +69,15 @@ public:
     void setLimits(const QeXmlLimits& limits) noexcept { bounds = &limits; }
     const QeXmlLimits& limits() const noexcept { return *bounds; }
 
+    /// Forgets the document.
+    void begin() noexcept;
+
     /// Begins with these bytes, which stay where they are.
     void take(std::string_view document) noexcept;
+
+    /// How many bytes the document had, for one that was not taken.
+    void setLength(std::uint64_t bytes) noexcept { length = bytes; }
+    std::uint64_t bytesTaken() const noexcept { return length; }
 
     /// Goes on in a source that a conforming reader reads, from this place on; errors have their places in it. It stays
     /// where it is as long as it is read.
@@ -71,6 +89,36 @@ public:
     /// The name that errors have as that of their source.
     void setSourceName(const QeCString& name) { sourceName = name; }
     const QeCString& getSourceName() const noexcept { return sourceName; }
+
+    /// @name A document that comes piece by piece
+    /// @{
+
+    /// What is there of it now, from the same beginning on, and the cursor's place in that.
+    void takeWindow(std::string_view text, std::size_t place) noexcept;
+
+    /// All in front of the place is about to go: returns where it stands in the document. Then what is left begins
+    /// elsewhere, with that position.
+    QeXmlPosition leaveBehind(const char* place);
+    void goOnIn(std::string_view text, const QeXmlPosition& beginning) noexcept;
+
+    /// The same behind a conversion of all from the cursor on.
+    void goOnConverted(std::string_view text, InputUnits units, const QeXmlPosition& beginning);
+
+    /// The encoding that a mark, which is passed, or the first bytes tell; null where they tell none, or UTF-8.
+    const char* tellEncoding();
+
+    /// Makes the encoding a declared one. Whether what follows is to be converted from it.
+    bool takeDeclaration(const QeCString& name);
+
+    /// Opens what converts from an encoding, unless that is UTF-8 as it is.
+    std::optional<voxal::PieceConverter> openPieces(const QeCString& name);
+
+    /// What the bytes of that encoding are for each character of the text.
+    InputUnits unitsOf(const QeCString& name) const;
+
+    [[noreturn]] void raiseTranscoding(const char* reason) const;
+
+    /// @}
 
     /// Tells the encoding by a mark or by the first bytes, and converts what is not UTF-8.
     void detectEncoding();
@@ -121,12 +169,13 @@ public:
 
 private:
     std::string_view rest() const noexcept { return {cursor, static_cast<std::size_t>(bufferEnd - cursor)}; }
-    void passMark(std::size_t length);
+    void passMark(std::size_t markLength);
     std::optional<Converted> convertRest(const QeCString& name);
     std::optional<QeCString> convertText(const QeCString& name, InputUnits& units);
     QeCString convertByTables(const QeCString& name, InputUnits& units);
-    TextPlaces& placesInText() const;
-    [[noreturn]] void raiseTranscoding(const char* reason) const;
+    std::uint64_t conversionAllowance() const noexcept;
+    Counted& counted() const;
+    TextPlaces& placesInText() const { return counted().places; }
     QeXmlParseError errorAt(const char* place, const QeCString& message, std::optional<QeXmlNote>&& note,
                             const char* readUpTo) const;
 
@@ -143,10 +192,8 @@ private:
 
     bool isDetected = false;  // no declaration was taken in yet
     unsigned replaced = 0;
-    std::uint64_t conversionAllowance = 0;  // bytes that conversions may still produce
-
-    // Of the text from a mark, or the last conversion, on; made when it is needed.
-    mutable std::unique_ptr<TextPlaces> places;
+    std::uint64_t length = 0;                   // bytes of a document that is in memory as a whole
+    mutable std::unique_ptr<Counted> ofCounts;  // made when it is needed
 };
 
 }  // namespace tessit

@@ -10,11 +10,23 @@ TESSIT_FLATTEN void QeXmlReader::readNextLenient() {
     Engine::NodeReader(*engine, *this).readNextNode();
 }
 
+void QeXmlReader::Engine::readLenientApart() {
+    const auto read = [this] {
+        needNode();
+        reader.readNextLenient();
+    };
+    limits == nullptr ? read() : withinLimits(read);
+}
+
 void QeXmlReader::Engine::readContent() {
     if (conforming != nullptr) return readConformingContent();
-    lastNode.begin = input.position();
-    if (limits == nullptr) return NodeReader(*this).readContent();
-    withinLimits([this] { NodeReader(*this).readContent(); });
+    const auto read = [this] {
+        needText();
+        lastNode.begin = input.position();
+        NodeReader(*this).readContent();
+    };
+    if (limits == nullptr) return read();
+    withinLimits(read);
 }
 
 inline void QeXmlReader::Engine::NodeReader::readNextNode() {
@@ -29,6 +41,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
         if (kind == '?') {
             apart(&NodeReader::readInstruction);
             limitMarkup(engine.lastNode.begin);
+            goOnBehindMarkup();
         } else if (kind != '!') {
             stepBack(1);
             return readStartTag();
@@ -42,6 +55,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
             skip(1);
             apart(&NodeReader::skipComment);
             limitMarkup(engine.lastNode.begin);
+            goOnBehindMarkup();
         }
     }
 }
@@ -53,6 +67,12 @@ void QeXmlReader::Engine::NodeReader::apart(const Read& read) {
     (NodeReader(engine).*read)();
 }
 
+// What comes next is another node.
+inline void QeXmlReader::Engine::NodeReader::goOnBehindMarkup() {
+    const Lending lending(*this);
+    engine.needNode();
+}
+
 // Entered just after "</". The name is resolved while the element's scope is still open.
 inline void QeXmlReader::Engine::NodeReader::readEndTag() {
     --reader.depth;
@@ -62,7 +82,7 @@ inline void QeXmlReader::Engine::NodeReader::readEndTag() {
     skipSpace();
     engine.bindings.closeScope();
     if (const char byte = take(); byte != '>') raiseWith("Unexpected character ", {&byte, 1});
-    if (engine.matchesTags && !engine.closesInnermost()) apart(&NodeReader::matchEndTag);
+    if (reader.matchesTags && !engine.closesInnermost()) apart(&NodeReader::matchEndTag);
 }
 
 // Passes the name of the last tag, if it stands here again, ended by a '>', and means the same.
@@ -117,7 +137,7 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
         reader.lastNodeType = ElementStart;
         engine.slots.writeElementName(name);
         engine.lastTag.begin = name.data - 1;
-        if (engine.matchesTags) engine.noteOpen(name.whole());
+        if (reader.matchesTags) engine.noteOpen(name.whole());
         return;
     }
     reader.lastNodeType = EmptyElement;

@@ -35,10 +35,12 @@ private:
     void limitMarkup(const char* begin) const {
         if (begin != nullptr) engine.limitMarkup(begin, position());
     }
+    void goOnBehindMarkup();
     bool readMarkupInContent();
     void readDeclarationInContent();
 
     // prolog.cpp
+    void needOutside();
     void readPrologMarkup();
     void readInstruction();
     void readXmlDeclaration();

@@ -31,7 +31,7 @@ std::string_view OpenElements::longNameBefore(std::size_t end) const noexcept {
 
 std::vector<std::string_view> OpenElements::innermost(std::size_t count) const {
     std::vector<std::string_view> names;
-    for (std::size_t end = used; names.size() != count;
+    for (std::size_t end = used; end != 0 && names.size() != count;
          end = static_cast<std::size_t>(names.back().data() - bytes.data())) {
         const auto length = static_cast<unsigned char>(bytes[end - 1]);
         names.push_back(length == IsLong ? longNameBefore(end)

@@ -62,8 +62,7 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
 }
 
 tessit::WrittenAttributes& QeXmlReader::Engine::attributesOfLastTag() {
-    if (writtenAttributes == nullptr) writtenAttributes = std::make_unique<tessit::WrittenAttributes>();
-    return *writtenAttributes;
+    return makeForErrors().ofLastTag;
 }
 
 std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttribute& attribute) {
@@ -106,6 +105,7 @@ const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const 
 // Elements that an entity opened are known by their names alone.
 QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
     if (reader.depth <= 0) return QeCString();
+    if (!hasBeginning()) return pathOfNames();
     const ElementPath& inDocument = pathInDocument(place);
     tessit::PathText text;
     const auto nameOf = [&](std::size_t level) {
@@ -125,6 +125,16 @@ QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
     return text.whole(hasRoom && first == last);
 }
 
+// What is known without the document's beginning, where tags are matched: names, but no numbers.
+QeCString QeXmlReader::Engine::pathOfNames() const {
+    if (openElements.empty()) return QeCString();
+    tessit::PathText text;
+    bool hasRoom = true;
+    for (const std::string_view name : openElements.innermost(static_cast<std::size_t>(reader.depth)))
+        if (!(hasRoom = text.addInnermost(name, 0))) break;
+    return text.whole(hasRoom);
+}
+
 QeXmlSpan QeXmlReader::Engine::spanOfTag(const char* tag) const {
     const Source* const source = conforming == nullptr ? nullptr : &conforming->document.source;
     const char* const limit = source == nullptr ? input.limit() : source->end();
@@ -134,7 +144,7 @@ QeXmlSpan QeXmlReader::Engine::spanOfTag(const char* tag) const {
 
 std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
     std::vector<QeXmlOpenElement> elements;
-    if (reader.depth <= 0) return elements;
+    if (reader.depth <= 0 || !hasBeginning()) return elements;
     const ElementPath& inDocument = pathInDocument(input.position());
     for (std::size_t level = 0; level != inDocument.depth(); ++level) {
         const char* const tag = inDocument.element(level).tag;
@@ -153,6 +163,7 @@ std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
 
 // The start tag of the innermost element of the document's own text that is open in front of a place.
 std::optional<QeXmlNote> QeXmlReader::Engine::noteOfInnermost(const char* text, const char* place) const {
+    if (!hasBeginning()) return std::nullopt;
     const ElementPath& inDocument = pathInDocument(place);
     if (inDocument.depth() == 0) return std::nullopt;
     const char* const tag = inDocument.element(inDocument.depth() - 1).tag;
@@ -191,6 +202,7 @@ QeCString QeXmlReader::Engine::hint(std::string_view rule) const {
         const auto behind = static_cast<std::size_t>(input.position() + 1 - text.data());
         if (text.substr(behind).starts_with(slots.elementAsWritten())) return tessit::HintAtSecondRoot;
     }
+    if (!hasBeginning()) return QeCString();
     ForErrors& known = makeForErrors();
     if (!std::exchange(known.hasLookedForHint, true)) known.hint = tessit::hintFor(text);
     return known.hint == nullptr ? QeCString() : QeCString(known.hint);

@@ -15,6 +15,7 @@ void QeXmlReader::Engine::readProlog() {
 
 void QeXmlReader::Engine::NodeReader::readProlog() {
     for (;;) {
+        needOutside();
         skipSpace();
         const char* const start = position();
         const unsigned conversions = input.conversions();
@@ -31,6 +32,11 @@ void QeXmlReader::Engine::NodeReader::readProlog() {
         }
         limitMarkup(input.conversions() == conversions ? start : nullptr);
     }
+}
+
+void QeXmlReader::Engine::NodeReader::needOutside() {
+    const Lending lending(*this);
+    engine.needOutside();
 }
 
 // Entered just after "<!".

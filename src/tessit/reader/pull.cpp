@@ -6,6 +6,7 @@
 #include <tessit/reader/conforming.h>
 #include <tessit/reader/expected_name.h>
 #include <tessit/reader/raw_copy.h>
+#include <tessit/reader/windowed.h>
 
 namespace {
 
@@ -37,6 +38,7 @@ void QeXmlReader::Engine::lookAhead() {
     if (reader.nodePending || reader.lastNodeType == EmptyElement) return;
     readContent();
     pendingStart = nextInDocument();
+    const LookingAhead looks(*this);
     reader.readNextNode();
     reader.nodePending = true;
 }

@@ -1,8 +1,11 @@
 // A reader from its construction to its end, and what its program asks it besides nodes.
 
 #include <istream>
+#include <utility>
 
+#include <tessit/reader/char_class.h>
 #include <tessit/reader/conforming.h>
+#include <tessit/reader/windowed.h>
 
 constinit const QeXmlName QeXmlReader::NullName;
 
@@ -37,10 +40,46 @@ QeXmlReader::QeXmlReader(std::span<const unsigned char> document, const Passed& 
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 
+QeXmlReader::QeXmlReader(QeXmlInput&& input, const Passed& passed) : engine(Engine::make(*this, passed)) {
+    open(std::move(input));
+}
+
+void QeXmlReader::open(QeXmlInput&& input) {
+    const std::optional<std::string_view> document = input.source->whole();
+    if (!document) {
+        namespaceStack.pushScope();
+        return engine->openWindowed(std::move(input.source));
+    }
+    engine->leaveWindow();
+    engine->whole = std::move(input.source);
+    open(*document);
+}
+
+void QeXmlReader::reset(QeXmlInput input) {
+    depth = 0;
+    lastNodeType = NoNode;
+    nodePending = encodingDeclared = standaloneDeclared = false;
+    for (QeCString* text : {&ownedDocument, &encoding, &version, &standalone, &lastContent})
+        text->clear();
+    lastAttributes.clear();
+    lastName = NullName;
+    engine->reset();
+    open(std::move(input));
+}
+
+std::uint64_t QeXmlReader::getBytesRead() const noexcept {
+    return engine->windowed == nullptr ? engine->input.bytesTaken() : engine->windowed->window.bytesRead();
+}
+
+std::optional<std::uint64_t> QeXmlReader::getInputSize() const noexcept {
+    return engine->windowed == nullptr ? engine->input.bytesTaken() : engine->windowed->window.sourceSize();
+}
+
 QeXmlReader::~QeXmlReader() = default;
 
 void QeXmlReader::open(std::string_view document) {
     namespaceStack.pushScope();  // the document's own
+    engine->input.setLength(document.size());
     if (engine->conforming != nullptr) return engine->openConforming(document);
     engine->input.take(document);
     engine->readProlog();
@@ -48,18 +87,32 @@ void QeXmlReader::open(std::string_view document) {
 
 void QeXmlReader::skipSpace() noexcept {
     if (engine->conforming != nullptr) return engine->passOutsideOfRoot();
-    while (cursor != bufferEnd && tessit::isSpace(*cursor))
-        ++cursor;
+    do {
+        while (cursor != bufferEnd && tessit::isSpace(*cursor))
+            ++cursor;
+    } while (cursor == bufferEnd && engine->windowed != nullptr && engine->fetchQuietly());
+}
+
+// Asked where all is read that is there: whether more comes. What goes wrong is for the next reading call.
+bool QeXmlReader::isAtEnd() noexcept {
+    if (engine->windowed == nullptr || engine->conforming != nullptr) return true;
+    return !engine->fetchQuietly() && engine->windowed->fault == nullptr;
+}
+
+void QeXmlReader::takePendingOrApart() {
+    if (std::exchange(nodePending, false)) return;
+    if (engine->conforming != nullptr) return readNextConforming();
+    engine->readLenientApart();
 }
 
 void QeXmlReader::setMatchTags(bool match) noexcept {
     if (engine->conforming != nullptr) return;
-    engine->matchesTags = match;
+    matchesTags = match;
     engine->openElements.clear();
 }
 
 bool QeXmlReader::getMatchTags() const noexcept {
-    return engine->matchesTags || engine->conforming != nullptr;
+    return matchesTags || engine->conforming != nullptr;
 }
 
 QeCString QeXmlReader::getOpenElement() const {

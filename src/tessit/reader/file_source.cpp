@@ -1,0 +1,136 @@
+// Files, by what the system has for them.
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include <tessit/errors/xml_input_error.h>
+#include <tessit/reader/byte_source.h>
+
+#if defined(__unix__) || defined(__APPLE__)
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tessit {
+
+namespace {
+
+[[noreturn]] void raise(const QeCString& name, int error) {
+    throw QeXmlInputError(name, std::error_code(error, std::generic_category()));
+}
+
+QeCString nameOf(const std::filesystem::path& path) {
+    return QeCString(path.native());
+}
+
+class Descriptor {
+public:
+    Descriptor(int openNumber, bool closes) noexcept : number(openNumber), isOwned(closes) {}
+    explicit Descriptor(const std::filesystem::path& path)
+        : Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY), true) {
+        if (number < 0) raise(nameOf(path), errno);
+    }
+    Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)), isOwned(other.isOwned) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() {
+        if (isOwned && number >= 0) close(number);
+    }
+
+    int get() const noexcept { return number; }
+
+private:
+    int number;
+    bool isOwned;
+};
+
+struct stat propertiesOf(const Descriptor& file, const QeCString& name) {
+    struct stat properties;
+    if (fstat(file.get(), &properties) != 0) raise(name, errno);
+    if (S_ISDIR(properties.st_mode)) raise(name, EISDIR);
+    return properties;
+}
+
+class FileSource : public ByteSource {
+public:
+    FileSource(Descriptor&& openFile, QeCString&& fileName) : file(std::move(openFile)), name(std::move(fileName)) {
+        const struct stat properties = propertiesOf(file, name);
+        const off_t place = S_ISREG(properties.st_mode) ? lseek(file.get(), 0, SEEK_CUR) : -1;
+        if (place < 0 || properties.st_size <= place) return;  // those of the system's own have no size, and bytes
+        expected = static_cast<std::uint64_t>(properties.st_size - place);
+    }
+
+    std::size_t read(std::span<char> room) override {
+        for (;;) {
+            const ssize_t count = ::read(file.get(), room.data(), room.size());
+            if (count > 0) return countRead(static_cast<std::size_t>(count));
+            if (count == 0) return checkEnd();
+            if (errno != EINTR) raise(name, errno);
+        }
+    }
+
+    std::optional<std::uint64_t> size() const noexcept override { return expected; }
+
+private:
+    std::size_t countRead(std::size_t count) noexcept {
+        bytesRead += count;
+        return count;
+    }
+
+    std::size_t checkEnd() const {
+        if (bytesRead >= expected.value_or(0)) return 0;
+        throw QeXmlInputError(name, std::make_error_code(std::errc::io_error), "it became shorter while it was read");
+    }
+
+    Descriptor file;
+    QeCString name;
+    std::optional<std::uint64_t> expected;  // bytes, of a file that has a size
+    std::uint64_t bytesRead = 0;
+};
+
+class MappedFile : public ByteSource {
+public:
+    explicit MappedFile(const std::filesystem::path& path) {
+        const QeCString name = nameOf(path);
+        const Descriptor file(path);
+        length = static_cast<std::size_t>(propertiesOf(file, name).st_size);
+        address = mmap(nullptr, length == 0 ? 1 : length, PROT_READ, MAP_PRIVATE, file.get(), 0);
+        if (address == MAP_FAILED) raise(name, errno);
+        madvise(address, length, MADV_SEQUENTIAL);
+    }
+    ~MappedFile() override { munmap(address, length == 0 ? 1 : length); }
+
+    std::optional<std::string_view> whole() const noexcept override {
+        return std::string_view(static_cast<const char*>(address), length);
+    }
+    std::size_t read(std::span<char> /*unused*/) override { return 0; }
+    std::optional<std::uint64_t> size() const noexcept override { return length; }
+
+private:
+    std::size_t length = 0;
+    void* address = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<ByteSource> openFile(const std::filesystem::path& path) {
+    return std::make_unique<FileSource>(Descriptor(path), nameOf(path));
+}
+
+std::unique_ptr<ByteSource> openDescriptor(int number, const QeCString& name) {
+    return std::make_unique<FileSource>(Descriptor(number, false), QeCString(name));
+}
+
+std::unique_ptr<ByteSource> mapFile(const std::filesystem::path& path) {
+    return std::make_unique<MappedFile>(path);
+}
+
+}  // namespace tessit
+
+#else
+
+#error "reading files is written for POSIX systems: another one needs its own functions here"
+
+#endif

@@ -1,0 +1,137 @@
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include <tessit/reader/window.h>
+#include <tessit/rules/decoded_text.h>
+
+namespace tessit {
+
+namespace {
+
+constexpr std::size_t FirstSize = 64 * 1024;
+constexpr std::size_t PieceSize = 16 * 1024;
+
+}  // namespace
+
+// A byte more than the room's size can be pointed behind.
+Window::Window(std::unique_ptr<ByteSource> from)
+    : source(std::move(from)), size(FirstSize), room(new char[FirstSize + 2]) {}
+
+void Window::reset(std::unique_ptr<ByteSource> from) noexcept {
+    source = std::move(from);
+    last = filled = waitingFrom = 0;
+    taken = converted = 0;
+    ended = sourceEnded = false;
+    converters.clear();
+    strict.reset();
+    waiting.clear();
+}
+
+void Window::moveFrom(std::size_t place) {
+    const std::size_t kept = filled - place;
+    if (kept > size / 2) {
+        std::unique_ptr<char[]> larger(new char[2 * size + 2]);
+        std::memcpy(larger.get(), room.get() + place, kept);
+        room = std::move(larger);
+        size *= 2;
+    } else {
+        std::memmove(room.get(), room.get() + place, kept);
+    }
+    last -= place;
+    filled = kept;
+}
+
+bool Window::read() {
+    while (!ended) {
+        if (isConverted() ? readConverted() : readAsItIs()) return true;
+    }
+    return false;
+}
+
+std::size_t Window::readBytes(char* to, std::size_t most) {
+    const std::size_t count = sourceEnded ? 0 : source->read({to, most});
+    sourceEnded = count == 0;
+    taken += count;
+    return count;
+}
+
+bool Window::readAsItIs() {
+    filled += readBytes(room.get() + filled, size - filled);
+    return takeFilled(sourceEnded);
+}
+
+bool Window::readConverted() {
+    if (takeWaiting()) return true;
+    if (sourceEnded) return takeFilled(true);
+    if (raw == nullptr) raw = std::unique_ptr<char[]>(new char[PieceSize]);
+    const std::size_t count = readBytes(raw.get(), PieceSize);
+    convert(QeCString(raw.get(), count), sourceEnded);
+    return takeWaiting();
+}
+
+void Window::convert(QeCString&& piece, bool isLast) {
+    if (strict) {
+        strict->convert(waiting, piece, isLast);
+        sourceEnded = sourceEnded || strict->isMalformed();
+        return;
+    }
+    for (voxal::PieceConverter& converter : converters) {
+        QeCString text;
+        converter.append(text, piece, isLast);
+        converted += text.length();
+        piece = std::move(text);
+    }
+    waiting += piece;
+}
+
+// As much as there is room for.
+bool Window::takeWaiting() {
+    const std::size_t count = std::min(waiting.length() - waitingFrom, size - filled);
+    std::memcpy(room.get() + filled, waiting.data() + waitingFrom, count);
+    filled += count;
+    waitingFrom += count;
+    if (waitingFrom == waiting.length()) {
+        waiting.clear();
+        waitingFrom = 0;
+    }
+    return count != 0 && takeFilled(false);
+}
+
+// Makes text of what is filled. Whether there is more of it.
+bool Window::takeFilled(bool isLast) {
+    const std::string_view fresh(room.get() + last, filled - last);
+    const std::size_t sound = strict ? strict->check(fresh, isLast) : fresh.size();
+    last += sound;
+    ended = isLast || (strict && strict->hasEnded());
+    return sound != 0;
+}
+
+void Window::convertFrom(std::size_t place, voxal::PieceConverter&& converter) {
+    QeCString rest(text().substr(place));
+    rest += std::string_view(waiting).substr(waitingFrom);
+    waiting.clear();
+    waitingFrom = 0;
+    QeCString made;
+    converter.append(made, rest, sourceEnded);
+    converted += made.length();
+    converters.push_back(std::move(converter));
+    ended = false;
+    last = filled = 0;
+    waiting = std::move(made);
+    takeWaiting();
+}
+
+void Window::convertFrom(std::size_t place, DecodedText& decided) {
+    QeCString rest(text().substr(place));
+    strict.emplace(decided);
+    ended = false;
+    last = filled = 0;
+    if (strict->isAsItIs())
+        waiting = std::move(rest);
+    else
+        convert(std::move(rest), sourceEnded);
+    takeWaiting();
+}
+
+}  // namespace tessit

@@ -1,0 +1,300 @@
+// Reading through a window: before a node is read, all of it is there; when the window moves, whatever points into it
+// lets go.
+
+#include <algorithm>
+#include <utility>
+#include <voxal/converter.h>
+
+#include <tessit/reader/char_class.h>
+#include <tessit/reader/conforming_nodes.h>
+#include <tessit/reader/nodes.h>
+#include <tessit/reader/raw_copy.h>
+#include <tessit/reader/windowed.h>
+
+using tessit::NodeFinder;
+
+namespace {
+
+// So many bytes tell whether there is a mark, and the beginning of a declaration.
+constexpr std::size_t FirstBytes = 4;
+
+}  // namespace
+
+void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> source) {
+    const QeXmlNodes nodes = conforming == nullptr ? QeXmlNodes::TagsAndText : conforming->options.nodes;
+    if (windowed == nullptr)
+        windowed = std::make_unique<Windowed>(std::move(source), conforming != nullptr, nodes);
+    else
+        windowed->begin(std::move(source));
+    reader.readsApart = true;
+    if (conforming != nullptr) return openConformingWindow();
+    while (windowed->window.text().size() < FirstBytes && windowed->window.read())
+        ;
+    input.takeWindow(windowed->window.text(), 0);
+    const char* const told = input.tellEncoding();
+    std::optional<voxal::PieceConverter> converter;
+    if (told != nullptr) converter = input.openPieces(told);
+    if (converter) convertWindow(std::move(*converter), input.unitsOf(told));
+    findFrom(NodeFinder::Where::Outside);
+    try {
+        NodeReader(*this).readProlog();
+    } catch (const tessit::Exceeded& exceeded) {
+        raiseExceeded(exceeded);
+    }
+    windowed->isInProlog = false;
+}
+
+void QeXmlReader::Engine::leaveWindow() noexcept {
+    windowed.reset();
+    reader.readsApart = conforming != nullptr || limits != nullptr;
+}
+
+namespace {
+
+// Whether the first bytes tell how to read the text: they do once a declaration is whole, if there may be one.
+bool tellsEncoding(std::string_view bytes) {
+    constexpr std::string_view Mark = "\xEF\xBB\xBF", Begin = "<?xml", InEbcdic = "\x4C\x6F\xA7\x94";
+    if (bytes.size() < FirstBytes) return false;
+    if (bytes.starts_with(InEbcdic)) return bytes.find('\x6E') != std::string_view::npos;
+    const std::string_view text = bytes.starts_with(Mark) ? bytes.substr(Mark.size()) : bytes;
+    const bool isWide = bytes[0] == '\0' || bytes[1] == '\0' || (bytes[0] & 0xFE) == 0xFE;
+    if (!isWide && !text.starts_with(Begin) && !Begin.starts_with(text)) return true;
+    return bytes.find('>') != std::string_view::npos;
+}
+
+}  // namespace
+
+void QeXmlReader::Engine::openConformingWindow() {
+    tessit::Window& window = windowed->window;
+    tessit::DecodedText& document = conforming->document;
+    while (!tellsEncoding(window.text()) && window.read())
+        if (window.isFull()) window.moveFrom(0);
+    conforming->firstBytes.assign(window.text());
+    document.source.name = conforming->options.sourceName;
+    decodeText(document, conforming->firstBytes, conforming->options.encoding);
+    reader.encoding = document.encoding;
+    if (conforming->options.namespaces) tessit::ConformingTags::bindXml(bindings);
+    const tessit::Rule fault = document.source.endsBy;
+    if (fault == tessit::Rule::UnknownEncoding || fault == tessit::Rule::EncodingMismatch) {
+        input.setLength(window.bytesRead());
+        windowed.reset();  // nothing behind that is read
+        input.enter(document.source, document.source.begin());
+    } else {
+        window.convertFrom(document.source.markLength, document);
+        showWindow(window.text().data());
+        findFrom(NodeFinder::Where::Begin);
+    }
+    try {
+        ConformingNodes(*this).readProlog();
+    } catch (...) {
+        keepFault();
+        raiseFault();
+    }
+}
+
+// --- What is whole
+
+void QeXmlReader::Engine::needNodeInWindow() {
+    if (!readsWindow()) return;
+    if (windowed->finder.expands() != reader.expandAttributeReference) findFrom(NodeFinder::Where::Content);
+    while (reader.cursor >= windowed->nodesUpTo && fetchMore())
+        ;
+}
+
+void QeXmlReader::Engine::needRestOfText() {
+    windowed->keepsLast = true;
+    needText();
+    windowed->keepsLast = false;
+}
+
+void QeXmlReader::Engine::needText() {
+    if (!readsWindow()) return;
+    while (reader.cursor >= windowed->textsUpTo && fetchMore())
+        ;
+}
+
+// What is not whole is as long already as what there is of it.
+bool QeXmlReader::Engine::fetchMore() {
+    const auto length = static_cast<std::uint64_t>(input.limit() - reader.cursor);
+    tessit::hold(length, input.limits().node, tessit::Limit::Node, reader.cursor);
+    return fetch();
+}
+
+// White space in front of what comes next goes: there may be any number of it.
+void QeXmlReader::Engine::needOutside() {
+    if (!readsWindow()) return;
+    if (conforming != nullptr && conforming->phase == Conforming::InEpilog && !windowed->isInEpilog) {
+        windowed->isInEpilog = true;
+        findFrom(NodeFinder::Where::Outside);
+    }
+    for (;;) {
+        const char* const end = input.limit();
+        while (reader.cursor != end && tessit::isSpace(*reader.cursor) && !isHalfALineEnd())
+            ++reader.cursor;
+        if (reader.cursor < windowed->textsUpTo || !fetch()) return;
+    }
+}
+
+// A carriage return is counted together with the line feed that may come.
+bool QeXmlReader::Engine::isHalfALineEnd() const noexcept {
+    return *reader.cursor == '\r' && reader.cursor + 1 == input.limit() && !windowed->window.hasEnded();
+}
+
+// Whether the place that is read is in the window, and not in what an entity brought.
+bool QeXmlReader::Engine::readsWindow() const noexcept {
+    return windowed != nullptr && (conforming == nullptr || conforming->entities.empty());
+}
+
+void QeXmlReader::Engine::findFrom(tessit::NodeFinder::Where where) {
+    const std::string_view text = windowed->window.text();
+    const auto place = static_cast<std::size_t>(reader.cursor - text.data());
+    windowed->finder.begin(place, where, reader.expandAttributeReference);
+    findInWindow();
+}
+
+// At the end of the document, everything is there.
+void QeXmlReader::Engine::findInWindow() {
+    const std::string_view text = windowed->window.text();
+    const bool isAll = windowed->window.hasEnded();
+    if (!isAll) windowed->finder.look(text);
+    const auto placeOf = [&](std::size_t offset) {
+        return text.data() + (isAll || offset > text.size() ? text.size() + 1 : offset);
+    };
+    windowed->nodesUpTo = placeOf(windowed->finder.nodesUpTo());
+    windowed->textsUpTo = placeOf(windowed->finder.textsUpTo());
+}
+
+// --- The window moves
+
+// Gets more of the document; false at its end.
+bool QeXmlReader::Engine::fetch() {
+    if (windowed->fault != nullptr) std::rethrow_exception(windowed->fault);
+    if (windowed->window.hasEnded()) return false;
+    if (windowed->window.isFull()) moveWindow();
+    const std::uint64_t before = windowed->window.bytesRead();
+    bool isMore = false;
+    try {
+        isMore = windowed->window.read();
+        checkConversions();
+        tessit::hold(windowed->window.bytesRead(), input.limits().document, tessit::Limit::Document);
+    } catch (...) {
+        windowed->fault = std::current_exception();
+        throw;
+    }
+    showWindow(reader.cursor);
+    if (conforming != nullptr) conforming->declared.addBytes(windowed->window.bytesRead() - before);
+    findInWindow();
+    return isMore;
+}
+
+// Has the reader see what the window has, with its cursor there.
+void QeXmlReader::Engine::showWindow(const char* place) {
+    const std::string_view text = windowed->window.text();
+    if (conforming == nullptr) return input.takeWindow(text, static_cast<std::size_t>(place - text.data()));
+    tessit::Source& source = conforming->document.source;
+    source.text = text;
+    if (source.places != nullptr) source.places->goOnTo(source.end());
+    input.enter(source, place);
+}
+
+// What is looked at ahead and may be returned as it is written stays, too.
+void QeXmlReader::Engine::moveWindow() {
+    const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
+                              (reader.nodePending || windowed->isLookedAhead);
+    const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
+    if (windowed->keepsLast && lastNode.begin != nullptr && isInDocument(lastNode))
+        keptFrom = std::min(keptFrom, lastNode.begin);
+    const auto cursorBehind = reader.cursor - keptFrom;
+    const auto dropped = static_cast<std::size_t>(keptFrom - windowed->window.text().data());
+    if (rawCopy != nullptr) rawCopy->keepRun();
+    slots.forgetDocument();
+    if (conforming != nullptr) conforming->tags.keepNames();
+    const QeXmlPosition beginning = input.leaveBehind(keptFrom);
+    windowed->window.moveFrom(dropped);
+    windowed->finder.drop(dropped);
+    const char* const begin = windowed->window.text().data();
+    const auto move = [=](const char*& place) {
+        place = place == nullptr || place < keptFrom ? nullptr : begin + (place - keptFrom);
+    };
+    move(pendingStart);
+    for (Written* const written : {&lastNode, &lastTag})
+        if (isInDocument(*written)) move(written->begin);
+    if (conforming != nullptr) {
+        move(conforming->parts.begin);
+        conforming->parts.node = lastNode.begin;
+    }
+    forErrors.reset();
+    if (windowed->hasMoved || dropped != 0) leaveBeginning();
+    showWindow(begin + cursorBehind);
+    input.goOnIn(windowed->window.text(), beginning);
+    if (rawCopy != nullptr) rawCopy->goOn();
+}
+
+// And not in what an entity brought.
+bool QeXmlReader::Engine::isInDocument(const Written& written) const noexcept {
+    return conforming == nullptr || written.source == &conforming->document.source;
+}
+
+bool QeXmlReader::Engine::hasBeginning() const noexcept {
+    return windowed == nullptr || !windowed->hasMoved;
+}
+
+// Where things stand that are not near is known no more.
+void QeXmlReader::Engine::leaveBeginning() noexcept {
+    windowed->hasMoved = true;
+    if (conforming == nullptr) return;
+    if (conforming->documentTypeBegin != nullptr) conforming->declared.forgetPlaces();
+    conforming->documentTypeBegin = conforming->documentTypeEnd = nullptr;
+}
+
+// Asked by a program that may still ask about the last node. What goes wrong is for the next reading call.
+bool QeXmlReader::Engine::fetchQuietly() noexcept {
+    windowed->keepsLast = true;
+    bool isMore = false;
+    try {
+        isMore = fetch();
+    } catch (...) {
+    }
+    windowed->keepsLast = false;
+    return isMore;
+}
+
+// --- Encodings
+
+namespace {
+
+// As for documents that are in memory as a whole, conversions may produce this many times what was read.
+constexpr std::uint64_t ConversionFactor = 16;
+constexpr std::uint64_t ConversionGrace = 4096;
+
+}  // namespace
+
+void QeXmlReader::Engine::checkConversions() {
+    const tessit::Window& window = windowed->window;
+    if (window.bytesConverted() > ConversionFactor * (window.bytesRead() + ConversionGrace))
+        input.raiseTranscoding("the document's encoding declarations make it grow too much");
+}
+
+// Entered behind the encoding's name, in the declaration.
+void QeXmlReader::Engine::declareEncodingInWindow(const QeCString& name) {
+    if (!windowed->isInProlog) input.raise("An encoding is declared inside the root element");
+    if (!input.takeDeclaration(name)) return;
+    std::optional<voxal::PieceConverter> converter = input.openPieces(name);
+    if (!converter) return;
+    convertWindow(std::move(*converter), input.unitsOf(name));
+    findFrom(NodeFinder::Where::Declaration);
+    needOutside();
+}
+
+void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, tessit::InputUnits units) {
+    tessit::Window& window = windowed->window;
+    const auto place = static_cast<std::size_t>(reader.cursor - window.text().data());
+    slots.forgetDocument();
+    const QeXmlPosition beginning = input.positionOf(reader.cursor);
+    window.convertFrom(place, std::move(converter));
+    checkConversions();
+    leaveBeginning();
+    forErrors.reset();
+    lastNode = lastTag = {};
+    input.goOnConverted(window.text(), units, beginning);
+}

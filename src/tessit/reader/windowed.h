@@ -1,0 +1,50 @@
+#pragma once
+
+#include <exception>
+#include <memory>
+
+#include <tessit/reader/engine.h>
+#include <tessit/reader/node_finder.h>
+#include <tessit/reader/window.h>
+
+/// What a reader has besides whose document comes piece by piece: the part of it that is in memory, and up to where
+/// nodes are whole there.
+struct QeXmlReader::Engine::Windowed {
+    Windowed(std::unique_ptr<tessit::ByteSource> source, bool isConforming, QeXmlNodes nodes)
+        : window(std::move(source)), finder(isConforming, nodes) {}
+
+    /// Begins with another source.
+    void begin(std::unique_ptr<tessit::ByteSource> source) noexcept {
+        window.reset(std::move(source));
+        isInProlog = true;
+        isInEpilog = hasMoved = false;
+        fault = nullptr;
+    }
+
+    tessit::Window window;
+    tessit::NodeFinder finder;
+    const char* nodesUpTo = nullptr;  // a node that begins in front of it can be read
+    const char* textsUpTo = nullptr;  // all up to the next tag can, from a place in front of it
+    bool isInProlog = true;
+    bool isInEpilog = false;  // of a conforming reader
+    bool isLookedAhead = false;
+    bool hasMoved = false;     // the document's beginning is no longer there
+    bool keepsLast = false;    // the last node stays, as it may still be asked for
+    std::exception_ptr fault;  // what the source threw: it does so again
+};
+
+/// What is scanned while this lives may be returned as it is written.
+class QeXmlReader::Engine::LookingAhead {
+public:
+    explicit LookingAhead(Engine& owner) noexcept : engine(owner) { note(true); }
+    ~LookingAhead() { note(false); }
+    LookingAhead(const LookingAhead&) = delete;
+    LookingAhead& operator=(const LookingAhead&) = delete;
+
+private:
+    void note(bool looks) noexcept {
+        if (engine.windowed != nullptr) engine.windowed->isLookedAhead = looks;
+    }
+
+    Engine& engine;
+};

@@ -1,0 +1,175 @@
+// Where documents come from, and what happens when they do not.
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <streambuf>
+#include <sys/stat.h>
+#include <thread>
+
+#include "support/documents.h"
+
+using namespace tessit::test;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Folder {
+public:
+    Folder() : path(fs::temp_directory_path() / ("tessit-input-" + std::to_string(::getpid()))) {
+        fs::create_directory(path);
+    }
+    ~Folder() { fs::remove_all(path); }
+
+    fs::path write(const char* name, std::string_view text) const {
+        std::ofstream(path / name, std::ios::binary) << text;
+        return path / name;
+    }
+
+    const fs::path path;
+};
+
+std::string readAll(QeXmlReader& reader) {
+    std::string nodes;
+    while (!reader.eof()) {
+        reader.readNextNode();
+        nodes += describeNode(reader) + " ";
+    }
+    return nodes;
+}
+
+// What is read, or what is wrong with the input.
+template <typename MakeInput>
+std::string read(const MakeInput& makeInput, QeXmlRules rules = QeXmlRules::Lenient) {
+    try {
+        QeXmlReader reader(makeInput(), {.rules = rules});
+        return readAll(reader);
+    } catch (const QeXmlInputError& error) {
+        EXPECT_STREQ(error.what(), error.why());
+        return error.why();
+    }
+}
+
+const std::string Text = "<a>" + repeat("<b c='d'>e</b>\n", 10'000) + "</a>";
+
+// A stream's buffer that gives some bytes, and then fails.
+class FailingBuffer : public std::streambuf {
+public:
+    explicit FailingBuffer(std::string_view bytes) : text(bytes) {
+        setg(text.data(), text.data(), text.data() + text.size());
+    }
+
+protected:
+    int_type underflow() override {
+        throw std::ios_base::failure("broken", std::make_error_code(std::errc::timed_out));
+    }
+
+private:
+    std::string text;
+};
+
+}  // namespace
+
+TEST(Input, IsReadFromEverywhere) {
+    const Folder folder;
+    const fs::path file = folder.write("a.xml", Text), pipe = folder.path / "pipe";
+    const std::string nodes = read([] { return QeXmlInput::copy(QeCString(Text)); });
+    const std::span<const unsigned char> bytes(reinterpret_cast<const unsigned char*>(Text.data()), Text.size());
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+        EXPECT_EQ(read([&] { return QeXmlInput::bytes(bytes); }, rules), nodes);
+        EXPECT_EQ(read([&] { return QeXmlInput::file(file); }, rules), nodes);
+        EXPECT_EQ(read([&] { return QeXmlInput::mapped(file); }, rules), nodes);
+        std::ifstream in(file, std::ios::binary);
+        EXPECT_EQ(read([&] { return QeXmlInput::stream(in); }, rules), nodes);
+        ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+        std::thread writer([&] { folder.write("pipe", Text); });
+        EXPECT_EQ(read([&] { return QeXmlInput::file(pipe); }, rules), nodes);
+        writer.join();
+        fs::remove(pipe);
+    }
+}
+
+TEST(Input, SaysWhatCannotBeRead) {
+    const Folder folder;
+    const std::string missing = folder.path / "none.xml", directory = folder.path;
+    EXPECT_EQ(read([&] { return QeXmlInput::file(missing); }), missing + ": No such file or directory");
+    EXPECT_EQ(read([&] { return QeXmlInput::file(directory); }), directory + ": Is a directory");
+    EXPECT_EQ(read([&] { return QeXmlInput::mapped(directory); }), directory + ": Is a directory");
+    std::ifstream in(missing);
+    EXPECT_EQ(read([&] { return QeXmlInput::stream(in); }), "the stream: it cannot be read");
+    EXPECT_EQ(read([&] { return QeXmlInput::callback([](std::span<char> room) { return room.size() + 1; }); }),
+              "the callback: it says that it gave more bytes than there was room for");
+    const std::string shorter = folder.write("shorter.xml", Text);
+    EXPECT_EQ(read([&] {
+                  QeXmlInput input = QeXmlInput::file(shorter);
+                  fs::resize_file(shorter, 100'000);
+                  return input;
+              }),
+              shorter + ": it became shorter while it was read");
+}
+
+// Whatever was read before stays read; each later call fails in the same way.
+TEST(Input, FailsWhereverItIsRead) {
+    constexpr std::string_view Xml = "<?xml version='1.0'?><a>b<c/><!--d--></a> ";
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+        for (std::size_t length = 0; length <= Xml.size(); ++length) {
+            FailingBuffer buffer(Xml.substr(0, length));
+            std::istream in(&buffer);
+            std::string nodes;
+            try {
+                QeXmlReader reader(QeXmlInput::stream(in), {.rules = rules});
+                const auto readNext = [&] {
+                    if (reader.eof()) return false;
+                    reader.readNextNode();
+                    nodes += describeNode(reader);
+                    return true;
+                };
+                EXPECT_THROW(while (readNext()), QeXmlInputError) << length;
+                EXPECT_THROW(readNext(), QeXmlInputError) << length;
+            } catch (const QeXmlInputError& error) {
+                EXPECT_EQ(error.code(), std::errc::timed_out);
+            }
+            EXPECT_EQ(nodes, std::string_view("+a=b/c-a").substr(0, nodes.size()));
+        }
+}
+
+// Each node comes with the byte that makes it whole.
+TEST(Input, DeliversWhatIsThere) {
+    constexpr std::string_view Xml = "<a>x<b y='>'/>z</a><!--c-->";
+    constexpr std::size_t Whole[] = {3, 6, 14, 17, 19};
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+        std::size_t given = 0;
+        QeXmlReader reader(QeXmlInput::callback([&](std::span<char> room) {
+                               if (given == Xml.size()) return std::size_t{0};
+                               room[0] = Xml[given++];
+                               return std::size_t{1};
+                           }),
+                           {.rules = rules});
+        for (const std::size_t whole : Whole) {
+            reader.readNextNode();
+            EXPECT_EQ(given, std::max<std::size_t>(whole, 4)) << describeNode(reader);  // four tell the encoding
+            EXPECT_EQ(reader.getBytesRead(), given);
+        }
+    }
+}
+
+TEST(Input, IsFollowedByOthers) {
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+        QeXmlReader reader(QeXmlInput::copy("<!DOCTYPE a [<!ENTITY e 'x'>]><p:a xmlns:p='u'>"), {.rules = rules});
+        reader.setMatchTags(true);
+        reader.readNextNode();
+        for (const bool isInPieces : {true, false, true, true}) {
+            const Document document(isInPieces ? "<?xml version='1.0'?>\n<a>1<b/></a>" : "<a>1<b/></a>");
+            reader.reset(isInPieces ? document.inPieces(0, 1) : QeXmlInput::copy("<a>1<b/></a>"));
+            EXPECT_EQ(readAll(reader), "+a =1 /b -a ");
+            EXPECT_EQ(std::string_view(reader.getVersion()), isInPieces ? "1.0" : "");
+        }
+        reader.reset(QeXmlInput::copy("<a>&e;</b>"));
+        EXPECT_THROW(readAll(reader), QeXmlParseError);
+        reader.reset(QeXmlInput::copy("<a/>"));
+        EXPECT_EQ(readAll(reader), "/a ");
+        EXPECT_EQ(reader.getInputSize(), 4u);
+    }
+}
