@@ -18,6 +18,8 @@ bool attempt(Console& console, std::string_view file, ExitStatus refusal, const 
     } catch (const QeXmlParseError& error) {
         const QeCString source = error.getSourceFile();
         console.complain(source.empty() ? name : std::string_view(source), error, refusal);
+    } catch (const QeXmlInputError& failure) {
+        console.complain(name, failure.getReason(), ExitStatus::Failed);
     } catch (const InputError& failure) {
         console.complain(name, std::generic_category().message(failure.error), ExitStatus::Failed);
     } catch (const std::bad_alloc&) {

@@ -21,9 +21,8 @@ struct Options {
 };
 
 void readToItsEnd(Console& console, const std::string& file, bool external) {
-    const std::vector<unsigned char> document = readInput(file);
     BesideResolver resolver(console, file);
-    QeXmlReader reader{std::span(document),
+    QeXmlReader reader{openInput(file),
                        {.rules = QeXmlRules::Conforming,
                         .sourceName = QeCString(displayName(file)),
                         .resolver = external ? &resolver : nullptr}};

@@ -155,9 +155,8 @@ constexpr QeXmlNodes DeliveredNodes =
     QeXmlNodes::Comments | QeXmlNodes::Instructions | QeXmlNodes::References | QeXmlNodes::DocumentType;
 
 void printEvents(Console& console, const std::string& file, std::string_view prefix, const Options& options) {
-    const std::vector<unsigned char> document = readInput(file);
     BesideResolver resolver(console, file);
-    QeXmlReader reader{std::span(document),
+    QeXmlReader reader{openInput(file),
                        {.rules = options.conforming ? QeXmlRules::Conforming : QeXmlRules::Lenient,
                         .sourceName = QeCString(displayName(file)),
                         .nodes = DeliveredNodes,

@@ -48,6 +48,11 @@ std::string_view displayName(std::string_view file) {
     return file == StandardInput ? "<stdin>" : file.empty() ? "''" : file;
 }
 
+QeXmlInput openInput(const std::string& file) {
+    if (file == StandardInput) return QeXmlInput::descriptor(STDIN_FILENO, QeCString(displayName(file)));
+    return QeXmlInput::file(file);
+}
+
 std::vector<unsigned char> readInput(const std::string& name) {
     constexpr std::size_t LeastRoom = 65'536;
     const OpenFile file(name);
