@@ -1,0 +1,57 @@
+// A document that comes in pieces is read as it is in place: the same nodes, and the same error at the same place. The
+// first bytes say by which rules, how long the pieces are, and whether the window moves.
+
+#include <algorithm>
+
+#include "fuzzing.h"
+#include "support/documents.h"
+
+using namespace tessit::test;
+
+namespace {
+
+constexpr std::size_t ChoiceLength = 2;
+
+// What in pieces is refused, or said, in another way.
+bool isKnownToDiffer(std::string_view nodes) {
+    const auto says = [nodes](std::string_view words) { return nodes.find(words) != std::string_view::npos; };
+    return says("An encoding is declared inside the root element") || says("make it grow too much") ||
+           says("entities bring more text than they may");
+}
+
+std::string read(QeXmlInput input, const QeXmlReaderOptions& options, bool expands) {
+    std::string nodes;
+    try {
+        QeXmlReader reader(std::move(input), options);
+        reader.setExpandAttributeReference(expands);
+        while (!reader.eof()) {
+            reader.readNextNode();
+            nodes += describeNode(reader) + "\n";
+        }
+    } catch (const QeXmlParseError& error) {
+        const std::string words = describe(error);
+        nodes += words.substr(0, words.find(", which was opened at"));  // known as long as the tag is in the window
+    }
+    return nodes;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < ChoiceLength) return 0;
+    const unsigned choice = data[0], length = data[1];
+    QeXmlReaderOptions options;
+    if ((choice & 1) != 0) options.rules = QeXmlRules::Conforming;
+    if ((choice & 2) != 0) options.nodes = QeXmlNodes::All;
+    const bool expands = (choice & 4) == 0;
+    std::string text(tessit::fuzz::textOf(data + ChoiceLength, size - ChoiceLength));
+    const std::size_t front = (choice & 8) == 0 ? 0 : 50'000;
+    if (front != 0) text.insert(0, "<!--" + std::string(front, '-' + 1) + "-->");
+    const Document document(text);
+    const std::size_t first = front == 0 ? 0 : front + 7 + length % std::max<std::size_t>(size, 1);
+    const std::string whole = read(document.inPlace(), options, expands);
+    const std::string pieces = read(document.inPieces(first, 1 + length % 64), options, expands);
+    tessit::fuzz::require(isKnownToDiffer(whole) || isKnownToDiffer(pieces) || whole == pieces,
+                          "the same nodes from pieces as in place");
+    return 0;
+}
