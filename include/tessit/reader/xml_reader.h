@@ -273,7 +273,10 @@ public:
     /// Whether references in attribute values are replaced by what they stand for
     /// (the default) or left as written. Applies to tags scanned from then on.
     bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
-    void setExpandAttributeReference(bool expand) noexcept { expandAttributeReference = expand; }
+    void setExpandAttributeReference(bool expand) noexcept {
+        expandAttributeReference = expand;
+        if (readsApart) noteExpansion();
+    }
 
     /// Whether each end tag must be that of the innermost open element: local name and URI are the same. If it
     /// is not, the call that reads it throws "Unmatched start tag for NAME". To be set before the first tag is
@@ -310,6 +313,7 @@ private:
     TESSIT_API void takePendingOrApart();
     void readNextConforming();
     TESSIT_API bool isAtEnd() noexcept;
+    TESSIT_API void noteExpansion() noexcept;
     TESSIT_API void skipSpace() noexcept;
 
     // These stay where they are in every later library: programs have code inlined that relies on it.

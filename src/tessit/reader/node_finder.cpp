@@ -12,22 +12,29 @@ bool beginsMarkup(char kind) {
 
 #if defined(TESSIT_SCAN_BLOCKS)
 
-// Where of sixteen bytes begins what needs thought: "<!", "<?", or that byte. One byte more is read.
-inline corvel::Matches matchThought(const char* at, char other) {
+// Which of sixteen bytes begin what needs thought: "<!", "<?", or that byte. One byte more is read.
+template <typename... Other>
+inline auto compareThought(const char* at, Other... other) {
     const corvel::Block block = corvel::blockAt(at), next = corvel::blockAt(at + 1);
-    return corvel::matchesOf(((block == '<') & ((next == '!') | (next == '?'))) |
-                             (block == static_cast<unsigned char>(other)));
+    return (((block == '<') & ((next == '!') | (next == '?'))) | ... | (block == static_cast<unsigned char>(other)));
 }
 
 #endif
 
 // The first "<!", "<?", other byte, or '<' at the very end, if there is one.
-const char* findThought(const char* at, const char* end, char other) {
+template <typename... Other>
+const char* findThought(const char* at, const char* end, Other... other) {
 #if defined(TESSIT_SCAN_BLOCKS)
+    // By four blocks as long as there is nothing: what is found then is looked for in each.
+    for (; end - at > 64; at += 64)
+        if (corvel::matchesOf((compareThought(at, other...) | compareThought(at + 16, other...)) |
+                              (compareThought(at + 32, other...) | compareThought(at + 48, other...))) != 0)
+            break;
     for (; end - at > 16; at += 16)
-        if (const auto matches = matchThought(at, other)) return at + corvel::firstMatch(matches);
+        if (const auto matches = corvel::matchesOf(compareThought(at, other...)))
+            return at + corvel::firstMatch(matches);
 #endif
-    while (at != end && *at != other && !(*at == '<' && (at + 1 == end || beginsMarkup(at[1]))))
+    while (at != end && (... && (*at != other)) && !(*at == '<' && (at + 1 == end || beginsMarkup(at[1]))))
         ++at;
     return at;
 }
@@ -120,10 +127,10 @@ bool NodeFinder::find(Byte... bytes) noexcept {
 // to the semicolon. Conforming ones refuse what is none.
 bool NodeFinder::passBetween() noexcept {
     const char* const end = text.data() + text.size();
-    const char* const thought = findThought(text.data() + at, end, isConforming ? '\0' : '&');
-    const std::size_t from = at;
+    const char* const from = text.data() + at;
+    const char* const thought = isConforming ? findThought(from, end) : findThought(from, end, '&');
     at = static_cast<std::size_t>(thought - text.data());
-    noteTags(from, at);
+    noteTags(static_cast<std::size_t>(from - text.data()), at);
     if (left() == 0) return false;
     if (text[at] == '&') {
         lookAtTag(at++);
@@ -475,9 +482,9 @@ bool NodeFinder::isCut(std::size_t place) const noexcept {
 }
 
 void NodeFinder::conclude() noexcept {
-    if (state == State::Broken && !isCut(std::min(at + 1, text.size()))) {
-        wholeNodes = wholeTexts = Everything;
-    } else if (tagState == Tag::Broken && !isCut(tagAt)) {
+    const bool isBroken =
+        (state == State::Broken && !isCut(std::min(at + 1, text.size()))) || (tagState == Tag::Broken && !isCut(tagAt));
+    if (isBroken) {
         wholeNodes = wholeTexts = Everything;
     } else if (!isCut(tag)) {
         wholeNodes = tagState == Tag::Whole && !isCut(tagAt) ? tagAt : tag;

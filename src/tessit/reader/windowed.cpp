@@ -96,7 +96,6 @@ void QeXmlReader::Engine::openConformingWindow() {
 
 void QeXmlReader::Engine::needNodeInWindow() {
     if (!readsWindow()) return;
-    if (windowed->finder.expands() != reader.expandAttributeReference) findFrom(NodeFinder::Where::Content);
     while (reader.cursor >= windowed->nodesUpTo && fetchMore())
         ;
 }
@@ -161,6 +160,7 @@ void QeXmlReader::Engine::findInWindow() {
         return text.data() + (isAll || offset > text.size() ? text.size() + 1 : offset);
     };
     windowed->nodesUpTo = placeOf(windowed->finder.nodesUpTo());
+    windowed->freelyUpTo = limits == nullptr ? windowed->nodesUpTo : nullptr;
     windowed->textsUpTo = placeOf(windowed->finder.textsUpTo());
 }
 

@@ -25,6 +25,10 @@ struct QeXmlReader::Engine::Windowed {
     tessit::NodeFinder finder;
     const char* nodesUpTo = nullptr;  // a node that begins in front of it can be read
     const char* textsUpTo = nullptr;  // all up to the next tag can, from a place in front of it
+
+    // A node that begins in front of it can be read by the lenient loop, and be asked nothing: nodesUpTo, if there are
+    // no limits.
+    const char* freelyUpTo = nullptr;
     bool isInProlog = true;
     bool isInEpilog = false;  // of a conforming reader
     bool isLookedAhead = false;

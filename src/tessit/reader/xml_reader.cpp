@@ -99,9 +99,20 @@ bool QeXmlReader::isAtEnd() noexcept {
     return !engine->fetchQuietly() && engine->windowed->fault == nullptr;
 }
 
+// Where values end that hold references, and with them tags.
+void QeXmlReader::noteExpansion() noexcept {
+    if (engine->windowed == nullptr || engine->conforming != nullptr) return;
+    if (engine->windowed->finder.expands() != expandAttributeReference)
+        engine->findFrom(tessit::NodeFinder::Where::Content);
+}
+
 void QeXmlReader::takePendingOrApart() {
-    if (std::exchange(nodePending, false)) return;
+    if (nodePending) {
+        nodePending = false;
+        return;
+    }
     if (engine->conforming != nullptr) return readNextConforming();
+    if (engine->windowed != nullptr && cursor < engine->windowed->freelyUpTo) return readNextLenient();
     engine->readLenientApart();
 }
 

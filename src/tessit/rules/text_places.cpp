@@ -67,23 +67,22 @@ void TextPlaces::dropAnchor(const char* place) {
 
 namespace {
 
-// How many there are of the bytes that count.
+// How many there are of the bytes that count for the input's bytes.
 struct ByteCounts {
-    std::uint64_t lineFeeds = 0, returns = 0, pairs = 0, continuations = 0, pastPlane = 0;
-
-    void add(const char* at, const char* end) noexcept {
-        const auto byte = static_cast<unsigned char>(*at);
-        lineFeeds += byte == '\n';
-        returns += byte == '\r';
-        pairs += byte == '\r' && at + 1 != end && at[1] == '\n';
-        continuations += (byte & 0xC0) == 0x80;
-        pastPlane += byte >= 0xF0;
-    }
+    std::uint64_t continuations = 0, pastPlane = 0;
 };
+
+bool endsLineBefore(const char* at, bool hasReturns) noexcept {
+    return at[-1] == '\n' || (hasReturns && at[-1] == '\r');
+}
 
 #if defined(TESSIT_SCAN_BLOCKS)
 
 using corvel::Block;
+
+Block onesWhere(auto comparison) noexcept {
+    return reinterpret_cast<Block>(comparison);
+}
 
 std::uint64_t sumOf(Block counts) noexcept {
     std::uint64_t sum = 0;
@@ -92,55 +91,95 @@ std::uint64_t sumOf(Block counts) noexcept {
     return sum;
 }
 
-// By blocks, as many as a byte can count. One byte more is read.
-void addBlocks(ByteCounts& counts, const char*& at, std::size_t number) noexcept {
-    Block lineFeeds{}, returns{}, pairs{}, continuations{}, pastPlane{};
-    for (; number != 0; --number, at += sizeof(Block)) {
-        const Block bytes = corvel::blockAt(at);
-        const Block isReturn = reinterpret_cast<Block>(bytes == '\r');
-        lineFeeds -= reinterpret_cast<Block>(bytes == '\n');
-        returns -= isReturn;
-        pairs -= isReturn & reinterpret_cast<Block>(corvel::blockAt(at + 1) == '\n');
-        continuations -= reinterpret_cast<Block>((bytes & 0xC0) == 0x80);
-        pastPlane -= reinterpret_cast<Block>((bytes & 0xF0) == 0xF0);
+// Has `add` look at the blocks in front of `end`, as many at a time as a byte can count. One byte more can be read than
+// a block has.
+template <typename Add, typename Sum>
+void addBlocks(const char*& at, const char* end, const Add& add, const Sum& sum) noexcept {
+    constexpr std::size_t Most = 255;
+    while (const std::size_t blocks = static_cast<std::size_t>(end - at) / (sizeof(Block) + 1)) {
+        for (std::size_t left = std::min(blocks, Most); left != 0; --left, at += sizeof(Block))
+            add(at);
+        sum();
     }
-    counts.lineFeeds += sumOf(lineFeeds);
-    counts.returns += sumOf(returns);
-    counts.pairs += sumOf(pairs);
-    counts.continuations += sumOf(continuations);
-    counts.pastPlane += sumOf(pastPlane);
 }
 
 #endif
+
+// Line ends: line feeds, and where those count, carriage returns that no line feed follows.
+std::uint64_t countLineEnds(const char* at, const char* end, bool hasReturns) noexcept {
+    std::uint64_t lines = 0;
+#if defined(TESSIT_SCAN_BLOCKS)
+    Block feeds{}, returns{};
+    const auto sum = [&] {
+        lines += sumOf(feeds) + sumOf(returns);
+        feeds = returns = Block{};
+    };
+    const auto addFeeds = [&](const char* block) { feeds -= onesWhere(corvel::blockAt(block) == '\n'); };
+    const auto addBoth = [&](const char* block) {
+        addFeeds(block);
+        returns -= onesWhere((corvel::blockAt(block) == '\r') & (corvel::blockAt(block + 1) != '\n'));
+    };
+    hasReturns ? addBlocks(at, end, addBoth, sum) : addBlocks(at, end, addFeeds, sum);
+#endif
+    for (; at != end; ++at)
+        lines += *at == '\n' || (hasReturns && *at == '\r' && (at + 1 == end || at[1] != '\n'));
+    return lines;
+}
 
 ByteCounts countBytes(const char* at, const char* end) noexcept {
     ByteCounts counts;
 #if defined(TESSIT_SCAN_BLOCKS)
-    constexpr std::size_t Most = 255;
-    while (const std::size_t blocks = static_cast<std::size_t>(end - at) / (sizeof(Block) + 1))
-        addBlocks(counts, at, std::min(blocks, Most));
+    Block continuations{}, pastPlane{};
+    const auto add = [&](const char* block) {
+        const Block bytes = corvel::blockAt(block);
+        continuations -= onesWhere((bytes & 0xC0) == 0x80);
+        pastPlane -= onesWhere((bytes & 0xF0) == 0xF0);
+    };
+    addBlocks(at, end, add, [&] {
+        counts.continuations += sumOf(continuations);
+        counts.pastPlane += sumOf(pastPlane);
+        continuations = pastPlane = Block{};
+    });
 #endif
-    for (; at != end; ++at)
-        counts.add(at, end);
+    for (; at != end; ++at) {
+        const auto byte = static_cast<unsigned char>(*at);
+        counts.continuations += (byte & 0xC0) == 0x80;
+        counts.pastPlane += byte >= 0xF0;
+    }
     return counts;
+}
+
+// Where the line of a place begins, if not in front of `first`, which is the answer then.
+const char* findLineBegin(const char* first, const char* place, bool hasReturns) noexcept {
+#if defined(TESSIT_SCAN_BLOCKS)
+    const char other = hasReturns ? '\r' : '\n';
+    while (place - first >= static_cast<std::ptrdiff_t>(sizeof(Block)) &&
+           corvel::matchBlock(place - sizeof(Block), '\n', other) == 0)
+        place -= sizeof(Block);
+#endif
+    while (place != first && !endsLineBefore(place, hasReturns))
+        --place;
+    return place;
 }
 
 }  // namespace
 
+// Where a character is as many bytes of the input as of the text, only those of the last line count.
 QeXmlPosition TextPlaces::leave(const char* place) {
-    const bool isAll = lineEnds == LineEnds::All;
-    if (last.upTo >= place || (isAll && place[-1] == '\r')) return at(place);
-    const char* line = place;  // where its line begins, if that is behind the last place
-    while (line != last.upTo && line[-1] != '\n' && !(isAll && line[-1] == '\r'))
-        --line;
-    const ByteCounts inFront = countBytes(last.upTo, line), inLine = countBytes(line, place);
+    const bool hasReturns = lineEnds == LineEnds::All;
+    if (last.upTo >= place || (hasReturns && place[-1] == '\r')) return at(place);
+    const char* const line = findLineBegin(last.upTo, place, hasReturns);
     if (line != last.upTo) {
+        const ByteCounts inFront = units == InputUnits::Same ? ByteCounts{} : countBytes(last.upTo, line);
         last.lineStart = line;
-        last.lines += inFront.lineFeeds + (isAll ? inFront.returns - inFront.pairs : 0);
-        last.continuationsInFrontOfLine = last.continuations + inFront.continuations;
+        last.lines += countLineEnds(last.upTo, line, hasReturns);
+        last.continuations += inFront.continuations;
+        last.continuationsInFrontOfLine = last.continuations;
+        last.pastPlane += inFront.pastPlane;
     }
-    last.continuations += inFront.continuations + inLine.continuations;
-    last.pastPlane += inFront.pastPlane + inLine.pastPlane;
+    const ByteCounts inLine = countBytes(line, place);
+    last.continuations += inLine.continuations;
+    last.pastPlane += inLine.pastPlane;
     last.upTo = place;
     return at(place);
 }
