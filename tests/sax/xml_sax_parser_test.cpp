@@ -25,12 +25,17 @@ public:
     std::string events;
 };
 
-std::string parse(std::string_view xml) {
+// In place, or through a window, byte by byte.
+std::string parse(std::string_view xml, Source source = Source::String) {
+    const Document document(xml);
     Recorder recorder;
     QeXmlSAXParser parser;
     parser.setContentHandler(&recorder);
     try {
-        parser.parse(QeCString(xml), "");
+        if (source == Source::ByteByByte)
+            parser.parse(document.inPieces(0, 1));
+        else
+            parser.parse(QeCString(xml), "");
     } catch (const QeXmlParseError& error) {
         recorder.add(describe(error));
     }
@@ -81,6 +86,8 @@ TEST(XmlSAXParser, ReportsADocument) {
     const auto withoutPosition = [](const std::string& events) { return events.substr(0, events.find('!')); };
     for (const auto& [xml, events] : Documents) {
         EXPECT_EQ(parse(xml), events) << xml;
+        const bool declaresInside = std::string_view(xml).find("<?xml ", 1) != std::string_view::npos;
+        EXPECT_EQ(parse(xml, declaresInside ? Source::String : Source::ByteByByte), events) << xml;
         EXPECT_EQ(withoutPosition(parse(withLongURIs(xml))), withoutPosition(withLongURIs(events))) << xml;
     }
 }

@@ -72,7 +72,10 @@ constexpr Pair Different[] = {
 };
 
 bool compare(const std::string& left, const std::string& right) {
-    return QeXmlUtils::compareXml(QeCString(left), QeCString(right));
+    const Document a(left), b(right);
+    const bool areSame = QeXmlUtils::compareXml(QeCString(left), QeCString(right));
+    EXPECT_EQ(QeXmlUtils::compareXml(a.inPieces(0, 1), b.inPlace()), areSame) << left << " | " << right;
+    return areSame;
 }
 
 // What comparing raises, as `!line:column message`; empty when nothing.

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <span>
+#include <utility>
 
 #include <corvel/c_string.h>
 #include <tessit/reader/xml_reader.h>
@@ -46,6 +47,13 @@ public:
     /// well-formed throws what the reader throws for it, and "Unmatched start tag" does not come up.
     void parse(std::span<const unsigned char> document, const QeXmlReaderOptions& options = {}) {
         QeXmlReader reader(document, options);
+        report(reader);
+    }
+
+    /// The same for an input of any kind: what comes piece by piece is read through a window. What the input throws
+    /// passes through.
+    void parse(QeXmlInput input, const QeXmlReaderOptions& options = {}) {
+        QeXmlReader reader(std::move(input), options);
         report(reader);
     }
 

@@ -4,6 +4,7 @@
 #include <tessit/model/xml_attribute_set.h>
 #include <tessit/model/xml_name.h>
 
+class QeXmlInput;
 class QeXmlReader;
 
 /// Helpers and named constants, all static.
@@ -119,6 +120,12 @@ public:
     /// Takes one pass over both documents, in place: time as the two readers take,
     /// and memory for one node of each and for URIs of 256 bytes and more.
     static bool compareXml(const QeCString& left, const QeCString& right);
+
+    /// The same for inputs of any kind (<tessit/reader/xml_input.h>), each of them read once, and for readers with any
+    /// options, of which both have just been opened and deliver tags and texts alone. Memory as those readers take.
+    /// What the inputs throw passes through.
+    static bool compareXml(QeXmlInput left, QeXmlInput right);
+    static bool compareXml(QeXmlReader& left, QeXmlReader& right);
 
     /// Whether two sets have equal names (prefixes do not count) with equal values
     /// at every position of their order. O(n) comparisons of names and values.

@@ -4,6 +4,7 @@
 #include <functional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include <tessit/reader/xml_reader.h>
 #include <tessit/utils/long_uris.h>
@@ -55,10 +56,9 @@ bool QeXmlUtils::verifyEmptyTag(QeXmlReader& reader, QeXmlReader& /*other*/) {
     return standsOn(reader, QeXmlReader::ElementEnd);
 }
 
-// Both readers see a document in place: nothing of it is copied but the node that is being compared.
 class QeXmlUtils::Comparison {
 public:
-    Comparison(const QeCString& left, const QeCString& right) : a(bytesOf(left)), b(bytesOf(right)) {}
+    Comparison(QeXmlReader& left, QeXmlReader& right) noexcept : a(left), b(right) {}
 
     bool run() {
         while (!a.eof()) {
@@ -116,12 +116,23 @@ private:
         }
     }
 
-    QeXmlReader a;
-    QeXmlReader b;
+    QeXmlReader& a;
+    QeXmlReader& b;
     tessit::LongUris longUris;
     Tags lastTags = Tags::None;
 };
 
+// Both readers see a document in place: nothing of it is copied but the node that is being compared.
 bool QeXmlUtils::compareXml(const QeCString& left, const QeCString& right) {
+    QeXmlReader a(bytesOf(left)), b(bytesOf(right));
+    return Comparison(a, b).run();
+}
+
+bool QeXmlUtils::compareXml(QeXmlInput left, QeXmlInput right) {
+    QeXmlReader a(std::move(left)), b(std::move(right));
+    return Comparison(a, b).run();
+}
+
+bool QeXmlUtils::compareXml(QeXmlReader& left, QeXmlReader& right) {
     return Comparison(left, right).run();
 }
