@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <span>
 
 #include <tessit/tessit.h>
 
@@ -11,6 +10,7 @@
 #include "command.h"
 #include "console.h"
 #include "input.h"
+#include "progress.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ void readToItsEnd(Console& console, const std::string& file, bool external) {
                        {.rules = QeXmlRules::Conforming,
                         .sourceName = QeCString(displayName(file)),
                         .resolver = external ? &resolver : nullptr}};
-    while (!reader.eof())
+    for (Progress progress(console, reader, displayName(file)); !reader.eof(); progress.step())
         reader.readNextNode();
 }
 

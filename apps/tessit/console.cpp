@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -24,6 +25,7 @@ Console::Console() {
 }
 
 void Console::append(const char* bytes, std::size_t length) {
+    hasResults = true;
     if (length > BufferSize - pending.size()) flush();
     if (length <= BufferSize) {
         pending.append(bytes, length);
@@ -41,6 +43,19 @@ void Console::flush() {
 void Console::finish() {
     flush();
     if (close(STDOUT_FILENO) != 0) throw WriteError{errno};
+}
+
+bool Console::canShowBar() const {
+    const bool isFree = !hasResults || isatty(STDOUT_FILENO) == 0;
+    return !silent && !json && isFree && isatty(STDERR_FILENO) != 0;
+}
+
+void Console::showBar(std::string_view text) {
+    hasBar = writeAll(STDERR_FILENO, "\r" + std::string(text) + "\033[K");
+}
+
+void Console::eraseBar() {
+    if (std::exchange(hasBar, false)) writeAll(STDERR_FILENO, "\r\033[K");
 }
 
 void Console::complain(std::string_view file, const QeXmlParseError& error, ExitStatus meaning) {
@@ -67,6 +82,7 @@ void Console::note(const QeXmlPlace& place, std::string_view message) {
 }
 
 // A complaint that cannot be written is still told by the exit status.
-void Console::print(const Report& report) const {
+void Console::print(const Report& report) {
+    eraseBar();
     if (!silent) writeAll(STDERR_FILENO, json ? asJson(report) : asText(report));
 }

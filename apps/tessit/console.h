@@ -56,16 +56,26 @@ public:
     /// From now on prints complaints and notes as JSON.
     void speakJson() { json = true; }
 
+    /// Whether standard error is a terminal that has room for a line which comes and goes: not where messages are JSON
+    /// or silent, or where the results go to a terminal, too.
+    bool canShowBar() const;
+
+    /// Shows one line on standard error, in the place of the one before. It is gone before a message comes.
+    void showBar(std::string_view text);
+    void eraseBar();
+
     /// Makes the exit status at least this bad, without a complaint.
     void conclude(ExitStatus meaning) { worst = std::max(worst, meaning); }
 
     ExitStatus status() const { return worst; }
 
 private:
-    void print(const Report& report) const;
+    void print(const Report& report);
 
     std::string pending;
     ExitStatus worst = ExitStatus::Good;
     bool silent = false;
     bool json = false;
+    bool hasBar = false;
+    bool hasResults = false;  // there were some on standard output
 };

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <span>
 
 #include <tessit/tessit.h>
 
@@ -13,6 +12,7 @@
 #include "document_walk.h"
 #include "escape.h"
 #include "input.h"
+#include "progress.h"
 
 namespace {
 
@@ -164,7 +164,8 @@ void printEvents(Console& console, const std::string& file, std::string_view pre
     reader.setExpandAttributeReference(!options.rawReferences);
     EventPrinter printer(console, prefix);
     printer.printDocument(reader);
-    for (DocumentWalk walk(reader); walk.next();)
+    Progress progress(console, reader, displayName(file));
+    for (DocumentWalk walk(reader); walk.next(); progress.step())
         printer.printNode(reader);
 }
 

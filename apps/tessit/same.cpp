@@ -1,8 +1,12 @@
 // tessit same: whether two documents say the same thing.
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
-#include <span>
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 #include <tessit/tessit.h>
 
@@ -12,6 +16,7 @@
 #include "document_walk.h"
 #include "escape.h"
 #include "input.h"
+#include "progress.h"
 
 namespace {
 
@@ -20,25 +25,44 @@ struct Options {
     std::string second;
 };
 
-// The file's document, read to its end: a comparison stops at the first difference
-// and does not look whether tags pair up.
-QeCString readDocument(const std::string& file) {
-    const std::vector<unsigned char> bytes = readInput(file);
-    QeXmlReader reader{std::span(bytes), {.sourceName = QeCString(displayName(file))}};
-    for (DocumentWalk walk(reader); walk.next();)
-        ;
-    return QeCString(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
+// A document that is read twice: from its file, or from memory where that gives its bytes only once.
+class Document {
+public:
+    explicit Document(std::string name) : file(std::move(name)) {
+        std::error_code error;
+        isFile = std::filesystem::is_regular_file(file, error) && file != StandardInput;
+        if (!isFile) bytes = readInput(file);
+    }
+
+    // To its end: a comparison stops at the first difference and does not look whether tags pair up.
+    void check(Console& console) const {
+        QeXmlReader reader{input(), {.sourceName = QeCString(displayName(file))}};
+        Progress progress(console, reader, displayName(file));
+        for (DocumentWalk walk(reader); walk.next(); progress.step())
+            ;
+    }
+
+    QeXmlInput input() const { return isFile ? openInput(file) : QeXmlInput::bytes(bytes); }
+
+private:
+    std::string file;
+    bool isFile = false;
+    std::vector<unsigned char> bytes;
+};
 
 void compareFiles(Console& console, const Options& options) {
     if (options.first == StandardInput && options.second == StandardInput)
         return console.complain(displayName(StandardInput), "It can be read only once", ExitStatus::Failed);
-    QeCString first, second;
-    const auto read = [&](const std::string& file, QeCString& document) {
-        return attempt(console, file, ExitStatus::Failed, [&] { document = readDocument(file); });
+    std::optional<Document> first, second;
+    const auto check = [&](const std::string& file, std::optional<Document>& document) {
+        return attempt(console, file, ExitStatus::Failed, [&] { document.emplace(file).check(console); });
     };
-    const bool firstIsGood = read(options.first, first);  // complains about both
-    if (!read(options.second, second) || !firstIsGood || QeXmlUtils::compareXml(first, second)) return;
+    const bool firstIsGood = check(options.first, first);  // complains about both
+    if (!check(options.second, second) || !firstIsGood) return;
+    bool areSame = false;
+    const bool wereRead = attempt(console, options.first, ExitStatus::Failed,
+                                  [&] { areSame = QeXmlUtils::compareXml(first->input(), second->input()); });
+    if (!wereRead || areSame) return;
     console.append(escaped(displayName(options.first)) + " and " + escaped(displayName(options.second)) + " differ\n");
     console.conclude(ExitStatus::Different);
 }

@@ -113,6 +113,18 @@ const struct {
     {"<a><p:b>", "start a {}\nstart p:b {}\n", ":1:9: error: Missing end tag for p:b\n"},
 };
 
+// A terminal of its own, in which the document comes late.
+TEST_F(Tool, ShowsOnATerminalHowFarItIs) {
+    const std::string comes = "{ echo '<a>'; sleep 1.1; printf '<b/>%.0s' {1..300}; echo '</a></a>'; }";
+    const auto show = [&](const std::string& command) {
+        writeFile("run", comes + " | '" TESSIT_TOOL "' " + command);
+        EXPECT_EQ(run("script -qec 'bash -c \"$(cat run)\"' /dev/null", ""), 1);
+        return contentOf("output");
+    };
+    EXPECT_EQ(show("check -").find("\r<stdin>: 0 MB\x1B[K\r\x1B[K<stdin>:2:"), 0u);
+    EXPECT_EQ(show("check - --json").find("MB"), std::string::npos);
+}
+
 TEST_F(Tool, PrintsOneLineForEachNodeAndTellsWhereADocumentIsRefused) {
     for (const auto& [document, lines, errors] : Documents)
         expect("tessit events", document, Utf8 + lines, errors.empty() ? "" : "<stdin>" + errors, !errors.empty());
