@@ -42,15 +42,19 @@ double secondsOf(const Operation& operation) {
 constexpr double MostGrowth = 10;
 
 /// How many times longer `use` takes on what `make` makes of four times `parts` than of `parts`: the least of several
-/// runs of each, as a machine can be busy for a while. Prints what a part costs at both sizes.
+/// runs of each, as a machine can be busy for a while; fewer of what takes long. Prints what a part costs at both
+/// sizes.
 template <typename Make, typename Use>
 double growthFrom(const std::string& name, std::size_t parts, const Make& make, const Use& use) {
     const auto small = make(parts), large = make(4 * parts);
     double ofSmall = std::numeric_limits<double>::max(), ofLarge = ofSmall;
-    for (int run = 0; run < 3 || (run < 30 && ofLarge >= MostGrowth * ofSmall); ++run) {
+    const auto runBoth = [&] {
         ofSmall = std::min(ofSmall, secondsOf([&] { use(small); }));
         ofLarge = std::min(ofLarge, secondsOf([&] { use(large); }));
-    }
+    };
+    double spent = secondsOf(runBoth);
+    for (int run = 1; spent < 20 && run < 30 && (run < 3 || ofLarge >= MostGrowth * ofSmall); ++run)
+        spent += secondsOf(runBoth);
     const double nanoseconds = 1e9 / static_cast<double>(parts), ratio = ofLarge / ofSmall;
     std::printf("%-44s %9.2f %9.2f ns  x%.1f\n", name.c_str(), nanoseconds * ofSmall, nanoseconds * ofLarge / 4, ratio);
     return ratio;
