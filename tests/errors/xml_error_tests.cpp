@@ -62,6 +62,9 @@ TEST(XmlError, CarriesAPositionBesideTheText) {
         EXPECT_EQ(caught.getLineNumber(), 3u);
         EXPECT_EQ(caught.getColumnNumber(), 7u);
     }
+    const QeXmlParseError far("m", {"f", {.line = std::uint64_t{1} << 32, .column = std::uint64_t{3} << 32}});
+    EXPECT_EQ(far.getLineNumber(), 4294967295u) << "and not 0";
+    EXPECT_EQ(far.getColumnNumber(), 4294967295u);
 }
 
 TEST(XmlError, CatalogEntriesAreConstantAndInARow) {
