@@ -9,6 +9,12 @@
 
 namespace {
 
+#if defined(TESSIT_WITHOUT_ICU)
+constexpr bool WithoutIcu = true;
+#else
+constexpr bool WithoutIcu = false;
+#endif
+
 bool readsWhatItWrote() {
     QeXmlStringWriter writer;
     const QeXmlName order("order", QeXmlNamespace("o", "urn:example:orders"));
@@ -22,12 +28,16 @@ bool readsWhatItWrote() {
     return QeXmlUtils::convertISODateStringToDate(reader.readElementValue()) == QeDate(20, 5, 2003);
 }
 
-// ICU at work, which a static library leaves to the program to link.
+// ICU at work, which a static library leaves to the program to link; or its absence.
 bool readsWindows1252() {
     std::istringstream in("<?xml version='1.0' encoding='windows-1252'?><price>\x80</price>");
-    QeXmlReader reader(in);
-    reader.readElementStart("price");
-    return reader.readElementValue() == "\xE2\x82\xAC";
+    try {
+        QeXmlReader reader(in);
+        reader.readElementStart("price");
+        return reader.readElementValue() == "\xE2\x82\xAC";
+    } catch (const QeXmlParseError& error) {
+        return WithoutIcu && std::string_view(error.why()).find("windows-1252") != std::string_view::npos;
+    }
 }
 
 template <typename Error>
@@ -77,6 +87,14 @@ struct AtExit {
     }
     QeCString expected;
 } atExit;
+
+// The same of namespaces, when all else of the library is gone, too, where it is part of the program.
+[[gnu::init_priority(101)]] const struct AtTheVeryEnd {
+    ~AtTheVeryEnd() {
+        if (!QeXmlNamespace::matchXsi(xsi) || !QeXmlNamespace::matchXsd(xsd)) std::_Exit(1);
+    }
+    QeXmlNamespace xsi{"", "http://www.w3.org/2001/XMLSchema-instance"}, xsd{"", "http://www.w3.org/2001/XMLSchema"};
+} atTheVeryEnd;
 
 bool hasOneVersion() {
     return tessit::version() == TESSIT_VERSION && std::string_view(tessit::versionString()) == TESSIT_VERSION_STRING;
