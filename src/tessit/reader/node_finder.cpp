@@ -139,6 +139,7 @@ bool NodeFinder::passBetween() noexcept {
     }
     if (left() == 1) return false;
     markup = at;
+    lookAtTag(at);
     at += 2;
     return enter(State::Markup);
 }
@@ -184,13 +185,17 @@ bool NodeFinder::passAmpersand() noexcept {
 // --- Markup
 
 bool NodeFinder::passLenientMarkup() noexcept {
-    if (text[markup + 1] == '?') return enter(State::Target);
+    if (text[markup + 1] == '?') {
+        passAlone();
+        return enter(State::Target);
+    }
     if (left() == 0) return false;
     switch (text[at]) {
         case '-':
             if (left() == 1) return false;
             if (text[++at] != '-') return breakHere();
             ++at;
+            passAlone();
             return enterComment(State::Between);
         case '[':
             if (isOutside) break;
@@ -230,9 +235,17 @@ bool NodeFinder::passStrictMarkup() noexcept {
 // A conforming reader that is asked for such nodes delivers the text in front, and then them.
 void NodeFinder::noteNode(QeXmlNodes node) noexcept {
     isNode = (static_cast<std::uint32_t>(nodes) & static_cast<std::uint32_t>(node)) != 0;
+    if (!isNode && node != QeXmlNodes::CDATASections) return passAlone();
     if (!isNode || isOutside) return;
     tag = tagAt = markup;
     tagState = Tag::None;
+}
+
+// Right behind a tag, comments and instructions are passed one by one, not as part of a text: however many there are,
+// none waits for the next tag.
+void NodeFinder::passAlone() noexcept {
+    isNode = !isOutside && tagState == Tag::Whole && tagAt == markup;
+    if (isNode) tag = markup;
 }
 
 bool NodeFinder::endMarkup() noexcept {

@@ -117,6 +117,7 @@ private:
     bool endMarkup() noexcept;
     bool breakHere() noexcept;
     void noteNode(QeXmlNodes node) noexcept;
+    void passAlone() noexcept;
     std::size_t left() const noexcept { return text.size() - at; }
     std::string_view passed() const noexcept { return text.substr(start, at - start); }
 
@@ -124,7 +125,7 @@ private:
     const QeXmlNodes nodes;
     bool expandsValues = true;
     bool isOutside = false;
-    bool isNode = false;  // whether the markup that is passed is a node of its own
+    bool isNode = false;  // whether the markup that is passed is a node of its own, or passed by readers like one
     std::string_view text;
 
     State state = State::Between;

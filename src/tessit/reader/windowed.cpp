@@ -112,10 +112,12 @@ void QeXmlReader::Engine::needText() {
         ;
 }
 
-// What is not whole is as long already as what there is of it.
+// What is not whole is as long already as what there is of it, but for the first bytes of what may be the next node: so
+// it is refused here only to bound the memory, and exactly once it is whole.
 bool QeXmlReader::Engine::fetchMore() {
+    constexpr std::uint64_t MostOfNext = 16;
     const auto length = static_cast<std::uint64_t>(input.limit() - reader.cursor);
-    tessit::hold(length, input.limits().node, tessit::Limit::Node, reader.cursor);
+    tessit::hold(length - std::min(length, MostOfNext), input.limits().node, tessit::Limit::Node, reader.cursor);
     return fetch();
 }
 
@@ -130,7 +132,7 @@ void QeXmlReader::Engine::needOutside() {
         const char* const end = input.limit();
         while (reader.cursor != end && tessit::isSpace(*reader.cursor) && !isHalfALineEnd())
             ++reader.cursor;
-        if (reader.cursor < windowed->textsUpTo || !fetch()) return;
+        if (reader.cursor < windowed->textsUpTo || !fetchMore()) return;
     }
 }
 
