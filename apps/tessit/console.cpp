@@ -51,7 +51,9 @@ bool Console::canShowBar() const {
 }
 
 void Console::showBar(std::string_view text) {
-    hasBar = writeAll(STDERR_FILENO, "\r" + std::string(text) + "\033[K");
+    std::string line(1, '\r');
+    line.append(text).append("\033[K");
+    hasBar = writeAll(STDERR_FILENO, line);
 }
 
 void Console::eraseBar() {

@@ -18,7 +18,7 @@ Progress::Progress(Console& target, const QeXmlReader& source, std::string_view 
       name(escaped(file)),
       isShown(console.canShowBar()),
       next(std::chrono::steady_clock::now() + Delay) {
-    if (name.size() > MostOfName) name = "..." + name.substr(name.size() - MostOfName);
+    if (name.size() > MostOfName) name.replace(0, name.size() - MostOfName, "...");
 }
 
 void Progress::look() {
