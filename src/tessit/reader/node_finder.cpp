@@ -485,7 +485,6 @@ bool NodeFinder::isCut(std::size_t place) const noexcept {
     std::size_t first = place;
     for (std::size_t back = 1; back <= Longest + 1 && back <= place; ++back) {
         const auto byte = static_cast<unsigned char>(text[place - back]);
-        if (byte == '"' || byte == '\'') break;
         if (byte >= 0x80) first = place - back;
         if (byte >= 0xC0) break;
     }
