@@ -63,6 +63,18 @@ void walk(const Text& document) {
     }
 }
 
+// Through a window, a byte a call, by both sets of rules.
+void walkBytes(const Text& text) {
+    const Document document(text);
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+        try {
+            for (QeXmlReader reader(document.inPieces(0, 1), {.rules = rules}); !reader.eof();)
+                reader.readNextNode();
+        } catch (const QeXmlParseError&) {
+        }
+    }
+}
+
 void walkWithOptions(const Text& document) {
     QeXmlReader reader(bytesOf(document));
     reader.setExpandAttributeReference(false);
@@ -313,6 +325,18 @@ const struct {
     {"WalkReferencesAsWritten", VeryMany, "<a x='{&amp;}'/>", walkWithOptions},
     {"WalkOneLongPrefix", VeryMany, "<{n}:n/>", walk},
     {"GoOnAfterErrors", Many, "<a>{a text of forty bytes in front of an error<1}", calls<"T">},
+
+    {"WalkBytesOfNodes", Many, Children, walkBytes},
+    {"WalkBytesOfDepth", Many, Nested, walkBytes},
+    {"WalkBytesOfALongText", VeryMany, "<a>{t&amp;}</a>", walkBytes},
+    {"WalkBytesOfALongName", VeryMany, "<{n}/>", walkBytes},
+    {"WalkBytesOfATagAsLongAsTheDocument", Many, "<a{ a#='>'}/>", walkBytes},
+    {"WalkBytesOfALongValue", VeryMany, "<a x='{/>}'/>", walkBytes},
+    {"WalkBytesOfManyComments", Many, "<r>{<!--c-->}{t<!--c-->}{<?p?>}</r>", walkBytes},
+    {"WalkBytesOfALongComment", VeryMany, "<!--{- }--><r/>", walkBytes},
+    {"WalkBytesOfADocumentType", Many, "<!DOCTYPE r [{<!ENTITY e# ']>'><!--'-->}]><r/>", walkBytes},
+    {"WalkBytesOutsideOfTheRoot", Many, "{\r}<r/>{ \n<!---->}", walkBytes},
+    {"WalkBytesOfUtf16", Many, Text("\xFE\xFF") + Children, walkBytes},
 
     {"WalkUtf16", VeryMany, Text("\xFE\xFF") + Children, walk},
 #if !defined(TESSIT_WITHOUT_ICU)
