@@ -7,6 +7,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # Debian's packages by what they are needed for.
 build_packages=(g++ cmake ninja-build libicu-dev libcli11-dev)
 test_packages=(libgtest-dev locales tzdata clang pkgconf dpkg-dev file)  # the last four: of what is installed
+test_packages+=(bsdutils zlib1g-dev)  # a terminal for the tool, and an example
 check_packages=(clang-format clang-tidy doxygen)
 fuzz_packages=(clang libclang-rt-14-dev)
 coverage_packages=(gcovr)
