@@ -10,6 +10,7 @@
 #include "command.h"
 #include "console.h"
 #include "input.h"
+#include "limits.h"
 #include "progress.h"
 
 namespace {
@@ -18,22 +19,44 @@ struct Options {
     std::vector<std::string> files;
     bool quiet = false;
     bool external = false;
+    bool record = false;
+    QeXmlLimits limits;
 };
 
-void readToItsEnd(Console& console, const std::string& file, bool external) {
-    BesideResolver resolver(console, file);
-    QeXmlReader reader{openInput(file),
-                       {.rules = QeXmlRules::Conforming,
-                        .sourceName = QeCString(displayName(file)),
-                        .resolver = external ? &resolver : nullptr}};
+void readToItsEnd(Console& console, const std::string& file, const QeXmlReaderOptions& options) {
+    QeXmlReader reader{openInput(file), options};
     for (Progress progress(console, reader, displayName(file)); !reader.eof(); progress.step())
         reader.readNextNode();
+}
+
+void checkFile(Console& console, const std::string& file, const Options& options) {
+    BesideResolver resolver(console, file);
+    readToItsEnd(console, file,
+                 {.rules = QeXmlRules::Conforming,
+                  .sourceName = QeCString(displayName(file)),
+                  .resolver = options.external ? &resolver : nullptr,
+                  .limits = options.limits});
+}
+
+// All that a lenient reader forgives, and what it refuses.
+void recordFile(Console& console, const std::string& file, const Options& options) {
+    const QeCString name(displayName(file));
+    QeXmlRecord record;
+    try {
+        readToItsEnd(console, file, {.sourceName = name, .limits = options.limits, .record = &record});
+    } catch (const QeXmlParseError&) {  // it is recorded
+    }
+    for (const QeXmlParseError& entry : record.getEntries())
+        console.complain(name, entry, ExitStatus::Refused);
+    const std::uint64_t others = record.getCount() - record.getEntries().size();
+    if (others != 0) console.complain(name, "and " + std::to_string(others) + " more", ExitStatus::Refused);
 }
 
 void checkFiles(Console& console, const Options& options) {
     if (options.quiet) console.silence();
     for (const std::string& file : options.files)
-        attempt(console, file, ExitStatus::Refused, [&] { readToItsEnd(console, file, options.external); });
+        attempt(console, file, ExitStatus::Refused,
+                [&] { (options.record ? recordFile : checkFile)(console, file, options); });
 }
 
 }  // namespace
@@ -42,7 +65,13 @@ Command addCheck(CLI::App& tool) {
     CLI::App* arguments = tool.add_subcommand("check", "Tell whether documents are well-formed");
     auto options = std::make_shared<Options>();
     arguments->add_flag("--quiet", options->quiet, "Print nothing: the exit status tells");
-    arguments->add_flag("--external", options->external, "Read external entities in the document's folder");
+    CLI::Option* external =
+        arguments->add_flag("--external", options->external, "Read external entities in the document's folder");
+    arguments
+        ->add_flag("--record", options->record,
+                   "Tell all that breaks a rule, as far as that can be told without declarations")
+        ->excludes(external);
+    addLimits(*arguments, options->limits);
     arguments->add_option("FILE", options->files, "Documents to check; \"-\" is standard input")
         ->required()
         ->type_name("");

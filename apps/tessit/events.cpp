@@ -12,6 +12,7 @@
 #include "document_walk.h"
 #include "escape.h"
 #include "input.h"
+#include "limits.h"
 #include "progress.h"
 
 namespace {
@@ -21,6 +22,7 @@ struct Options {
     bool rawReferences = false;
     bool conforming = false;
     bool external = false;
+    QeXmlLimits limits;
 };
 
 // Prints nodes, each line behind the same prefix.
@@ -160,7 +162,8 @@ void printEvents(Console& console, const std::string& file, std::string_view pre
                        {.rules = options.conforming ? QeXmlRules::Conforming : QeXmlRules::Lenient,
                         .sourceName = QeCString(displayName(file)),
                         .nodes = DeliveredNodes,
-                        .resolver = options.external ? &resolver : nullptr}};
+                        .resolver = options.external ? &resolver : nullptr,
+                        .limits = options.limits}};
     reader.setExpandAttributeReference(!options.rawReferences);
     EventPrinter printer(console, prefix);
     printer.printDocument(reader);
@@ -185,6 +188,7 @@ Command addEvents(CLI::App& tool) {
         arguments->add_flag("--conforming", options->conforming, "Refuse what is not well-formed; print more nodes");
     arguments->add_flag("--external", options->external, "Read external entities in the document's folder")
         ->needs(conforming);
+    addLimits(*arguments, options->limits);
     arguments->add_option("FILE", options->files, "Documents to read; none, or \"-\", is standard input")
         ->type_name("");
     return {arguments, [options](Console& console) {

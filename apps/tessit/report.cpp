@@ -1,5 +1,7 @@
 #include "report.h"
 
+#include <tessit/errors/xml_limits.h>
+
 #include "escape.h"
 #include "excerpt.h"
 #include "json.h"
@@ -97,6 +99,8 @@ std::string asJson(const Report& report) {
     object.add("offset", position.offset);
     object.add("inputOffset", position.inputOffset);
     object.addUnlessEmpty("rule", error == nullptr ? std::string_view() : error->getRule());
+    const auto* const limit = dynamic_cast<const QeXmlLimitError*>(error);
+    object.addUnlessEmpty("limit", limit == nullptr ? QeCString() : limit->getLimit());
     object.add("message", report.message);
     object.addUnlessEmpty("path", error == nullptr ? std::string_view() : error->getPath());
     addNote(object, report);

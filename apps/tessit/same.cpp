@@ -16,6 +16,7 @@
 #include "document_walk.h"
 #include "escape.h"
 #include "input.h"
+#include "limits.h"
 #include "progress.h"
 
 namespace {
@@ -23,6 +24,7 @@ namespace {
 struct Options {
     std::string first;
     std::string second;
+    QeXmlLimits limits;
 };
 
 // A document that is read twice: from its file, or from memory where that gives its bytes only once.
@@ -35,8 +37,8 @@ public:
     }
 
     // To its end: a comparison stops at the first difference and does not look whether tags pair up.
-    void check(Console& console) const {
-        QeXmlReader reader{input(), {.sourceName = QeCString(displayName(file))}};
+    void check(Console& console, const QeXmlLimits& limits) const {
+        QeXmlReader reader{input(), {.sourceName = QeCString(displayName(file)), .limits = limits}};
         Progress progress(console, reader, displayName(file));
         for (DocumentWalk walk(reader); walk.next(); progress.step())
             ;
@@ -55,7 +57,8 @@ void compareFiles(Console& console, const Options& options) {
         return console.complain(displayName(StandardInput), "It can be read only once", ExitStatus::Failed);
     std::optional<Document> first, second;
     const auto check = [&](const std::string& file, std::optional<Document>& document) {
-        return attempt(console, file, ExitStatus::Failed, [&] { document.emplace(file).check(console); });
+        return attempt(console, file, ExitStatus::Failed,
+                       [&] { document.emplace(file).check(console, options.limits); });
     };
     const bool firstIsGood = check(options.first, first);  // complains about both
     if (!check(options.second, second) || !firstIsGood) return;
@@ -74,6 +77,7 @@ Command addSame(CLI::App& tool) {
     auto options = std::make_shared<Options>();
     arguments->add_option("A", options->first, "A document; \"-\" is standard input")->required()->type_name("");
     arguments->add_option("B", options->second, "Another; one of the two can be \"-\"")->required()->type_name("");
+    addLimits(*arguments, options->limits);
     arguments->footer(
         "Exit status: 0 when they say the same, 1 when they differ,\n"
         "2 when one was refused, for wrong usage or a file that cannot be read.");

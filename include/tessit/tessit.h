@@ -26,6 +26,7 @@
 #include <tessit/reader/xml_input.h>
 #include <tessit/reader/xml_reader.h>
 #include <tessit/reader/xml_reader_options.h>
+#include <tessit/reader/xml_record.h>
 #include <tessit/sax/xml_content_handler.h>
 #include <tessit/sax/xml_lexical_handler.h>
 #include <tessit/sax/xml_sax_parser.h>

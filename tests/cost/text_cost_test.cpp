@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <corvel/value_error.h>
+#include <tessit/reader/xml_record.h>
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/schema/xml_schema_utils.h>
 #include <tessit/schema/xml_validator.h>
@@ -105,6 +106,13 @@ void judge(const Text& text) {
         }
     } catch (const QeXmlParseError&) {
     }
+}
+
+// Records all that the conforming rules refuse.
+void record(const Text& document) {
+    QeXmlRecord record;
+    QeXmlReader reader(bytesOf(document), {.record = &record});
+    ASSERT_GT(record.getCount(), 0u);
 }
 
 // Finds fault with each node.
@@ -375,6 +383,12 @@ const struct {
     {"JudgeDeclarationsOfNamespaces", Many, UsingDeclarationsAtOnce, judge},
     {"JudgeDepth", VeryMany, Nested, judge},
     {"ComplainOfEachNode", Many, "<!DOCTYPE r [<!ENTITY e '{<a/>}'>]><r>{<a/>}&e;</r>", complain},
+
+    {"RecordFaultsOfText", Many, "<r>{&x; &]]>&#0;<!-- -- --><?xml?><!x>]\x01}", record},
+    {"RecordFaultsOfTags", Many, "<r>{<a b=1c='<&x;'c='' p:d/e =></x>}<r/>", record},
+    {"RecordFaultsOfATag", Many, "<r{ x#='' x#='' p#:y=''}/>", record},
+    {"RecordFaultsBehindACharacter", Many, "<r>{&x;}\x01{</a>}", record},
+    {"RecordTagsOfManyElements", Many, "<r>{<a# b#=''/><a c#='' d=''/>}<a b=''/>&x;</r>", record},
 
     {"ChangeNameOverContent", VeryMany, "<a>{<b/>}</a>", changeName},
     {"ChangeNameOverAttributes", Many, "<a{ x='1'}></a>", changeName},

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "support/documents.h"
+#include "support/record.h"
 
 using namespace tessit::test;
 
@@ -269,6 +270,18 @@ TEST(Conforming, RefusesWhatIsCutShort) {
                 << xml.substr(0, length);
         }
     }
+}
+
+// Also where the document is cut short at any byte.
+TEST(Conforming, RecordsItsFirstFault) {
+    for (const auto& [xml, nodes] : Accepted)
+        for (std::size_t length = 0; length <= xml.size(); ++length)
+            EXPECT_EQ(faultOfRecord(xml.substr(0, length)), "") << xml.substr(0, length);
+    for (const auto& [xml, nodes] : Refused)
+        for (std::size_t length = 0; length <= xml.size(); ++length)
+            EXPECT_EQ(faultOfRecord(xml.substr(0, length)), "") << xml.substr(0, length);
+    for (const auto& [xml, nodes] : RefusedByNamespacesAlone)
+        EXPECT_EQ(faultOfRecord(xml), "") << xml;
 }
 
 // References that are left as written mean the same, and are judged alike.

@@ -252,26 +252,35 @@ const struct {
      "    |    ^\n"},
     {"tessit check --json --external - away", "\xEF\xBB\xBF<a>\n\u00E4<b \u202E></a>",
      R"({"severity":"error","file":"<stdin>","line":2,"column":6,"characterColumn":5,"offset":12,"inputOffset":12,)"
-     R"("rule":"name","message":"a name was expected, found '\u202E'","path":"/a","note":null,"hint":null})"
+     R"("rule":"name","limit":null,"message":"a name was expected, found '\u202E'","path":"/a","note":null,"hint":null})"
      "\n"
      R"({"severity":"note","file":"away","line":1,"column":13,"characterColumn":13,"offset":12,"inputOffset":12,)"
-     R"("rule":null,"message":"\"http://away\" was not read: it is not in the document's folder","path":null,)"
+     R"("rule":null,"limit":null,"message":"\"http://away\" was not read: it is not in the document's folder","path":null,)"
      R"("note":null,"hint":null})"
      "\n"},
     {"bad=$(printf '\\377\\n\"\\\\\\001\\303\\244'); cat >\"$bad\"; tessit same --json none \"$bad\"", "<a></b>",
      R"({"severity":"error","file":"none","line":null,"column":null,"characterColumn":null,"offset":null,)"
-     R"("inputOffset":null,"rule":null,"message":"No such file or directory","path":null,"note":null,"hint":null})"
+     R"("inputOffset":null,"rule":null,"limit":null,"message":"No such file or directory","path":null,"note":null,"hint":null})"
      "\n"
      "{\"severity\":\"error\",\"file\":\"\uFFFD\\n\\\"\\\\\\u0001\u00E4\","
-     R"("line":1,"column":8,"characterColumn":8,"offset":7,"inputOffset":7,"rule":null,)"
+     R"("line":1,"column":8,"characterColumn":8,"offset":7,"inputOffset":7,"rule":null,"limit":null,)"
      R"("message":"Unmatched start tag for b","path":null,"note":{"message":"this element is open",)"
      "\"file\":\"\uFFFD\\n\\\"\\\\\\u0001\u00E4\",\"line\":1,\"column\":1},\"hint\":null}\n"},
     {"tessit check --json -", "order.xml",
      R"({"severity":"error","file":"<stdin>","line":1,"column":1,"characterColumn":1,"offset":0,"inputOffset":0,)"
-     R"("rule":"text-outside-root","message":"text outside the root element","path":null,"note":null,)"
+     R"("rule":"text-outside-root","limit":null,"message":"text outside the root element","path":null,"note":null,)"
      R"("hint":"is this a file's name? A reader takes the document itself"})"
      "\n"},
     {"tessit check --json --quiet -", "<a>", ""},
+    {"tessit check --json --limits strangers,depth=1 -", "<a><b/></a>",
+     R"({"severity":"error","file":"<stdin>","line":1,"column":4,"characterColumn":4,"offset":3,"inputOffset":3,)"
+     R"("rule":null,"limit":"depth","message":"more than 1 elements within each other","path":"/a","note":null,"hint":null})"
+     "\n"},
+    {"tessit check --record -", "<a b=1>\x01&x;</a>",
+     "<stdin>:1:6: error: an attribute, '>' or '/>' was expected, found '1'\n  1 | <a b=1>\\x01&x;</a>\n    |      ^\n"
+     "<stdin>:1:7: error: invalid character in attribute definition\n  1 | <a b=1>\\x01&x;</a>\n    |       ^\n"
+     "<stdin>:1:8: error: a character that XML does not allow: U+0001\n  1 | <a b=1>\\x01&x;</a>\n    |        ^\n"
+     "<stdin>:1:9: error: an entity that is not declared: x\n  1 | <a b=1>\\x01&x;</a>\n    |            ^\n"},
 };
 
 TEST_F(Tool, ShowsTheLineOfAnError) {
@@ -323,6 +332,20 @@ const struct {
     {"tessit check --quiet bad good", "", "", 1},
     {"tessit check --quiet none --external away", "", "", 2},
     {"tessit check", "", "tessit: error: FILE is required" + See, 2},
+    {"tessit check --record good bad; (echo '<a>'; yes '&x;' | head -1200) | tessit check --record - 2>&1 | grep "
+     "error: | "
+     "tail -n 2",
+     "<stdin>:1001:1: error: an entity that is not declared: x\n<stdin>: error: and 202 more\n",
+     "bad:1:6: error: the document ends before it is complete\n"},
+    {"tessit events --limits depth=0 good; tessit same --limits name=3 good like", Utf8,
+     "good:1:1: error: more than 0 elements within each other\ngood:1:2: error: more than 3 bytes in a name\n"
+     "like:2:2: error: more than 3 bytes in a name\n",
+     2},
+    {"tessit check --limits none=1 good; tessit check --limits depth= good; tessit check --limits depth=1x good", "",
+     "tessit: error: --limits: none=1: there is no such limit" + See +
+         "tessit: error: --limits: depth=: a number was expected behind '='" + See +
+         "tessit: error: --limits: depth=1x: a number was expected behind '='" + See,
+     2},
     {"tessit events --external good", "", "tessit: error: --external requires --conforming" + See, 2},
     // The base is where the declaration stands; faults are told of the entity that has them, notes do not count.
     {"tessit check nested/doc && tessit check --external away && tessit check --external - <nested/doc", "",
@@ -350,7 +373,8 @@ const struct {
     {"trap '' PIPE; { tessit events large; echo $? >&2; } | head -n 1", Utf8, "0\n"},
 
     {"bash completing ''; bash completing events -; bash completing same --h; bash completing events good li",
-     "check events same --help --version\n--conforming --external --raw-references --json --help\n--help\nlike\n"},
+     "check events same --help --version\n--conforming --external --raw-references --limits --json "
+     "--help\n--help\nlike\n"},
     // The manual and the completions have each subcommand and option that the tool's help names.
     {R"(tessit --help >help
         for command in $(grep -oE '^  [a-z]+' help); do tessit $command --help >>help; done
@@ -360,7 +384,8 @@ const struct {
             done
             echo $name
         done)",
-     "check\nevents\nsame\n--conforming\n--external\n--help\n--json\n--quiet\n--raw-references\n--version\n"},
+     "check\nevents\nsame\n--conforming\n--external\n--help\n--json\n--limits\n--quiet\n--raw-references\n--record\n--"
+     "version\n"},
 };
 
 TEST_F(Tool, AnswersEachCommandLine) {

@@ -4,9 +4,9 @@ _tessit() {
     local word=$2 command= words
     ((COMP_CWORD > 1)) && command=${COMP_WORDS[1]}
     case $command:$word in
-        check:-*) words='--quiet --external --json --help' ;;
-        events:-*) words='--conforming --external --raw-references --json --help' ;;
-        same:-*) words='--json --help' ;;
+        check:-*) words='--quiet --external --record --limits --json --help' ;;
+        events:-*) words='--conforming --external --raw-references --limits --json --help' ;;
+        same:-*) words='--limits --json --help' ;;
         check:* | events:* | same:*) mapfile -t COMPREPLY < <(compgen -f -- "$word") && return ;;
         *) words='check events same --help --version' ;;
     esac

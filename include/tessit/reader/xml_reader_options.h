@@ -9,6 +9,8 @@
 #include <tessit/dtd/xml_resolver.h>
 #include <tessit/errors/xml_limits.h>
 
+class QeXmlRecord;
+
 /// By which rules a reader reads.
 enum class QeXmlRules {
     Lenient,    ///< takes what it can make sense of
@@ -34,7 +36,7 @@ constexpr QeXmlNodes operator|(QeXmlNodes left, QeXmlNodes right) noexcept {
 
 /// How a reader is to read: `QeXmlReader reader(bytes, {.rules = QeXmlRules::Conforming})`.
 ///
-/// All but the source's name and the limits is for conforming readers, and without effect on a
+/// All but the source's name, the limits and the record is for conforming readers, and without effect on a
 /// lenient one. Later versions append fields; programs that were built with fewer of them go on as
 /// if these had their defaults.
 struct QeXmlReaderOptions {
@@ -68,6 +70,10 @@ struct QeXmlReaderOptions {
 
     /// What a document may have at most, of lenient readers, too.
     QeXmlLimits limits = {};
+
+    /// Of a lenient reader: what it is to forgive is added there; null: nobody asks. Not owned; to live as long as the
+    /// reader.
+    QeXmlRecord* record = nullptr;
 
     struct Passed;
 };

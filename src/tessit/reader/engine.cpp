@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <tessit/reader/conforming.h>
+#include <tessit/reader/judge.h>
 #include <tessit/reader/passed_options.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/windowed.h>
@@ -25,9 +26,17 @@ QeXmlReader::Engine::Engine(QeXmlReader& owner, const QeXmlReaderOptions* option
     if (options == nullptr) return;
     input.setSourceName(options->sourceName);
     setLimits(options->limits);
+    if (options->record == nullptr || conforming != nullptr) return;
+    makeBesides().judge = std::make_unique<tessit::Judge>(*options->record, options->sourceName, options->namespaces);
+    reader.readsApart = true;
 }
 
 QeXmlReader::Engine::~Engine() = default;
+
+QeXmlReader::Engine::Besides& QeXmlReader::Engine::makeBesides() {
+    if (besides == nullptr) besides = std::make_unique<Besides>();
+    return *besides;
+}
 
 std::unique_ptr<QeXmlReader::Engine> QeXmlReader::Engine::make(QeXmlReader& owner, const Passed& passed) {
     if (tessit::hasAll(passed)) return std::make_unique<Engine>(owner, &passed.fields);
@@ -43,8 +52,8 @@ void QeXmlReader::Engine::reset() {
     openElements.clear();
     lastNode = lastTag = {};
     pendingStart = nullptr;
-    forErrors.reset();
-    whole.reset();
+    foundOut.reset();
+    if (besides != nullptr) besides->whole.reset();
     input.begin();
 }
 
@@ -57,7 +66,7 @@ void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();
     lastNode = lastTag = {};
-    forErrors.reset();
+    foundOut.reset();
     input.replaceRest(std::move(*converted));
     if (rawCopy != nullptr) rawCopy->goOn();
 }

@@ -15,7 +15,8 @@
 
 namespace tessit {
 class ByteSource;
-}
+class Judge;
+}  // namespace tessit
 
 namespace voxal {
 class PieceConverter;
@@ -34,12 +35,18 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
         const tessit::Source* source = nullptr;
     };
 
-    // What was found out for errors and about places so far.
-    struct ForErrors {
+    // What was found out for those who asked, so far.
+    struct FoundOut {
         tessit::WrittenAttributes ofLastTag;
         std::optional<tessit::ElementPath> path;
         const char* hint = nullptr;
         bool hasLookedForHint = false;
+    };
+
+    // What few readers have.
+    struct Besides {
+        std::unique_ptr<tessit::ByteSource> whole;  // what is read, if that is an input in memory
+        std::unique_ptr<tessit::Judge> judge;       // where there is a record
     };
 
     explicit Engine(QeXmlReader& owner, const QeXmlReaderOptions* options = nullptr);
@@ -138,7 +145,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     std::optional<QeXmlNote> noteOfInnermost(const char* text, const char* place) const;
     [[noreturn]] void refuseEndTag(const Written& tag, std::string_view name) const;
     [[noreturn]] void raiseUnmatched() const;
-    ForErrors& makeForErrors() const;
+    FoundOut& makeFoundOut() const;
     QeCString hint(std::string_view rule) const;
     void complete(tessit::ErrorAccess::Details& details, const char* place) const override;
     std::vector<QeXmlOpenElement> listOpenElements() const;
@@ -163,6 +170,33 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     }
     [[noreturn]] void raiseExceeded(const tessit::Exceeded& exceeded) const;
 
+    template <typename Read>
+    void readWithinLimits(const Read& read) {
+        limits == nullptr ? read() : withinLimits(read);
+    }
+
+    // engine.cpp
+    Besides& makeBesides();
+
+    // record.cpp
+    tessit::Judge* judge() const noexcept { return besides == nullptr ? nullptr : besides->judge.get(); }
+    void openRecord(std::string_view document);
+    void readWhole(tessit::ByteSource& source);
+    void noteUnread(const QeXmlParseError& error);
+
+    /// The same, of a reader that may have a record, too: what it refuses goes there, unless there was nothing to read.
+    template <typename Read>
+    void readApart(const Read& read) {
+        if (judge() == nullptr) return readWithinLimits(read);
+        const bool wasAtEnd = input.position() == input.limit();
+        try {
+            readWithinLimits(read);
+        } catch (const QeXmlParseError& error) {
+            if (!wasAtEnd) noteUnread(error);
+            throw;
+        }
+    }
+
     class NodeReader;
     class LookingAhead;
     class ConformingNodes;
@@ -173,14 +207,14 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     std::unique_ptr<Conforming> conforming;     // of a reader that is one
     std::unique_ptr<const QeXmlLimits> limits;  // if there are any
     std::unique_ptr<Windowed> windowed;         // of one whose document comes piece by piece
-    std::unique_ptr<tessit::ByteSource> whole;  // what else it reads, if that is an input
+    std::unique_ptr<Besides> besides;           // made when it is needed
     tessit::Input input;
     tessit::Bindings bindings;
     tessit::TagSlots slots;
-    tessit::OpenElements openElements;             // of a reader that matches tags
-    QeXmlName expectedName;                        // what the caller demands; working storage of one call
-    const char* pendingStart = nullptr;            // where the node that was looked at begins, in a document that stays
-    Written lastNode, lastTag;                     // the tag is the last one that opened an element
-    mutable std::unique_ptr<ForErrors> forErrors;  // made when it is asked for
-    RawCopy* rawCopy = nullptr;                    // the copy that `readElement` is making
+    tessit::OpenElements openElements;           // of a reader that matches tags
+    QeXmlName expectedName;                      // what the caller demands; working storage of one call
+    const char* pendingStart = nullptr;          // where the node that was looked at begins, in a document that stays
+    Written lastNode, lastTag;                   // the tag is the last one that opened an element
+    mutable std::unique_ptr<FoundOut> foundOut;  // made when it is asked for
+    RawCopy* rawCopy = nullptr;                  // the copy that `readElement` is making
 };

@@ -15,7 +15,7 @@ void QeXmlReader::Engine::readLenientApart() {
         needNode();
         reader.readNextLenient();
     };
-    limits == nullptr ? read() : withinLimits(read);
+    readApart(read);
 }
 
 void QeXmlReader::Engine::readContent() {
@@ -25,8 +25,8 @@ void QeXmlReader::Engine::readContent() {
         lastNode.begin = input.position();
         NodeReader(*this).readContent();
     };
-    if (limits == nullptr) return read();
-    withinLimits(read);
+    if (!reader.readsApart) return read();
+    readApart(read);
 }
 
 inline void QeXmlReader::Engine::NodeReader::readNextNode() {

@@ -6,8 +6,9 @@
 
 namespace tessit {
 
-/// The size of the options in the first headers that had any.
-constexpr std::size_t SizeWithoutLimits = sizeof(QeXmlReaderOptions) - sizeof(QeXmlLimits);
+/// The size of the options in the first headers that had any, and in those that had limits, too.
+constexpr std::size_t SizeWithoutRecord = sizeof(QeXmlReaderOptions) - sizeof(QeXmlRecord*);
+constexpr std::size_t SizeWithoutLimits = SizeWithoutRecord - sizeof(QeXmlLimits);
 
 /// Whether a program knows all fields that this library does; a later one knows more.
 inline bool hasAll(const QeXmlReaderOptions::Passed& passed) noexcept {
@@ -30,6 +31,7 @@ inline QeXmlReaderOptions withDefaults(const QeXmlReaderOptions::Passed& passed)
     options.expansionFactor = known.expansionFactor;
     options.freeExpansion = known.freeExpansion;
     options.entityDepth = known.entityDepth;
+    if (passed.size >= SizeWithoutRecord) options.limits = known.limits;
     return options;
 }
 

@@ -62,7 +62,7 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
 }
 
 tessit::WrittenAttributes& QeXmlReader::Engine::attributesOfLastTag() {
-    return makeForErrors().ofLastTag;
+    return makeFoundOut().ofLastTag;
 }
 
 std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttribute& attribute) {
@@ -81,16 +81,16 @@ std::optional<QeXmlAttributeSpans> QeXmlReader::Engine::spansOf(const QeXmlAttri
     return QeXmlAttributeSpans{spanOfText(written->name), spanOfText(written->value)};
 }
 
-QeXmlReader::Engine::ForErrors& QeXmlReader::Engine::makeForErrors() const {
-    if (forErrors == nullptr) forErrors = std::make_unique<ForErrors>();
-    return *forErrors;
+QeXmlReader::Engine::FoundOut& QeXmlReader::Engine::makeFoundOut() const {
+    if (foundOut == nullptr) foundOut = std::make_unique<FoundOut>();
+    return *foundOut;
 }
 
 // The elements that the document's own text opens in front of a place; within an entity, that is the reference.
 const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const {
     if (conforming != nullptr && !conforming->entities.empty())
         place = conforming->entities.front().entity->source.reference;
-    std::optional<ElementPath>& path = makeForErrors().path;
+    std::optional<ElementPath>& path = makeFoundOut().path;
     if (!path) {
         const char* first = reader.bufferStart;
         if (conforming != nullptr)
@@ -178,19 +178,9 @@ void QeXmlReader::Engine::raiseUnmatched() const {
 
 // Elements that an entity opened have no place of their own.
 void QeXmlReader::Engine::refuseEndTag(const Written& tag, std::string_view name) const {
-    QeCString message(tessit::messageOf(tessit::Rule::EndTag));
-    message += ": </";
-    message += tessit::quoted(name);
-    message += "> closes <";
-    message += tessit::quoted(openElements.innermost());
-    message += '>';
     std::optional<QeXmlNote> note;
     if (conforming->entities.empty()) note = noteOfInnermost("it was opened here", tag.begin);
-    if (note) {
-        const QeXmlPosition& opened = note->place.position;
-        message += ", which was opened at " + std::to_string(opened.line) + ':' + std::to_string(opened.column);
-    }
-    tessit::refuseSaying(*tag.source, tag.begin, tessit::Rule::EndTag, message, std::move(note));
+    tessit::refuseEndTag(*tag.source, tag.begin, name, openElements.innermost(), std::move(note));
 }
 
 // Of the document without its first mark, which is looked at once. A second root's fault has its place where the reader
@@ -203,7 +193,7 @@ QeCString QeXmlReader::Engine::hint(std::string_view rule) const {
         if (text.substr(behind).starts_with(slots.elementAsWritten())) return tessit::HintAtSecondRoot;
     }
     if (!hasBeginning()) return QeCString();
-    ForErrors& known = makeForErrors();
+    FoundOut& known = makeFoundOut();
     if (!std::exchange(known.hasLookedForHint, true)) known.hint = tessit::hintFor(text);
     return known.hint == nullptr ? QeCString() : QeCString(known.hint);
 }

@@ -3,14 +3,12 @@
 #include <tessit/reader/nodes.h>
 
 void QeXmlReader::Engine::readProlog() {
-    try {
+    readApart([this] {
         tessit::hold(static_cast<std::uint64_t>(input.limit() - input.position()), input.limits().document,
                      tessit::Limit::Document);
         input.detectEncoding();
         NodeReader(*this).readProlog();
-    } catch (const tessit::Exceeded& exceeded) {
-        raiseExceeded(exceeded);
-    }
+    });
 }
 
 void QeXmlReader::Engine::NodeReader::readProlog() {

@@ -225,7 +225,7 @@ void QeXmlReader::Engine::moveWindow() {
         move(conforming->parts.begin);
         conforming->parts.node = lastNode.begin;
     }
-    forErrors.reset();
+    foundOut.reset();
     if (windowed->hasMoved || dropped != 0) leaveBeginning();
     showWindow(begin + cursorBehind);
     input.goOnIn(windowed->window.text(), beginning);
@@ -296,7 +296,7 @@ void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, tessi
     window.convertFrom(place, std::move(converter));
     checkConversions();
     leaveBeginning();
-    forErrors.reset();
+    foundOut.reset();
     lastNode = lastTag = {};
     input.goOnConverted(window.text(), units, beginning);
 }

@@ -46,12 +46,16 @@ QeXmlReader::QeXmlReader(QeXmlInput&& input, const Passed& passed) : engine(Engi
 
 void QeXmlReader::open(QeXmlInput&& input) {
     const std::optional<std::string_view> document = input.source->whole();
+    if (!document && engine->judge() != nullptr) {
+        engine->readWhole(*input.source);
+        return open(ownedDocument);
+    }
     if (!document) {
         namespaceStack.pushScope();
         return engine->openWindowed(std::move(input.source));
     }
     engine->leaveWindow();
-    engine->whole = std::move(input.source);
+    engine->makeBesides().whole = std::move(input.source);
     open(*document);
 }
 
@@ -81,6 +85,7 @@ void QeXmlReader::open(std::string_view document) {
     namespaceStack.pushScope();  // the document's own
     engine->input.setLength(document.size());
     if (engine->conforming != nullptr) return engine->openConforming(document);
+    engine->openRecord(document);
     engine->input.take(document);
     engine->readProlog();
 }

@@ -223,6 +223,21 @@ void refuse(const Source& source, const char* place, Rule rule, std::string_view
     refuseSaying(source, place, rule, messageFor(source, place, rule, found), std::move(note));
 }
 
+void refuseEndTag(const Source& source, const char* place, std::string_view name, std::string_view opened,
+                  std::optional<QeXmlNote>&& note) {
+    QeCString message(messageOf(Rule::EndTag));
+    message += ": </";
+    message += quoted(name);
+    message += "> closes <";
+    message += quoted(opened);
+    message += '>';
+    if (note) {
+        const QeXmlPosition& position = note->place.position;
+        message += ", which was opened at " + std::to_string(position.line) + ':' + std::to_string(position.column);
+    }
+    refuseSaying(source, place, Rule::EndTag, message, std::move(note));
+}
+
 std::optional<QeXmlNote> noteOfDeclaration(const Source& source) {
     if (source.declaredIn == nullptr) return std::nullopt;
     return noteIn(*source.declaredIn, source.declaredAt, "the entity is declared here");

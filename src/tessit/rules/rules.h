@@ -104,6 +104,10 @@ void goOnIn(const Source& source, std::string_view text, const QeXmlPosition& be
 [[noreturn]] void refuseSaying(const Source& source, const char* place, Rule rule, const QeCString& message,
                                std::optional<QeXmlNote>&& note);
 
+/// Refuses an end tag whose name is not that of the innermost element; the note is where that was opened.
+[[noreturn]] void refuseEndTag(const Source& source, const char* place, std::string_view name, std::string_view opened,
+                               std::optional<QeXmlNote>&& note);
+
 /// The reference that brought the entity from outside in which a place is; nothing where it is in the document.
 std::optional<QeXmlNote> noteOfReference(const Source& source);
 
