@@ -29,8 +29,7 @@ std::string read(QeXmlInput input, const QeXmlReaderOptions& options, bool expan
             nodes += describeNode(reader) + "\n";
         }
     } catch (const QeXmlParseError& error) {
-        const std::string words = describe(error);
-        nodes += words.substr(0, words.find(", which was opened at"));  // known as long as the tag is in the window
+        nodes += describe(error);
     }
     return nodes;
 }

@@ -432,3 +432,55 @@ TEST(Places, OfErrorsInEntitiesFromOutside) {
     options.limits.depth = 1;
     EXPECT_EQ(noteOf([](QeXmlReader&) {}), "2:1  /a (the entity was referred to here 1:41)");
 }
+
+namespace {
+
+std::string placesOf(const QeXmlSpan& span) {
+    const auto place = [](const QeXmlPosition& position) {
+        return std::to_string(position.line) + ':' + std::to_string(position.characterColumn) + '@' +
+               std::to_string(position.inputOffset);
+    };
+    return place(span.begin) + '-' + place(span.end);
+}
+
+std::string openElementsOf(const QeXmlReader& reader) {
+    std::string elements;
+    for (const QeXmlOpenElement& element : reader.getOpenElements())
+        elements += std::string(std::string_view(element.name)) + ' ' + placesOf(element.tag) + '\n';
+    return elements;
+}
+
+// What is wrong with the next node, with the second place; nothing if it is there.
+std::string readNext(QeXmlReader& reader) {
+    try {
+        reader.readNextNode();
+        return "";
+    } catch (const QeXmlParseError& error) {
+        const std::string message = tessit::test::describe(error);
+        const QeXmlNote* const note = error.getNote();
+        return note == nullptr ? message : message + '\n' + placesOf({note->place.position, note->place.position});
+    }
+}
+
+}  // namespace
+
+// As in place, wherever the document's beginning is by now.
+TEST(Places, OfOpenElementsWhoseTagsHaveLeftTheWindow) {
+    const std::string front = "<r>\r\n<p\n a='\xC3\xA9'>" + repeat("<x>t</x>\n", 10'000) + "<b><c>";
+    for (const char* const end : {"</d>", "</c></b></q>", "<d", ""})
+        for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+            const Document document(front + repeat("<y/>\n", 20'000) + end);
+            QeXmlReader whole(document.inPlace(), {.rules = rules}),
+                pieces(document.inPieces(0, 999), {.rules = rules});
+            for (QeXmlReader* const reader : {&whole, &pieces})
+                reader->setMatchTags(true);
+            std::string error;
+            for (int node = 0; error.empty(); ++node) {
+                const bool asks = node % 997 == 0;
+                ASSERT_EQ(asks ? openElementsOf(pieces) : "", asks ? openElementsOf(whole) : "") << node;
+                error = readNext(whole);
+                ASSERT_EQ(readNext(pieces), error);
+            }
+            EXPECT_NE(error.find('\n'), std::string::npos) << error;
+        }
+}

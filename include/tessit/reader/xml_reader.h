@@ -325,6 +325,7 @@ private:
     QeXmlNamespaceStack namespaceStack;
     QeCString encoding, version, standalone;
     bool encodingDeclared = false, standaloneDeclared = false;
+    bool notesOpen = false;  // where a lenient reader matches tags, or reads through a window
     QeXmlName lastName;
     QeCString lastContent;
     QeXmlAttributeSet lastAttributes;

@@ -97,6 +97,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void convertWindow(voxal::PieceConverter&& converter, tessit::InputUnits units);
     void leaveBeginning() noexcept;
     bool hasBeginning() const noexcept;
+    std::size_t levelsInDocument() const noexcept;
+    void keepOpenTags(const char* keptFrom);
     bool isInDocument(const Written& written) const noexcept;
     void checkConversions();
     void declareEncodingInWindow(const QeCString& name);
@@ -141,7 +143,12 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
     const tessit::ElementPath& pathInDocument(const char* place) const;
     QeCString pathOfOpenElements(const char* place) const;
-    QeCString pathOfNames() const;
+    QeCString pathWithoutBeginning(const char* place) const;
+    std::vector<QeXmlOpenElement> listWithoutBeginning() const;
+    std::optional<QeXmlNote> noteWithoutBeginning(const char* text, const char* place) const;
+    std::size_t levelsInFrontOf(const char* place) const noexcept;
+    bool addElementsOfEntities(tessit::PathText& text) const;
+    void addElementsOfEntities(std::vector<QeXmlOpenElement>& elements) const;
     std::optional<QeXmlNote> noteOfInnermost(const char* text, const char* place) const;
     [[noreturn]] void refuseEndTag(const Written& tag, std::string_view name) const;
     [[noreturn]] void raiseUnmatched() const;

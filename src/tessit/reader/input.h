@@ -10,6 +10,7 @@
 #include <corvel/c_string.h>
 #include <tessit/errors/error_access.h>
 #include <tessit/rules/limits.h>
+#include <tessit/rules/rules.h>
 #include <tessit/rules/source.h>
 #include <tessit/rules/text_places.h>
 
@@ -99,6 +100,11 @@ public:
     /// All in front of the place is about to go: returns where it stands in the document. Then what is left begins
     /// elsewhere, with that position.
     QeXmlPosition leaveBehind(const char* place);
+
+    /// Before that, of places in front of that one, in their order: it is cheap.
+    QeXmlPosition positionOnTheWay(const char* place) const {
+        return strict != nullptr ? tessit::leaveBehind(*strict, place) : placesInText().leave(place);
+    }
     void goOnIn(std::string_view text, const QeXmlPosition& beginning) noexcept;
 
     /// The same behind a conversion of all from the cursor on.

@@ -2,6 +2,7 @@
 
 #include <corvel/compiler.h>
 #include <tessit/reader/nodes.h>
+#include <tessit/reader/windowed.h>
 
 // Everything that is called here and stands in a header or in this file is made one
 // function: with the cursor in a register from one construct to the next, records read
@@ -98,6 +99,12 @@ TESSIT_NOINLINE void QeXmlReader::Engine::noteOpen(std::string_view name) {
     openElements.push(name);
 }
 
+inline void QeXmlReader::Engine::NodeReader::noteOpen(const tessit::RawName& name) {
+    if (engine.windowed != nullptr && reader.depth > 0)
+        engine.windowed->openTags.open(static_cast<std::size_t>(reader.depth) - 1, name.data - 1);
+    if (reader.matchesTags) engine.noteOpen(name.whole());
+}
+
 // Whether the end tag is written like the start tag of the innermost element, as most are: that is closed then.
 TESSIT_NOINLINE bool QeXmlReader::Engine::closesInnermost() noexcept {
     return openElements.popIf(slots.elementAsWritten());
@@ -137,7 +144,7 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
         reader.lastNodeType = ElementStart;
         engine.slots.writeElementName(name);
         engine.lastTag.begin = name.data - 1;
-        if (reader.matchesTags) engine.noteOpen(name.whole());
+        if (reader.notesOpen) noteOpen(name);
         return;
     }
     reader.lastNodeType = EmptyElement;

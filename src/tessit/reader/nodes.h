@@ -24,6 +24,7 @@ public:
 private:
     void readStartTag();
     void closeStartTag(const tessit::RawName& name);
+    void noteOpen(const tessit::RawName& name);
     void readEndTag();
     bool skipLastName() noexcept;
     void matchEndTag();

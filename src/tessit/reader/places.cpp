@@ -9,6 +9,7 @@
 #include <tessit/reader/conforming.h>
 #include <tessit/reader/element_path.h>
 #include <tessit/reader/hints.h>
+#include <tessit/reader/windowed.h>
 #include <tessit/rules/rules.h>
 
 using tessit::ElementPath;
@@ -105,19 +106,14 @@ const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const 
 // Elements that an entity opened are known by their names alone.
 QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
     if (reader.depth <= 0) return QeCString();
-    if (!hasBeginning()) return pathOfNames();
+    if (!hasBeginning()) return pathWithoutBeginning(place);
     const ElementPath& inDocument = pathInDocument(place);
     tessit::PathText text;
     const auto nameOf = [&](std::size_t level) {
         return tessit::nameInTag(inDocument.element(level).tag, tessit::PathText::MostOfName);
     };
     std::size_t first = 0, last = inDocument.depth();
-    bool hasRoom = true;
-    if (conforming != nullptr && !conforming->entities.empty()) {
-        const auto fromEntities = static_cast<std::size_t>(reader.depth - conforming->entities.front().depth);
-        for (const std::string_view name : openElements.innermost(std::min(fromEntities, tessit::PathText::MostSteps)))
-            if (!(hasRoom = text.addInnermost(name, 0))) break;
-    }
+    const bool hasRoom = addElementsOfEntities(text);
     while (first != last && text.addOutermost(nameOf(first), inDocument.element(first).index))
         ++first;
     while (hasRoom && first != last && text.addInnermost(nameOf(last - 1), inDocument.element(last - 1).index))
@@ -125,14 +121,57 @@ QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
     return text.whole(hasRoom && first == last);
 }
 
-// What is known without the document's beginning, where tags are matched: names, but no numbers.
-QeCString QeXmlReader::Engine::pathOfNames() const {
-    if (openElements.empty()) return QeCString();
+// Whether there is room for more.
+bool QeXmlReader::Engine::addElementsOfEntities(tessit::PathText& text) const {
+    if (conforming == nullptr || conforming->entities.empty()) return true;
+    const auto fromEntities = static_cast<std::size_t>(reader.depth - conforming->entities.front().depth);
+    for (const std::string_view name : openElements.innermost(std::min(fromEntities, tessit::PathText::MostSteps)))
+        if (!text.addInnermost(name, 0)) return false;
+    return true;
+}
+
+// The end tag that a lenient reader is about has closed its element already.
+std::size_t QeXmlReader::Engine::levelsInFrontOf(const char* place) const noexcept {
+    const std::size_t levels = levelsInDocument();
+    if (conforming != nullptr || reader.lastNodeType != ElementEnd || lastNode.begin == nullptr) return levels;
+    const bool isInTag = place == lastNode.begin ||
+                         tessit::endOfMarkup(lastNode.begin, place, reader.expandAttributeReference) == nullptr;
+    return levels + (isInTag && reader.depth >= 0 ? 1 : 0);
+}
+
+// What is known without the document's beginning: names, but no numbers.
+QeCString QeXmlReader::Engine::pathWithoutBeginning(const char* place) const {
+    const tessit::OpenTags& tags = windowed->openTags;
+    const auto nameOf = [&](std::size_t level) {
+        const QeXmlOpenElement* const kept = tags.findKept(level);
+        if (kept != nullptr) return std::string_view(kept->name).substr(0, tessit::PathText::MostOfName);
+        const char* const tag = tags.tag(level);
+        return tag == nullptr ? std::string_view() : tessit::nameInTag(tag, tessit::PathText::MostOfName);
+    };
     tessit::PathText text;
-    bool hasRoom = true;
-    for (const std::string_view name : openElements.innermost(static_cast<std::size_t>(reader.depth)))
-        if (!(hasRoom = text.addInnermost(name, 0))) break;
-    return text.whole(hasRoom);
+    const bool hasRoom = addElementsOfEntities(text);
+    std::size_t first = 0, last = levelsInFrontOf(place);
+    while (first != last && !nameOf(first).empty() && text.addOutermost(nameOf(first), 0))
+        ++first;
+    while (hasRoom && first != last && !nameOf(last - 1).empty() && text.addInnermost(nameOf(last - 1), 0))
+        --last;
+    return text.whole(hasRoom && first == last);
+}
+
+// Of those whose tags nobody knows, there is nothing to say.
+std::vector<QeXmlOpenElement> QeXmlReader::Engine::listWithoutBeginning() const {
+    std::vector<QeXmlOpenElement> elements;
+    const std::size_t levels = levelsInDocument();
+    for (std::size_t level = 0; level != levels; ++level) {
+        const QeXmlOpenElement* const kept = windowed->openTags.findKept(level);
+        const char* const tag = windowed->openTags.tag(level);
+        if (kept != nullptr)
+            elements.push_back(*kept);
+        else if (tag != nullptr)
+            elements.push_back({QeCString(tessit::nameInTag(tag)), spanOfTag(tag)});
+    }
+    addElementsOfEntities(elements);
+    return elements;
 }
 
 QeXmlSpan QeXmlReader::Engine::spanOfTag(const char* tag) const {
@@ -144,13 +183,20 @@ QeXmlSpan QeXmlReader::Engine::spanOfTag(const char* tag) const {
 
 std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
     std::vector<QeXmlOpenElement> elements;
-    if (reader.depth <= 0 || !hasBeginning()) return elements;
+    if (reader.depth <= 0) return elements;
+    if (!hasBeginning()) return listWithoutBeginning();
     const ElementPath& inDocument = pathInDocument(input.position());
     for (std::size_t level = 0; level != inDocument.depth(); ++level) {
         const char* const tag = inDocument.element(level).tag;
         elements.push_back({QeCString(tessit::nameInTag(tag)), spanOfTag(tag)});
     }
-    if (conforming == nullptr || conforming->entities.empty()) return elements;
+    addElementsOfEntities(elements);
+    return elements;
+}
+
+// They stand where the reference does.
+void QeXmlReader::Engine::addElementsOfEntities(std::vector<QeXmlOpenElement>& elements) const {
+    if (conforming == nullptr || conforming->entities.empty()) return;
     const Conforming::OpenEntity& outermost = conforming->entities.front();
     const Source& entity = outermost.entity->source;
     const QeXmlSpan reference = spanOf({entity.reference, entity.parent}, outermost.resume);
@@ -158,12 +204,23 @@ std::vector<QeXmlOpenElement> QeXmlReader::Engine::listOpenElements() const {
     std::ranges::reverse(names);
     for (const std::string_view name : names)
         elements.push_back({QeCString(name), reference});
-    return elements;
+}
+
+std::optional<QeXmlNote> QeXmlReader::Engine::noteWithoutBeginning(const char* text, const char* place) const {
+    const std::size_t levels = levelsInFrontOf(place);
+    if (levels == 0) return std::nullopt;
+    const QeXmlOpenElement* const kept = windowed->openTags.findKept(levels - 1);
+    const char* const tag = windowed->openTags.tag(levels - 1);
+    if (kept != nullptr && !kept->name.empty())
+        return QeXmlNote{text, {input.getSourceName(), kept->tag.begin}, QeXmlExcerpt()};
+    if (kept != nullptr || tag == nullptr) return std::nullopt;
+    if (conforming != nullptr) return tessit::noteIn(conforming->document.source, tag, text);
+    return QeXmlNote{text, {input.getSourceName(), input.positionOf(tag)}, input.excerptAt(tag)};
 }
 
 // The start tag of the innermost element of the document's own text that is open in front of a place.
 std::optional<QeXmlNote> QeXmlReader::Engine::noteOfInnermost(const char* text, const char* place) const {
-    if (!hasBeginning()) return std::nullopt;
+    if (!hasBeginning()) return noteWithoutBeginning(text, place);
     const ElementPath& inDocument = pathInDocument(place);
     if (inDocument.depth() == 0) return std::nullopt;
     const char* const tag = inDocument.element(inDocument.depth() - 1).tag;

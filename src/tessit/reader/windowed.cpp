@@ -26,7 +26,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
         windowed = std::make_unique<Windowed>(std::move(source), conforming != nullptr, nodes);
     else
         windowed->begin(std::move(source));
-    reader.readsApart = true;
+    reader.readsApart = reader.notesOpen = true;
     if (conforming != nullptr) return openConformingWindow();
     while (windowed->window.text().size() < FirstBytes && windowed->window.read())
         ;
@@ -47,6 +47,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
 void QeXmlReader::Engine::leaveWindow() noexcept {
     windowed.reset();
     reader.readsApart = conforming != nullptr || limits != nullptr;
+    reader.notesOpen = reader.matchesTags;
 }
 
 namespace {
@@ -211,6 +212,7 @@ void QeXmlReader::Engine::moveWindow() {
     if (rawCopy != nullptr) rawCopy->keepRun();
     slots.forgetDocument();
     if (conforming != nullptr) conforming->tags.keepNames();
+    keepOpenTags(keptFrom);
     const QeXmlPosition beginning = input.leaveBehind(keptFrom);
     windowed->window.moveFrom(dropped);
     windowed->finder.drop(dropped);
@@ -218,6 +220,7 @@ void QeXmlReader::Engine::moveWindow() {
     const auto move = [=](const char*& place) {
         place = place == nullptr || place < keptFrom ? nullptr : begin + (place - keptFrom);
     };
+    windowed->openTags.moveTo(levelsInDocument(), keptFrom, begin);
     move(pendingStart);
     for (Written* const written : {&lastNode, &lastTag})
         if (isInDocument(*written)) move(written->begin);
@@ -230,6 +233,22 @@ void QeXmlReader::Engine::moveWindow() {
     showWindow(begin + cursorBehind);
     input.goOnIn(windowed->window.text(), beginning);
     if (rawCopy != nullptr) rawCopy->goOn();
+}
+
+// The elements that the document's own text has opened.
+std::size_t QeXmlReader::Engine::levelsInDocument() const noexcept {
+    const bool isInEntity = conforming != nullptr && !conforming->entities.empty();
+    const std::ptrdiff_t depth = isInEntity ? conforming->entities.front().depth : reader.depth;
+    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(depth, 0));
+}
+
+void QeXmlReader::Engine::keepOpenTags(const char* keptFrom) {
+    windowed->openTags.leave(levelsInDocument(), keptFrom, [this](const char* tag) {
+        const char* const found = tessit::endOfMarkup(tag, input.limit(), reader.expandAttributeReference);
+        const QeXmlPosition begin = input.positionOnTheWay(tag);
+        return QeXmlOpenElement{QeCString(tessit::nameInTag(tag)),
+                                {begin, input.positionOnTheWay(found == nullptr ? tag : found)}};
+    });
 }
 
 // And not in what an entity brought.

@@ -5,6 +5,7 @@
 
 #include <tessit/reader/engine.h>
 #include <tessit/reader/node_finder.h>
+#include <tessit/reader/open_tags.h>
 #include <tessit/reader/window.h>
 
 /// What a reader has besides whose document comes piece by piece: the part of it that is in memory, and up to where
@@ -18,11 +19,13 @@ struct QeXmlReader::Engine::Windowed {
         window.reset(std::move(source));
         isInProlog = true;
         isInEpilog = hasMoved = false;
+        openTags.clear();
         fault = nullptr;
     }
 
     tessit::Window window;
     tessit::NodeFinder finder;
+    tessit::OpenTags openTags;
     const char* nodesUpTo = nullptr;  // a node that begins in front of it can be read
     const char* textsUpTo = nullptr;  // all up to the next tag can, from a place in front of it
 

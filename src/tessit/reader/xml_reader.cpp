@@ -124,6 +124,7 @@ void QeXmlReader::takePendingOrApart() {
 void QeXmlReader::setMatchTags(bool match) noexcept {
     if (engine->conforming != nullptr) return;
     matchesTags = match;
+    notesOpen = match || engine->windowed != nullptr;
     engine->openElements.clear();
 }
 

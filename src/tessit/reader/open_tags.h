@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include <corvel/c_string.h>
+#include <corvel/compiler.h>
+#include <tessit/errors/xml_position.h>
+#include <tessit/reader/written_markup.h>
+
+namespace tessit {
+
+/// Where the start tags of the open elements stand, by their level, in a document whose text comes and goes: of those
+/// that are gone, names and positions are kept, for so many levels.
+class OpenTags {
+public:
+    static constexpr std::size_t MostKept = 1024;
+
+    /// An element of that level begins at the '<'; at null if it stands in no text that comes and goes.
+    void open(std::size_t level, const char* tag) {
+        if (level < keptLevels || level >= tags.size()) [[unlikely]]
+            makeRoom(level);
+        tags[level] = tag;
+    }
+
+    /// What is in front of the place is about to go; what stands behind it moves to `begin`. Elements are open at as
+    /// many levels. `keep` tells of a tag what is kept of it, from the outermost on.
+    template <typename Keep>
+    void leave(std::size_t levels, const char* keptFrom, const Keep& keep) {
+        dropKept(levels);
+        while (kept.size() < levels && kept.size() != MostKept) {
+            const char* const tag = tags[kept.size()];
+            if (tag != nullptr && tag >= keptFrom) break;
+            kept.push_back(tag == nullptr ? QeXmlOpenElement() : keep(tag));
+            keptLevels = kept.size();
+        }
+    }
+    void moveTo(std::size_t levels, const char* keptFrom, const char* begin) noexcept {
+        for (std::size_t level = kept.size(); level < levels; ++level)
+            if (const char*& tag = tags[level]; tag != nullptr)
+                tag = tag < keptFrom ? nullptr : begin + (tag - keptFrom);
+    }
+
+    /// What was kept of the element of that level; null if its tag may still be there.
+    const QeXmlOpenElement* findKept(std::size_t level) const noexcept {
+        return level < kept.size() ? &kept[level] : nullptr;
+    }
+
+    /// Its tag; null if nobody knows.
+    const char* tag(std::size_t level) const noexcept { return level < tags.size() ? tags[level] : nullptr; }
+
+    void clear() noexcept { dropKept(0); }
+
+private:
+    TESSIT_NOINLINE void makeRoom(std::size_t level) {
+        dropKept(level);
+        if (level >= tags.size()) tags.resize(level + level / 2 + 16);
+    }
+
+    void dropKept(std::size_t level) noexcept {
+        if (level >= kept.size()) return;
+        kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(level), kept.end());
+        keptLevels = level;
+    }
+
+    std::vector<const char*> tags;
+    std::vector<QeXmlOpenElement> kept;  // of the outermost levels
+    std::size_t keptLevels = 0;          // its size, at hand
+};
+
+}  // namespace tessit
