@@ -46,7 +46,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
 
 void QeXmlReader::Engine::leaveWindow() noexcept {
     windowed.reset();
-    reader.readsApart = conforming != nullptr || limits != nullptr;
+    reader.readsApart = conforming != nullptr || limits != nullptr || judge() != nullptr;
     reader.notesOpen = reader.matchesTags;
 }
 
