@@ -1,13 +1,14 @@
 // Files, by what the system has for them.
 
 #include <cerrno>
+#include <string>
 #include <system_error>
 #include <utility>
 
 #include <tessit/errors/xml_input_error.h>
 #include <tessit/reader/byte_source.h>
 
-#if defined(__unix__) || defined(__APPLE__)
+#if (defined(__unix__) || defined(__APPLE__))
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -129,8 +130,80 @@ std::unique_ptr<ByteSource> mapFile(const std::filesystem::path& path) {
 
 }  // namespace tessit
 
-#else
+#else  // by the standard library alone
 
-#error "reading files is written for POSIX systems: another one needs its own functions here"
+#include <fstream>
+
+#include <corvel/c_string.h>
+
+namespace tessit {
+
+namespace {
+
+[[noreturn]] void raise(const QeCString& name, std::errc error) {
+    throw QeXmlInputError(name, std::make_error_code(error));
+}
+
+class FileSource : public ByteSource {
+public:
+    explicit FileSource(const std::filesystem::path& path) : name(path.string()) {
+        std::error_code error;
+        if (std::filesystem::is_directory(path, error)) raise(name, std::errc::is_a_directory);
+        if (file.open(path, std::ios_base::in | std::ios_base::binary) == nullptr)
+            raise(name,
+                  std::filesystem::exists(path, error) ? std::errc::io_error : std::errc::no_such_file_or_directory);
+        const auto length = std::filesystem::file_size(path, error);
+        if (!error && length != 0 && std::filesystem::is_regular_file(path, error)) expected = length;
+    }
+
+    std::size_t read(std::span<char> room) override {
+        const std::streamsize count = file.sgetn(room.data(), static_cast<std::streamsize>(room.size()));
+        bytesRead += static_cast<std::uint64_t>(count);
+        if (count == 0 && bytesRead < expected.value_or(0))
+            throw QeXmlInputError(name, std::make_error_code(std::errc::io_error), "it ends before its size says so");
+        return static_cast<std::size_t>(count);
+    }
+
+    std::optional<std::uint64_t> size() const noexcept override { return expected; }
+
+private:
+    QeCString name;
+    std::filebuf file;
+    std::optional<std::uint64_t> expected;  // bytes, of a file that has a size
+    std::uint64_t bytesRead = 0;
+};
+
+class ReadFile : public ByteSource {
+public:
+    explicit ReadFile(const std::filesystem::path& path) {
+        FileSource file(path);
+        std::string piece(64 * 1024, '\0');
+        while (const std::size_t count = file.read(piece))
+            text.append(piece.data(), count);
+    }
+    std::optional<std::string_view> whole() const noexcept override { return text; }
+    std::size_t read(std::span<char> /*unused*/) override { return 0; }
+    std::optional<std::uint64_t> size() const noexcept override { return text.size(); }
+
+private:
+    std::string text;
+};
+
+}  // namespace
+
+std::unique_ptr<ByteSource> openFile(const std::filesystem::path& path) {
+    return std::make_unique<FileSource>(path);
+}
+
+// The standard library knows no descriptors.
+std::unique_ptr<ByteSource> openDescriptor(int /*unused*/, const QeCString& name) {
+    raise(name, std::errc::function_not_supported);
+}
+
+std::unique_ptr<ByteSource> mapFile(const std::filesystem::path& path) {
+    return std::make_unique<ReadFile>(path);
+}
+
+}  // namespace tessit
 
 #endif

@@ -238,8 +238,8 @@ void QeXmlReader::Engine::moveWindow() {
 // The elements that the document's own text has opened.
 std::size_t QeXmlReader::Engine::levelsInDocument() const noexcept {
     const bool isInEntity = conforming != nullptr && !conforming->entities.empty();
-    const std::ptrdiff_t depth = isInEntity ? conforming->entities.front().depth : reader.depth;
-    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(depth, 0));
+    const std::ptrdiff_t levels = isInEntity ? conforming->entities.front().depth : reader.depth;
+    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(levels, 0));
 }
 
 void QeXmlReader::Engine::keepOpenTags(const char* keptFrom) {
