@@ -111,6 +111,8 @@ def conforming_rows(figures):
     """The same as target_rows, for the conforming loop."""
     expat, libxml2, pugixml, lenient = (
         against(figures, name, CONFORMING) for name in ('Expat', 'libxml2 SAX2', 'pugixml', PULL))
+    record = against(figures, CONFORMING, 'tessit record')
+    offsets, spans = (against(figures, PULL, name) for name in ('tessit pull, offsets', 'tessit pull, spans'))
     return [
         ('conforming loop against Expat with namespaces, worst corpus', *expat.worst(), 2.0, None),
         ('conforming loop against Expat with namespaces, geometric mean', *expat.mean(), 3.0, None),
@@ -119,6 +121,9 @@ def conforming_rows(figures):
         ('conforming loop against pugixml, geometric mean', *pugixml.mean(), 1.2, None),
         ('conforming loop against the lenient one, worst corpus', *lenient.worst(), 0.6, None),
         ('conforming loop against the lenient one, geometric mean', *lenient.mean(), 0.75, None),
+        ('lenient loop with a record against the conforming one, geometric mean', *record.mean(), 0.7, None),
+        ('pull loop with the offset of each node against the one without, geometric mean', *offsets.mean(), 0.8, None),
+        ('pull loop with all spans against the one without, geometric mean', *spans.mean(), 0.8, None),
     ]
 
 

@@ -12,6 +12,9 @@
 #include <vector>
 
 #include <tessit/reader/xml_reader.h>
+#if __has_include(<tessit/reader/xml_record.h>)
+#include <tessit/reader/xml_record.h>
+#endif
 #include <tessit/sax/xml_sax_parser.h>
 #include <tessit/version.h>
 #include <tessit/writer/xml_string_writer.h>
@@ -31,10 +34,13 @@ void countStart(Tally& tally, const QeXmlName& name, const QeXmlAttributeSet& at
     }
 }
 
-Tally pullAll(QeXmlReader& reader) {
+// `look` is called with the reader at each node.
+template <typename Look>
+Tally pullAll(QeXmlReader& reader, const Look& look) {
     Tally tally;
     while (!reader.eof()) {
         reader.readNextNode();
+        look(reader);
         switch (reader.getLastNodeType()) {
             case QeXmlReader::EmptyElement:
             case QeXmlReader::ElementStart:
@@ -51,6 +57,10 @@ Tally pullAll(QeXmlReader& reader) {
         }
     }
     return tally;
+}
+
+Tally pullAll(QeXmlReader& reader) {
+    return pullAll(reader, [](const QeXmlReader&) {});
 }
 
 std::span<const unsigned char> bytesOf(const Document& document) {
@@ -142,6 +152,44 @@ void addWindowed(Contestants& all, const std::string& version) {
 }
 #else
 void addWindowed(Contestants&, const std::string&) {}
+#endif
+
+#if __has_include(<tessit/reader/xml_record.h>)
+Tally pullWithRecord(const Document& document) {
+    QeXmlRecord record;
+    QeXmlReader reader(bytesOf(document), {.record = &record});
+    const Tally tally = pullAll(reader);
+    return record.empty() ? tally : Tally();
+}
+
+// Where each node begins, kept as programs do that may have to say it later.
+Tally pullWithOffsets(const Document& document) {
+    QeXmlReader reader(bytesOf(document));
+    std::uint64_t sum = 0;
+    const Tally tally = pullAll(reader, [&](const QeXmlReader& node) { sum += node.getLastOffset(); });
+    return sum != 0 ? tally : Tally();
+}
+
+// The same with lines and columns, and those of each attribute's name and value.
+Tally pullWithSpans(const Document& document) {
+    QeXmlReader reader(bytesOf(document));
+    std::uint64_t sum = 0;
+    const Tally tally = pullAll(reader, [&](const QeXmlReader& node) {
+        sum += node.getLastSpan().end.line;
+        if (node.getLastNodeType() == QeXmlReader::Content || node.getLastNodeType() == QeXmlReader::ElementEnd) return;
+        for (const QeXmlAttribute& attribute : node.getLastAttributes())
+            sum += node.getAttributeSpans(attribute)->value.end.line;
+    });
+    return sum != 0 ? tally : Tally();
+}
+
+void addWithPlaces(Contestants& all, const std::string& version) {
+    all.readers.push_back({"tessit record", version, Role::Ours, Delivery{.xmlPrefix = false}, pullWithRecord});
+    all.readers.push_back({"tessit pull, offsets", version, Role::Ours, Delivery{.xmlPrefix = false}, pullWithOffsets});
+    all.readers.push_back({"tessit pull, spans", version, Role::Ours, Delivery{.xmlPrefix = false}, pullWithSpans});
+}
+#else
+void addWithPlaces(Contestants&, const std::string&) {}
 #endif
 
 class CountingHandler final : public QeXmlContentHandler {
@@ -307,6 +355,7 @@ void addTessit(Contestants& all) {
     all.readers.push_back({"tessit pull", version, Role::Ours, delivery, pullFromBuffer});
     addConforming(all, version);
     addWindowed(all, version);
+    addWithPlaces(all, version);
     all.readers.push_back({"tessit SAX", version, Role::Ours, delivery, parse});
     all.readers.push_back({"tessit pull, string", version, Role::Ours, delivery, pullFromString});
     all.readers.push_back({.name = "tessit demand",

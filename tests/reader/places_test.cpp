@@ -89,7 +89,10 @@ std::string readSpans(QeXmlReader& reader, const SpanChecker& checker) {
         reader.readNextNode();
         const bool opens = reader.getLastNodeType() == QeXmlReader::ElementStart ||
                            reader.getLastNodeType() == QeXmlReader::EmptyElement;
-        all += checker.textOf(reader.getLastSpan());
+        const QeXmlSpan span = reader.getLastSpan();
+        all += checker.textOf(span);
+        EXPECT_EQ(reader.getLastOffset(), span.begin.offset);
+        EXPECT_EQ(reader.getPosition(span.begin.offset)->line, span.begin.line);
         const QeXmlAttributeSet& attributes = reader.getLastAttributes();
         for (auto attribute = attributes.begin(); opens && attribute != attributes.end(); ++attribute) {
             const auto spans = reader.getAttributeSpans(*attribute);

@@ -204,6 +204,13 @@ public:
     /// Where the last node stands, as written.
     TESSIT_API QeXmlSpan getLastSpan() const;
 
+    /// How many bytes of the text as UTF-8 stand in front of the last node, from the document's true beginning on; of
+    /// one that entities brought, in front of the reference. O(1): what a program can keep of each node.
+    TESSIT_API std::uint64_t getLastOffset() const;
+
+    /// The position of such an offset; nothing once the text there is gone.
+    TESSIT_API std::optional<QeXmlPosition> getPosition(std::uint64_t offset) const;
+
     /// Where an attribute of the last tag that opened an element stands; nothing for a declared default. Of several
     /// that are written alike, which a lenient reader takes for one, the first name and the last value.
     TESSIT_API std::optional<QeXmlAttributeSpans> getAttributeSpans(const QeXmlAttribute& attribute) const;

@@ -137,6 +137,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     QeXmlPosition endOf(const Written& written, const char* end) const;
     QeXmlSpan spanOf(const Written& written, const char* end) const;
     QeXmlSpan spanOfLastNode() const;
+    std::uint64_t offsetOfLastNode() const;
+    std::optional<QeXmlPosition> positionOf(std::uint64_t offset) const;
     QeXmlExcerpt excerptAt(const QeXmlPosition& position) const;
     QeXmlSpan spanOfTag(const char* tag) const;
     tessit::WrittenAttributes& attributesOfLastTag();

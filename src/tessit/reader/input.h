@@ -145,6 +145,10 @@ public:
     /// Has questions about places of a lenient reader's document that are not far behind this one cost little.
     void dropAnchor(const char* place) const { placesInText().dropAnchor(place); }
 
+    /// The same for places by how many bytes of the text stand in front of them.
+    std::uint64_t offsetOf(const char* place) const { return placesInText().offsetAt(place); }
+    const char* placeOf(std::uint64_t offset) const { return placesInText().placeOf(offset); }
+
     /// What stays of a lenient reader's document, without a mark in front.
     std::string_view textBehindMark() const { return placesInText().whole(); }
 

@@ -62,6 +62,22 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
     return spanOf(lastNode, end == nullptr ? lastNode.begin : end);
 }
 
+std::uint64_t QeXmlReader::Engine::offsetOfLastNode() const {
+    Written at = lastNode;
+    if (at.begin == nullptr) at = {input.position(), conforming == nullptr ? nullptr : &input.source()};
+    if (at.source == nullptr) return input.offsetOf(at.begin);
+    while (at.source->parent != nullptr)
+        at = {at.source->reference, at.source->parent};
+    return offsetIn(*at.source, at.begin);
+}
+
+std::optional<QeXmlPosition> QeXmlReader::Engine::positionOf(std::uint64_t offset) const {
+    const Source* const document = conforming == nullptr ? nullptr : &conforming->document.source;
+    const char* const place = document == nullptr ? input.placeOf(offset) : placeOf(*document, offset);
+    if (place == nullptr) return std::nullopt;
+    return positionIn({place, document}, place);
+}
+
 tessit::WrittenAttributes& QeXmlReader::Engine::attributesOfLastTag() {
     return makeFoundOut().ofLastTag;
 }
@@ -274,6 +290,14 @@ QeXmlExcerpt QeXmlReader::Engine::excerptAt(const QeXmlPosition& position) const
 
 QeXmlSpan QeXmlReader::getLastSpan() const {
     return engine->spanOfLastNode();
+}
+
+std::uint64_t QeXmlReader::getLastOffset() const {
+    return engine->offsetOfLastNode();
+}
+
+std::optional<QeXmlPosition> QeXmlReader::getPosition(std::uint64_t offset) const {
+    return engine->positionOf(offset);
 }
 
 std::optional<QeXmlAttributeSpans> QeXmlReader::getAttributeSpans(const QeXmlAttribute& attribute) const {

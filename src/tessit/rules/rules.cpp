@@ -178,6 +178,14 @@ const char* findIn(const Source& source, const QeXmlPosition& position) {
     return placesOf(source).find(position);
 }
 
+std::uint64_t offsetIn(const Source& source, const char* place) {
+    return placesOf(source).offsetAt(place);
+}
+
+const char* placeOf(const Source& source, std::uint64_t offset) {
+    return placesOf(source).placeOf(offset);
+}
+
 QeXmlExcerpt excerptIn(const Source& source, const char* place) {
     return excerptOf(toldIn(source, place));
 }

@@ -80,6 +80,11 @@ QeXmlPlace placeIn(const Source& source, const char* place);
 /// The place in a source that has places which has this position; null if none has.
 const char* findIn(const Source& source, const QeXmlPosition& position);
 
+/// How many bytes stand in front of a place in a source that has places, and the place that has so many; null if none
+/// has. O(1).
+std::uint64_t offsetIn(const Source& source, const char* place);
+const char* placeOf(const Source& source, std::uint64_t offset);
+
 /// The line of a place, told as `placeIn` tells places. O(1).
 QeXmlExcerpt excerptIn(const Source& source, const char* place);
 

@@ -201,8 +201,8 @@ QeXmlPosition TextPlaces::at(const char* place) {
 }
 
 const char* TextPlaces::find(const QeXmlPosition& position) {
-    if (position.offset < base.offset || position.offset - base.offset > text.size()) return nullptr;
-    const char* const place = text.data() + (position.offset - base.offset);
+    const char* const place = placeOf(position.offset);
+    if (place == nullptr) return nullptr;
     const QeXmlPosition found = at(place);
     return found.line == position.line && found.column == position.column ? place : nullptr;
 }

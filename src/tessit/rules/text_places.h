@@ -36,6 +36,17 @@ public:
     /// The position of a place in the text, or behind it.
     QeXmlPosition at(const char* place);
 
+    /// How many bytes stand in front of a place in the text, from the document's beginning on. O(1).
+    std::uint64_t offsetAt(const char* place) const noexcept {
+        return base.offset + static_cast<std::uint64_t>(place - text.data());
+    }
+
+    /// The place in the text that has that offset; null if none has. O(1).
+    const char* placeOf(std::uint64_t offset) const noexcept {
+        const bool isHere = offset >= base.offset && offset - base.offset <= text.size();
+        return isHere ? text.data() + (offset - base.offset) : nullptr;
+    }
+
     /// The place in the text that has that position; null if none has.
     const char* find(const QeXmlPosition& position);
 
