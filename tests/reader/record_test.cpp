@@ -23,6 +23,10 @@ const Case Cases[] = {
     {"<r><a b='1' c='2'/><a b='1' b='2'/><a b='1'c='2'/><a b='1' c='<'/><a b='1' c='2'/></r>",
      "1:29 duplicate-attribute, 1:44 white-space, 1:63 less-than-in-value, 1:64 not-read"},
     {"<r><p:a xmlns:p='u' p:b=''/><p:a p:b=''/></r>", "1:30 unbound-prefix, 1:34 unbound-prefix"},
+    {"<r><x xmlns:p='u'><p:a p:b=''/></x><p:a p:b=''/></r>", "1:37 unbound-prefix, 1:41 unbound-prefix"},
+    {"<a xmlns:p='u'><a xmlns:p=''/></a>", "1:19 empty-prefix-declaration"},
+    {"<a:b:c/>", "1:5 colon"},
+    {"<r><a b='1' b='2'/><a b='1' b='2'/></r>", "1:13 duplicate-attribute, 1:29 duplicate-attribute"},
     {"<r xmlns:p='u'><p:a p:b=''/><b xmlns:p='v' xmlns:q='v'><p:a p:b='' q:b=''/></b></r>", "1:68 duplicate-attribute"},
     {"<a b='1'\r\n\r\n  b='2'/>", "3:3 duplicate-attribute"},
     {"<a>\x01<b c='\xC3'/></a>", "1:4 character, 1:11 malformed-encoding"},
@@ -54,6 +58,13 @@ TEST(Record, HasAllThatIsWrong) {
         readInto(record, xml);
         EXPECT_EQ(describeAll(record), entries) << xml;
     }
+}
+
+// The words of one fault are not those of another.
+TEST(Record, SaysWhatEndsTheDocument) {
+    QeXmlRecord record;
+    readInto(record, "<a>\x01");
+    EXPECT_EQ(std::string_view(record.getEntries().back().why()), "the document ends before it is complete");
 }
 
 // Of any document, by any way into the reader, the first ones are kept, and all counted.
