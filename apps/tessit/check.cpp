@@ -10,7 +10,7 @@
 #include "command.h"
 #include "console.h"
 #include "input.h"
-#include "limits.h"
+#include "limit_options.h"
 #include "progress.h"
 
 namespace {

@@ -16,7 +16,7 @@
 #include "document_walk.h"
 #include "escape.h"
 #include "input.h"
-#include "limits.h"
+#include "limit_options.h"
 #include "progress.h"
 
 namespace {

@@ -63,7 +63,7 @@ TEST(Record, HasAllThatIsWrong) {
 // The words of one fault are not those of another.
 TEST(Record, SaysWhatEndsTheDocument) {
     QeXmlRecord record;
-    readInto(record, "<a>\x01");
+    readInto(record, "<a>\x01<b/>");
     EXPECT_EQ(std::string_view(record.getEntries().back().why()), "the document ends before it is complete");
 }
 

@@ -1,4 +1,4 @@
-#include "limits.h"
+#include "limit_options.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
