@@ -1,11 +1,12 @@
 // The record of what a lenient reader forgives: it changes nothing that is delivered, is in order, and has the
 // fault that a conforming reader finds, if there is one.
 
+#include "support/record.h"
+
 #include <algorithm>
 #include <string>
 
 #include "fuzzing.h"
-#include "support/record.h"
 
 using tessit::fuzz::require;
 using tessit::fuzz::textOf;

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -38,8 +39,8 @@ void apply(QeXmlLimits& limits, std::string_view limit) {
     if (field == std::end(Fields)) refuse(limit, "there is no such limit");
     const std::string_view number = limit.substr(std::min(name.size() + 1, limit.size()));
     const char* const end = number.data() + number.size();
-    if (number.empty() || std::from_chars(number.data(), end, limits.*field->field).ptr != end)
-        refuse(limit, "a number was expected behind '='");
+    const auto [behind, error] = std::from_chars(number.data(), end, limits.*field->field);
+    if (behind != end || error != std::errc()) refuse(limit, "a number below 2^64 was expected behind '='");
 }
 
 void applyAll(QeXmlLimits& limits, std::string_view list) {

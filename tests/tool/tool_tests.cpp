@@ -341,10 +341,12 @@ const struct {
      "good:1:1: error: more than 0 elements within each other\ngood:1:2: error: more than 3 bytes in a name\n"
      "like:2:2: error: more than 3 bytes in a name\n",
      2},
-    {"tessit check --limits none=1 good; tessit check --limits depth= good; tessit check --limits depth=1x good", "",
+    {"tessit check --limits none=1 good; tessit check --limits depth= good;"
+     "tessit check --limits strangers,depth=18446744073709551616 good",
+     "",
      "tessit: error: --limits: none=1: there is no such limit" + See +
-         "tessit: error: --limits: depth=: a number was expected behind '='" + See +
-         "tessit: error: --limits: depth=1x: a number was expected behind '='" + See,
+         "tessit: error: --limits: depth=: a number below 2^64 was expected behind '='" + See +
+         "tessit: error: --limits: depth=18446744073709551616: a number below 2^64 was expected behind '='" + See,
      2},
     {"tessit events --external good", "", "tessit: error: --external requires --conforming" + See, 2},
     // The base is where the declaration stands; faults are told of the entity that has them, notes do not count.

@@ -37,8 +37,8 @@ constexpr QeXmlNodes operator|(QeXmlNodes left, QeXmlNodes right) noexcept {
 /// How a reader is to read: `QeXmlReader reader(bytes, {.rules = QeXmlRules::Conforming})`.
 ///
 /// All but the source's name, the limits and the record is for conforming readers, and without effect on a
-/// lenient one. Later versions append fields; programs that were built with fewer of them go on as
-/// if these had their defaults.
+/// lenient one; a record heeds `namespaces`, too. Later versions append fields; programs that were built with fewer of
+/// them go on as if these had their defaults.
 struct QeXmlReaderOptions {
     QeXmlRules rules = QeXmlRules::Lenient;
 
@@ -71,8 +71,8 @@ struct QeXmlReaderOptions {
     /// What a document may have at most, of lenient readers, too.
     QeXmlLimits limits = {};
 
-    /// Of a lenient reader: what it is to forgive is added there; null: nobody asks. Not owned; to live as long as the
-    /// reader.
+    /// Of a lenient reader: what it forgives goes there; null: nobody asks. A conforming one leaves it as it is. Not
+    /// owned; to live as long as the reader.
     QeXmlRecord* record = nullptr;
 
     struct Passed;

@@ -13,7 +13,8 @@
 /// the reader itself refuses is added when it does. O(bytes) in all, plus sorting the attributes of each tag.
 ///
 /// For a document without a document type that the reader reads to its end, the record is empty exactly when a
-/// conforming reader accepts it. Three entries say what else there is to know:
+/// conforming reader accepts it, by the document's own mark and declaration: `QeXmlReaderOptions::encoding` does not
+/// count. Of the limits, that on the document bounds what is judged. Three entries say what else there is to know:
 /// - `document-type`: there is one. It is not judged itself, nor are the rules that need declarations: references to
 ///   entities and prefixes without a binding pass.
 /// - `not-judged-further`: from there on, the two modes would read different documents, or the bytes mean nothing.

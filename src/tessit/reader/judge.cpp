@@ -63,8 +63,8 @@ TESSIT_NOINLINE void Judge::begin(std::string_view bytes) {
 // A lenient reader counts lines in another way.
 QeXmlPosition Judge::positionOf(const QeXmlParseError& error) const {
     const QeXmlPosition& position = error.getPosition();
-    if (position.offset < markInText() || position.offset - markInText() > source.text.size()) return position;
-    return placeIn(source, source.begin() + (position.offset - markInText())).position;
+    const std::uint64_t offset = position.offset - std::min(position.offset, markInText());  // a mark is not judged
+    return offset > source.text.size() ? position : placeIn(source, source.begin() + offset).position;
 }
 
 // --- What is recorded

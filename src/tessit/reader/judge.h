@@ -29,6 +29,9 @@ public:
     /// The place of a lenient reader's error, as it is counted here.
     QeXmlPosition positionOf(const QeXmlParseError& error) const;
 
+    /// Whether the text that was judged is no longer the bytes'.
+    bool ownsText() const noexcept { return !patched.empty() || !document.converted.empty(); }
+
     QeXmlRecord& getRecord() const noexcept { return record; }
 
     /// One with the same settings, which has seen nothing.

@@ -9,14 +9,15 @@
 
 void QeXmlReader::Engine::openRecord(std::string_view document) {
     if (judge() == nullptr) return;
-    besides->judge = judge()->forAnotherDocument();
     judge()->getRecord().clear();
+    besides->judge = judge()->forAnotherDocument();
     const bool isTooMuch = document.size() > input.limits().document;  // then nothing is looked at
     if (!isTooMuch) judge()->judge(document);
 }
 
 // A document is judged as a whole.
 void QeXmlReader::Engine::readWhole(tessit::ByteSource& source) {
+    judge()->getRecord().clear();  // whatever becomes of this
     char piece[4096];
     while (const std::size_t count = source.read(piece)) {
         reader.ownedDocument.append(piece, count);
@@ -24,12 +25,13 @@ void QeXmlReader::Engine::readWhole(tessit::ByteSource& source) {
     }
 }
 
-// What was converted has places of its own, and the bytes that were judged may be gone.
+// After a conversion, the bytes that were judged may be gone.
 void QeXmlReader::Engine::noteUnread(const QeXmlParseError& error) {
+    const bool isAsJudged = input.conversions() == 0 || judge()->ownsText();
+    const QeXmlPosition position = isAsJudged ? judge()->positionOf(error) : error.getPosition();
     tessit::ErrorAccess::Details details = tessit::ErrorAccess::detailsOf(error);
+    details.position = position;
     details.rule = "not-read";
-    if (input.conversions() == 0) details.position = judge()->positionOf(error);
-    QeXmlParseError entry(error);
-    tessit::ErrorAccess::setDetails(entry, std::move(details));
-    judge()->getRecord().add(entry);
+    judge()->getRecord().add(
+        tessit::ErrorAccess::make(error.why(), {error.getSourceFile(), position}, std::move(details)));
 }
