@@ -7,7 +7,7 @@
 namespace tessit {
 
 /// The size of the options in the first headers that had any, and in those that had limits, too.
-constexpr std::size_t SizeWithoutRecord = sizeof(QeXmlReaderOptions) - sizeof(QeXmlRecord*);
+constexpr std::size_t SizeWithoutRecord = sizeof(QeXmlReaderOptions) - sizeof(void*);
 constexpr std::size_t SizeWithoutLimits = SizeWithoutRecord - sizeof(QeXmlLimits);
 
 /// Whether a program knows all fields that this library does; a later one knows more.
