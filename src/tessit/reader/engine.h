@@ -104,6 +104,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void declareEncodingInWindow(const QeCString& name);
 
     // engine.cpp
+    Besides& makeBesides();
+
     /// Forgets the document.
     void reset();
 
@@ -179,13 +181,11 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     }
     [[noreturn]] void raiseExceeded(const tessit::Exceeded& exceeded) const;
 
+    /// The same where there may be none.
     template <typename Read>
     void readWithinLimits(const Read& read) {
         limits == nullptr ? read() : withinLimits(read);
     }
-
-    // engine.cpp
-    Besides& makeBesides();
 
     // record.cpp
     tessit::Judge* judge() const noexcept { return besides == nullptr ? nullptr : besides->judge.get(); }
@@ -193,7 +193,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void readWhole(tessit::ByteSource& source);
     void noteUnread(const QeXmlParseError& error);
 
-    /// The same, of a reader that may have a record, too: what it refuses goes there, unless there was nothing to read.
+    /// Reads a node of a lenient reader that may have limits or a record, where what it refuses goes, unless there was
+    /// nothing to read.
     template <typename Read>
     void readApart(const Read& read) {
         if (judge() == nullptr) return readWithinLimits(read);

@@ -16,14 +16,6 @@ namespace tessit {
 
 namespace {
 
-// Each XML declaration in a document converts the rest once more, and a
-// conversion can double it: a few of them would make a small document huge.
-// All conversions together may produce this many times the input's length, and
-// a constant for small documents; those with one declaration never come near it.
-constexpr std::uint64_t ConversionFactor = 16;
-constexpr std::uint64_t ConversionGrace = 4096;
-constexpr char TooManyConversions[] = "the document's encoding declarations make it grow too much";
-
 struct ByteOrderMark {
     std::string_view bytes;
     const char* encoding;
@@ -135,9 +127,20 @@ std::optional<Input::Converted> Input::convertRest(const QeCString& name) {
     return Converted{std::move(*text), units, positionOf(cursor), std::move(ofRest)};
 }
 
+// Each XML declaration in a document converts the rest once more, and a conversion can double it: a few of them would
+// make a small document huge. Documents with one declaration never come near this.
+std::uint64_t Input::mostConverted(std::uint64_t inputLength) noexcept {
+    constexpr std::uint64_t Factor = 16, Grace = 4096;
+    return Factor * (inputLength + Grace);
+}
+
+void Input::raiseTooManyConversions() const {
+    raiseTranscoding("the document's encoding declarations make it grow too much");
+}
+
 // How many bytes conversions may still produce.
 std::uint64_t Input::conversionAllowance() const noexcept {
-    return ConversionFactor * (length + ConversionGrace) - (ofCounts == nullptr ? 0 : ofCounts->bytesConverted);
+    return mostConverted(length) - (ofCounts == nullptr ? 0 : ofCounts->bytesConverted);
 }
 
 // Nothing, where the bytes are UTF-8 already.
@@ -154,7 +157,7 @@ std::optional<QeCString> Input::convertText(const QeCString& name, InputUnits& u
         text = voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance());
     else
         text = convertByTables(name, units);
-    if (!text) raiseTranscoding(TooManyConversions);
+    if (!text) raiseTooManyConversions();
     return text;
 }
 
@@ -165,7 +168,7 @@ QeCString Input::convertByTables(const QeCString& name, InputUnits& units) {
         if (converter.hasByteEach()) units = InputUnits::One;
         return converter.toUtf8(rest(), most);
     } catch (const QeUConversionTooLong&) {
-        raiseTranscoding(TooManyConversions);
+        raiseTooManyConversions();
     } catch (const Qexmsg& error) {
         raiseTranscoding(error.why());
     }

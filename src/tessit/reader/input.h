@@ -124,6 +124,11 @@ public:
 
     [[noreturn]] void raiseTranscoding(const char* reason) const;
 
+    /// How many bytes all conversions of an input of that length may make together, and what is raised where they make
+    /// more.
+    static std::uint64_t mostConverted(std::uint64_t inputLength) noexcept;
+    [[noreturn]] void raiseTooManyConversions() const;
+
     /// @}
 
     /// Tells the encoding by a mark or by the first bytes, and converts what is not UTF-8.

@@ -199,8 +199,7 @@ TESSIT_NOINLINE void Judge::judgeReference(const char* place) {
             return;
         }
         const std::string_view name = scanner.readReferenceName();
-        if (!hasDocumentType && Declarations::predefined(name).empty())
-            refuse(source, place, Rule::UndeclaredEntity, name);
+        if (!hasDocumentType) refuse(source, place, Rule::UndeclaredEntity, name);
     });
 }
 

@@ -115,7 +115,7 @@ private:
     Declared declared;
     ConformingTags tags;
     RawAttributes attributes;
-    std::vector<RawAttribute*> ordered, sameLocalName;  // working storage
+    std::vector<RawAttribute*> ordered;  // working storage
     QeCString meaning;
     Shape shapes[Shapes];
     std::vector<std::string_view> openElements;  // as their names are written

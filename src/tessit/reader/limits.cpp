@@ -72,9 +72,11 @@ void QeXmlReader::Engine::limitTag() {
     }
 }
 
-// A lenient reader takes any.
+// A lenient reader takes any; in a conforming one it has the name of a start tag. Few tags are longer than a name may
+// be.
 void QeXmlReader::Engine::limitEndTag() const {
-    if (lastNode.begin == nullptr) return;
+    if (conforming != nullptr || lastNode.begin == nullptr) return;
+    if (static_cast<std::uint64_t>(input.position() - lastNode.begin) <= limits->name) return;
     const std::string_view name = tessit::nameInTag(lastNode.begin);
     hold(name.size(), limits->name, Limit::Name, name.data());
 }

@@ -36,11 +36,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
     if (told != nullptr) converter = input.openPieces(told);
     if (converter) convertWindow(std::move(*converter), input.unitsOf(told));
     findFrom(NodeFinder::Where::Outside);
-    try {
-        NodeReader(*this).readProlog();
-    } catch (const tessit::Exceeded& exceeded) {
-        raiseExceeded(exceeded);
-    }
+    readWithinLimits([this] { NodeReader(*this).readProlog(); });
     windowed->isInProlog = false;
 }
 
@@ -282,18 +278,9 @@ bool QeXmlReader::Engine::fetchQuietly() noexcept {
 
 // --- Encodings
 
-namespace {
-
-// As for documents that are in memory as a whole, conversions may produce this many times what was read.
-constexpr std::uint64_t ConversionFactor = 16;
-constexpr std::uint64_t ConversionGrace = 4096;
-
-}  // namespace
-
 void QeXmlReader::Engine::checkConversions() {
     const tessit::Window& window = windowed->window;
-    if (window.bytesConverted() > ConversionFactor * (window.bytesRead() + ConversionGrace))
-        input.raiseTranscoding("the document's encoding declarations make it grow too much");
+    if (window.bytesConverted() > tessit::Input::mostConverted(window.bytesRead())) input.raiseTooManyConversions();
 }
 
 // Entered behind the encoding's name, in the declaration.
