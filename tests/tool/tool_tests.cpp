@@ -113,16 +113,19 @@ const struct {
     {"<a><p:b>", "start a {}\nstart p:b {}\n", ":1:9: error: Missing end tag for p:b\n"},
 };
 
-// A terminal of its own, in which the document comes late.
+// A terminal of its own, and a document that goes on until it is said how far it is, or that many times.
 TEST_F(Tool, ShowsOnATerminalHowFarItIs) {
-    const std::string comes = "{ echo '<a>'; sleep 1.1; printf '<b/>%.0s' {1..300}; echo '</a></a>'; }";
-    const auto show = [&](const std::string& command) {
-        writeFile("run", comes + " | '" TESSIT_TOOL "' " + command);
-        EXPECT_EQ(run("script -qec 'bash -c \"$(cat run)\"' /dev/null", ""), 1);
+    const auto show = [&](const std::string& command, const std::string& times) {
+        const std::string more = "grep -q MB output && break; printf '<b/>%.0s' {1..300}; sleep 0.05;";
+        writeFile("run", "{ echo '<a>'; for i in {1.." + times + "}; do " + more + " done; echo '</a></a>'; } | '" +
+                             TESSIT_TOOL "' " + command);
+        EXPECT_EQ(run("script -qfec 'bash -c \"$(cat run)\"' /dev/null", ""), 1);
         return contentOf("output");
     };
-    EXPECT_EQ(show("check -").find("\r<stdin>: 0 MB\x1B[K\r\x1B[K<stdin>:2:"), 0u);
-    EXPECT_EQ(show("check - --json").find("MB"), std::string::npos);
+    const std::string shown = show("check -", "600");
+    EXPECT_EQ(shown.find("\r<stdin>: 0 MB\x1B[K"), 0u);
+    EXPECT_NE(shown.find("\r\x1B[K<stdin>:2:"), std::string::npos);
+    EXPECT_EQ(show("check - --json", "30").find("MB"), std::string::npos);
 }
 
 TEST_F(Tool, PrintsOneLineForEachNodeAndTellsWhereADocumentIsRefused) {
