@@ -32,6 +32,7 @@ constexpr Case Cases[] = {
     {Content, Lenient, "</a x='>|"},            // quotes mean nothing there
     {Content, Lenient, "<a x='&lt;>&y'>;'>|"},  // a reference goes on to its semicolon
     {Content, Lenient, "<a x='&y'>|<b z=';'>|", false},
+    {Content, Lenient, "<a x='&'>|&<b>;<c|>|", false},  // if they are left, only behind the tag
     {Content, Lenient, "x&y<b>;<c|>|"},
     {Content, Lenient, "x<!-- <a> - -> -->y<b|>|"},
     {Content, Lenient, "<!-- a --b|"},

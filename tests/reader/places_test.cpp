@@ -279,6 +279,8 @@ const ErrorCase Errors[] = {
      "2:18  /html (this element is open 2:7) hint: this looks like HT"},
     {"<log a='1'/>\n<log a='2'/>", "2:1 second-root  hint: are these several ", "2:13  "},
     {"<log/>\n<b/>", "2:1 second-root ", "2:5  "},
+    {"<a></a>\n<b/>", "2:1 second-root ", "2:5  "},
+    {"<a></a>\n<!-- ", "2:6 unfinished-document ", "2:6  "},
     {"", "1:1 unfinished-document ", "1:1  "},
     {"order.xml\n", "1:1 text-outside-root  hint: is this a file's n", "1:2   hint: is this a file's n"},
     {"<?xml version='1.0'><a><b>", "1:20 xml-declaration ", "1:27  /a/b (this element is not closed 1:24)"},

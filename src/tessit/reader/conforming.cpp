@@ -66,6 +66,12 @@ void QeXmlReader::Engine::openConforming(std::string_view bytes) {
 
 // To be called where an exception was caught.
 void QeXmlReader::Engine::keepFault() {
+    const bool isInDocument = lastNode.source == &conforming->document.source;
+    keepFault(isInDocument ? lastNode.begin : input.position());
+}
+
+// The elements that are open in front of the place are the fault's.
+void QeXmlReader::Engine::keepFault(const char* place) {
     try {
         try {
             throw;
@@ -73,7 +79,7 @@ void QeXmlReader::Engine::keepFault() {
             raiseExceeded(exceeded);
         }
     } catch (QeXmlParseError& error) {
-        completeFault(error);
+        completeFault(error, place);
         conforming->fault = std::current_exception();
     } catch (...) {
         conforming->fault = std::current_exception();
@@ -81,11 +87,10 @@ void QeXmlReader::Engine::keepFault() {
 }
 
 // What cannot be said for lack of memory is left out.
-void QeXmlReader::Engine::completeFault(QeXmlParseError& error) const {
+void QeXmlReader::Engine::completeFault(QeXmlParseError& error, const char* place) const {
     try {
         tessit::ErrorAccess::Details details = tessit::ErrorAccess::detailsOf(error);
-        const bool isInDocument = lastNode.source == &conforming->document.source;
-        complete(details, isInDocument ? lastNode.begin : input.position());
+        complete(details, place);
         tessit::ErrorAccess::setDetails(error, std::move(details));
     } catch (const std::bad_alloc&) {
     }
@@ -116,7 +121,7 @@ void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
     try {
         ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave);
     } catch (...) {
-        keepFault();
+        keepFault(input.position());  // the last node is the root's end tag, in front of which the root is open
     }
 }
 

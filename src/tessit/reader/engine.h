@@ -67,7 +67,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void readConformingContent();
     void passOutsideOfRoot() noexcept;
     void keepFault();
-    void completeFault(QeXmlParseError& error) const;
+    void keepFault(const char* place);
+    void completeFault(QeXmlParseError& error, const char* place) const;
     [[noreturn]] void raiseFault();
     const char* positionInDocument() const noexcept;
     const char* nextInDocument() const noexcept;

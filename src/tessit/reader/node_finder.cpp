@@ -124,7 +124,7 @@ bool NodeFinder::find(Byte... bytes) noexcept {
 // --- Between markup
 
 // All that a text or a tag has is passed here but markup that is no tag, and references, which lenient readers take up
-// to the semicolon. Conforming ones refuse what is none.
+// to the semicolon, in values only if they are expanded. Conforming ones refuse what is none.
 bool NodeFinder::passBetween() noexcept {
     const char* const end = text.data() + text.size();
     const char* const from = text.data() + at;
@@ -134,8 +134,8 @@ bool NodeFinder::passBetween() noexcept {
     if (left() == 0) return false;
     if (text[at] == '&') {
         lookAtTag(at++);
-        isInTag = tagState != Tag::None && tagState != Tag::Whole;
-        return enter(State::Ampersand);
+        const bool isInTag = tagState != Tag::None && tagState != Tag::Whole;
+        return enter(isInTag && !expandsValues ? State::Between : State::Ampersand);
     }
     if (left() == 1) return false;
     markup = at;
@@ -173,11 +173,10 @@ void NodeFinder::noteTag(std::size_t place) noexcept {
     textEnd = place + 1;
 }
 
-// A reference goes on to its semicolon, be it behind markup. In the values of a tag that is only so if they are
-// expanded.
+// A reference goes on to its semicolon, be it behind markup.
 bool NodeFinder::passAmpersand() noexcept {
     if (!find(';', '<')) return false;
-    if (text[at] == '<') return enter(isInTag && !expandsValues ? State::Between : State::Swallowing);
+    if (text[at] == '<') return enter(State::Swallowing);
     ++at;
     return enter(State::Between);
 }

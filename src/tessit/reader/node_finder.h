@@ -139,7 +139,6 @@ private:
     std::size_t start = 0;   // of what is passed
     std::size_t markup = 0;  // its '<'
     bool isDocumentBegin = false;
-    bool isInTag = false;  // whether the ampersand that was passed is
 
     Tag tagState = Tag::None;
     char tagQuote = '\0';
