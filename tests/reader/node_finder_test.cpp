@@ -44,6 +44,8 @@ constexpr Case Cases[] = {
     {Content, Lenient, "<?xml version <a>='"},
     {Content, Lenient, "<?xml 1234567<a|>|"},  // given up
     {Content, Lenient, "<\xC3\xA9>|<a\x80>bc|</|a>|"},
+    {Content, Lenient, "<b\xA9\xC3<c|>|"},
+    {Content, Lenient, "x\xEA<\x80|\x34>y|z<a|>|"},
     {Content, Conforming, "x&y<b|>|"},
     {Content, Conforming, "x<!--c--><?p?><![CDATA[d]]>y<b|>|"},
     {Content, Conforming, "x<!--|c-->|<?p?>|<![CDATA[d]]>|y<b|>|", true, QeXmlNodes::All},

@@ -6,6 +6,13 @@ namespace tessit {
 
 namespace {
 
+constexpr std::size_t LongestCharacter = 4;
+constexpr unsigned char FirstOfLeads = 0xC0;
+
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & FirstOfLeads) == 0x80;
+}
+
 bool beginsMarkup(char kind) {
     return kind == '!' || kind == '?';
 }
@@ -476,20 +483,26 @@ bool NodeFinder::stepInTag(std::size_t upTo) noexcept {
 
 // --- What is whole
 
+// Whether the byte is one of a character that a byte in front of it has announced.
+bool NodeFinder::isAnnounced(std::size_t place) const noexcept {
+    for (std::size_t back = 1; back <= std::min(place, LongestCharacter - 1); ++back) {
+        if (!isContinuation(text[place - back + 1])) return false;
+        const auto first = static_cast<unsigned char>(text[place - back]);
+        if (first >= FirstOfLeads) return static_cast<std::size_t>(characterLength(first)) > back;
+    }
+    return false;
+}
+
 // Whether a character of a name that ends in front of the place would be read past the end of the text, as one can that
 // is none: readers are sure what it is only with as many bytes as its first one announces.
 bool NodeFinder::isCut(std::size_t place) const noexcept {
-    constexpr std::size_t Longest = 4;
-    if (isConforming || text.size() - place >= Longest) return false;
-    std::size_t first = place;
-    for (std::size_t back = 1; back <= Longest + 1 && back <= place; ++back) {
-        const auto byte = static_cast<unsigned char>(text[place - back]);
-        if (byte >= 0x80) first = place - back;
-        if (byte >= 0xC0) break;
+    if (isConforming) return false;
+    for (std::size_t first = text.size() - std::min(text.size(), LongestCharacter - 1); first < place; ++first) {
+        const auto byte = static_cast<unsigned char>(text[first]);
+        const auto length = static_cast<std::size_t>(characterLength(byte));
+        if (first + length > text.size() && !isAnnounced(first)) return true;
     }
-    while (first < place)
-        first += static_cast<std::size_t>(characterLength(static_cast<unsigned char>(text[first])));
-    return first > text.size();
+    return false;
 }
 
 void NodeFinder::conclude() noexcept {

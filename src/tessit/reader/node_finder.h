@@ -103,6 +103,7 @@ private:
 
     void lookAtTag(std::size_t upTo) noexcept;
     bool stepInTag(std::size_t upTo) noexcept;
+    bool isAnnounced(std::size_t place) const noexcept;
     bool isCut(std::size_t place) const noexcept;
     void conclude() noexcept;
 
