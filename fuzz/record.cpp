@@ -1,5 +1,5 @@
 // The record of what a lenient reader forgives: it changes nothing that is delivered, is in order, and has the
-// fault that a conforming reader finds, if there is one.
+// fault that a conforming reader finds, if there is one. The first byte says how the document is read.
 
 #include "support/record.h"
 
@@ -8,17 +8,17 @@
 
 #include "fuzzing.h"
 
+using tessit::fuzz::Input;
 using tessit::fuzz::require;
-using tessit::fuzz::textOf;
 using namespace tessit::test;
 
 namespace {
 
-std::string readAll(std::string_view xml, QeXmlRecord* record) {
+std::string readAll(std::string_view xml, Source source, bool namespaces, QeXmlRecord* record) {
     const Document document(xml);
     std::string nodes;
     try {
-        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.record = record});
+        const auto reader = document.open(source, QeXmlReaderOptions{.namespaces = namespaces, .record = record});
         while (!reader->eof()) {
             reader->readNextNode();
             nodes += describeNode(*reader) + '\n';
@@ -36,13 +36,19 @@ bool isInFront(const QeXmlParseError& left, const QeXmlParseError& right) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view xml = textOf(data, size);
+    Input input(data, size);
+    const unsigned choice = input.byte();
+    const Source source = Sources[choice % std::size(Sources)];
+    const bool namespaces = (choice & 64) == 0;
+    std::string xml(input.rest());
+    if ((choice & 128) != 0 && isUtf8(xml)) xml = encode(xml, Encoding::Utf16BE);
     QeXmlRecord record(8), whole(100'000);
-    require(readAll(xml, &record) == readAll(xml, nullptr), "a record changes nothing");
-    readInto(whole, xml);
+    require(readAll(xml, source, namespaces, &record) == readAll(xml, source, namespaces, nullptr),
+            "a record changes nothing");
+    readInto(whole, xml, namespaces);
     require(record.getCount() == whole.getCount() && whole.getEntries().size() == whole.getCount(), "all are counted");
     require(std::is_sorted(whole.getEntries().begin(), whole.getEntries().end(), isInFront), "entries are in order");
-    const std::string fault = faultOfRecord(xml);
+    const std::string fault = faultOfRecord(xml, namespaces);
     require(fault.empty(), fault.c_str());
     return 0;
 }

@@ -95,10 +95,11 @@ void readSome(QeXmlReader& reader, Way way) {
 }
 
 // All of a document; or which limit was exceeded, its value, and where.
-std::string read(const Case& row, std::uint64_t most, QeXmlRules rules, Way way, Source source) {
+std::string read(const Case& row, std::uint64_t most, QeXmlRules rules, Way way, Source source,
+                 Encoding encoding = Encoding::Utf8) {
     QeXmlLimits limits;
     limits.*row.field = most;
-    const Document document(row.xml);
+    const Document document(encode(row.xml, encoding));
     try {
         const auto reader = document.open(source, QeXmlReaderOptions{.rules = rules, .limits = limits});
         while (!reader->eof())
@@ -133,6 +134,18 @@ TEST(Limits, AreExact) {
                     EXPECT_EQ(read(row, row.count - 1, rules, way, source), isLate ? "1:4" : row.place) << name;
                 }
             }
+        }
+    }
+}
+
+// Bytes are those of the text as UTF-8, but for those of the whole document.
+TEST(Limits, AreThoseOfTheTextInAnyEncoding) {
+    for (const Case& row : Cases) {
+        if (row.field == &QeXmlLimits::document) continue;
+        const QeXmlRules rules = row.modes == Modes::Conforming ? QeXmlRules::Conforming : QeXmlRules::Lenient;
+        for (const Source source : {Source::Span, Source::ByteByByte}) {
+            EXPECT_EQ(read(row, row.count, rules, Way::Nodes, source, Encoding::Utf16LE), "passes") << row.xml;
+            EXPECT_EQ(read(row, row.count - 1, rules, Way::Nodes, source, Encoding::Utf16LE), row.place) << row.xml;
         }
     }
 }

@@ -21,10 +21,11 @@ inline std::string describeEntry(const QeXmlParseError& entry) {
 }
 
 /// Reads a document leniently with a record, to its end or the first error. Whether to its end.
-inline bool readInto(QeXmlRecord& record, std::string_view xml) {
+inline bool readInto(QeXmlRecord& record, std::string_view xml, bool namespaces = true) {
     const Document document(xml);
     try {
-        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.record = &record});
+        const auto reader =
+            document.open(Source::Span, QeXmlReaderOptions{.namespaces = namespaces, .record = &record});
         while (!reader->eof())
             reader->readNextNode();
         return true;
@@ -34,10 +35,11 @@ inline bool readInto(QeXmlRecord& record, std::string_view xml) {
 }
 
 /// The fault that a conforming reader finds, with its words; or nothing.
-inline std::string firstFault(std::string_view xml) {
+inline std::string firstFault(std::string_view xml, bool namespaces = true) {
     const Document document(xml);
     try {
-        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = QeXmlRules::Conforming});
+        const auto reader =
+            document.open(Source::Span, QeXmlReaderOptions{.rules = QeXmlRules::Conforming, .namespaces = namespaces});
         while (!reader->eof())
             reader->readNextNode();
         return {};
@@ -48,14 +50,14 @@ inline std::string firstFault(std::string_view xml) {
 
 /// What is wrong with a document's record: without a document type, it is empty where the document is accepted, and
 /// else has what refuses it.
-inline std::string faultOfRecord(std::string_view xml) {
+inline std::string faultOfRecord(std::string_view xml, bool namespaces = true) {
     QeXmlRecord record;
-    const bool wasRead = readInto(record, xml);
+    const bool wasRead = readInto(record, xml, namespaces);
     if (!wasRead && record.empty()) return "an error that is not recorded";
     const auto& entries = record.getEntries();
     const auto isSaid = [&](auto&& ask) { return std::any_of(entries.begin(), entries.end(), ask); };
     if (isSaid([](const auto& entry) { return entry.getRule() == "document-type"; })) return {};
-    const std::string fault = firstFault(xml);
+    const std::string fault = firstFault(xml, namespaces);
     if (fault.empty()) return wasRead && !record.empty() ? "too much: " + describeEntry(entries[0]) : "";
     const bool hasFault = isSaid([&](const auto& entry) { return describeEntry(entry) == fault; });
     return hasFault ? "" : "not recorded: " + fault;
