@@ -18,10 +18,10 @@ class ByteSource;
 
 /// Where a document comes from. Made by one of the functions below, and handed to who reads it, once.
 ///
-/// Files, streams and callbacks are read **through a window**: memory is 64 KiB, or the largest node and what stands
-/// around it, however long the document; the open elements come on top. A tag is delivered when its last byte is there,
-/// a text when the next tag begins: nothing waits for more than that, so that two programs can talk over a socket. What
-/// has been asked for may come in any pieces, a byte at a time: reading stays O(bytes).
+/// Files, streams and callbacks are read **through a window**: memory is 64 KiB, 256 KiB once as much was read, or the
+/// largest node and what stands around it, however long the document; the open elements come on top. A tag is delivered
+/// when its last byte is there, a text when the next tag begins: nothing waits for more than that, so that two programs
+/// can talk over a socket. What has been asked for may come in any pieces, a byte at a time: reading stays O(bytes).
 ///
 /// An input that cannot be read throws `QeXmlInputError` from the call that needed it, and from each later one that
 /// needs more; what the callback or the stream's buffer throws passes through, and again later.

@@ -26,17 +26,28 @@ inline auto compareThought(const char* at, Other... other) {
     return (((block == '<') & ((next == '!') | (next == '?'))) | ... | (block == static_cast<unsigned char>(other)));
 }
 
+// What four blocks say together.
+template <typename Compare>
+inline bool isAnyIn64(const char* at, const Compare& compare) {
+    return corvel::matchesOf((compare(at) | compare(at + 16)) | (compare(at + 32) | compare(at + 48))) != 0;
+}
+
 #endif
 
 // The first "<!", "<?", other byte, or '<' at the very end, if there is one.
 template <typename... Other>
 const char* findThought(const char* at, const char* end, Other... other) {
 #if defined(TESSIT_SCAN_BLOCKS)
-    // By four blocks as long as there is nothing: what is found then is looked for in each.
-    for (; end - at > 64; at += 64)
-        if (corvel::matchesOf((compareThought(at, other...) | compareThought(at + 16, other...)) |
-                              (compareThought(at + 32, other...) | compareThought(at + 48, other...))) != 0)
-            break;
+    // Of these bytes there are few, so that most blocks need no look at what stands in front of each.
+    const auto compareFew = [=](const char* from) {
+        const corvel::Block block = corvel::blockAt(from);
+        return (((block == '!') | (block == '?')) | ... | (block == static_cast<unsigned char>(other)));
+    };
+    const auto compare = [=](const char* from) { return compareThought(from, other...); };
+    while (end - at > 64 && (... && (*at != other))) {
+        if (isAnyIn64(at + 1, compareFew) && isAnyIn64(at, compare)) break;
+        at += 64;
+    }
     for (; end - at > 16; at += 16)
         if (const auto matches = corvel::matchesOf(compareThought(at, other...)))
             return at + corvel::firstMatch(matches);

@@ -10,6 +10,7 @@ namespace tessit {
 namespace {
 
 constexpr std::size_t FirstSize = 64 * 1024;
+constexpr std::size_t LongSize = 4 * FirstSize;  // where there is much to read, fewer and longer reads are quicker
 constexpr std::size_t PieceSize = 16 * 1024;
 
 }  // namespace
@@ -30,11 +31,13 @@ void Window::reset(std::unique_ptr<ByteSource> from) noexcept {
 
 void Window::moveFrom(std::size_t place) {
     const std::size_t kept = filled - place;
-    if (kept > size / 2) {
-        std::unique_ptr<char[]> larger(new char[2 * size + 2]);
+    const std::size_t least = taken < LongSize ? FirstSize : LongSize;
+    const std::size_t wanted = std::max(least, kept > size / 2 ? 2 * size : size);
+    if (wanted != size) {
+        std::unique_ptr<char[]> larger(new char[wanted + 2]);
         std::memcpy(larger.get(), room.get() + place, kept);
         room = std::move(larger);
-        size *= 2;
+        size = wanted;
     } else {
         std::memmove(room.get(), room.get() + place, kept);
     }
