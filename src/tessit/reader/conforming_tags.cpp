@@ -1,3 +1,6 @@
+// Attributes and their values by the conforming rules: what the declared type and the references in them make of what
+// is written. Of where a tag stands, only its source is known.
+
 #include <algorithm>
 #include <functional>
 #include <utility>

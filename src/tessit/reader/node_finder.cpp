@@ -1,3 +1,6 @@
+// Goes through text once to see where markup ends, by lenient or by conforming rules. Makes nothing of it, and finds no
+// fault.
+
 #include <corvel/byte_scan.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/node_finder.h>

@@ -1,3 +1,5 @@
+// Constructs by the lenient rules, told apart by their first bytes. What they mean is for the slots and the bindings.
+
 #include <utility>
 
 #include <corvel/compiler.h>

@@ -1,3 +1,5 @@
+// Room for the part of a document that is being read, and how bytes come into it. Of XML, nothing is known here.
+
 #include <algorithm>
 #include <cstring>
 #include <utility>

@@ -1,3 +1,5 @@
+// Kinds of input, as a program names them. Those that are files are opened in file_source.cpp.
+
 #include <algorithm>
 #include <ios>
 #include <istream>
