@@ -97,8 +97,12 @@ TEST(Input, SaysWhatCannotBeRead) {
     EXPECT_EQ(read([&] { return QeXmlInput::file(missing); }), missing + ": No such file or directory");
     EXPECT_EQ(read([&] { return QeXmlInput::file(directory); }), directory + ": Is a directory");
     EXPECT_EQ(read([&] { return QeXmlInput::mapped(directory); }), directory + ": Is a directory");
+    EXPECT_EQ(read([&] { return QeXmlInput::mapped("/dev/zero"); }), "/dev/zero: No such device");
     std::ifstream in(missing);
     EXPECT_EQ(read([&] { return QeXmlInput::stream(in); }), "the stream: it cannot be read");
+    std::istringstream broken("<a/>");
+    broken.setstate(std::ios::badbit | std::ios::eofbit);
+    EXPECT_EQ(read([&] { return QeXmlInput::stream(broken); }), "the stream: it cannot be read");
     EXPECT_EQ(read([&] { return QeXmlInput::callback([](std::span<char> room) { return room.size() + 1; }); }),
               "the callback: it says that it gave more bytes than there was room for");
     const std::string shorter = folder.write("shorter.xml", Text);

@@ -54,7 +54,7 @@ public:
     /// A file that is mapped into memory, and read in place. **Only for files that nobody changes meanwhile**: one that
     /// is cut short ends the program by a signal, and of one that is written to, what was checked is not what is
     /// delivered. Where files cannot be mapped, it is read into memory. Throws `QeXmlInputError` as `file` does, and
-    /// for what cannot be mapped, such as a pipe.
+    /// for what cannot be mapped, such as a pipe or a device.
     TESSIT_API static QeXmlInput mapped(const std::filesystem::path& path);
 
     TESSIT_API QeXmlInput(QeXmlInput&&) noexcept;

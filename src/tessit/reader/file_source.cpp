@@ -96,7 +96,9 @@ public:
     explicit MappedFile(const std::filesystem::path& path) {
         const QeCString name = nameOf(path);
         const Descriptor file(path);
-        length = static_cast<std::size_t>(propertiesOf(file, name).st_size);
+        const struct stat properties = propertiesOf(file, name);
+        if (!S_ISREG(properties.st_mode)) raise(name, ENODEV);  // what else can be mapped says that it is empty
+        length = static_cast<std::size_t>(properties.st_size);
         address = mmap(nullptr, length == 0 ? 1 : length, PROT_READ, MAP_PRIVATE, file.get(), 0);
         if (address == MAP_FAILED) raise(name, errno);
         madvise(address, length, MADV_SEQUENTIAL);

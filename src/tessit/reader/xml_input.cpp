@@ -41,7 +41,8 @@ public:
 
     // The stream's own functions wait until all is there that was asked for; its buffer tells what is.
     std::size_t read(std::span<char> room) override {
-        if ((in.fail() && !in.eof()) || in.rdbuf() == nullptr) raise(std::make_error_code(std::errc::io_error));
+        if (in.bad() || (in.fail() && !in.eof()) || in.rdbuf() == nullptr)
+            raise(std::make_error_code(std::errc::io_error));
         try {
             return readFrom(*in.rdbuf(), room);
         } catch (const std::ios_base::failure& failure) {
