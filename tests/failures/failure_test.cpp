@@ -260,6 +260,32 @@ const struct {
              if (reader != nullptr) readOn(*reader);
          }
      }},
+    {"a window that moves can be read on, unless its callback failed, which comes again",
+     [](Attempt& attempt) {
+         for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+             std::string left = "<a/>";
+             bool isBroken = false;
+             const QeXmlInput::Callback fill = [&](std::span<char> room) {
+                 isBroken = true, allocator::call(), isBroken = false;
+                 const std::size_t count = left.copy(room.data(), std::min<std::size_t>(room.size(), 9'000));
+                 left.erase(0, count);
+                 return count;
+             };
+             QeXmlReader reader(QeXmlInput::callback(fill), {.rules = rules});
+             QeXmlInput input = QeXmlInput::callback(fill);
+             left = "<a>" + std::string(40'000, 'x') + "<!--" + std::string(70'000, 'x') + "--><b/></a>";
+             const bool done = attempt([&] { reader.reset(std::move(input)), readToTheEnd(reader); });
+             reader.getOpenElements();
+             EXPECT_TRUE(!done || reader.eof());
+             EXPECT_FALSE(isBroken && reader.eof());
+             try {
+                 readOn(reader);
+                 EXPECT_FALSE(isBroken);
+             } catch (const allocator::CallFailed&) {
+             } catch (const std::bad_alloc&) {  // no room for more of the document
+             }
+         }
+     }},
     {"attributes sorted by prefix, not by URI, are found by those that a lookup among many relies on",
      [](Attempt& attempt) {
          std::string inOrder, notInOrder;

@@ -55,6 +55,7 @@ void QeXmlReader::Engine::reset() {
     foundOut.reset();
     if (besides != nullptr) besides->whole.reset();
     input.begin();
+    if (conforming != nullptr) input.enter(conforming->document.source, nullptr);
 }
 
 // Whatever points into the old bytes lets go of them before they go.

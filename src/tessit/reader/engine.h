@@ -86,6 +86,10 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void openWindowed(std::unique_ptr<tessit::ByteSource> source);
     void leaveWindow() noexcept;
     void openConformingWindow();
+    void keepFaultOfWindow() noexcept;
+    bool readFirst();
+    template <typename Read>
+    bool readOrKeepFault(const Read& read);
     bool readsWindow() const noexcept;
     bool isHalfALineEnd() const noexcept;
     bool fetch();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -29,16 +30,16 @@ public:
     void leave(std::size_t levels, const char* keptFrom, const Keep& keep) {
         dropKept(levels);
         while (kept.size() < levels && kept.size() != MostKept) {
-            const char* const tag = tags[kept.size()];
-            if (tag != nullptr && tag >= keptFrom) break;
-            kept.push_back(tag == nullptr ? QeXmlOpenElement() : keep(tag));
+            const char* const begin = tag(kept.size());
+            if (begin != nullptr && begin >= keptFrom) break;
+            kept.push_back(begin == nullptr ? QeXmlOpenElement() : keep(begin));
             keptLevels = kept.size();
         }
     }
     void moveTo(std::size_t levels, const char* keptFrom, const char* begin) noexcept {
-        for (std::size_t level = kept.size(); level < levels; ++level)
-            if (const char*& tag = tags[level]; tag != nullptr)
-                tag = tag < keptFrom ? nullptr : begin + (tag - keptFrom);
+        for (std::size_t level = kept.size(); level < std::min(levels, tags.size()); ++level)
+            if (const char*& place = tags[level]; place != nullptr)
+                place = place < keptFrom ? nullptr : begin + (place - keptFrom);
     }
 
     /// What was kept of the element of that level; null if its tag may still be there.
@@ -46,7 +47,7 @@ public:
         return level < kept.size() ? &kept[level] : nullptr;
     }
 
-    /// Its tag; null if nobody knows.
+    /// Its tag; null if nobody knows, as where there was no memory to note it.
     const char* tag(std::size_t level) const noexcept { return level < tags.size() ? tags[level] : nullptr; }
 
     void clear() noexcept { dropKept(0); }

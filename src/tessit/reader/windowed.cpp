@@ -28,7 +28,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
         windowed->begin(std::move(source));
     reader.readsApart = reader.notesOpen = true;
     if (conforming != nullptr) return openConformingWindow();
-    while (windowed->window.text().size() < FirstBytes && windowed->window.read())
+    while (windowed->window.text().size() < FirstBytes && readFirst())
         ;
     input.takeWindow(windowed->window.text(), 0);
     const char* const told = input.tellEncoding();
@@ -61,11 +61,20 @@ bool tellsEncoding(std::string_view bytes) {
 
 }  // namespace
 
+// As `fetch`, before anything is known of the text.
+bool QeXmlReader::Engine::readFirst() {
+    return readOrKeepFault([this] {
+        tessit::Window& window = windowed->window;
+        if (window.isFull()) window.moveFrom(0);
+        return window.read();
+    });
+}
+
 void QeXmlReader::Engine::openConformingWindow() {
     tessit::Window& window = windowed->window;
     tessit::DecodedText& document = conforming->document;
-    while (!tellsEncoding(window.text()) && window.read())
-        if (window.isFull()) window.moveFrom(0);
+    while (!tellsEncoding(window.text()) && readFirst())
+        ;
     conforming->firstBytes.assign(window.text());
     document.source.name = conforming->options.sourceName;
     decodeText(document, conforming->firstBytes, conforming->options.encoding);
@@ -165,21 +174,36 @@ void QeXmlReader::Engine::findInWindow() {
 
 // --- The window moves
 
-// Gets more of the document; false at its end.
-bool QeXmlReader::Engine::fetch() {
+// Called where a document could not be begun: nothing of it is there.
+void QeXmlReader::Engine::keepFaultOfWindow() noexcept {
+    if (windowed == nullptr) return;
+    windowed->fault = std::current_exception();
+    windowed->nodesUpTo = windowed->textsUpTo = windowed->freelyUpTo = nullptr;
+}
+
+// What goes wrong is thrown again by each later call.
+template <typename Read>
+bool QeXmlReader::Engine::readOrKeepFault(const Read& read) {
     if (windowed->fault != nullptr) std::rethrow_exception(windowed->fault);
-    if (windowed->window.hasEnded()) return false;
-    if (windowed->window.isFull()) moveWindow();
-    const std::uint64_t before = windowed->window.bytesRead();
-    bool isMore = false;
     try {
-        isMore = windowed->window.read();
-        checkConversions();
-        tessit::hold(windowed->window.bytesRead(), input.limits().document, tessit::Limit::Document);
+        return read();
     } catch (...) {
         windowed->fault = std::current_exception();
         throw;
     }
+}
+
+// Gets more of the document; false at its end.
+bool QeXmlReader::Engine::fetch() {
+    if (windowed->fault == nullptr && windowed->window.hasEnded()) return false;
+    const std::uint64_t before = windowed->window.bytesRead();
+    const bool isMore = readOrKeepFault([this] {
+        if (windowed->window.isFull()) moveWindow();
+        const bool isText = windowed->window.read();
+        checkConversions();
+        tessit::hold(windowed->window.bytesRead(), input.limits().document, tessit::Limit::Document);
+        return isText;
+    });
     showWindow(reader.cursor);
     if (conforming != nullptr) conforming->declared.addBytes(windowed->window.bytesRead() - before);
     findInWindow();
@@ -196,8 +220,10 @@ void QeXmlReader::Engine::showWindow(const char* place) {
     input.enter(source, place);
 }
 
-// What is looked at ahead and may be returned as it is written stays, too.
+// What is looked at ahead and may be returned as it is written stays, too. If it fails on the way, nothing counts as
+// whole.
 void QeXmlReader::Engine::moveWindow() {
+    windowed->nodesUpTo = windowed->textsUpTo = windowed->freelyUpTo = nullptr;
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
@@ -229,6 +255,7 @@ void QeXmlReader::Engine::moveWindow() {
     showWindow(begin + cursorBehind);
     input.goOnIn(windowed->window.text(), beginning);
     if (rawCopy != nullptr) rawCopy->goOn();
+    findInWindow();
 }
 
 // The elements that the document's own text has opened.

@@ -17,8 +17,10 @@ struct QeXmlReader::Engine::Windowed {
     /// Begins with another source.
     void begin(std::unique_ptr<tessit::ByteSource> source) noexcept {
         window.reset(std::move(source));
+        finder.begin(0, tessit::NodeFinder::Where::Begin, true);
+        nodesUpTo = textsUpTo = freelyUpTo = nullptr;
         isInProlog = true;
-        isInEpilog = hasMoved = false;
+        isInEpilog = isLookedAhead = hasMoved = keepsLast = false;
         openTags.clear();
         fault = nullptr;
     }

@@ -60,6 +60,16 @@ void QeXmlReader::open(QeXmlInput&& input) {
 }
 
 void QeXmlReader::reset(QeXmlInput input) {
+    try {
+        forget();
+        open(std::move(input));
+    } catch (...) {
+        engine->keepFaultOfWindow();
+        throw;
+    }
+}
+
+void QeXmlReader::forget() {
     depth = 0;
     lastNodeType = NoNode;
     nodePending = encodingDeclared = standaloneDeclared = false;
@@ -68,7 +78,6 @@ void QeXmlReader::reset(QeXmlInput input) {
     lastAttributes.clear();
     lastName = NullName;
     engine->reset();
-    open(std::move(input));
 }
 
 std::uint64_t QeXmlReader::getBytesRead() const noexcept {
@@ -100,8 +109,9 @@ void QeXmlReader::skipSpace() noexcept {
 
 // Asked where all is read that is there: whether more comes. What goes wrong is for the next reading call.
 bool QeXmlReader::isAtEnd() noexcept {
-    if (engine->windowed == nullptr || engine->conforming != nullptr) return true;
-    return !engine->fetchQuietly() && engine->windowed->fault == nullptr;
+    if (engine->windowed == nullptr) return true;
+    if (engine->conforming == nullptr && engine->fetchQuietly()) return false;
+    return engine->windowed->fault == nullptr;
 }
 
 // Where values end that hold references, and with them tags.
