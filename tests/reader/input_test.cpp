@@ -103,6 +103,9 @@ TEST(Input, SaysWhatCannotBeRead) {
     std::istringstream broken("<a/>");
     broken.setstate(std::ios::badbit | std::ios::eofbit);
     EXPECT_EQ(read([&] { return QeXmlInput::stream(broken); }), "the stream: it cannot be read");
+    QeXmlInput taken = QeXmlInput::copy("<a/>");
+    EXPECT_EQ(read([&] { return std::move(taken); }), "/a ");
+    EXPECT_EQ(read([&] { return std::move(taken); }), "the input: it was handed on before");
     EXPECT_EQ(read([&] { return QeXmlInput::callback([](std::span<char> room) { return room.size() + 1; }); }),
               "the callback: it says that it gave more bytes than there was room for");
     const std::string shorter = folder.write("shorter.xml", Text);
@@ -137,6 +140,18 @@ TEST(Input, FailsWhereverItIsRead) {
             }
             EXPECT_EQ(nodes, std::string_view("+a=b/c-a").substr(0, nodes.size()));
         }
+}
+
+TEST(Input, RefusesCallbacksThatUseTheirReader) {
+    for (const bool resets : {false, true}) {
+        QeXmlReader reader(QeXmlInput::copy("<a/>"));
+        std::size_t calls = 0;
+        reader.reset(QeXmlInput::callback([&, text = std::string("<a>x")](std::span<char> room) {
+            if (calls++ != 0) resets ? reader.reset(QeXmlInput::copy("<b/>")) : reader.readNextNode();
+            return text.copy(room.data(), room.size());
+        }));
+        EXPECT_THROW(readAll(reader), QeXmlInputError);
+    }
 }
 
 // Each node comes with the byte that makes it whole.

@@ -16,7 +16,8 @@ namespace tessit {
 class ByteSource;
 }
 
-/// Where a document comes from. Made by one of the functions below, and handed to who reads it, once.
+/// Where a document comes from. Made by one of the functions below, and handed to who reads it, once: what is handed on
+/// a second time throws `QeXmlInputError`.
 ///
 /// Files, streams and callbacks are read **through a window**: memory is 64 KiB, 256 KiB once as much was read, or the
 /// largest node and what stands around it, however long the document; the open elements come on top. A tag is delivered
@@ -28,7 +29,8 @@ class ByteSource;
 class QeXmlInput {
 public:
     /// Fills the front of a buffer, of at least one byte, and returns how many bytes it put there: 0 is the end, any
-    /// other number is taken at once. It waits until there is something.
+    /// other number is taken at once. It waits until there is something. It must not use the reader that it fills for:
+    /// calls that read on or reset that throw `QeXmlInputError`.
     using Callback = std::function<std::size_t(std::span<char>)>;
 
     /// Bytes that stay where they are, alive and unchanged as long as they are read.

@@ -87,6 +87,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void leaveWindow() noexcept;
     void openConformingWindow();
     void keepFaultOfWindow() noexcept;
+    void refuseWhileReading() const;
     bool readFirst();
     template <typename Read>
     bool readOrKeepFault(const Read& read);

@@ -2,6 +2,7 @@
 // lets go.
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 #include <voxal/converter.h>
 
@@ -174,6 +175,13 @@ void QeXmlReader::Engine::findInWindow() {
 
 // --- The window moves
 
+// A callback that had more read, or read another document, would lose the room that it is filling.
+void QeXmlReader::Engine::refuseWhileReading() const {
+    if (windowed == nullptr || !windowed->isReading) return;
+    throw QeXmlInputError("the input", std::make_error_code(std::errc::resource_deadlock_would_occur),
+                          "it uses the reader that reads it");
+}
+
 // Called where a document could not be begun: nothing of it is there.
 void QeXmlReader::Engine::keepFaultOfWindow() noexcept {
     if (windowed == nullptr) return;
@@ -184,10 +192,15 @@ void QeXmlReader::Engine::keepFaultOfWindow() noexcept {
 // What goes wrong is thrown again by each later call.
 template <typename Read>
 bool QeXmlReader::Engine::readOrKeepFault(const Read& read) {
+    refuseWhileReading();
     if (windowed->fault != nullptr) std::rethrow_exception(windowed->fault);
+    windowed->isReading = true;
     try {
-        return read();
+        const bool isMore = read();
+        windowed->isReading = false;
+        return isMore;
     } catch (...) {
+        windowed->isReading = false;
         windowed->fault = std::current_exception();
         throw;
     }

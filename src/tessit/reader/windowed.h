@@ -38,6 +38,7 @@ struct QeXmlReader::Engine::Windowed {
     bool isInEpilog = false;  // of a conforming reader
     bool isLookedAhead = false;
     bool hasMoved = false;     // the document's beginning is no longer there
+    bool isReading = false;    // the source is called
     bool keepsLast = false;    // the last node stays, as it may still be asked for
     std::exception_ptr fault;  // what the source threw: it does so again
 };

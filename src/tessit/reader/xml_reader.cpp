@@ -1,6 +1,7 @@
 // A reader from its construction to its end, and what its program asks it besides nodes.
 
 #include <istream>
+#include <system_error>
 #include <utility>
 
 #include <tessit/reader/char_class.h>
@@ -40,7 +41,17 @@ QeXmlReader::QeXmlReader(std::span<const unsigned char> document, const Passed& 
     open({reinterpret_cast<const char*>(document.data()), document.size()});
 }
 
+namespace {
+
+void requireSource(const tessit::ByteSource* source) {
+    if (source != nullptr) return;
+    throw QeXmlInputError("the input", std::make_error_code(std::errc::invalid_argument), "it was handed on before");
+}
+
+}  // namespace
+
 QeXmlReader::QeXmlReader(QeXmlInput&& input, const Passed& passed) : engine(Engine::make(*this, passed)) {
+    requireSource(input.source.get());
     open(std::move(input));
 }
 
@@ -60,6 +71,8 @@ void QeXmlReader::open(QeXmlInput&& input) {
 }
 
 void QeXmlReader::reset(QeXmlInput input) {
+    requireSource(input.source.get());
+    engine->refuseWhileReading();
     try {
         forget();
         open(std::move(input));
