@@ -344,6 +344,7 @@ const struct {
     {"WalkBytesOfALongComment", VeryMany, "<!--{- }--><r/>", walkBytes},
     {"WalkBytesOfADocumentType", Many, "<!DOCTYPE r [{<!ENTITY e# ']>'><!--'-->}]><r/>", walkBytes},
     {"WalkBytesOutsideOfTheRoot", Many, "{\r}<r/>{ \n<!---->}", walkBytes},
+    {"WalkBytesOfAnXmlDeclaration", VeryMany, "<?xml{ }version='1.0'?><r/>", walkBytes},
     {"WalkBytesOfUtf16", Many, Text("\xFE\xFF") + Children, walkBytes},
 
     {"WalkUtf16", VeryMany, Text("\xFE\xFF") + Children, walk},

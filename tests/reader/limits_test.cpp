@@ -63,6 +63,7 @@ const Case Cases[] = {
     {&QeXmlLimits::node, "node", "<a>123456789012345&lt;</a>", 19, "1:4"},
     {&QeXmlLimits::node, "node", "<a><!--1234--><b/></a>", 11, "1:4"},
     {&QeXmlLimits::node, "node", "<a>1<!--234-->5</a>", 12, "1:4"},
+    {&QeXmlLimits::node, "node", "<?xml version='1.0'?><a/>", 21, "1:1"},
     {&QeXmlLimits::node, "node", "<?pi and data?><!--1--><a/>", 15, "1:1"},
     {&QeXmlLimits::node, "node", "<a></a>\n<!--1234-->", 11, "2:1", Modes::Conforming},
     {&QeXmlLimits::node, "node", "<a><?pi and data?></a>", 15, "1:4"},
@@ -147,6 +148,22 @@ TEST(Limits, AreThoseOfTheTextInAnyEncoding) {
             EXPECT_EQ(read(row, row.count, rules, Way::Nodes, source, Encoding::Utf16LE), "passes") << row.xml;
             EXPECT_EQ(read(row, row.count - 1, rules, Way::Nodes, source, Encoding::Utf16LE), row.place) << row.xml;
         }
+    }
+}
+
+// Even of what has to be read to know the encoding.
+TEST(Limits, HoldForADeclarationWithoutAnEnd) {
+    for (std::uint64_t QeXmlLimits::*const field : {&QeXmlLimits::document, &QeXmlLimits::node}) {
+        QeXmlReaderOptions options{.rules = QeXmlRules::Conforming};
+        options.limits.*field = 100'000;
+        std::size_t given = 0;
+        const auto fill = [&](std::span<char> room) {
+            std::fill(room.begin(), room.end(), ' ');
+            if (given == 0) std::string_view("<?xml").copy(room.data(), room.size());
+            return given += room.size(), given < 10'000'000 ? room.size() : 0;
+        };
+        EXPECT_THROW(QeXmlReader(QeXmlInput::callback(fill), options), QeXmlLimitError);
+        EXPECT_LT(given, 1'000'000u);
     }
 }
 

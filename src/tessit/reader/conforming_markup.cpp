@@ -17,6 +17,7 @@ void QeXmlReader::Engine::ConformingNodes::readProlog() {
     StrictScanner scanner(source(), position());
     if (position() == source().begin() && !source().isContinued && scanner.isAtDeclaration()) {
         const StrictScanner::Declaration declaration = scanner.readXmlDeclaration();
+        engine.limitMarkup(position(), scanner.position());
         reader.version.assign(declaration.version);
         reader.encodingDeclared = !declaration.encoding.empty();
         reader.standaloneDeclared = !declaration.standalone.empty();

@@ -89,6 +89,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void keepFaultOfWindow() noexcept;
     void refuseWhileReading() const;
     bool readFirst();
+    void readFirstBytes();
     template <typename Read>
     bool readOrKeepFault(const Read& read);
     bool readsWindow() const noexcept;

@@ -19,6 +19,9 @@ namespace {
 // So many bytes tell whether there is a mark, and the beginning of a declaration.
 constexpr std::size_t FirstBytes = 4;
 
+// So many hold a mark and "<?xml" in any encoding.
+constexpr std::size_t WidestBegin = 24;
+
 }  // namespace
 
 void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> source) {
@@ -49,15 +52,25 @@ void QeXmlReader::Engine::leaveWindow() noexcept {
 
 namespace {
 
-// Whether the first bytes tell how to read the text: they do once a declaration is whole, if there may be one.
-bool tellsEncoding(std::string_view bytes) {
-    constexpr std::string_view Mark = "\xEF\xBB\xBF", Begin = "<?xml", InEbcdic = "\x4C\x6F\xA7\x94";
+// The first characters, in any encoding whose units hold ASCII: behind marks, and without zeros.
+QeCString firstCharacters(std::string_view bytes, std::size_t most) {
+    constexpr std::string_view Marks("\0\xFE\xFF\xEF\xBB\xBF", 6);
+    QeCString text;
+    for (const char byte : bytes.substr(std::min(bytes.find_first_not_of(Marks), bytes.size())))
+        if (byte != '\0' && text.length() < most) text += byte;
+    return text;
+}
+
+// Whether the first bytes tell how to read the text: they do once a declaration is whole, if there may be one. Those in
+// front of a place were looked at before.
+bool tellsEncoding(std::string_view bytes, std::size_t place) {
+    constexpr std::string_view Begin = "<?xml", InEbcdic = "\x4C\x6F\xA7\x94";
+    constexpr char End = '>', EndInEbcdic = '\x6E';
     if (bytes.size() < FirstBytes) return false;
-    if (bytes.starts_with(InEbcdic)) return bytes.find('\x6E') != std::string_view::npos;
-    const std::string_view text = bytes.starts_with(Mark) ? bytes.substr(Mark.size()) : bytes;
-    const bool isWide = bytes[0] == '\0' || bytes[1] == '\0' || (bytes[0] & 0xFE) == 0xFE;
-    if (!isWide && !text.starts_with(Begin) && !Begin.starts_with(text)) return true;
-    return bytes.find('>') != std::string_view::npos;
+    if (bytes.starts_with(InEbcdic)) return bytes.find(EndInEbcdic, place) != std::string_view::npos;
+    const QeCString begin = firstCharacters(bytes.substr(0, WidestBegin), Begin.size());
+    if (begin == Begin) return bytes.find(End, place) != std::string_view::npos;
+    return bytes.size() >= WidestBegin || !Begin.starts_with(begin);
 }
 
 }  // namespace
@@ -71,11 +84,24 @@ bool QeXmlReader::Engine::readFirst() {
     });
 }
 
+// Reads as far as the first bytes tell the encoding. What is longer than a limit, whatever its encoding, is refused by
+// who reads on.
+void QeXmlReader::Engine::readFirstBytes() {
+    constexpr std::uint64_t MostPerByte = 4;
+    const tessit::Window& window = windowed->window;
+    const std::uint64_t mostOfNode = std::min(input.limits().node, QeXmlLimits::None / MostPerByte) * MostPerByte;
+    const std::uint64_t most = std::max<std::uint64_t>(std::min(input.limits().document, mostOfNode), WidestBegin);
+    std::size_t seen = 0;
+    while (window.text().size() <= most && !tellsEncoding(window.text(), seen)) {
+        seen = window.text().size();
+        if (!readFirst()) return;
+    }
+}
+
 void QeXmlReader::Engine::openConformingWindow() {
     tessit::Window& window = windowed->window;
     tessit::DecodedText& document = conforming->document;
-    while (!tellsEncoding(window.text()) && readFirst())
-        ;
+    readFirstBytes();
     conforming->firstBytes.assign(window.text());
     document.source.name = conforming->options.sourceName;
     decodeText(document, conforming->firstBytes, conforming->options.encoding);
