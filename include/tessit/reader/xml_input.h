@@ -51,6 +51,7 @@ public:
     TESSIT_API static QeXmlInput file(const std::filesystem::path& path);
 
     /// An open file, by its descriptor, which stays open and must do so as long as it is read. `name` is for messages.
+    /// One that does not wait for more bytes is an error where there are none yet.
     TESSIT_API static QeXmlInput descriptor(int number, const QeCString& name);
 
     /// A file that is mapped into memory, and read in place. **Only for files that nobody changes meanwhile**: one that
