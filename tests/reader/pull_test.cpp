@@ -157,7 +157,8 @@ constexpr PullCase RawElements[] = {
     {"<a>&lt;\r\n<![CDATA[]]><!-- c --></a>", "R",
      "<<<a>&lt;\r\n<![CDATA[]]><!-- c --></a>>>&lt;\r\n<![CDATA[]]><!-- c -->"},
     {"<a><b/><!-- c --></a>", "R", "<<<a><b/><!-- c --></a>>><b/>"},  // up to where the scan of the end began
-    {"<a><b></a></b></a>", "R T", "<<<a><b></a>>><b> -b"},            // only names like its own count
+    {"<a><?p?></a>", "R", "<<<a><?p?></a>>>"},
+    {"<a><b></a></b></a>", "R T", "<<<a><b></a>>><b> -b"},  // only names like its own count
     {"<p:a xmlns:p='u' xmlns:q='v'><q:a></q:a></p:a>", "R F",
      "<<<p:a xmlns:p='u' xmlns:q='v'><q:a></q:a></p:a>>><q:a></q:a> eof"},
     {"<p:a xmlns:p='u' xmlns:q='v'><q:a></p:a>", "R", "<<<p:a xmlns:p='u' xmlns:q='v'><q:a></p:a>>><q:a>"},

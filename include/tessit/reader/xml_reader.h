@@ -138,8 +138,9 @@ public:
 
     /// Takes a whole element and returns its markup as it stands in the document (as UTF-8), with what was
     /// passed over in front of it. `NullName`, or a string that means the same here, takes any element;
-    /// another name than that of the next element throws "Expected NAME, found NAME". The inner markup is
-    /// then in `getLastContent()`, the attributes of the start tag in `getLastAttributes()`.
+    /// another name than that of the next element throws "Expected NAME, found NAME". The inner markup, up to
+    /// the end of the last node in it (a text ends in front of the next tag), is then in `getLastContent()`,
+    /// the attributes of the start tag in `getLastAttributes()`.
     /// When the next tag is no start tag it stays pending, and both the result and `getLastContent()` are
     /// empty. A start tag that was pending is written anew: attributes in the set's order, values as stored,
     /// a space behind the name and behind each value. An empty-element tag is taken without its end, as by
