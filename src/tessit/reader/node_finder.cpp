@@ -47,6 +47,8 @@ const char* findThought(const char* at, const char* end, Other... other) {
         return (((block == '!') | (block == '?')) | ... | (block == static_cast<unsigned char>(other)));
     };
     const auto compare = [=](const char* from) { return compareThought(from, other...); };
+    const auto isHere = [=](const char* from) { return corvel::matchesOf(compare(from)) != 0; };
+    if (end - at > 64 && !isHere(at) && !isHere(at + 16)) at += 32;  // for texts that have many references
     while (end - at > 64 && (... && (*at != other))) {
         if (isAnyIn64(at + 1, compareFew) && isAnyIn64(at, compare)) break;
         at += 64;
@@ -144,25 +146,52 @@ bool NodeFinder::find(Byte... bytes) noexcept {
 
 // --- Between markup
 
-// All that a text or a tag has is passed here but markup that is no tag, and references, which lenient readers take up
-// to the semicolon, in values only if they are expanded. Conforming ones refuse what is none.
+// All that a text or a tag has is passed here but markup that is no tag, and references that are not short.
 bool NodeFinder::passBetween() noexcept {
     const char* const end = text.data() + text.size();
-    const char* const from = text.data() + at;
-    const char* const thought = isConforming ? findThought(from, end) : findThought(from, end, '&');
-    at = static_cast<std::size_t>(thought - text.data());
-    noteTags(static_cast<std::size_t>(from - text.data()), at);
+    do {
+        const char* const from = text.data() + at;
+        const char* const thought = isConforming ? findThought(from, end) : findThought(from, end, '&');
+        at = static_cast<std::size_t>(thought - text.data());
+        noteTags(static_cast<std::size_t>(from - text.data()), at);
+    } while (left() != 0 && text[at] == '&' && passReferences());
     if (left() == 0) return false;
     if (text[at] == '&') {
-        lookAtTag(at++);
-        const bool isInTag = tagState != Tag::None && tagState != Tag::Whole;
-        return enter(isInTag && !expandsValues ? State::Between : State::Ampersand);
+        ++at;
+        return enter(State::Ampersand);
     }
     if (left() == 1) return false;
     markup = at;
     lookAtTag(at);
     at += 2;
     return enter(State::Markup);
+}
+
+// Lenient readers take references up to the semicolon, in values only if they are expanded. Conforming ones refuse what
+// is none. Those of a text are passed one after the other: no tag is between them. False where one is not short.
+bool NodeFinder::passReferences() noexcept {
+    lookAtTag(at);
+    const bool isInTag = tagState != Tag::None && tagState != Tag::Whole;
+    if (isInTag && !expandsValues) {
+        ++at;
+        return true;
+    }
+    do {
+        if (!passShortReference()) return false;
+    } while (!isInTag && find('<', '&') && text[at] == '&');
+    return true;
+}
+
+bool NodeFinder::passShortReference() noexcept {
+    constexpr std::size_t Most = 10;
+    for (std::size_t length = 1; length != Most && at + length < text.size(); ++length) {
+        const char byte = text[at + length];
+        if (byte == '<') break;
+        if (byte != ';') continue;
+        at += length + 1;
+        return true;
+    }
+    return false;
 }
 
 bool NodeFinder::passOutside() noexcept {
@@ -183,8 +212,15 @@ bool NodeFinder::passOutside() noexcept {
 
 // Each '<' there begins a tag, of which the last one counts.
 void NodeFinder::noteTags(std::size_t from, std::size_t to) noexcept {
-    const std::size_t last = text.substr(from, to - from).rfind('<');
-    if (last != std::string_view::npos) noteTag(from + last);
+    const char* const first = text.data() + from;
+    const char* behind = text.data() + to;
+#if defined(TESSIT_SCAN_BLOCKS)
+    while (behind - first >= 16 && corvel::matchBlock(behind - 16, '<') == 0)
+        behind -= 16;
+#endif
+    while (behind != first && behind[-1] != '<')
+        --behind;
+    if (behind != first) noteTag(static_cast<std::size_t>(behind - text.data()) - 1);
 }
 
 void NodeFinder::noteTag(std::size_t place) noexcept {
@@ -315,11 +351,16 @@ bool NodeFinder::passDocumentTypeName() noexcept {
     return enter(State::LenientDocumentType);
 }
 
-// Looks for the last byte of the end, and then back.
+// Looks for the first byte of the end, which what is passed has less often than the last one.
 bool NodeFinder::passUpTo(std::string_view end, State next) noexcept {
-    while (find(end.back())) {
+    while (find(end.front())) {
+        const std::string_view here = text.substr(at, end.size());
+        if (here == end) {
+            at += end.size();
+            return leave(next);
+        }
+        if (end.starts_with(here)) return false;
         ++at;
-        if (passed().ends_with(end)) return leave(next);
     }
     return false;
 }

@@ -76,6 +76,8 @@ private:
 
     bool step() noexcept;
     bool passBetween() noexcept;
+    bool passReferences() noexcept;
+    bool passShortReference() noexcept;
     bool passOutside() noexcept;
     void noteTags(std::size_t from, std::size_t to) noexcept;
     void noteTag(std::size_t place) noexcept;
