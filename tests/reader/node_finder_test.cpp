@@ -31,6 +31,7 @@ constexpr Case Cases[] = {
     {Content, Lenient, "<a x=1'>|"},
     {Content, Lenient, "</a x='>|"},            // quotes mean nothing there
     {Content, Lenient, "<a x='&lt;>&y'>;'>|"},  // a reference goes on to its semicolon
+    {Content, Lenient, "<a x='&<b>;'>|"},
     {Content, Lenient, "<a x='&y'>|<b z=';'>|", false},
     {Content, Lenient, "<a x='&'>|&<b>;<c|>|", false},  // if they are left, only behind the tag
     {Content, Lenient, "x&y<b>;<c|>|"},
@@ -45,6 +46,7 @@ constexpr Case Cases[] = {
     {Content, Lenient, "<?xml 1234567<a|>|"},  // given up
     {Content, Lenient, "<\xC3\xA9>|<a\x80>bc|</|a>|"},
     {Content, Lenient, "<b\xA9\xC3<c|>|"},
+    {Content, Lenient, "<b\xC3\xA9\xA9>cd|"},
     {Content, Lenient, "x\xEA<\x80|\x34>y|z<a|>|"},
     {Content, Conforming, "x&y<b|>|"},
     {Content, Conforming, "x<!--c--><?p?><![CDATA[d]]>y<b|>|"},
@@ -82,6 +84,23 @@ TEST(NodeFinder, FindsWhatIsWholeByteByByte) {
             EXPECT_EQ(inTwo.nodesUpTo(), whole.back());
         }
     }
+}
+
+// What is looked at in blocks, at each place of a block.
+TEST(NodeFinder, FindsTheSameInBlocks) {
+    for (const std::string_view piece : {"&y<b>;", "&lt;&gt;&<b>;", "?&lt;!<!-- <b> -->", "<!-- <b> -->", "<?p <b> ?>",
+                                         "<![CDATA[ ]<b>] ]]>", "<b x='&gt;'>", "<b x='!'><?p?>"})
+        for (std::size_t front = 0; front != 80; ++front)
+            for (const bool isConforming : {Lenient, Conforming}) {
+                const std::string text = std::string(front, 'x') + std::string(piece) + std::string(150, 'y');
+                const Case row{Content, isConforming, text};
+                NodeFinder inOne = finderFor(row), byBytes = finderFor(row);
+                inOne.look(text);
+                for (std::size_t length = 1; length <= text.size(); ++length)
+                    byBytes.look(std::string_view(text).substr(0, length));
+                EXPECT_EQ(inOne.nodesUpTo(), byBytes.nodesUpTo()) << text;
+                EXPECT_EQ(inOne.textsUpTo(), byBytes.textsUpTo()) << text;
+            }
 }
 
 }  // namespace

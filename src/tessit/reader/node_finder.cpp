@@ -47,8 +47,6 @@ const char* findThought(const char* at, const char* end, Other... other) {
         return (((block == '!') | (block == '?')) | ... | (block == static_cast<unsigned char>(other)));
     };
     const auto compare = [=](const char* from) { return compareThought(from, other...); };
-    const auto isHere = [=](const char* from) { return corvel::matchesOf(compare(from)) != 0; };
-    if (end - at > 64 && !isHere(at) && !isHere(at + 16)) at += 32;  // for texts that have many references
     while (end - at > 64 && (... && (*at != other))) {
         if (isAnyIn64(at + 1, compareFew) && isAnyIn64(at, compare)) break;
         at += 64;
@@ -94,9 +92,7 @@ bool NodeFinder::step() noexcept {
     switch (state) {
         case State::Between:
             return isOutside ? passOutside() : passBetween();
-        case State::Ampersand:
-            return passAmpersand();
-        case State::Swallowing:
+        case State::Reference:
             return passUpTo(";", State::Between);
         case State::Markup:
             return isConforming ? passStrictMarkup() : passLenientMarkup();
@@ -158,7 +154,7 @@ bool NodeFinder::passBetween() noexcept {
     if (left() == 0) return false;
     if (text[at] == '&') {
         ++at;
-        return enter(State::Ampersand);
+        return enter(State::Reference);
     }
     if (left() == 1) return false;
     markup = at;
@@ -167,28 +163,30 @@ bool NodeFinder::passBetween() noexcept {
     return enter(State::Markup);
 }
 
-// Lenient readers take references up to the semicolon, in values only if they are expanded. Conforming ones refuse what
-// is none. Those of a text are passed one after the other: no tag is between them. False where one is not short.
+// Lenient readers take references up to the semicolon, be it behind markup; in values only if they are expanded.
+// Conforming ones refuse what is none. False where one is not short.
 bool NodeFinder::passReferences() noexcept {
-    lookAtTag(at);
-    const bool isInTag = tagState != Tag::None && tagState != Tag::Whole;
-    if (isInTag && !expandsValues) {
+    if (!expandsValues && isInTag()) {
         ++at;
         return true;
     }
     do {
         if (!passShortReference()) return false;
-    } while (!isInTag && find('<', '&') && text[at] == '&');
+    } while (find('<', '&') && text[at] == '&');
     return true;
+}
+
+bool NodeFinder::isInTag() noexcept {
+    lookAtTag(at);
+    return tagState != Tag::None && tagState != Tag::Whole;
 }
 
 bool NodeFinder::passShortReference() noexcept {
     constexpr std::size_t Most = 10;
-    for (std::size_t length = 1; length != Most && at + length < text.size(); ++length) {
-        const char byte = text[at + length];
-        if (byte == '<') break;
-        if (byte != ';') continue;
-        at += length + 1;
+    const std::size_t end = std::min(text.size(), at + Most);
+    for (std::size_t place = at + 1; place < end; ++place) {
+        if (text[place] != ';') continue;
+        at = place + 1;
         return true;
     }
     return false;
@@ -212,15 +210,8 @@ bool NodeFinder::passOutside() noexcept {
 
 // Each '<' there begins a tag, of which the last one counts.
 void NodeFinder::noteTags(std::size_t from, std::size_t to) noexcept {
-    const char* const first = text.data() + from;
-    const char* behind = text.data() + to;
-#if defined(TESSIT_SCAN_BLOCKS)
-    while (behind - first >= 16 && corvel::matchBlock(behind - 16, '<') == 0)
-        behind -= 16;
-#endif
-    while (behind != first && behind[-1] != '<')
-        --behind;
-    if (behind != first) noteTag(static_cast<std::size_t>(behind - text.data()) - 1);
+    const std::size_t last = text.substr(from, to - from).rfind('<');
+    if (last != std::string_view::npos) noteTag(from + last);
 }
 
 void NodeFinder::noteTag(std::size_t place) noexcept {
@@ -228,14 +219,6 @@ void NodeFinder::noteTag(std::size_t place) noexcept {
     tagAt = place + 1;
     tagState = Tag::Begin;
     textEnd = place + 1;
-}
-
-// A reference goes on to its semicolon, be it behind markup.
-bool NodeFinder::passAmpersand() noexcept {
-    if (!find(';', '<')) return false;
-    if (text[at] == '<') return enter(State::Swallowing);
-    ++at;
-    return enter(State::Between);
 }
 
 // --- Markup
@@ -551,7 +534,6 @@ bool NodeFinder::isAnnounced(std::size_t place) const noexcept {
 // Whether a character of a name that ends in front of the place would be read past the end of the text, as one can that
 // is none: readers are sure what it is only with as many bytes as its first one announces.
 bool NodeFinder::isCut(std::size_t place) const noexcept {
-    if (isConforming) return false;
     for (std::size_t first = text.size() - std::min(text.size(), LongestCharacter - 1); first < place; ++first) {
         const auto byte = static_cast<unsigned char>(text[first]);
         const auto length = static_cast<std::size_t>(characterLength(byte));

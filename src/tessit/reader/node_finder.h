@@ -51,9 +51,8 @@ public:
 private:
     enum class State : std::uint8_t {
         Between,
-        Ampersand,
-        Swallowing,  // a reference that goes on to its semicolon, whatever stands there
-        Markup,      // "<!" or "<?"
+        Reference,
+        Markup,  // "<!" or "<?"
         Target,
         Instruction,
         LenientDeclaration,
@@ -77,11 +76,11 @@ private:
     bool step() noexcept;
     bool passBetween() noexcept;
     bool passReferences() noexcept;
+    bool isInTag() noexcept;
     bool passShortReference() noexcept;
     bool passOutside() noexcept;
     void noteTags(std::size_t from, std::size_t to) noexcept;
     void noteTag(std::size_t place) noexcept;
-    bool passAmpersand() noexcept;
     bool passMarkup() noexcept;
     bool passLenientMarkup() noexcept;
     bool passStrictMarkup() noexcept;
