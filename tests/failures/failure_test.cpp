@@ -272,29 +272,38 @@ const struct {
      }},
     {"a window that moves can be read on, unless its callback failed, which comes again",
      [](Attempt& attempt) {
-         for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
-             std::string left = "<a/>";
-             bool isBroken = false;
-             const QeXmlInput::Callback fill = [&](std::span<char> room) {
-                 isBroken = true, allocator::call(), isBroken = false;
-                 const std::size_t count = left.copy(room.data(), std::min<std::size_t>(room.size(), 9'000));
-                 left.erase(0, count);
-                 return count;
-             };
-             QeXmlReader reader(QeXmlInput::callback(fill), {.rules = rules});
-             QeXmlInput input = QeXmlInput::callback(fill);
-             left = "<a>" + std::string(40'000, 'x') + "<!--" + std::string(70'000, 'x') + "--><b/></a>";
-             const bool done = attempt([&] { reader.reset(std::move(input)), readToTheEnd(reader); });
-             reader.getOpenElements();
-             EXPECT_TRUE(!done || reader.eof());
-             EXPECT_FALSE(isBroken && reader.eof());
-             try {
-                 readOn(reader);
-                 EXPECT_FALSE(isBroken);
-             } catch (const allocator::CallFailed&) {
-             } catch (const std::bad_alloc&) {  // no room for more of the document
+         const std::string grows = "<a>" + std::string(40'000, 'x') + "<!--" + std::string(70'000, 'x') + "--><b/></a>";
+         const std::string moves = "<a>" + repeat("<b/>", 20'000) + "</a>";
+         const auto inDepth = [&](std::size_t depth) { return repeat("<a>", depth) + moves + repeat("</a>", depth); };
+         // the last of these levels is the first one that there is no room for
+         const std::string documents[] = {grows, moves, encode(moves, Encoding::Utf16LE), inDepth(787), inDepth(1196)};
+         for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+             for (const std::string& document : documents) {
+                 std::string left = "<a><b/></a>";
+                 bool isBroken = false;
+                 const QeXmlInput::Callback fill = [&](std::span<char> room) {
+                     isBroken = true, allocator::call(), isBroken = false;
+                     const std::size_t count = left.copy(room.data(), std::min<std::size_t>(room.size(), 9'000));
+                     left.erase(0, count);
+                     return count;
+                 };
+                 QeXmlReader reader(QeXmlInput::callback(fill), {.rules = rules});
+                 readToTheEnd(reader);
+                 QeXmlInput input = QeXmlInput::callback(fill);
+                 left = document;
+                 const bool done = attempt([&] { reader.reset(std::move(input)), readToTheEnd(reader); });
+                 EXPECT_TRUE(!done || reader.eof());
+                 EXPECT_FALSE(isBroken && reader.eof());
+                 EXPECT_THROW(reader.err("found later"), QeXmlParseError);
+                 reader.getLastSpan(), reader.getOpenElements();
+                 try {
+                     if (isBroken) reader.readNextNode();
+                     EXPECT_FALSE(isBroken);
+                     readOn(reader);
+                 } catch (const allocator::CallFailed&) {
+                 } catch (const std::bad_alloc&) {  // no room for more of the document
+                 }
              }
-         }
      }},
     {"attributes sorted by prefix, not by URI, are found by those that a lookup among many relies on",
      [](Attempt& attempt) {

@@ -143,15 +143,22 @@ TEST(Input, FailsWhereverItIsRead) {
 }
 
 TEST(Input, RefusesCallbacksThatUseTheirReader) {
-    for (const bool resets : {false, true}) {
-        QeXmlReader reader(QeXmlInput::copy("<a/>"));
-        std::size_t calls = 0;
-        reader.reset(QeXmlInput::callback([&, text = std::string("<a>x")](std::span<char> room) {
-            if (calls++ != 0) resets ? reader.reset(QeXmlInput::copy("<b/>")) : reader.readNextNode();
-            return text.copy(room.data(), room.size());
-        }));
-        EXPECT_THROW(readAll(reader), QeXmlInputError);
-    }
+    const Document document("<a><b/></a>");
+    for (const bool resets : {false, true})
+        for (const std::size_t usesIt : {0u, 1u}) {
+            QeXmlReader reader(document.inPieces(0, 3));
+            std::size_t calls = 0;
+            EXPECT_THROW(
+                {
+                    readAll(reader);
+                    reader.reset(QeXmlInput::callback([&, text = std::string("<a>x")](std::span<char> room) {
+                        if (calls++ == usesIt) resets ? reader.reset(QeXmlInput::copy("<b/>")) : reader.readNextNode();
+                        return text.copy(room.data(), room.size());
+                    }));
+                    readAll(reader);
+                },
+                QeXmlInputError);
+        }
 }
 
 // Each node comes with the byte that makes it whole.
@@ -190,5 +197,11 @@ TEST(Input, IsFollowedByOthers) {
         reader.reset(QeXmlInput::copy("<a/>"));
         EXPECT_EQ(readAll(reader), "/a ");
         EXPECT_EQ(reader.getInputSize(), 4u);
+        // where the last one ended, the next one goes on
+        for (const std::string_view xml : {"<a/>", "<b>x</b>"}) {
+            const Document document(xml);
+            reader.reset(document.inPieces(0, xml.size()));
+            EXPECT_EQ(readAll(reader), xml == "<a/>" ? "/a " : "+b =x -b ");
+        }
     }
 }

@@ -55,7 +55,15 @@ void QeXmlReader::Engine::reset() {
     foundOut.reset();
     if (besides != nullptr) besides->whole.reset();
     input.begin();
-    if (conforming != nullptr) input.enter(conforming->document.source, nullptr);
+}
+
+// To be called where an exception was caught: it comes again with each call that reads on. A lenient reader that has
+// all of its document goes on as after any error.
+void QeXmlReader::Engine::keepFaultOfReset() noexcept {
+    if (windowed != nullptr) windowed->fault = std::current_exception();
+    if (conforming == nullptr || conforming->fault != nullptr) return;
+    conforming->fault = std::current_exception();
+    input.enter(conforming->document.source, conforming->document.source.begin());
 }
 
 // Whatever points into the old bytes lets go of them before they go.

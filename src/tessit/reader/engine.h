@@ -86,7 +86,6 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void openWindowed(std::unique_ptr<tessit::ByteSource> source);
     void leaveWindow() noexcept;
     void openConformingWindow();
-    void keepFaultOfWindow() noexcept;
     void refuseWhileReading() const;
     bool readFirst();
     void readFirstBytes();
@@ -115,6 +114,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
 
     /// Forgets the document.
     void reset();
+    void keepFaultOfReset() noexcept;
 
     /// Takes in a declared encoding. All views of the document may be void behind it.
     void declareEncoding(const QeCString& name);

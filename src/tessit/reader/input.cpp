@@ -231,7 +231,7 @@ void Input::goOnIn(std::string_view text, const QeXmlPosition& beginning) noexce
 void Input::goOnConverted(std::string_view text, InputUnits units, const QeXmlPosition& beginning) {
     ++replaced;
     takeWindow(text, 0);
-    ofCounts = std::make_unique<Counted>();
+    counted() = {};
     ofCounts->places.begin(text, LineEnds::LineFeed, units, beginning);
     ofCounts->describedLine = beginning.line;
 }

@@ -113,16 +113,13 @@ bool Window::takeFilled(bool isLast) {
 }
 
 void Window::convertFrom(std::size_t place, voxal::PieceConverter&& converter) {
-    QeCString rest(text().substr(place));
+    QeCString rest(text().substr(place)), made;
     rest += std::string_view(waiting).substr(waitingFrom);
-    waiting.clear();
-    waitingFrom = 0;
-    QeCString made;
     converter.append(made, rest, sourceEnded);
-    converted += made.length();
     converters.push_back(std::move(converter));
+    converted += made.length();  // from here on, nothing fails
     ended = false;
-    last = filled = 0;
+    last = filled = waitingFrom = 0;
     waiting = std::move(made);
     takeWaiting();
 }

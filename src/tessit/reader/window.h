@@ -14,7 +14,8 @@
 namespace tessit {
 
 /// The part of a document's text, in UTF-8, that is in memory: bytes are read from a source behind it, converted, and
-/// let XX
+/// let go in front. Grows to twice its size when what is kept fills more than half of it, and once when there turns out
+/// to be much to read. Knows nothing of XML.
 class Window {
 public:
     explicit Window(std::unique_ptr<ByteSource> from);

@@ -22,6 +22,17 @@ constexpr std::size_t FirstBytes = 4;
 // So many hold a mark and "<?xml" in any encoding.
 constexpr std::size_t WidestBegin = 24;
 
+class SetMeanwhile {
+public:
+    explicit SetMeanwhile(bool& variable) noexcept : flag(variable) { flag = true; }
+    SetMeanwhile(const SetMeanwhile&) = delete;
+    SetMeanwhile& operator=(const SetMeanwhile&) = delete;
+    ~SetMeanwhile() { flag = false; }
+
+private:
+    bool& flag;
+};
+
 }  // namespace
 
 void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> source) {
@@ -134,9 +145,8 @@ void QeXmlReader::Engine::needNodeInWindow() {
 }
 
 void QeXmlReader::Engine::needRestOfText() {
-    windowed->keepsLast = true;
+    const SetMeanwhile keeps(windowed->keepsLast);
     needText();
-    windowed->keepsLast = false;
 }
 
 void QeXmlReader::Engine::needText() {
@@ -208,25 +218,15 @@ void QeXmlReader::Engine::refuseWhileReading() const {
                           "it uses the reader that reads it");
 }
 
-// Called where a document could not be begun: nothing of it is there.
-void QeXmlReader::Engine::keepFaultOfWindow() noexcept {
-    if (windowed == nullptr) return;
-    windowed->fault = std::current_exception();
-    windowed->nodesUpTo = windowed->textsUpTo = windowed->freelyUpTo = nullptr;
-}
-
 // What goes wrong is thrown again by each later call.
 template <typename Read>
 bool QeXmlReader::Engine::readOrKeepFault(const Read& read) {
     refuseWhileReading();
     if (windowed->fault != nullptr) std::rethrow_exception(windowed->fault);
-    windowed->isReading = true;
     try {
-        const bool isMore = read();
-        windowed->isReading = false;
-        return isMore;
+        const SetMeanwhile reads(windowed->isReading);
+        return read();
     } catch (...) {
-        windowed->isReading = false;
         windowed->fault = std::current_exception();
         throw;
     }
@@ -259,10 +259,10 @@ void QeXmlReader::Engine::showWindow(const char* place) {
     input.enter(source, place);
 }
 
-// What is looked at ahead and may be returned as it is written stays, too. If it fails on the way, nothing counts as
-// whole.
+// What is looked at ahead and may be returned as it is written stays, too. Nothing counts as whole until it was looked
+// for where it stands then, should moving or what follows fail.
 void QeXmlReader::Engine::moveWindow() {
-    windowed->nodesUpTo = windowed->textsUpTo = windowed->freelyUpTo = nullptr;
+    windowed->nothingIsWhole();
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
@@ -294,7 +294,6 @@ void QeXmlReader::Engine::moveWindow() {
     showWindow(begin + cursorBehind);
     input.goOnIn(windowed->window.text(), beginning);
     if (rawCopy != nullptr) rawCopy->goOn();
-    findInWindow();
 }
 
 // The elements that the document's own text has opened.
@@ -332,14 +331,12 @@ void QeXmlReader::Engine::leaveBeginning() noexcept {
 
 // Asked by a program that may still ask about the last node. What goes wrong is for the next reading call.
 bool QeXmlReader::Engine::fetchQuietly() noexcept {
-    windowed->keepsLast = true;
-    bool isMore = false;
+    const SetMeanwhile keeps(windowed->keepsLast);
     try {
-        isMore = fetch();
+        return fetch();
     } catch (...) {
+        return false;
     }
-    windowed->keepsLast = false;
-    return isMore;
 }
 
 // --- Encodings
@@ -366,9 +363,9 @@ void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, tessi
     slots.forgetDocument();
     const QeXmlPosition beginning = input.positionOf(reader.cursor);
     window.convertFrom(place, std::move(converter));
-    checkConversions();
     leaveBeginning();
     foundOut.reset();
     lastNode = lastTag = {};
     input.goOnConverted(window.text(), units, beginning);
+    checkConversions();
 }

@@ -17,13 +17,14 @@ struct QeXmlReader::Engine::Windowed {
     /// Begins with another source.
     void begin(std::unique_ptr<tessit::ByteSource> source) noexcept {
         window.reset(std::move(source));
-        finder.begin(0, tessit::NodeFinder::Where::Begin, true);
-        nodesUpTo = textsUpTo = freelyUpTo = nullptr;
+        nothingIsWhole();
         isInProlog = true;
-        isInEpilog = isLookedAhead = hasMoved = keepsLast = false;
+        isInEpilog = hasMoved = false;
         openTags.clear();
         fault = nullptr;
     }
+
+    void nothingIsWhole() noexcept { nodesUpTo = textsUpTo = freelyUpTo = nullptr; }
 
     tessit::Window window;
     tessit::NodeFinder finder;

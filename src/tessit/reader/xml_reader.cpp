@@ -77,12 +77,13 @@ void QeXmlReader::reset(QeXmlInput input) {
         forget();
         open(std::move(input));
     } catch (...) {
-        engine->keepFaultOfWindow();
+        engine->keepFaultOfReset();
         throw;
     }
 }
 
 void QeXmlReader::forget() {
+    bufferEnd = nullptr;  // the next document may stand where the last one did
     depth = 0;
     lastNodeType = NoNode;
     nodePending = encodingDeclared = standaloneDeclared = false;
@@ -122,9 +123,9 @@ void QeXmlReader::skipSpace() noexcept {
 
 // Asked where all is read that is there: whether more comes. What goes wrong is for the next reading call.
 bool QeXmlReader::isAtEnd() noexcept {
+    if (engine->conforming != nullptr) return bufferEnd != nullptr;  // else nothing was read yet, or nothing can be
     if (engine->windowed == nullptr) return true;
-    if (engine->conforming == nullptr && engine->fetchQuietly()) return false;
-    return engine->windowed->fault == nullptr;
+    return !engine->fetchQuietly() && engine->windowed->fault == nullptr;
 }
 
 // Where values end that hold references, and with them tags.
