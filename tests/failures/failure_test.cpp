@@ -291,19 +291,31 @@ const struct {
                  readToTheEnd(reader);
                  QeXmlInput input = QeXmlInput::callback(fill);
                  left = document;
-                 const bool done = attempt([&] { reader.reset(std::move(input)), readToTheEnd(reader); });
+                 bool isReset = false;
+                 const bool done = attempt([&] {
+                     reader.reset(std::move(input)), isReset = true;
+                     readToTheEnd(reader);
+                 });
                  EXPECT_TRUE(!done || reader.eof());
-                 EXPECT_FALSE(isBroken && reader.eof());
+                 EXPECT_FALSE((isBroken || !isReset) && reader.eof());
                  EXPECT_THROW(reader.err("found later"), QeXmlParseError);
                  reader.getLastSpan(), reader.getOpenElements();
                  try {
-                     if (isBroken) reader.readNextNode();
-                     EXPECT_FALSE(isBroken);
+                     if (isBroken || !isReset) reader.readNextNode();
+                     EXPECT_FALSE(isBroken || !isReset);
                      readOn(reader);
                  } catch (const allocator::CallFailed&) {
                  } catch (const std::bad_alloc&) {  // no room for more of the document
                  }
              }
+     }},
+    {"a reset that failed is not taken for a document",
+     [](Attempt& attempt) {
+         QeXmlReader reader(QeXmlInput::copy("<a/>"), {.rules = QeXmlRules::Conforming});
+         QeXmlInput input =
+             QeXmlInput::copy(QeCString(encode("<a>" + std::string(99, 'x') + "</a>", Encoding::Utf16LE)));
+         if (attempt([&] { reader.reset(std::move(input)); })) return;
+         EXPECT_THROW(reader.readNextNode(), std::bad_alloc);
      }},
     {"attributes sorted by prefix, not by URI, are found by those that a lookup among many relies on",
      [](Attempt& attempt) {
@@ -544,6 +556,30 @@ TEST(Footprint, IsBounded) {
         const double times = static_cast<double>(std::max(byReader, byParser)) / static_cast<double>(bytes.size());
         EXPECT_LE(times, most) << name;
     }
+}
+
+// A window's, whatever the document's size: enough that longer ones are read in larger pieces.
+TEST(Footprint, OfWindowsDoesNotGrowWithDocuments) {
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+        for (const bool isLong : {false, true}) {
+            const std::size_t length = isLong ? 8'000'000 : 200'000;
+            std::size_t given = 0, largestRoom = 0;
+            const QeXmlInput::Callback fill = [&](std::span<char> room) {
+                largestRoom = std::max(largestRoom, room.size());
+                std::size_t count = 0;
+                for (; count != room.size() && given != length; ++given)
+                    room[count++] = given < 3 ? "<a>"[given] : "1</r><r>"[given % 8];
+                return count;
+            };
+            const std::size_t peak = countPeakBytes([&] {
+                QeXmlReader reader(QeXmlInput::callback(fill), {.rules = rules});
+                readToTheEnd(reader);
+                EXPECT_EQ(reader.getBytesRead(), length);
+            });
+            EXPECT_LE(peak, isLong ? 600'000u : 150'000u);
+            EXPECT_LE(largestRoom, isLong ? 256u * 1024 : 64u * 1024);
+            EXPECT_GE(largestRoom, isLong ? 128u * 1024 : 0u);
+        }
 }
 
 TEST(Failures, LeaveWhatIsPromised) {
