@@ -34,6 +34,8 @@ constexpr Refusal InTheDocument[] = {
     {Rule::HyphensInComment, " a [<!-- ^-- -->]"},
     {Rule::XmlDeclarationPlace, " a [<?^xml version='1.0'?>]"},
     {Rule::Colon, " a [<?p^:q?>]"},
+    {Rule::Colon, " a [%p^:q;]"},
+    {Rule::Colon, " a [<!ENTITY e '&p^:q;'>]"},
     {Rule::ConditionalSection, " a [^<![INCLUDE[]]>]"},
     {Rule::DocumentType, " a []^]>"},
 

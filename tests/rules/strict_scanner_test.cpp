@@ -37,7 +37,7 @@ std::string literal(StrictScanner& scanner) {
     return quoted(scanner.readLiteral());
 }
 std::string reference(StrictScanner& scanner) {
-    return quoted(scanner.readReferenceName());
+    return quoted(scanner.readReferenceName(false));
 }
 std::string number(StrictScanner& scanner) {
     return std::to_string(scanner.readCharacterReference());

@@ -45,7 +45,7 @@ private:
         const char* const reference = here.position();
         if (here.passIf("&#")) return appendCharacter(text, here.readCharacterReference());
         here.take();
-        here.readReferenceName();
+        here.readReferenceName(declarations.getSettings().namespaces);
         text.append(reference, static_cast<std::size_t>(here.position() - reference));
     }
 
@@ -53,7 +53,8 @@ private:
         const char* const reference = here.position();
         if (!mayRefer) here.refuseHere(Rule::ParameterEntity);
         here.take();
-        const std::string_view name = here.readReferenceName(Rule::ParameterEntity);
+        const std::string_view name =
+            here.readReferenceName(declarations.getSettings().namespaces, Rule::ParameterEntity);
         Entity* const entity = declarations.resolveParameter(here.getSource(), reference, name);
         if (entity != nullptr && enterText(*entity, reference)) return;
         declarations.noteUnreadEntity();

@@ -40,7 +40,7 @@ void SubsetText::enterWithin() {
 SubsetText::Found SubsetText::enter(bool isWithin) {
     const char* const reference = position();
     take();
-    const std::string_view name = readReferenceName(Rule::ParameterEntity);
+    const std::string_view name = readReferenceName(declarations.getSettings().namespaces, Rule::ParameterEntity);
     Entity* const entity = declarations.resolveParameter(getSource(), reference, name);
     const Source* const text = entity == nullptr ? nullptr : declarations.open(*entity, getSource(), reference);
     if (text == nullptr) {

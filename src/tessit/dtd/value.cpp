@@ -45,7 +45,7 @@ private:
         const char* const reference = here.position();
         if (here.passIf("&#")) return appendCharacter(text, here.readCharacterReference());
         here.take();
-        const std::string_view name = here.readReferenceName();
+        const std::string_view name = here.readReferenceName(declarations.getSettings().namespaces);
         if (const std::string_view known = Declarations::predefined(name); !known.empty()) return text.append(known);
         Entity* const entity = declarations.resolve(here.getSource(), reference, name);
         if (entity == nullptr) return leaveAlone(reference);

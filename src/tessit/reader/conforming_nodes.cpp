@@ -227,7 +227,7 @@ inline bool QeXmlReader::Engine::ConformingNodes::appendCharacter(tessit::TextBu
 bool QeXmlReader::Engine::ConformingNodes::readReference(Others others, bool& found) {
     const char* const start = position();
     StrictScanner scanner(source(), start + 1);
-    const std::string_view name = scanner.readReferenceName();
+    const std::string_view name = scanner.readReferenceName(state.options.namespaces);
     tessit::Entity* const entity = state.declared.get().resolve(source(), start, name);
     const Source* const text = entity == nullptr ? nullptr : state.declared.get().open(*entity, source(), start);
     if (text == nullptr) {

@@ -198,7 +198,7 @@ TESSIT_NOINLINE void Judge::judgeReference(const char* place) {
             scanner.readCharacterReference();
             return;
         }
-        const std::string_view name = scanner.readReferenceName();
+        const std::string_view name = scanner.readReferenceName(tags.readsNamespaces());
         if (!hasDocumentType) refuse(source, place, Rule::UndeclaredEntity, name);
     });
 }

@@ -221,8 +221,8 @@ StrictScanner::Declaration StrictScanner::readTextDeclaration() {
     return declaration;
 }
 
-std::string_view StrictScanner::readReferenceName(Rule rule) {
-    const std::string_view name = readName(rule);
+std::string_view StrictScanner::readReferenceName(bool namespaces, Rule rule) {
+    const std::string_view name = readNameWithoutColon(namespaces, rule);
     require(";", rule);
     return name;
 }

@@ -47,7 +47,7 @@ public:
     /// A name, of which there must be one: else that rule is broken.
     std::string_view readName(Rule rule = Rule::Name);
 
-    /// The same for one that namespaces allow no colon in.
+    /// The same for one that namespaces, if they are read, allow no colon in.
     std::string_view readNameWithoutColon(bool namespaces, Rule rule = Rule::Name);
 
     /// One or more characters of names.
@@ -83,7 +83,7 @@ public:
     Declaration readTextDeclaration();
 
     /// Entered just after '&' or '%'; the name, with the semicolon passed.
-    std::string_view readReferenceName(Rule rule = Rule::Reference);
+    std::string_view readReferenceName(bool namespaces, Rule rule = Rule::Reference);
 
     /// Entered just after "&#"; passes the semicolon.
     std::uint32_t readCharacterReference();
