@@ -62,7 +62,7 @@ private:
         for (const DeclaredAttribute& attribute : *list) {
             EXPECT_EQ(list->find(attribute.name), &attribute);
             found += std::string(found.empty() ? "" : " ") + (attribute.isTokenized ? "~" : "") + attribute.name.data();
-            if (attribute.hasDefault) found += "=" + withBraces(attribute.defaultValue, attribute.left);
+            if (const auto& given = attribute.byDefault) found += "=" + withBraces(given->value, given->left);
         }
         return found;
     }

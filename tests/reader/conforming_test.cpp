@@ -182,6 +182,8 @@ constexpr Case Refused[] = {
     {"<a>&#99999999999999999999;</a>",
      "+a !1:4 a reference to a character that XML does not allow: &#99999999999999999999;"},
     {"<a x='&b;'/>", "!1:7 an entity that is not declared: b"},
+    {"<!DOCTYPE a SYSTEM ''><a>&b:c;</a>", "+a !1:28 a colon where namespaces allow none: b:c"},
+    {"<!DOCTYPE a SYSTEM ''><a x='&b:c;'/>", "!1:31 a colon where namespaces allow none: b:c"},
     {"<a>&b;</a>", "+a !1:4 an entity that is not declared: b"},
     {"<a x='&'/>", "!1:8 '&' that begins no reference"},
     {"<p:a/>", "!1:2 a prefix that is not bound to a namespace: p"},
@@ -224,7 +226,8 @@ constexpr Case RefusedByNamespacesAlone[] = {
     {"<:/>", "/:"},
     {"<p:a q:x='1' xmlns:p=''></p:a>", "+p:a[q:x=1 xmlns:p=] -p:a"},
     {"<a><?p:q?></a>", "+a ?p:q  -a"},
-    {"<!DOCTYPE a [<!ENTITY e:f 'x'><!NOTATION n:m SYSTEM ''>]><a>&e:f;</a>", "!a +a =x -a"},
+    {"<!DOCTYPE a [<!ENTITY e:f 'x'><!NOTATION n:m SYSTEM ''>]><a x='&e:f;'>&e:f;</a>", "!a +a[x=x] =x -a"},
+    {"<!DOCTYPE a [<!ENTITY % p:q ''><!ENTITY e '&g:h;'>%p:q;]><a/>", "!a /a"},
     {"<a xmlns:p='u' xmlns:q='u' p:x='1' q:x='2'/>", "/a[p:x=1 q:x=2 xmlns:p=u xmlns:q=u]"},
 };
 
@@ -303,6 +306,8 @@ TEST(Conforming, ReadsReferencesThatStayAsWritten) {
         {"<!DOCTYPE a [<!ENTITY u ''>]><a xmlns:p='&u;'/>", "!1:33 a prefix that is declared to be in no namespace: p"},
         {"<a xmlns:p='&#117;' xmlns:q='u' p:x='1' q:x='2'/>", "!1:41 an attribute stands twice in a tag: q:x"},
         {"<!DOCTYPE a [<!ENTITY e '<b x=\"\r\n&#13;&#10;&lt;\"/>'>]><a>&e;</a>", "+a /b[x=   &lt;] -a"},
+        {"<!DOCTYPE a [<!ENTITY u 'u'><!ATTLIST a xmlns:p NMTOKEN ' &u; ' x CDATA '\t&#9;' y CDATA '\n'>]><a p:z=''/>",
+         "/a[xmlns:p=&u; x= &#9; y=  {u}p:z=]"},
     };
     for (const auto& [xml, nodes] : Cases) {
         const Document document(xml);

@@ -34,16 +34,12 @@ void SubsetReader::readAttribute(AttributeList* list) {
     text.requireBlank();
     const bool isTokenized = readAttributeType();
     text.requireBlank();
-    QeCString value;
-    std::vector<LeftReference> left;
-    const bool hasDefault = readDefault(value, left, isTokenized);
+    std::optional<DeclaredAttribute::Default> byDefault = readDefault(isTokenized);
     DeclaredAttribute* const attribute = list == nullptr ? nullptr : declarations.declareAttribute(*list, name);
     if (attribute == nullptr) return;
     attribute->isTokenized = isTokenized;
-    attribute->hasDefault = hasDefault;
-    attribute->defaultValue = std::move(value);
-    attribute->left = std::move(left);
-    if (!hasDefault) return;
+    attribute->byDefault = std::move(byDefault);
+    if (!attribute->byDefault) return;
     attribute->name.reserve(name.size() + DeclaredAttribute::ReadableBehindName);
     list->defaults.push_back(list->size() - 1);
 }
@@ -79,17 +75,21 @@ void SubsetReader::readEnumeration(bool areNames) {
     text.require(")", Broken);
 }
 
-// Whether there is a default value.
-bool SubsetReader::readDefault(QeCString& value, std::vector<LeftReference>& left, bool isTokenized) {
-    if (text.passIf("#REQUIRED") || text.passIf("#IMPLIED")) return false;
+std::optional<DeclaredAttribute::Default> SubsetReader::readDefault(bool isTokenized) {
+    if (text.passIf("#REQUIRED") || text.passIf("#IMPLIED")) return std::nullopt;
     if (text.passIf("#FIXED"))
         text.requireBlank();
     else if (text.isAt('#'))
         text.refuseHere(Broken);
     const std::string_view literal = text.readLiteral(Broken);
-    declarations.appendValue(value, text.getSource(), literal, &left);
-    if (isTokenized) Declarations::tokenize(value, 0, &left);
-    return true;
+    DeclaredAttribute::Default read;
+    declarations.appendValue(read.value, text.getSource(), literal, &read.left);
+    if (literal.find('&') != std::string_view::npos)
+        Declarations::appendAsWritten(read.asWritten, text.getSource(), literal);
+    if (!isTokenized) return read;
+    Declarations::tokenize(read.value, 0, &read.left);
+    Declarations::tokenize(read.asWritten, 0);
+    return read;
 }
 
 }  // namespace tessit

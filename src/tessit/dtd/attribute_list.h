@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -17,11 +18,15 @@ struct LeftReference {
 
 /// What attribute-list declarations say of one attribute.
 struct DeclaredAttribute {
-    QeCString name;                   ///< as written, prefix included
-    QeCString defaultValue;           ///< as it is delivered
-    std::vector<LeftReference> left;  ///< in the default value
-    bool isTokenized = false;         ///< of a type other than CDATA: blanks are trimmed and come singly
-    bool hasDefault = false;
+    struct Default {
+        QeCString value;                  ///< as it is delivered
+        QeCString asWritten;              ///< with its references as written; empty where it has none
+        std::vector<LeftReference> left;  ///< in the value
+    };
+
+    QeCString name;  ///< as written, prefix included
+    std::optional<Default> byDefault;
+    bool isTokenized = false;  ///< of a type other than CDATA: blanks are trimmed and come singly
     bool isDeclaredOutside = false;
     mutable std::uint64_t seenInTag = 0;  ///< the number of the last tag that has it, for who counts tags
 

@@ -88,6 +88,9 @@ public:
     void appendValue(QeCString& value, const Source& where, std::string_view literal, std::vector<LeftReference>* left,
                      std::uint64_t most = QeXmlLimits::None);
 
+    /// The same with its references as written, and white space as it is delivered.
+    static void appendAsWritten(QeCString& value, const Source& where, std::string_view literal);
+
     /// Drops the blanks around what stands in the value from a place on, and all but one of those within. What is
     /// listed in `left` stays listed.
     static void tokenize(QeCString& value, std::size_t from, std::vector<LeftReference>* left = nullptr);

@@ -63,7 +63,7 @@ private:
     void readAttribute(AttributeList* list);
     bool readAttributeType();
     void readEnumeration(bool areNames);
-    bool readDefault(QeCString& value, std::vector<LeftReference>& left, bool isTokenized);
+    std::optional<DeclaredAttribute::Default> readDefault(bool isTokenized);
 
     // entity_declaration.cpp
     struct EntityDefinition {

@@ -87,6 +87,15 @@ void Declarations::appendValue(QeCString& value, const Source& where, std::strin
     Value(*this, value, where, literal, left, most).append();
 }
 
+// What an internal entity brought has its line ends already.
+void Declarations::appendAsWritten(QeCString& value, const Source& where, std::string_view literal) {
+    for (std::size_t at = 0; at != literal.size(); ++at) {
+        const char byte = literal[at];
+        if (where.hasPlaces && byte == '\r' && at + 1 != literal.size() && literal[at + 1] == '\n') continue;
+        value += byte == '\t' || byte == '\n' || byte == '\r' ? ' ' : byte;
+    }
+}
+
 void Declarations::tokenize(QeCString& value, std::size_t from, std::vector<LeftReference>* left) {
     char* const bytes = corvel::StringAccess::bytesOf(value);
     std::size_t to = from, next = 0;

@@ -72,7 +72,7 @@ TESSIT_NOINLINE void TagSlots::readAny(const RawName& element, Input& input, boo
         if (tagEnd + 1 == rules.getSource().end()) refuseEnd(rules.getSource());
         if (tagEnd[1] != '>') refuse(rules.getSource(), tagEnd + 1, Rule::Attribute);
     }
-    if (list != nullptr) addDefaults(*list, rules, tagEnd);
+    if (list != nullptr) addDefaults(*list, rules, tagEnd, expands);
     writeChecked(element, rules, tagEnd, list == nullptr);
 }
 
@@ -104,11 +104,13 @@ void TagSlots::declare(const RawName& name, std::string_view uri, const Conformi
     bindings.declare(isDefault ? std::string_view() : name.local(), uri);
 }
 
-void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd) {
+void TagSlots::addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd, bool expands) {
     const std::size_t specified = rawAttributes.size();
-    rules.addDefaults(rawAttributes, list, tagEnd);
-    for (std::size_t i = specified; i < rawAttributes.size(); ++i)
-        declare(rawAttributes[i].name, rawAttributes[i].valueText(), rules, tagEnd);
+    rules.addDefaults(rawAttributes, list, tagEnd, expands);
+    for (std::size_t i = specified; i < rawAttributes.size(); ++i) {
+        const RawName& name = rawAttributes[i].name;
+        if (name.whole().starts_with(Xmlns)) declare(name, list.find(name.whole())->byDefault->value, rules, tagEnd);
+    }
 }
 
 // What needs the whole tag is looked at now, in this order: prefixes, then what stands twice.

@@ -17,15 +17,6 @@ constexpr std::string_view Xml = "xml", Xmlns = "xmlns";
 constexpr std::string_view XmlURI = "http://www.w3.org/XML/1998/namespace";
 constexpr std::string_view XmlnsURI = "http://www.w3.org/2000/xmlns/";
 
-// A value as written, with white space as it is delivered. What an internal entity brought has its line ends already.
-void appendAsWritten(QeCString& value, const Source& source, std::string_view literal) {
-    for (std::size_t at = 0; at != literal.size(); ++at) {
-        const char byte = literal[at];
-        if (source.hasPlaces && byte == '\r' && at + 1 != literal.size() && literal[at + 1] == '\n') continue;
-        value += byte == '\t' || byte == '\n' || byte == '\r' ? ' ' : byte;
-    }
-}
-
 // Of such a value, each line end counts as the blank that it becomes.
 void holdAsWritten(const Source& source, std::string_view literal, std::uint64_t most) {
     if (literal.size() <= most) return;
@@ -91,7 +82,7 @@ void ConformingTags::append(QeCString& value, std::string_view literal, bool isC
         meaning.clear();
         declared.get().appendValue(meaning, *source, literal, nullptr);
         holdAsWritten(*source, literal, mostInValue);
-        appendAsWritten(value, *source, literal);
+        Declarations::appendAsWritten(value, *source, literal);
     }
     if (isCut) refuse(*source, literal.data() + literal.size(), Rule::LessThanInValue);
 }
@@ -155,16 +146,19 @@ std::span<const ConformingTags::Left> ConformingTags::leftIn(std::string_view na
     return {first, last};
 }
 
-void ConformingTags::addDefaults(RawAttributes& attributes, const AttributeList& list, const char* tagEnd) {
+void ConformingTags::addDefaults(RawAttributes& attributes, const AttributeList& list, const char* tagEnd,
+                                 bool expands) {
     for (const std::size_t number : list.defaults) {
         const DeclaredAttribute& attribute = list.begin()[static_cast<std::ptrdiff_t>(number)];
         if (attribute.seenInTag == tagNumber) continue;
-        const std::string_view name(attribute.name);
-        const std::string_view value(attribute.defaultValue);
+        const DeclaredAttribute::Default& byDefault = *attribute.byDefault;
+        const bool isAsItIs = expands || byDefault.asWritten.empty();
+        const std::string_view name(attribute.name), value(isAsItIs ? byDefault.value : byDefault.asWritten);
         declared.get().charge(name.size() + value.size(), *source, tagEnd);  // an empty value is not for nothing
         attributes.push_back({RawName::of(name, namespaces), value.data(), value.size()});
         told.defaulted.push_back(name);
-        for (const LeftReference& reference : attribute.left)
+        if (!expands) continue;
+        for (const LeftReference& reference : byDefault.left)
             told.left.push_back({name, reference});
     }
 }

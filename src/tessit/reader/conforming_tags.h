@@ -74,7 +74,7 @@ public:
     void keepLeft(std::string_view name, std::size_t from);
 
     /// Adds the declared defaults of what does not stand in the tag that ends here.
-    void addDefaults(RawAttributes& attributes, const AttributeList& list, const char* tagEnd);
+    void addDefaults(RawAttributes& attributes, const AttributeList& list, const char* tagEnd, bool expands);
 
     /// Refuses a declaration of a namespace that may not be.
     void checkDeclaration(const RawName& name, std::string_view uri, const char* place) const;

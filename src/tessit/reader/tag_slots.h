@@ -142,7 +142,7 @@ private:
     void readAny(const RawName& element, Input& input, bool expands, ConformingTags& rules);
     void readAttribute(Scanner& scanner, bool expands, ConformingTags& rules, const AttributeList* list);
     bool readOtherValueInto(QeCString& value, Scanner& scanner, bool expands, ConformingTags& rules);
-    void addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd);
+    void addDefaults(const AttributeList& list, ConformingTags& rules, const char* tagEnd, bool expands);
     void writeChecked(const RawName& element, ConformingTags& rules, const char* tagEnd, bool mayLearn);
     void declare(const RawName& name, std::string_view uri, const ConformingTags& rules, const char* place);
     void checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const char* tagEnd);
