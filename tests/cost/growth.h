@@ -1,6 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cctype>
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
 #include <gtest/gtest.h>
@@ -83,5 +87,53 @@ inline std::string expand(std::string_view pattern, std::size_t count) {
         pattern.remove_prefix(close + 1);
     }
 }
+
+/// Names that are one to a hash of the standard library's, whose seed is fixed: they consist of parts of which either
+/// of two leads on to the same. What differs between their first words, the next ones take back.
+class CollidingNames {
+public:
+    CollidingNames() {
+        std::uint64_t hash = 0xC70F6907 ^ 16 * std::size(parts) * Factor;
+        for (auto& [one, other] : parts) {
+            do {
+                one = {nextWord(), nextWord()};
+                other[0] = nextWord();
+                other[1] = unmix(mix(one[1]) ^ (hash ^ mix(one[0])) * Factor ^ (hash ^ mix(other[0])) * Factor);
+            } while (!isInName(other[1]));
+            hash = ((hash ^ mix(one[0])) * Factor ^ mix(one[1])) * Factor;
+        }
+    }
+
+    /// Differs for so many numbers as two to the number of parts.
+    std::string operator[](std::size_t number) const {
+        std::string name;
+        for (std::size_t bit = 0; bit != std::size(parts); ++bit)
+            name.append(reinterpret_cast<const char*>(parts[bit][number >> bit & 1].data()), 16);
+        return name;
+    }
+
+private:
+    static constexpr std::uint64_t Factor = 0xC6A4A7935BD1E995u, Inverse = 0x5F7A0EA7E59B19BDu;
+    static_assert(Factor * Inverse == 1);
+
+    static std::uint64_t mix(std::uint64_t word) { return (word * Factor ^ word * Factor >> 47) * Factor; }
+    static std::uint64_t unmix(std::uint64_t word) { return (word * Inverse ^ word * Inverse >> 47) * Inverse; }
+    static bool isInName(std::uint64_t word) {
+        const auto bytes = std::bit_cast<std::array<unsigned char, 8>>(word);
+        return std::ranges::all_of(bytes, [](unsigned char byte) { return std::isalnum(byte) != 0; });
+    }
+
+    // Of letters.
+    std::uint64_t nextWord() {
+        std::uint64_t word = 0x6161616161616161u;
+        for (int i = 0; i != 8; ++i)
+            word += (wordCount >> 4 * i & 15) << 8 * i;
+        ++wordCount;
+        return word;
+    }
+
+    std::uint64_t wordCount = 0;
+    std::array<std::uint64_t, 2> parts[16][2];
+};
 
 }  // namespace tessit::test

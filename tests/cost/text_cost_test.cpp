@@ -370,6 +370,9 @@ const struct {
     {"JudgeTagsOfManyAttributes", Many, "<!DOCTYPE r [<!ATTLIST a{ x# CDATA ^IMPLIED}>]><r>{<a x#=''/>}</r>", judge},
     {"JudgeAttributesOfManyElements", Many, "<!DOCTYPE r [{<!ATTLIST a# x NMTOKEN ' 1 '>}]><r>{<a#/>}</r>", judge},
     {"JudgeAttributesDeclaredAgain", Many, "<!DOCTYPE r [{<!ATTLIST r x# ID ^IMPLIED x# CDATA '1'>}]><r/>", judge},
+    {"JudgeEntitiesThatCollide", Few, "<!DOCTYPE r [{<!ENTITY `# '#'>}]><r x='{&`#;}'/>", judge},
+    {"JudgeAttributesThatCollide", Few, "<!DOCTYPE r [{<!ATTLIST r `# ID ^IMPLIED>}]><r{ `#=''}/>", judge},
+    {"JudgeElementsThatCollide", Few, "<!DOCTYPE r [{<!ATTLIST `# x CDATA ''>}]><r>{<`#/>}</r>", judge},
     {"JudgeParameterEntities", Many, "<!DOCTYPE r [{<!ENTITY % p# '<!ELEMENT a# ANY>'>}{%p#;}]><r/>", judge},
     {"JudgeNotations", Many, "<!DOCTYPE r [{<!NOTATION n# PUBLIC ' # '>}{<!ENTITY u# SYSTEM '' NDATA n#>}]><r/>",
      judge},
@@ -405,9 +408,26 @@ const Text Values[] = {
     "P{1Y}", "P{00000001D}", "P{1}Y", "PT1.{1}S", "-{1}.5", "0{0}.0", "{1}-01-01", "2003-05-20T09:01:08.{1}Z",
     "{%c}",  "{%}",          "{ }",   "x{ }x",    "{:}",    "{1a }",  "{1a }-"};
 
+// Each backquote and the number behind it is such a name.
+Text withCollidingNames(const Text& text) {
+    static const CollidingNames names;
+    Text named;
+    for (std::size_t at = 0; at != text.size();) {
+        if (text[at] != '`') {
+            named += text[at++];
+            continue;
+        }
+        std::size_t digits = 0;
+        named += names[std::stoul(text.substr(at + 1, 8), &digits)];
+        at += 1 + digits;
+    }
+    return named;
+}
+
 Text makeText(const Text& pattern, std::size_t parts) {
     Text text = expand(pattern, parts);
     std::replace(text.begin(), text.end(), '^', '#');
+    text = withCollidingNames(text);
     return text.starts_with("\xFE\xFF") ? encode(text.substr(2), Encoding::Utf16BE) : text;
 }
 
