@@ -49,6 +49,7 @@ constexpr Saying Sayings[] = {
     {"<!ATTLIST a b (1|-x| :y ) ' 1  2 ' c NOTATION (n) #IMPLIED d IDREFS '&#32;&#10; 3'>", "<a>", "~b=1 2 ~c ~d=\n 3"},
     {"<!ENTITY e ' 1 '><!ATTLIST a b NMTOKENS ' &e; &e;' c CDATA '&e;'>", "<a>", "~b=1 1 c= 1 "},
     {"%none;<!ATTLIST a b CDATA ''>", "<a>", "none"},
+    {"<!ATTLIST a b CDATA '&late;'><!ENTITY % p ''>%p;", "<a>", "b={&late;}"},  // a matter of validity, from anywhere
     {"<!ATTLIST x:a xmlns:x CDATA 'u'>", "<x:a>", "xmlns:x=u"},
 };
 
@@ -70,6 +71,8 @@ constexpr External Outside[] = {
      "<a>", "~b"},
     {"", "<!ENTITY % draft 'IGNORE'><![%draft;[<!ENTITY e '<![x]]>'>]]><![ INCLUDE [<!ENTITY e '2'><![INCLUDE[]]>]]>",
      "&e;", "2"},
+    {"", "<!ENTITY % s 'INCLUDE['><![%s; <!ENTITY e '1'> ]]>", "&e;", "1"},
+    {"", "<!ENTITY % s 'IGNORE['><![%s; <!ENTITY e '1'> ]]><!ENTITY e '2'>", "&e;", "2"},
     {"<!ENTITY % draft 'INCLUDE'>", "<!ENTITY % draft 'IGNORE'><![%draft;[<!ENTITY e '1'>]]><!ENTITY e '2'>", "&e;",
      "1"},
     {"<!ATTLIST a b IDREFS '  &late;  1 &late; '>", "<!ENTITY late 'x'>", "<a>", "~b={&late;} 1 {&late;}"},

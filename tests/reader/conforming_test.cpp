@@ -110,7 +110,10 @@ constexpr Case Accepted[] = {
     {"<!DOCTYPE a [<!ENTITY e SYSTEM 'e'>]><a>&e;</a>", "!a +a &e -a"},
     {"<!DOCTYPE a [<!ENTITY lt \"&#38;#60;\"><!ENTITY e \"&lt;\">]><a>&e;</a>", "!a +a =< -a"},
     {"<!DOCTYPE a [<?p d?><!ENTITY % e '<?q?>'>%e;]><!--c--><a/>", "!a ?p d ?q  #c /a"},
-    {"<!DOCTYPE a [<!ENTITY % e ''>%e;]><a>&f;</a>", "!a +a &f -a"},  // a matter of validity
+    {"<!DOCTYPE a [<!ENTITY % e ''>%e;]><a>&f;</a>", "!a +a &f -a"},     // a matter of validity
+    {"<?xmlencoding =\"x-none\"?><a/>", "?xmlencoding =\"x-none\" /a"},  // an instruction, whose target is no "xml"
+    {"<?xmlencoding =\"ISO-8859-1\"?><a>\xC3\xA9</a>", "?xmlencoding =\"ISO-8859-1\" +a =\xC3\xA9 -a"},
+    {"<?xmlversion ='1' encoding='x-none'?><a/>", "?xmlversion ='1' encoding='x-none' /a"},
 };
 
 constexpr Case Refused[] = {
@@ -372,6 +375,18 @@ TEST(Conforming, TellsWhatDeclarationsBrought) {
     EXPECT_TRUE(reader->eof());
 }
 
+// Also of a tag that is read anew, since it was not the one that was expected.
+TEST(Conforming, TellsEachReferenceThatIsLeftOnce) {
+    const Document document("<!DOCTYPE r SYSTEM 's'><r><a x='&u;' y='1'/><a x='&u;' z='1'/></r>");
+    const auto reader = document.open(Source::Span, Plain);
+    reader->readElementStart("r");
+    for (const char* const expected : {"x+&u;y+", "x+&u;z+"}) {
+        reader->readElementStart("a");
+        EXPECT_EQ(describeSources(*reader), expected);
+        reader->readElementEnd("a");
+    }
+}
+
 // The reference stands for each element that it brings, looked at before or not; behind it, all is as in the document.
 TEST(Conforming, TakesElementsOfAnEntity) {
     const Document document("<!DOCTYPE a [<!ENTITY e '&f;<d/>'><!ENTITY f '<b>1</b><c/>'>]><a>&e;<g/>&f;</a>");
@@ -477,6 +492,11 @@ TEST(Conforming, BoundsWhatEntitiesBring) {
                   std::string::npos);
     }
     EXPECT_EQ(read(Document(bomb("x", 3) + "]><a x='&e2;'/>"), Source::Span, small), "/a[x=" + repeat("x", 100) + "]");
+    const QeXmlReaderOptions exact{.rules = QeXmlRules::Conforming, .expansionFactor = 0, .freeExpansion = 33};
+    EXPECT_EQ(
+        read(Document("<!DOCTYPE r [<!ENTITY e '0123456789'>]><r><a x='&e;' y=''/><a x='&e;' z=''/><a x='&e;'/></r>"),
+             Source::Span, exact),
+        "+r /a[x=0123456789 y=] /a[x=0123456789 z=] /a[x=0123456789] -r");  // 11 for each reference
     const QeXmlReaderOptions flat{.rules = QeXmlRules::Conforming, .entityDepth = 3};
     EXPECT_EQ(read(Document(bomb("x", 3) + "]><a>&e2;</a>"), Source::Span, flat), "+a =" + repeat("x", 100) + " -a");
     EXPECT_NE(read(Document(bomb("x", 4) + "]><a>&e3;</a>"), Source::Span, flat).find("nested deeper"),

@@ -489,3 +489,21 @@ TEST(Places, OfOpenElementsWhoseTagsHaveLeftTheWindow) {
             EXPECT_NE(error.find('\n'), std::string::npos) << error;
         }
 }
+
+// What an entity brought stands at its reference, wherever the window is by now: the text that begins in the entity,
+// and the tag that it has.
+TEST(Places, OfWhatEntitiesBroughtWhenTheWindowMoves) {
+    const QeXmlReaderOptions options{.rules = QeXmlRules::Conforming, .nodes = QeXmlNodes::Comments};
+    const std::string front = "<!DOCTYPE a [<!ENTITY e '<b x=\"1\"/>t'>]><a>";
+    for (const std::size_t length : {std::size_t{100'000}, std::size_t{400'000}}) {
+        const Document document(front + "&e;<!--c-->" + repeat("x", length) + "<c/></a>");
+        QeXmlReader reader(document.inPieces(0, 4096), options);
+        for (int node = 0; node != 3; ++node)
+            reader.readNextNode();
+        ASSERT_EQ(reader.getLastContent(), "t");
+        EXPECT_EQ(reader.getLastOffset(), front.size());
+        EXPECT_EQ(reader.getLastSpan().begin.offset, front.size());
+        const auto spans = reader.getAttributeSpans(*std::as_const(reader).getLastAttributes().begin());
+        EXPECT_TRUE(!spans || spans->name.begin.offset == front.size());
+    }
+}

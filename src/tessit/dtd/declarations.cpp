@@ -12,7 +12,24 @@ void Declarations::beginDocument(std::uint64_t bytes, bool standalone) {
     isStandalone = standalone;
 }
 
+// A reference to an entity that is not declared is no fault if one to a parameter entity stands anywhere: until all is
+// read, nobody knows.
 void Declarations::readDocumentType(StrictScanner& scanner, QeXmlDocumentType& type) {
+    const auto refuseUndeclared = [this] {
+        if (undeclared != nullptr && !mayLackDeclarations()) std::rethrow_exception(undeclared);
+    };
+    isReadingSubsets = true;
+    try {
+        readSubsets(scanner, type);
+    } catch (const QeXmlParseError&) {
+        refuseUndeclared();
+        throw;
+    }
+    refuseUndeclared();
+    isReadingSubsets = false;
+}
+
+void Declarations::readSubsets(StrictScanner& scanner, QeXmlDocumentType& type) {
     SubsetReader reader(*this, scanner);
     ExternalId id = reader.readDocumentType(type);
     scanner.goTo(reader.getText().position());
@@ -28,13 +45,22 @@ Entity* Declarations::resolve(const Source& where, const char* reference, std::s
     Entity* const entity = general.find(name);
     if (entity == nullptr) {
         // That declarations name an entity in vain is no fault of the document.
-        if (!mayLackDeclarations() && !isReadingOutside) refuse(where, reference, Rule::UndeclaredEntity, name);
+        if (!mayLackDeclarations() && !isReadingOutside) noteUndeclared(where, reference, name);
         return findNamed(name);
     }
     if (isStandalone && entity->isDeclaredOutside && !isReadingOutside)
         refuse(where, reference, Rule::UndeclaredEntity, name);
     if (entity->isUnparsed) refuse(where, reference, Rule::UnparsedEntity, name, noteOfDeclaration(entity->source));
     return entity;
+}
+
+void Declarations::noteUndeclared(const Source& where, const char* reference, std::string_view name) {
+    try {
+        refuse(where, reference, Rule::UndeclaredEntity, name);
+    } catch (const QeXmlParseError&) {
+        if (isStandalone || !isReadingSubsets) throw;
+        if (undeclared == nullptr) undeclared = std::current_exception();
+    }
 }
 
 std::string_view Declarations::predefined(std::string_view name) noexcept {

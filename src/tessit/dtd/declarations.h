@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -82,6 +83,10 @@ public:
     /// Counts bytes that declarations bring: to be called for each default value that is delivered.
     void charge(std::uint64_t bytes, const Source& where, const char* place) { reading.charge(bytes, where, place); }
 
+    /// For what is read anew, and is to count once.
+    std::uint64_t countedSoFar() const noexcept { return reading.countedSoFar(); }
+    void countAgainFrom(std::uint64_t count) noexcept { reading.countAgainFrom(count); }
+
     /// Appends what an attribute's value is that stands between quotes in `where`. References that are left alone stay
     /// as written, and are listed in `left` if there is one. Throws `Exceeded` before the value would have more than
     /// `most` bytes.
@@ -133,6 +138,8 @@ public:
     /// @}
 
 private:
+    void readSubsets(StrictScanner& scanner, QeXmlDocumentType& type);
+    void noteUndeclared(const Source& where, const char* reference, std::string_view name);
     Entity* findNamed(std::string_view name);
 
     const DeclarationSettings& settings;
@@ -144,7 +151,8 @@ private:
     std::uint64_t declarationCount = 0;
     std::vector<SubsetInstruction> subsetInstructions;
     bool refersElsewhere = false, lacksParameterEntity = false;
-    bool isReadingOutside = false;
+    bool isReadingOutside = false, isReadingSubsets = false;
+    std::exception_ptr undeclared;  // the first of what may be a fault, until the document type is read
     bool hasIndexOfNamed = false;
 };
 

@@ -127,9 +127,11 @@ void SubsetReader::readConditionalSection() {
         passIgnored();
 }
 
-// Sections within are ignored too; nothing else has a meaning. The end stands in the same text.
+// Sections within are ignored too; nothing else has a meaning. The end stands in the same text, or in one around it if
+// an entity within the section's beginning brought the rest of that.
 void SubsetReader::passIgnored() {
     for (std::size_t depth = 1; depth != 0;) {
+        text.leaveEnded();
         text.goTo(corvel::findAny(text.position(), text.end(), '<', ']'));
         if (text.passIf("<!["))
             ++depth;

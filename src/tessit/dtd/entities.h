@@ -68,6 +68,10 @@ public:
     /// Counts bytes that entities and defaults bring; refuses more than there may be.
     void charge(std::uint64_t bytes, const Source& where, const char* place);
 
+    /// How much was counted; what was counted since counts no more.
+    std::uint64_t countedSoFar() const noexcept { return charged; }
+    void countAgainFrom(std::uint64_t count) noexcept { charged = count; }
+
     /// Begins to read the replacement text of an entity for the reference at that place, which
     /// outlives the reading. Refuses it where it is recursive, too deep, or too much. Null when
     /// an external one is not available, for which the resolver is asked once.

@@ -43,6 +43,12 @@ public:
     /// At the end of a text: goes on behind the reference that brought it. False at the end of the subset.
     bool leaveText();
 
+    /// At the end of what references within a declaration brought: goes on behind them.
+    void leaveEnded() {
+        while (atEnd() && state.isWithin)
+            leaveText();
+    }
+
     /// What parameter entities brought is left, wherever it is read: something is missing there.
     void leaveAll() noexcept;
 

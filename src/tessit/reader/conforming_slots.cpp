@@ -20,8 +20,10 @@ TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& inpu
     if (mayBeKnown()) {
         Scanner scanner(input);
         const char* const start = scanner.position();
+        const std::uint64_t counted = rules.countedSoFar();
         if (readKnown(scanner, expands, rules)) return;
         scanner.goBackTo(start);
+        rules.takeBackTo(counted);
         noteMiss();
     }
     readAny(element, input, expands, rules);

@@ -47,6 +47,13 @@ public:
         told.areInOrder = false;
     }
 
+    /// Takes back what was told of the tag, and counted since: it is read anew.
+    std::uint64_t countedSoFar() const noexcept { return declared.countedSoFar(); }
+    void takeBackTo(std::uint64_t counted) noexcept {
+        told.left.clear();
+        declared.countAgainFrom(counted);
+    }
+
     /// What the tag stands in.
     const Source& getSource() const noexcept { return *source; }
 

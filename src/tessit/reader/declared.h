@@ -31,6 +31,12 @@ public:
         if (declarations.has_value()) declarations->addDocumentBytes(count);
     }
 
+    /// For what is read anew, and is to count once.
+    std::uint64_t countedSoFar() const noexcept { return declarations.has_value() ? declarations->countedSoFar() : 0; }
+    void countAgainFrom(std::uint64_t count) noexcept {
+        if (declarations.has_value()) declarations->countAgainFrom(count);
+    }
+
     /// For when the document's bytes are about to go.
     void forgetPlaces() noexcept {
         if (declarations.has_value()) declarations->forgetPlaces();

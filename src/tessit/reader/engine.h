@@ -105,7 +105,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     bool hasBeginning() const noexcept;
     std::size_t levelsInDocument() const noexcept;
     void keepOpenTags(const char* keptFrom);
-    bool isInDocument(const Written& written) const noexcept;
+    const char*& placeInDocument(Written& written) const noexcept;
     void checkConversions();
     void declareEncodingInWindow(const QeCString& name);
 

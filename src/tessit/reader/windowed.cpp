@@ -266,8 +266,7 @@ void QeXmlReader::Engine::moveWindow() {
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
-    if (windowed->keepsLast && lastNode.begin != nullptr && isInDocument(lastNode))
-        keptFrom = std::min(keptFrom, lastNode.begin);
+    if (windowed->keepsLast && lastNode.begin != nullptr) keptFrom = std::min(keptFrom, placeInDocument(lastNode));
     const auto cursorBehind = reader.cursor - keptFrom;
     const auto dropped = static_cast<std::size_t>(keptFrom - windowed->window.text().data());
     if (rawCopy != nullptr) rawCopy->keepRun();
@@ -283,8 +282,12 @@ void QeXmlReader::Engine::moveWindow() {
     };
     windowed->openTags.moveTo(levelsInDocument(), keptFrom, begin);
     move(pendingStart);
+    const char*& ofNode = placeInDocument(lastNode);
+    const char*& ofTag = placeInDocument(lastTag);
+    move(ofNode);
+    if (&ofTag != &ofNode) move(ofTag);
     for (Written* const written : {&lastNode, &lastTag})
-        if (isInDocument(*written)) move(written->begin);
+        if (placeInDocument(*written) == nullptr) *written = {};
     if (conforming != nullptr) {
         move(conforming->parts.begin);
         conforming->parts.node = lastNode.begin;
@@ -312,9 +315,13 @@ void QeXmlReader::Engine::keepOpenTags(const char* keptFrom) {
     });
 }
 
-// And not in what an entity brought.
-bool QeXmlReader::Engine::isInDocument(const Written& written) const noexcept {
-    return conforming == nullptr || written.source == &conforming->document.source;
+// Where it stands there, or the reference that brought it.
+const char*& QeXmlReader::Engine::placeInDocument(Written& written) const noexcept {
+    const tessit::Source* source = written.source;
+    if (source == nullptr || source->parent == nullptr) return written.begin;
+    while (source->parent->parent != nullptr)
+        source = source->parent;
+    return source->reference;
 }
 
 bool QeXmlReader::Engine::hasBeginning() const noexcept {

@@ -110,6 +110,7 @@ std::string_view findDeclared(std::string_view text) {
     constexpr std::string_view Begin = "<?xml";
     if (!text.starts_with(Begin)) return {};
     text.remove_prefix(Begin.size());
+    if (takeWhile(text, isSpace).empty()) return {};  // an instruction with another target
     for (;;) {
         const PseudoAttribute next = takePseudoAttribute(text);
         if (next.value.empty() || next.name == "encoding") return next.value;

@@ -19,9 +19,9 @@ struct Source {
     QeCString foundAtEnd;  ///< and what is said to be found there
     Rule cutBy{};          ///< the rule that what the true end cuts breaks; none where the document is unfinished then
     QeCString name;        ///< of the document, or of the entity from outside
-    const char* behind = nullptr;        ///< where the bytes behind a fault end; null where they are not there
-    const Source* parent = nullptr;      ///< where the reference stands that brought the text; null for the document
-    const char* reference = nullptr;     ///< its '&' or '%'
+    const char* behind = nullptr;    ///< where the bytes behind a fault end; null where they are not there
+    const Source* parent = nullptr;  ///< where the reference stands that brought the text; null for the document
+    mutable const char* reference = nullptr;  ///< its '&' or '%'; moves with that text
     const Source* declaredIn = nullptr;  ///< where the entity is declared that the text is of; null where nobody knows
     const char* declaredAt = nullptr;    ///< its name there
     const char* linesFrom = nullptr;     ///< the text declaration in front, from which on lines count; null without one
