@@ -44,6 +44,10 @@ void PieceConverter::appendUtf16(QeCString& utf8, std::string_view units, bool i
     utf8 += *utf16ToUtf8<Order>(units, QeUToUnicodeConverter::NoLimit);
 }
 
+bool PieceConverter::hasByteEach() const noexcept {
+    return tables ? tables->hasByteEach() : form == Form::Latin1;
+}
+
 const QeCString* PieceConverter::findMalformed() const noexcept {
     if (tables) return tables->findMalformed();
     return ended ? &malformed : nullptr;

@@ -25,6 +25,9 @@ public:
     /// Appends the text of the next piece. Where malformed bytes end the text, later pieces add nothing.
     void append(QeCString& utf8, std::string_view piece, bool isLast);
 
+    /// Whether each byte is a character, as far as that is known.
+    bool hasByteEach() const noexcept;
+
     /// The bytes that have ended the text, as far as they are known; null where none have.
     const QeCString* findMalformed() const noexcept;
 

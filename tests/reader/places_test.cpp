@@ -137,8 +137,10 @@ TEST(Places, AreThoseOfAModelThatCounts) {
             for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
                 const bool isConforming = rules == QeXmlRules::Conforming;
                 const SpanChecker checker(formed, isConforming, form == Form::Utf16LE || form == Form::Utf16BE);
-                const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules, .nodes = nodes});
-                EXPECT_EQ(readSpans(*reader, checker), isConforming ? spans : lenientSpans) << formed.text;
+                for (const Source source : {Source::Span, Source::ByteByByte}) {
+                    const auto reader = document.open(source, QeXmlReaderOptions{.rules = rules, .nodes = nodes});
+                    EXPECT_EQ(readSpans(*reader, checker), isConforming ? spans : lenientSpans) << formed.text;
+                }
             }
         }
     }

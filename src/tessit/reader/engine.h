@@ -100,7 +100,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void showWindow(const char* place);
     void findFrom(tessit::NodeFinder::Where where);
     void findInWindow();
-    void convertWindow(voxal::PieceConverter&& converter, tessit::InputUnits units);
+    void convertWindow(voxal::PieceConverter&& converter, const QeCString& name);
     void leaveBeginning() noexcept;
     bool hasBeginning() const noexcept;
     std::size_t levelsInDocument() const noexcept;

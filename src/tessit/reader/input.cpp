@@ -202,9 +202,9 @@ std::optional<voxal::PieceConverter> Input::openPieces(const QeCString& name) {
     }
 }
 
-InputUnits Input::unitsOf(const QeCString& name) const {
+InputUnits Input::unitsOf(const QeCString& name, const voxal::PieceConverter& converter) const {
     if (placesInText().inputUnits() != InputUnits::Same) return InputUnits::Unknown;
-    return inputUnitsOf(QeUToUnicodeConverter::canonicalName(name), false);
+    return inputUnitsOf(QeUToUnicodeConverter::canonicalName(name), converter.hasByteEach());
 }
 
 void Input::takeWindow(std::string_view text, std::size_t place) noexcept {

@@ -119,8 +119,8 @@ public:
     /// Opens what converts from an encoding, unless that is UTF-8 as it is.
     std::optional<voxal::PieceConverter> openPieces(const QeCString& name);
 
-    /// What the bytes of that encoding are for each character of the text.
-    InputUnits unitsOf(const QeCString& name) const;
+    /// What the bytes that are converted from that encoding are for each character of the text.
+    InputUnits unitsOf(const QeCString& name, const voxal::PieceConverter& converter) const;
 
     [[noreturn]] void raiseTranscoding(const char* reason) const;
 

@@ -49,7 +49,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
     const char* const told = input.tellEncoding();
     std::optional<voxal::PieceConverter> converter;
     if (told != nullptr) converter = input.openPieces(told);
-    if (converter) convertWindow(std::move(*converter), input.unitsOf(told));
+    if (converter) convertWindow(std::move(*converter), told);
     findFrom(NodeFinder::Where::Outside);
     readWithinLimits([this] { NodeReader(*this).readProlog(); });
     windowed->isInProlog = false;
@@ -359,13 +359,14 @@ void QeXmlReader::Engine::declareEncodingInWindow(const QeCString& name) {
     if (!input.takeDeclaration(name)) return;
     std::optional<voxal::PieceConverter> converter = input.openPieces(name);
     if (!converter) return;
-    convertWindow(std::move(*converter), input.unitsOf(name));
+    convertWindow(std::move(*converter), name);
     findFrom(NodeFinder::Where::Declaration);
     needOutside();
 }
 
-void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, tessit::InputUnits units) {
+void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, const QeCString& name) {
     tessit::Window& window = windowed->window;
+    const tessit::InputUnits units = input.unitsOf(name, converter);
     const auto place = static_cast<std::size_t>(reader.cursor - window.text().data());
     slots.forgetDocument();
     const QeXmlPosition beginning = input.positionOf(reader.cursor);
