@@ -11,13 +11,17 @@
 /// included; of names and values also what a lenient reader drops, such as the first of two equal
 /// attributes. Bytes are those of the text as UTF-8, but for `document`. Fields are set by name: later versions use
 /// up the room behind them.
+///
+/// Of names, a conforming reader counts those in the document type, too, name tokens among them, and those of
+/// references, but for the five predefined ones. For a lenient reader the document type has none, nor have references:
+/// one that it does not know is text up to its semicolon, whatever that is.
 struct QeXmlLimits {
     static constexpr std::uint64_t None = UINT64_MAX;
 
     std::uint64_t depth = None;       ///< elements within each other
     std::uint64_t attributes = None;  ///< of a tag, declarations of namespaces and declared defaults among them
     std::uint64_t bindings = None;  ///< of prefixes by the elements that are open, shadowed ones too; not that of `xml`
-    std::uint64_t name = None;      ///< bytes of a name with its prefix: of tags, attributes, targets
+    std::uint64_t name = None;      ///< bytes of a name with its prefix: of tags, attributes, targets, and see above
     std::uint64_t value = None;     ///< bytes of an attribute's value
     std::uint64_t text = None;      ///< bytes of a text, a comment, or the data of an instruction
     std::uint64_t node = None;      ///< bytes as written of a tag, a text with all in it, a comment, ...

@@ -93,6 +93,10 @@ Entity* Declarations::resolveParameter(const Source& where, const char* referenc
     return entity;
 }
 
+void Declarations::holdName(const Source& where, std::string_view name) const {
+    if (name.size() > settings.limits->name) refuseLimit(where, name.data(), *settings.limits, Limit::Name);
+}
+
 void Declarations::countDeclaration(const Source& where, const char* place) {
     if (++declarationCount > settings.limits->declarations)
         refuseLimit(where, place, *settings.limits, Limit::Declarations);

@@ -123,6 +123,12 @@ public:
     /// The parameter entity of a reference, whose '%' is at that place; null when it is not declared.
     Entity* resolveParameter(const Source& where, const char* reference, std::string_view name);
 
+    /// Refuses a name, which stands in `where`, that is longer than the limit; of a reference, unless it is predefined.
+    void holdName(const Source& where, std::string_view name) const;
+    void holdReferenceName(const Source& where, std::string_view name) const {
+        if (predefined(name).empty()) holdName(where, name);
+    }
+
     /// There is one more, at that place.
     void countDeclaration(const Source& where, const char* place);
 

@@ -45,7 +45,8 @@ private:
         const char* const reference = here.position();
         if (here.passIf("&#")) return appendCharacter(text, here.readCharacterReference());
         here.take();
-        here.readReferenceName(declarations.getSettings().namespaces);
+        const std::string_view name = here.readReferenceName(declarations.getSettings().namespaces);
+        declarations.holdReferenceName(here.getSource(), name);
         text.append(reference, static_cast<std::size_t>(here.position() - reference));
     }
 
@@ -55,6 +56,7 @@ private:
         here.take();
         const std::string_view name =
             here.readReferenceName(declarations.getSettings().namespaces, Rule::ParameterEntity);
+        declarations.holdName(here.getSource(), name);
         Entity* const entity = declarations.resolveParameter(here.getSource(), reference, name);
         if (entity != nullptr && enterText(*entity, reference)) return;
         declarations.noteUnreadEntity();

@@ -35,8 +35,7 @@ private:
     void passComment() { text.readComment(); }
     void readInstruction() {
         const auto [target, data] = text.readInstruction(namespaces);
-        const QeXmlLimits& limits = *declarations.getSettings().limits;
-        if (target.size() > limits.name) refuseLimit(text.getSource(), target.data(), limits, Limit::Name);
+        declarations.holdName(text.getSource(), target);
         declarations.addInstruction({target, data});
     }
     void readConditionalSection();

@@ -41,6 +41,7 @@ SubsetText::Found SubsetText::enter(bool isWithin) {
     const char* const reference = position();
     take();
     const std::string_view name = readReferenceName(declarations.getSettings().namespaces, Rule::ParameterEntity);
+    declarations.holdName(getSource(), name);
     Entity* const entity = declarations.resolveParameter(getSource(), reference, name);
     const Source* const text = entity == nullptr ? nullptr : declarations.open(*entity, getSource(), reference);
     if (text == nullptr) {
@@ -86,17 +87,20 @@ std::string_view SubsetText::readName(Rule rule) {
 std::string_view SubsetText::readNameToken(Rule rule) {
     const std::string_view token = passNameCharacters();
     if (token.empty()) refuseNext(rule);
+    declarations.holdName(getSource(), token);
     return token;
 }
 
 std::string_view SubsetText::readQName(Rule rule) {
     const std::string_view name = readName(rule);
+    declarations.holdName(getSource(), name);
     if (declarations.getSettings().namespaces) checkQName(getSource(), name);
     return name;
 }
 
 std::string_view SubsetText::readNCName(Rule rule) {
     const std::string_view name = readName(rule);
+    declarations.holdName(getSource(), name);
     if (const std::size_t colon = name.find(':');
         declarations.getSettings().namespaces && colon != std::string_view::npos)
         refuseAt(name.data() + colon, Rule::Colon, name);

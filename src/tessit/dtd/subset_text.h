@@ -52,8 +52,10 @@ public:
     /// What parameter entities brought is left, wherever it is read: something is missing there.
     void leaveAll() noexcept;
 
-    /// A name; one that ends where an entity does is whole.
+    /// A name, or a keyword, which no limit is for; one that ends where an entity does is whole.
     std::string_view readName(Rule rule);
+
+    /// A token of an attribute's type.
     std::string_view readNameToken(Rule rule);
 
     /// A name of an element or attribute.

@@ -47,6 +47,7 @@ private:
         here.take();
         const std::string_view name = here.readReferenceName(declarations.getSettings().namespaces);
         if (const std::string_view known = Declarations::predefined(name); !known.empty()) return text.append(known);
+        declarations.holdName(here.getSource(), name);
         Entity* const entity = declarations.resolve(here.getSource(), reference, name);
         if (entity == nullptr) return leaveAlone(reference);
         if (entity->isExternal)

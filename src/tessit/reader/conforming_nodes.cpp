@@ -228,6 +228,7 @@ bool QeXmlReader::Engine::ConformingNodes::readReference(Others others, bool& fo
     const char* const start = position();
     StrictScanner scanner(source(), start + 1);
     const std::string_view name = scanner.readReferenceName(state.options.namespaces);
+    tessit::hold(name.size(), input.limits().name, tessit::Limit::Name, name.data());
     tessit::Entity* const entity = state.declared.get().resolve(source(), start, name);
     const Source* const text = entity == nullptr ? nullptr : state.declared.get().open(*entity, source(), start);
     if (text == nullptr) {
