@@ -237,14 +237,14 @@ std::string describeAll(const QeXmlParseError& error) {
     return text.str();
 }
 
-std::string errorOf(std::string_view xml, QeXmlRules rules) {
+std::string errorOf(std::string_view xml, QeXmlRules rules, bool isWindow = false) {
     try {
         const Document document(xml);
-        const auto reader = document.open(Source::Span, QeXmlReaderOptions{.rules = rules});
-        reader->setMatchTags(true);
-        while (!reader->eof())
-            reader->readNextNode();
-        reader->err("the end");
+        QeXmlReader reader(isWindow ? document.inPieces(0, 999) : document.inPlace(), {.rules = rules});
+        reader.setMatchTags(true);
+        while (!reader.eof())
+            reader.readNextNode();
+        reader.err("the end");
     } catch (const QeXmlParseError& error) {
         return describeAll(error);
     }
@@ -257,7 +257,8 @@ struct ErrorCase {
 };
 
 const ErrorCase Errors[] = {
-    {"<a><b></a>", "1:9 end-tag /a/b (it was opened here 1:4)", "1:11  /a (this element is open 1:4)"},
+    {"<a><b></a>", "1:9 end-tag /a/b (it was opened here 1:4)", "1:11  /a/b (this element is open 1:4)"},
+    {"<a></b>", "1:6 end-tag /a (it was opened here 1:1)", "1:8  /a (this element is open 1:1)"},
     {"<a>\n<b/><b><c>", "2:11 unfinished-document /a/b[2]/c (this element is not closed 2:8)",
      "2:11  /a/b[2]/c (this element is not closed 2:8)"},
     {"<f><e/><x/><e/><e><t>&</t></e></f>", "1:23 reference /f/e[3]/t",
@@ -278,9 +279,10 @@ const ErrorCase Errors[] = {
     {"\xEF\xBB\xBF\xEF\xBB\xBF<a/>", "1:1 text-outside-root  hint: a byte-order mark ",
      "1:2   hint: a byte-order mark "},
     {"<!DOCTYPE html>\n<html><br></html>", "2:13 end-tag /html/br (it was opened here 2:7) hint: this looks like HT",
-     "2:18  /html (this element is open 2:7) hint: this looks like HT"},
+     "2:18  /html/br (this element is open 2:7) hint: this looks like HT"},
     {"<log a='1'/>\n<log a='2'/>", "2:1 second-root  hint: are these several ", "2:13  "},
     {"<log/>\n<b/>", "2:1 second-root ", "2:5  "},
+    {"<r><?xml version='1.0'?></r>", "1:6 xml-declaration-place /r", "1:29  "},
     {"<a></a>\n<b/>", "2:1 second-root ", "2:5  "},
     {"<a></a>\n<!-- ", "2:6 unfinished-document ", "2:6  "},
     {"", "1:1 unfinished-document ", "1:1  "},
@@ -291,10 +293,11 @@ const ErrorCase Errors[] = {
 }  // namespace
 
 TEST(Places, ErrorsSayMoreThanTheirText) {
-    for (const auto& [xml, conforming, lenient] : Errors) {
-        EXPECT_EQ(errorOf(xml, QeXmlRules::Conforming), conforming) << xml;
-        EXPECT_EQ(errorOf(xml, QeXmlRules::Lenient), lenient) << xml;
-    }
+    for (const auto& [xml, conforming, lenient] : Errors)
+        for (const bool isWindow : {false, true}) {
+            EXPECT_EQ(errorOf(xml, QeXmlRules::Conforming, isWindow), conforming) << xml;
+            EXPECT_EQ(errorOf(xml, QeXmlRules::Lenient, isWindow), lenient) << xml;
+        }
 }
 
 namespace {
@@ -359,7 +362,44 @@ TEST(Places, ErrorsShowTheirLines) {
     }
 }
 
-// Names past the sixteenth have no number; the middle of what is long is left out.
+namespace {
+
+// The path within elements whose names are so many times 'a', 'b', and so on; as such numbers again.
+std::string pathWithin(const std::vector<std::size_t>& lengths) {
+    std::string xml, path;
+    for (std::size_t level = 0; level != lengths.size(); ++level)
+        xml += '<' + std::string(lengths[level], static_cast<char>('a' + level)) + '>';
+    const std::string error = errorOf(xml, QeXmlRules::Conforming);
+    const std::size_t begin = error.find('/'), end = error.find(" (", begin);
+    EXPECT_LE(end - begin, 1000u);
+    for (std::size_t at = begin; at < end;) {
+        const char byte = error[at];
+        const std::size_t next = error.find_first_not_of(byte, at);
+        path += byte;
+        if (byte >= 'a') path += std::to_string(next - at);
+        if (byte == '.') path += "..";
+        at = next;
+    }
+    return path;
+}
+
+const struct {
+    std::vector<std::size_t> lengths;
+    std::string_view path;
+} LongPaths[] = {
+    {{249, 249, 249, 249}, "/a249/b249/c249/d249"},
+    {{249, 249, 249, 250}, "/a249/.../d250"},
+    {{999}, "/a999"},
+    {{1000}, "/a996..."},
+    {{1, 1200, 1}, "/a1/b992.../c1"},
+    {{700, 700}, "/a494.../b494..."},
+    {{2000, 2000, 1}, "/a494.../.../c1"},
+    {{1, 2000, 2000}, "/a1/.../c494..."},
+};
+
+}  // namespace
+
+// Names past the sixteenth have no number; the middle of what is longer than 1,000 bytes is left out.
 TEST(Places, PathsAreBounded) {
     std::string names = "<r>";
     for (int i = 0; i < 17; ++i)
@@ -371,10 +411,10 @@ TEST(Places, PathsAreBounded) {
     const std::string deep = errorOf(repeat("<e><e/>", 2000), QeXmlRules::Lenient);
     EXPECT_NE(deep.find("/e/e[2]/e[2]"), std::string::npos) << deep;
     EXPECT_NE(deep.find("/e[2]/.../e/e"), std::string::npos) << deep;
-    EXPECT_LT(deep.size(), 1'100u);
-    EXPECT_NE(
-        errorOf("<" + repeat("\xC3\xA9", 90) + ">", QeXmlRules::Conforming).find("/" + repeat("\xC3\xA9", 50) + "..."),
-        std::string::npos);
+    for (const auto& [lengths, path] : LongPaths)
+        EXPECT_EQ(pathWithin(lengths), path);
+    const std::string accents = errorOf("<x" + repeat("\xC3\xA9", 600) + ">", QeXmlRules::Conforming);
+    EXPECT_NE(accents.find("/x" + repeat("\xC3\xA9", 497) + "... "), std::string::npos) << accents;
 }
 
 // A program that finds a fault later names its place; one that goes on behind errors is told where each was.
@@ -395,8 +435,8 @@ TEST(Places, OfErrorsThatAProgramRaises) {
         return std::string("none");
     };
     EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:5  /r <b/>^<c/></r>");
-    EXPECT_EQ(errorOfCall([&] { reader->err("late", early); }), "doc 2:1   ^<a/>");
-    EXPECT_EQ(errorOfCall([&] { reader->err("", {.line = 1, .column = 5, .offset = 4}); }), "doc 1:5   <r>^");
+    EXPECT_EQ(errorOfCall([&] { reader->err("late", early); }), "doc 2:1  /r ^<a/>");
+    EXPECT_EQ(errorOfCall([&] { reader->err("", {.line = 1, .column = 5, .offset = 4}); }), "doc 1:5  /r <r>^");
     EXPECT_EQ(errorOfCall([&] { reader->err("", {.line = 1, .column = 6, .offset = 5}); }), "doc 1:6   ^");
     EXPECT_EQ(errorOfCall([&] { reader->readElementStart("x"); }), "doc 3:9  /r <b/><c/>^</r>");
     EXPECT_EQ(errorOfCall([&] { reader->err("now"); }), "doc 3:9  /r <b/><c/>^</r>");
@@ -469,26 +509,40 @@ std::string readNext(QeXmlReader& reader) {
     }
 }
 
+std::string pathOfLate(const QeXmlReader& reader, const QeXmlPosition& position) {
+    try {
+        reader.err("late", position);
+    } catch (const QeXmlParseError& error) {
+        return error.getPath().data();
+    }
+}
+
 }  // namespace
 
-// As in place, wherever the document's beginning is by now.
+// As in place, wherever the document's beginning is by now; but for the path of a place that has gone.
 TEST(Places, OfOpenElementsWhoseTagsHaveLeftTheWindow) {
     const std::string front = "<r>\r\n<p\n a='\xC3\xA9'>" + repeat("<x>t</x>\n", 10'000) + "<b><c>";
     for (const char* const end : {"</d>", "</c></b></q>", "<d", ""})
         for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
-            const Document document(front + repeat("<y/>\n", 20'000) + end);
+            const Document document(front + repeat("<y/>\n", 20'000) + "<z>t</z>" + end);
             QeXmlReader whole(document.inPlace(), {.rules = rules}),
                 pieces(document.inPieces(0, 999), {.rules = rules});
             for (QeXmlReader* const reader : {&whole, &pieces})
                 reader->setMatchTags(true);
             std::string error;
+            QeXmlPosition inZ;
             for (int node = 0; error.empty(); ++node) {
                 const bool asks = node % 997 == 0;
                 ASSERT_EQ(asks ? openElementsOf(pieces) : "", asks ? openElementsOf(whole) : "") << node;
                 error = readNext(whole);
                 ASSERT_EQ(readNext(pieces), error);
+                if (pieces.getLastNodeType() == QeXmlReader::ElementStart) inZ = pieces.getLastSpan().end;
             }
             EXPECT_NE(error.find('\n'), std::string::npos) << error;
+            const QeXmlPosition early{.line = 2, .column = 1, .offset = 5, .inputOffset = 5};
+            EXPECT_EQ(pathOfLate(whole, early), "/r");
+            EXPECT_EQ(pathOfLate(pieces, early), "");
+            EXPECT_EQ(pathOfLate(pieces, inZ), "");
         }
 }
 

@@ -223,6 +223,7 @@ const struct {
      "<stdin>:1:13: error: Unmatched start tag for b\n"
      "  1 | <a>\\xE2\\x80\\xAE\\x1B\\xFF</b>\n"
      "    |                            ^\n"
+     "path: /a\n"
      "<stdin>:1:1: note: this element is open\n"
      "  1 | <a>\\xE2\\x80\\xAE\\x1B\\xFF</b>\n"
      "    | ^\n"},
@@ -267,7 +268,7 @@ const struct {
      "\n"
      "{\"severity\":\"error\",\"file\":\"\uFFFD\\n\\\"\\\\\\u0001\u00E4\","
      R"("line":1,"column":8,"characterColumn":8,"offset":7,"inputOffset":7,"rule":null,"limit":null,)"
-     R"("message":"Unmatched start tag for b","path":null,"note":{"message":"this element is open",)"
+     R"("message":"Unmatched start tag for b","path":"/a","note":{"message":"this element is open",)"
      "\"file\":\"\uFFFD\\n\\\"\\\\\\u0001\u00E4\",\"line\":1,\"column\":1},\"hint\":null}\n"},
     {"tessit check --json -", "order.xml",
      R"({"severity":"error","file":"<stdin>","line":1,"column":1,"characterColumn":1,"offset":0,"inputOffset":0,)"

@@ -302,7 +302,9 @@ public:
     /// for callers who find the document wrong themselves. O(bytes read since the last error).
     [[noreturn]] TESSIT_API void err(const QeCString& message) const;
 
-    /// The same with the position, in the document, of what was found wrong, which may be long past; without a path.
+    /// The same with the position, in the document, of what was found wrong, which may be long past. Its path is that
+    /// of the elements that are open there, as long as the reader has all of the document up to there: none once a
+    /// window has moved. O(bytes up to there).
     [[noreturn]] TESSIT_API void err(const QeCString& message, const QeXmlPosition& where) const;
 
     /// @}

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include <corvel/byte_scan.h>
 #include <tessit/reader/element_path.h>
@@ -15,6 +16,11 @@ namespace {
 
 constexpr std::size_t MostNames = 16;      // that are counted in one element
 constexpr std::size_t MostCounted = 1024;  // levels in which children are counted
+
+// A '<' in front of what begins neither a name nor other markup.
+bool isText(const char* at, const char* limit) noexcept {
+    return at + 1 != limit && std::string_view(" \t\r\n>='\"<").find(at[1]) != std::string_view::npos;
+}
 
 }  // namespace
 
@@ -31,12 +37,38 @@ void ElementPath::goOnTo(const char* place, bool expandsReferences) {
             at = place;
             return;
         }
-        at = end;
-        if (tag[1] == '/')
-            close();
-        else if (tag[1] != '!' && tag[1] != '?')
-            open(tag, end[-2] == '/');
+        pass(tag, end);
     }
+}
+
+void ElementPath::goOnWithin(const char* place, const char* limit) {
+    while (at < place) {
+        if (markupEnd == nullptr) {
+            at = corvel::findByte(at, place, '<');
+            if (at == place) return;
+            if (isText(at, limit)) {
+                ++at;
+                continue;
+            }
+            markupEnd = endOfMarkup(at, limit, false);
+        }
+        if (markupEnd == nullptr) at = limit;
+        if (markupEnd == nullptr || markupEnd > place) return;
+        pass(at, std::exchange(markupEnd, nullptr));
+    }
+}
+
+PathStep ElementPath::step(std::size_t level) const noexcept {
+    const Element found = element(level);
+    return {nameInTag(found.tag, MostOfPath), found.index};
+}
+
+void ElementPath::pass(const char* tag, const char* end) {
+    at = end;
+    if (tag[1] == '/')
+        close();
+    else if (tag[1] != '!' && tag[1] != '?')
+        open(tag, end[-2] == '/');
 }
 
 void ElementPath::open(const char* tag, bool isEmpty) {
@@ -69,58 +101,71 @@ std::uint32_t ElementPath::countAmongSiblings(const char* tag) {
 
 namespace {
 
-constexpr std::size_t LongestHalf = 500;
+constexpr std::string_view Dots = "...", LeftOut = "/...";
+constexpr std::size_t Half = (MostOfPath - LeftOut.size()) / 2;
 
-// A path that is too long by this step is cut in front of it.
-bool takesRoom(std::size_t& used, std::size_t length) noexcept {
-    if (used + length > LongestHalf) return false;
-    used += length;
-    return true;
+std::string indexOf(const PathStep& step) {
+    return step.index > 1 ? '[' + std::to_string(step.index) + ']' : std::string();
+}
+
+// Whole, or as much of it as there is room for.
+std::string textOf(const PathStep& step, std::size_t room) {
+    const std::string index = indexOf(step);
+    const std::size_t around = 1 + index.size();
+    if (step.name.size() + around <= room && !step.name.empty()) return '/' + std::string(step.name) + index;
+    if (step.name.empty() || room <= around + Dots.size()) return std::string(LeftOut);
+    const std::string_view shown = beginOf(step.name, room - around - Dots.size());
+    return '/' + std::string(shown) + std::string(Dots) + index;
+}
+
+// What one end of a path has, as far as there is room.
+struct Part {
+    std::vector<std::string> steps;  // from the end on
+    std::size_t length = 0;
+
+    bool add(const PathStep& step, std::size_t most) {
+        const std::size_t stepLength = 1 + step.name.size() + indexOf(step).size();
+        if (step.name.empty() || length + stepLength > most) return false;
+        addCut(step, most);
+        return true;
+    }
+    void addCut(const PathStep& step, std::size_t most) {
+        steps.push_back(textOf(step, most - length));
+        length += steps.back().size();
+    }
+    void dropLast() {
+        length -= steps.back().size();
+        steps.pop_back();
+    }
+};
+
+QeCString join(const Part& outer, std::string_view between, const Part& inner) {
+    QeCString text;
+    text.reserve(outer.length + between.size() + inner.length);
+    for (const std::string& step : outer.steps)
+        text += step;
+    text += between;
+    for (std::size_t left = inner.steps.size(); left-- > 0;)
+        text += inner.steps[left];
+    return text;
 }
 
 }  // namespace
 
-std::size_t PathText::lengthOf(const Step& step) noexcept {
-    constexpr std::size_t Slash = 1, Dots = 3, Brackets = 2;
-    const std::size_t shown = quoted(step.name).size();
-    std::size_t length = Slash + shown + (shown == step.name.size() ? 0 : Dots);
-    if (step.index < 2) return length;
-    for (std::uint32_t rest = step.index; rest != 0; rest /= 10)
-        ++length;
-    return length + Brackets;
-}
-
-void PathText::append(QeCString& text, const Step& step) {
-    const std::string_view shown = quoted(step.name);
-    text += '/';
-    text += shown;
-    if (shown.size() != step.name.size()) text += "...";
-    if (step.index > 1) text += '[' + std::to_string(step.index) + ']';
-}
-
-bool PathText::addOutermost(std::string_view name, std::uint32_t index) {
-    const Step step{name, index};
-    if (!takesRoom(frontLength, lengthOf(step))) return false;
-    front.push_back(step);
-    return true;
-}
-
-bool PathText::addInnermost(std::string_view name, std::uint32_t index) {
-    const Step step{name, index};
-    if (!takesRoom(backLength, lengthOf(step))) return false;
-    back.push_back(step);
-    return true;
-}
-
-QeCString PathText::whole(bool isWhole) const {
-    QeCString text;
-    text.reserve(frontLength + backLength + 4);
-    for (const Step& step : front)
-        append(text, step);
-    if (!isWhole) text += "/...";
-    for (std::size_t left = back.size(); left-- > 0;)
-        append(text, back[left]);
-    return text;
+QeCString textOfPath(std::size_t levels, const std::function<PathStep(std::size_t)>& stepAt) {
+    Part outer, inner;
+    std::size_t first = 0, last = levels;
+    while (last != 0 && inner.add(stepAt(last - 1), MostOfPath))
+        --last;
+    if (last == 0) return join(outer, {}, inner);
+    for (; inner.length > Half; ++last)
+        inner.dropLast();
+    while (first != last && outer.add(stepAt(first), Half))
+        ++first;
+    if (last - first == 1) return join(outer, textOf(stepAt(first), MostOfPath - outer.length - inner.length), inner);
+    if (outer.steps.empty()) outer.addCut(stepAt(first++), Half);
+    if (inner.steps.empty()) inner.addCut(stepAt(--last), Half);
+    return join(outer, first == last ? std::string_view() : LeftOut, inner);
 }
 
 }  // namespace tessit

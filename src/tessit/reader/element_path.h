@@ -2,13 +2,22 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <functional>
 #include <string_view>
 #include <vector>
 
 #include <corvel/c_string.h>
 
 namespace tessit {
+
+/// A step of a path: an element, or without a name one that nobody knows.
+struct PathStep {
+    std::string_view name;
+    std::uint32_t index = 0;
+};
+
+/// The most bytes that a path has as text: so much of a name makes a difference, and so many steps have room.
+inline constexpr std::size_t MostOfPath = 1000, MostSteps = MostOfPath / 2;
 
 /// Which elements are open at a place of a document, found by reading it again from the last
 /// place that was asked for. An end tag closes the innermost element, whatever its name.
@@ -27,10 +36,15 @@ public:
     /// Reads on to a place; what is not whole there is passed.
     void goOnTo(const char* place, bool expandsReferences);
 
+    /// The same within a text that ends at `limit` and in which a reference hides no markup; what is whole behind the
+    /// place counts later. O(bytes) for any number of places in their order.
+    void goOnWithin(const char* place, const char* limit);
+
     std::size_t depth() const noexcept { return tags.size(); }
     Element element(std::size_t level) const noexcept {
         return {tags[level], level < counted.size() ? counted[level].index : 0};
     }
+    PathStep step(std::size_t level) const noexcept;
 
 private:
     // How often a name stood in an element that is open.
@@ -45,41 +59,21 @@ private:
         std::uint32_t firstCount;
     };
 
+    void pass(const char* tag, const char* end);
     void open(const char* tag, bool isEmpty);
     void close() noexcept;
     std::uint32_t countAmongSiblings(const char* tag);
 
     const char* at;
-    std::vector<const char*> tags;  // of the open elements, outermost first
-    std::vector<Counted> counted;   // of the outermost ones
+    const char* markupEnd = nullptr;  // of what begins there, if that is known already
+    std::vector<const char*> tags;    // of the open elements, outermost first
+    std::vector<Counted> counted;     // of the outermost ones
     std::vector<NameCount> counts;
 };
 
-/// A path of elements as text: `/feed/entry[3]/title`. Long names are cut, and so is the middle of a long path.
-class PathText {
-public:
-    /// So much of a name makes a difference, and so many elements on either side have room.
-    static constexpr std::size_t MostOfName = 128, MostSteps = 256;
-
-    /// Adds elements from outside, then from inside, each time until there is no more room: then false. The names stay
-    /// as long as this.
-    bool addOutermost(std::string_view name, std::uint32_t index);
-    bool addInnermost(std::string_view name, std::uint32_t index);
-
-    /// `isWhole` says whether all of the path was added.
-    QeCString whole(bool isWhole) const;
-
-private:
-    struct Step {
-        std::string_view name;
-        std::uint32_t index;
-    };
-
-    static std::size_t lengthOf(const Step& step) noexcept;
-    static void append(QeCString& text, const Step& step);
-
-    std::vector<Step> front, back;  // from outside, and from inside
-    std::size_t frontLength = 0, backLength = 0;
-};
+/// A path of elements as text: `/feed/entry[3]/title`. `stepAt` tells the step of a level, from the outermost one on.
+/// The middle of a longer path is left out, in whole steps; a step is cut itself where it is all that is left out, or
+/// the first or last one and longer than half. O(1) steps and bytes.
+QeCString textOfPath(std::size_t levels, const std::function<PathStep(std::size_t level)>& stepAt);
 
 }  // namespace tessit

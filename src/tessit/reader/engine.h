@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -148,17 +149,21 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     QeXmlSpan spanOfLastNode() const;
     std::uint64_t offsetOfLastNode() const;
     std::optional<QeXmlPosition> positionOf(std::uint64_t offset) const;
-    QeXmlExcerpt excerptAt(const QeXmlPosition& position) const;
+    const char* find(const QeXmlPosition& position) const;
+    QeXmlExcerpt excerptAt(const char* place) const;
     QeXmlSpan spanOfTag(const char* tag) const;
     tessit::WrittenAttributes& attributesOfLastTag();
     std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
     const tessit::ElementPath& pathInDocument(const char* place) const;
+    const char* beginOfElements() const noexcept;
     QeCString pathOfOpenElements(const char* place) const;
+    QeCString pathWithEntities(std::size_t levels,
+                               const std::function<tessit::PathStep(std::size_t)>& inDocument) const;
+    QeCString pathAt(const char* place) const;
     QeCString pathWithoutBeginning(const char* place) const;
     std::vector<QeXmlOpenElement> listWithoutBeginning() const;
     std::optional<QeXmlNote> noteWithoutBeginning(const char* text, const char* place) const;
     std::size_t levelsInFrontOf(const char* place) const noexcept;
-    bool addElementsOfEntities(tessit::PathText& text) const;
     void addElementsOfEntities(std::vector<QeXmlOpenElement>& elements) const;
     std::optional<QeXmlNote> noteOfInnermost(const char* text, const char* place) const;
     [[noreturn]] void refuseEndTag(const Written& tag, std::string_view name) const;

@@ -265,11 +265,6 @@ QeXmlExcerpt Input::excerptAt(const char* place) const {
     return excerpt;
 }
 
-QeXmlExcerpt Input::excerptAt(const QeXmlPosition& position) const {
-    const char* const place = placesInText().find(position);
-    return place == nullptr ? QeXmlExcerpt() : excerptAt(place);
-}
-
 // The described line and column count from the last conversion, and take a mark in.
 QeXmlParseError Input::errorAt(const char* place, const QeCString& message, std::optional<QeXmlNote>&& note,
                                const char* readUpTo) const {
@@ -287,6 +282,10 @@ QeXmlParseError Input::errorAt(const char* place, const QeCString& message, std:
 
 void Input::raise(const QeCString& message, std::optional<QeXmlNote>&& note) const {
     throw errorAt(cursor, message, std::move(note), cursor);
+}
+
+void Input::raiseBehind(const char* node, const QeCString& message, std::optional<QeXmlNote>&& note) const {
+    throw errorAt(cursor, message, std::move(note), node);
 }
 
 void Input::raiseLimit(Limit limit, const char* place) const {

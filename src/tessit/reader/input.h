@@ -167,11 +167,14 @@ public:
     /// The line of a place. O(1).
     QeXmlExcerpt excerptAt(const char* place) const;
 
-    /// The same of a position, if it is one of a lenient reader's document.
-    QeXmlExcerpt excerptAt(const QeXmlPosition& position) const;
+    /// The place of a lenient reader's document that has that position; null if none has.
+    const char* find(const QeXmlPosition& position) const { return placesInText().find(position); }
 
     /// Throws `QeXmlParseError` with this message and the cursor's position. O(bytes read since the last error).
     [[noreturn]] void raise(const QeCString& message, std::optional<QeXmlNote>&& note = {}) const;
+
+    /// The same of what is wrong with a node that was read already, and begins there.
+    [[noreturn]] void raiseBehind(const char* node, const QeCString& message, std::optional<QeXmlNote>&& note) const;
 
     /// The same where a limit is exceeded, with that place.
     [[noreturn]] void raiseLimit(Limit limit, const char* place) const;

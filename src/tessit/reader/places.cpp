@@ -103,53 +103,57 @@ QeXmlReader::Engine::FoundOut& QeXmlReader::Engine::makeFoundOut() const {
     return *foundOut;
 }
 
+// Where no element is open yet.
+const char* QeXmlReader::Engine::beginOfElements() const noexcept {
+    if (conforming == nullptr) return reader.bufferStart;
+    return conforming->documentTypeEnd != nullptr ? conforming->documentTypeEnd : conforming->document.source.begin();
+}
+
 // The elements that the document's own text opens in front of a place; within an entity, that is the reference.
 const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const {
     if (conforming != nullptr && !conforming->entities.empty())
         place = conforming->entities.front().entity->source.reference;
     std::optional<ElementPath>& path = makeFoundOut().path;
-    if (!path) {
-        const char* first = reader.bufferStart;
-        if (conforming != nullptr)
-            first = conforming->documentTypeEnd != nullptr ? conforming->documentTypeEnd
-                                                           : conforming->document.source.begin();
-        path.emplace(first);
-    }
+    if (!path) path.emplace(beginOfElements());
     path->goOnTo(place, reader.expandAttributeReference);
     return *path;
 }
 
 // Elements that an entity opened are known by their names alone.
 QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
-    if (reader.depth <= 0) return QeCString();
+    if (reader.depth <= 0 && levelsInFrontOf(place) == 0) return QeCString();
     if (!hasBeginning()) return pathWithoutBeginning(place);
     const ElementPath& inDocument = pathInDocument(place);
-    tessit::PathText text;
-    const auto nameOf = [&](std::size_t level) {
-        return tessit::nameInTag(inDocument.element(level).tag, tessit::PathText::MostOfName);
-    };
-    std::size_t first = 0, last = inDocument.depth();
-    const bool hasRoom = addElementsOfEntities(text);
-    while (first != last && text.addOutermost(nameOf(first), inDocument.element(first).index))
-        ++first;
-    while (hasRoom && first != last && text.addInnermost(nameOf(last - 1), inDocument.element(last - 1).index))
-        --last;
-    return text.whole(hasRoom && first == last);
+    return pathWithEntities(inDocument.depth(), [&inDocument](std::size_t level) { return inDocument.step(level); });
 }
 
-// Whether there is room for more.
-bool QeXmlReader::Engine::addElementsOfEntities(tessit::PathText& text) const {
-    if (conforming == nullptr || conforming->entities.empty()) return true;
+QeCString QeXmlReader::Engine::pathWithEntities(std::size_t levels,
+                                                const std::function<tessit::PathStep(std::size_t)>& inDocument) const {
+    if (conforming == nullptr || conforming->entities.empty()) return tessit::textOfPath(levels, inDocument);
     const auto fromEntities = static_cast<std::size_t>(reader.depth - conforming->entities.front().depth);
-    for (const std::string_view name : openElements.innermost(std::min(fromEntities, tessit::PathText::MostSteps)))
-        if (!text.addInnermost(name, 0)) return false;
-    return true;
+    const std::vector<std::string_view> innermost = openElements.innermost(std::min(fromEntities, tessit::MostSteps));
+    return tessit::textOfPath(levels + fromEntities, [&](std::size_t level) {
+        if (level < levels) return inDocument(level);
+        const std::size_t fromInside = levels + fromEntities - 1 - level;
+        return fromInside < innermost.size() ? tessit::PathStep{innermost[fromInside]} : tessit::PathStep();
+    });
 }
 
-// The end tag that a lenient reader is about has closed its element already.
+// Of a place in the document's text, whatever is read now; nothing where what is in front of it has gone.
+QeCString QeXmlReader::Engine::pathAt(const char* place) const {
+    if (place == nullptr || !hasBeginning()) return QeCString();
+    ElementPath path(beginOfElements());
+    path.goOnTo(place, reader.expandAttributeReference);
+    return tessit::textOfPath(path.depth(), [&path](std::size_t level) { return path.step(level); });
+}
+
+// The end tag that a lenient reader is about has closed its element already; what came behind it and could not be read
+// was none.
 std::size_t QeXmlReader::Engine::levelsInFrontOf(const char* place) const noexcept {
     const std::size_t levels = levelsInDocument();
     if (conforming != nullptr || reader.lastNodeType != ElementEnd || lastNode.begin == nullptr) return levels;
+    const std::string_view rest(lastNode.begin, static_cast<std::size_t>(input.limit() - lastNode.begin));
+    if (!rest.starts_with("</")) return levels;
     const bool isInTag = place == lastNode.begin ||
                          tessit::endOfMarkup(lastNode.begin, place, reader.expandAttributeReference) == nullptr;
     return levels + (isInTag && reader.depth >= 0 ? 1 : 0);
@@ -158,20 +162,12 @@ std::size_t QeXmlReader::Engine::levelsInFrontOf(const char* place) const noexce
 // What is known without the document's beginning: names, but no numbers.
 QeCString QeXmlReader::Engine::pathWithoutBeginning(const char* place) const {
     const tessit::OpenTags& tags = windowed->openTags;
-    const auto nameOf = [&](std::size_t level) {
+    return pathWithEntities(levelsInFrontOf(place), [&tags](std::size_t level) {
         const QeXmlOpenElement* const kept = tags.findKept(level);
-        if (kept != nullptr) return std::string_view(kept->name).substr(0, tessit::PathText::MostOfName);
+        if (kept != nullptr) return tessit::PathStep{kept->name};
         const char* const tag = tags.tag(level);
-        return tag == nullptr ? std::string_view() : tessit::nameInTag(tag, tessit::PathText::MostOfName);
-    };
-    tessit::PathText text;
-    const bool hasRoom = addElementsOfEntities(text);
-    std::size_t first = 0, last = levelsInFrontOf(place);
-    while (first != last && !nameOf(first).empty() && text.addOutermost(nameOf(first), 0))
-        ++first;
-    while (hasRoom && first != last && !nameOf(last - 1).empty() && text.addInnermost(nameOf(last - 1), 0))
-        --last;
-    return text.whole(hasRoom && first == last);
+        return tag == nullptr ? tessit::PathStep() : tessit::PathStep{tessit::nameInTag(tag, tessit::MostOfPath)};
+    });
 }
 
 // Of those whose tags nobody knows, there is nothing to say.
@@ -245,8 +241,8 @@ std::optional<QeXmlNote> QeXmlReader::Engine::noteOfInnermost(const char* text, 
 }
 
 void QeXmlReader::Engine::raiseUnmatched() const {
-    input.raise(QeCString("Unmatched start tag for ") + reader.lastName.asString(),
-                noteOfInnermost("this element is open", lastNode.begin));
+    input.raiseBehind(lastNode.begin, QeCString("Unmatched start tag for ") + reader.lastName.asString(),
+                      noteOfInnermost("this element is open", lastNode.begin));
 }
 
 // Elements that an entity opened have no place of their own.
@@ -281,11 +277,14 @@ void QeXmlReader::Engine::complete(tessit::ErrorAccess::Details& details, const 
     details.hint = hint(details.rule);
 }
 
-// Of a position that is one of the document's text.
-QeXmlExcerpt QeXmlReader::Engine::excerptAt(const QeXmlPosition& position) const {
-    if (conforming == nullptr) return input.excerptAt(position);
-    const char* const place = tessit::findIn(conforming->document.source, position);
-    return place == nullptr ? QeXmlExcerpt() : excerptIn(conforming->document.source, place);
+// The place in the document's text that has that position; null if none has.
+const char* QeXmlReader::Engine::find(const QeXmlPosition& position) const {
+    return conforming == nullptr ? input.find(position) : findIn(conforming->document.source, position);
+}
+
+QeXmlExcerpt QeXmlReader::Engine::excerptAt(const char* place) const {
+    if (place == nullptr) return QeXmlExcerpt();
+    return conforming == nullptr ? input.excerptAt(place) : excerptIn(conforming->document.source, place);
 }
 
 QeXmlSpan QeXmlReader::getLastSpan() const {
@@ -309,6 +308,8 @@ std::vector<QeXmlOpenElement> QeXmlReader::getOpenElements() const {
 }
 
 void QeXmlReader::err(const QeCString& message, const QeXmlPosition& where) const {
-    throw tessit::ErrorAccess::make(message, {engine->input.getSourceName(), where},
-                                    {.position = where, .excerpt = engine->excerptAt(where)});
+    const char* const place = engine->find(where);
+    throw tessit::ErrorAccess::make(
+        message, {engine->input.getSourceName(), where},
+        {.position = where, .path = engine->pathAt(place), .excerpt = engine->excerptAt(place)});
 }

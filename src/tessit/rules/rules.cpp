@@ -252,7 +252,11 @@ std::optional<QeXmlNote> noteOfDeclaration(const Source& source) {
 }
 
 std::string_view quoted(std::string_view text) noexcept {
-    std::size_t length = std::min(text.size(), LongestQuoted);
+    return beginOf(text, LongestQuoted);
+}
+
+std::string_view beginOf(std::string_view text, std::size_t most) noexcept {
+    std::size_t length = std::min(text.size(), most);
     while (length != 0 && length != text.size() && (text[length] & 0xC0) == 0x80)
         --length;
     return text.substr(0, length);

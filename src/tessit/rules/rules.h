@@ -122,6 +122,9 @@ std::optional<QeXmlNote> noteOfDeclaration(const Source& source);
 /// What is quoted in messages: a name can be as long as the document.
 std::string_view quoted(std::string_view text) noexcept;
 
+/// So many bytes of a text, or fewer where that would cut a character.
+std::string_view beginOf(std::string_view text, std::size_t most) noexcept;
+
 /// The same for a construct that was not whole where the source ended: what cannot be read there, or that it ended.
 [[noreturn]] void refuseEnd(const Source& source);
 
