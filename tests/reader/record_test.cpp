@@ -60,6 +60,41 @@ TEST(Record, HasAllThatIsWrong) {
     }
 }
 
+namespace {
+
+const struct {
+    std::string_view xml;
+    std::string entries;  // rules, paths and hints
+} Surroundings[] = {
+    {"<f><e/>< <e>]]></e><e>&#0; & <x a='1'a='2>'/></q></f><f>",
+     "name /f| cdata-end-in-text /f/e[2]| character-reference /f/e[3]| reference /f/e[3]| white-space /f/e[3]| "
+     "duplicate-attribute /f/e[3]| end-tag /f/e[3]| second-root are these several documents in a row? Each is one of "
+     "its own| unfinished-document /f| "},
+    {"<a/><b/><?xml version='1.0'?>",
+     "second-root | xml-declaration-place are these several documents in a row? Each is one of its own| "
+     "not-judged-further | "},
+    {"<a><?xml version='1.0'?></a>", "xml-declaration-place /a| not-judged-further /a| "},
+    {"\xEF\xBB\xBF\xEF\xBB\xBF<a>&#0;</a>",
+     "text-outside-root a byte-order mark stands here a second time| character-reference /aa byte-order mark "
+     "stands here a second time| "},
+};
+
+}  // namespace
+
+// As a conforming reader would say it: that first faults have all of it is tested with the tables.
+TEST(Record, SaysWhatIsAround) {
+    for (const auto& [xml, entries] : Surroundings) {
+        QeXmlRecord record;
+        readInto(record, xml);
+        std::string text;
+        for (const QeXmlParseError& entry : record.getEntries())
+            if (entry.getRule() != "not-read")
+                text += std::string(entry.getRule()) + ' ' + std::string(entry.getPath()) +
+                        std::string(entry.getHint()) + "| ";
+        EXPECT_EQ(text, entries) << xml;
+    }
+}
+
 // The words of one fault are not those of another.
 TEST(Record, SaysWhatEndsTheDocument) {
     QeXmlRecord record;

@@ -17,7 +17,11 @@ inline std::string placeAndRule(const QeXmlParseError& entry) {
 }
 
 inline std::string describeEntry(const QeXmlParseError& entry) {
-    return placeAndRule(entry) + ' ' + std::string(entry.why());
+    std::string text = placeAndRule(entry) + ' ' + std::string(entry.why()) + ' ' + std::string(entry.getPath()) + ' ' +
+                       std::string(entry.getHint());
+    if (const QeXmlNote* note = entry.getNote())
+        text += ' ' + std::string(note->text) + ' ' + std::to_string(note->place.position.offset);
+    return text;
 }
 
 /// Reads a document leniently with a record, to its end or the first error. Whether to its end.

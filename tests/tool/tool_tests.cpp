@@ -284,7 +284,9 @@ const struct {
      "<stdin>:1:6: error: an attribute, '>' or '/>' was expected, found '1'\n  1 | <a b=1>\\x01&x;</a>\n    |      ^\n"
      "<stdin>:1:7: error: invalid character in attribute definition\n  1 | <a b=1>\\x01&x;</a>\n    |       ^\n"
      "<stdin>:1:8: error: a character that XML does not allow: U+0001\n  1 | <a b=1>\\x01&x;</a>\n    |        ^\n"
-     "<stdin>:1:9: error: an entity that is not declared: x\n  1 | <a b=1>\\x01&x;</a>\n    |            ^\n"},
+     "path: /a\n"
+     "<stdin>:1:9: error: an entity that is not declared: x\n  1 | <a b=1>\\x01&x;</a>\n    |            ^\n"
+     "path: /a\n"},
 };
 
 TEST_F(Tool, ShowsTheLineOfAnError) {

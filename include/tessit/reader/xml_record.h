@@ -6,6 +6,10 @@
 
 #include <tessit/errors/xml_error.h>
 
+namespace tessit {
+class Judge;
+}
+
 /// What a lenient reader forgave: each place where the document breaks a rule of the conforming mode. A program hands
 /// it over by `QeXmlReaderOptions::record`. What the reader delivers is the same with and without.
 ///
@@ -26,8 +30,9 @@ public:
     /// Keeps the first so many entries of the document; others are counted.
     explicit QeXmlRecord(std::size_t mostEntries = MostEntries) noexcept : most(mostEntries) {}
 
-    /// The errors that a conforming reader would throw, in the order of the document: rule, message, position and line
-    /// as there, and where it helps a second place. Valid until the record changes. O(1).
+    /// The errors that a conforming reader would throw, in the order of the document: rule, message, position, line and
+    /// path of open elements as there, and where it helps a second place and a hint. Behind a fault, the path is that
+    /// of tags as far as they pair up. Valid until the record changes. O(1).
     const std::vector<QeXmlParseError>& getEntries() const noexcept { return entries; }
 
     /// How many entries there would be without a limit.
@@ -62,6 +67,8 @@ public:
     void countOne() noexcept { ++count; }
 
 private:
+    friend class tessit::Judge;
+
     std::vector<QeXmlParseError> entries;
     std::uint64_t count = 0;
     std::size_t most;

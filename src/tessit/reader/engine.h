@@ -170,6 +170,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     [[noreturn]] void raiseUnmatched() const;
     FoundOut& makeFoundOut() const;
     QeCString hint(std::string_view rule) const;
+    bool isAtAnotherDocument(std::string_view rule) const;
     void complete(tessit::ErrorAccess::Details& details, const char* place) const override;
     std::vector<QeXmlOpenElement> listOpenElements() const;
 

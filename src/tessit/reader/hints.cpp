@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include <tessit/reader/char_class.h>
 #include <tessit/reader/hints.h>
+#include <tessit/rules/rules.h>
 
 namespace tessit {
 
@@ -42,7 +44,21 @@ bool isLikeHtml(std::string_view begin) {
     return (has(begin, "<!doctype html") || has(begin, "<html")) && !has(begin, "xhtml");
 }
 
+constexpr std::string_view DeclarationBegin = "<?xml";
+
 }  // namespace
+
+bool beginsAnotherDocument(std::string_view rule, std::string_view text, std::string_view root) noexcept {
+    if (rule == nameOf(Rule::XmlDeclarationPlace)) return true;
+    return rule == nameOf(Rule::SecondRoot) && text.starts_with('<') && text.substr(1).starts_with(root);
+}
+
+bool endsInDeclaration(std::string_view text) noexcept {
+    text.remove_prefix(text.size() - std::min(text.size(), LookedAt));
+    const std::string_view last = text.substr(std::min(text.rfind('<'), text.size()));
+    return last.size() > DeclarationBegin.size() && last.starts_with(DeclarationBegin) &&
+           isSpace(last[DeclarationBegin.size()]) && last.find('>') == std::string_view::npos;
+}
 
 const char* hintFor(std::string_view document) noexcept {
     if (document.starts_with(Mark)) return "a byte-order mark stands here a second time";

@@ -8,7 +8,14 @@ namespace tessit {
 /// beginning is searched.
 const char* hintFor(std::string_view document) noexcept;
 
-/// The same where an element follows that is named like the root was.
-constexpr char HintAtSecondRoot[] = "are these several documents in a row? Each is one of its own";
+/// Whether what the rule refuses behind a root of that name, at the beginning of `text`, looks like another document:
+/// it has an XML declaration, or its root is named alike.
+bool beginsAnotherDocument(std::string_view rule, std::string_view text, std::string_view root) noexcept;
+
+/// Whether a text ends within an XML declaration. O(1).
+bool endsInDeclaration(std::string_view text) noexcept;
+
+/// What is said there.
+constexpr char HintAtAnotherDocument[] = "are these several documents in a row? Each is one of its own";
 
 }  // namespace tessit

@@ -6,6 +6,7 @@
 #include <corvel/byte_scan.h>
 #include <corvel/compiler.h>
 #include <tessit/errors/error_access.h>
+#include <tessit/reader/hints.h>
 #include <tessit/reader/judge.h>
 #include <tessit/reader/written_markup.h>
 #include <tessit/rules/characters.h>
@@ -45,11 +46,13 @@ TESSIT_FLATTEN void Judge::judge(std::string_view bytes) {
     begin(bytes);
     while (at != end && !isOver)
         judgeNext();
-    if (!isOver && (isInside() || !rootWasSeen || source.endsBy != Rule::None)) noteEnd();
+    if (!isOver && (isInside() || root == nullptr || source.endsBy != Rule::None)) noteEnd();
+    if (!record.empty()) completeEntries();
 }
 
 TESSIT_NOINLINE void Judge::begin(std::string_view bytes) {
     decodeText(document, bytes, {});
+    soundLength = source.text.size();
     judgeCharacters(bytes);
     at = source.begin();
     end = source.end();
@@ -114,6 +117,31 @@ void Judge::remark(std::string_view name, const char* place, const char* message
 void Judge::stopJudging(const char* place) {
     isOver = true;
     remark("not-judged-further", place, "from here on, nothing was judged");
+}
+
+// Once all are there, in their order: so the tags are looked at once more, however many entries there are.
+TESSIT_NOINLINE void Judge::completeEntries() {
+    ElementPath path(source.begin());
+    const char* const hint = hintFor(source.text.substr(0, soundLength));
+    for (QeXmlParseError& entry : record.entries) {
+        ErrorAccess::Details details = ErrorAccess::detailsOf(entry);
+        const char* const place = source.begin() + (details.position.offset - markInText());
+        path.goOnWithin(place, source.end());
+        complete(details, place, path, hint);
+        ErrorAccess::setDetails(entry, std::move(details));
+    }
+}
+
+void Judge::complete(ErrorAccess::Details& details, const char* place, const ElementPath& path,
+                     const char* hint) const {
+    details.path = textOfPath(path.depth(), [&path](std::size_t level) { return path.step(level); });
+    if (path.depth() != 0 && details.rule == nameOf(Rule::UnfinishedDocument))
+        details.note = noteIn(source, path.element(path.depth() - 1).tag, "this element is not closed");
+    const bool isBehindRoot = root != nullptr && root < place && path.depth() == 0;
+    const bool isAtAnother =
+        isBehindRoot && beginsAnotherDocument(details.rule, between(place, source.end()), nameInTag(root));
+    if (isAtAnother) hint = HintAtAnotherDocument;
+    if (hint != nullptr) details.hint = hint;
 }
 
 // --- Characters
@@ -228,8 +256,8 @@ inline void Judge::judgeStartTag() {
 }
 
 TESSIT_NOINLINE void Judge::judgeRoot(const char* tag) {
-    if (rootWasSeen) note(Rule::SecondRoot, tag);
-    rootWasSeen = true;
+    if (root != nullptr) return note(Rule::SecondRoot, tag);
+    root = tag;
 }
 
 // --- Tags that are like one before
@@ -487,7 +515,7 @@ TESSIT_NOINLINE void Judge::judgeDeclarationMarkup() {
     if (beginsWith(CDATABegin)) return judgeSection();
     const bool isDocumentType = beginsWith(DocumentTypeBegin);
     if (isOver) return;
-    if (isDocumentType && !rootWasSeen && !hasDocumentType) return judgeDocumentType();
+    if (isDocumentType && root == nullptr && !hasDocumentType) return judgeDocumentType();
     note(isDocumentType ? Rule::DocumentTypePlace : Rule::Markup, at);
     goBehind(">", at);
 }

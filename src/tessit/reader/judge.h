@@ -5,8 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include <tessit/errors/xml_error.h>
+#include <tessit/errors/error_access.h>
 #include <tessit/reader/conforming_tags.h>
+#include <tessit/reader/element_path.h>
 #include <tessit/reader/xml_record.h>
 #include <tessit/rules/decoded_text.h>
 
@@ -95,19 +96,22 @@ private:
     void passSpace() noexcept;
     void remark(std::string_view name, const char* place, const char* message);
     void stopJudging(const char* place);
+    void completeEntries();
+    void complete(ErrorAccess::Details& details, const char* place, const ElementPath& path, const char* hint) const;
     bool beginsWith(std::string_view text);
     std::uint64_t markInText() const noexcept { return source.markLength == 0 ? 0 : 3; }  // in front of the text
     bool isInside() const noexcept { return !openElements.empty(); }
 
     QeXmlRecord& record;
     DecodedText document;
-    std::string patched;        // the text, where there are bytes in it that are no characters
-    std::string_view original;  // with these bytes
+    std::string patched;          // the text, where there are bytes in it that are no characters
+    std::string_view original;    // with these bytes
+    std::size_t soundLength = 0;  // of the text in front of the first of them
     const Source& source;
     const char* at = nullptr;
     const char* end = nullptr;
-    bool isOver = false;  // nothing more is judged
-    bool rootWasSeen = false;
+    bool isOver = false;         // nothing more is judged
+    const char* root = nullptr;  // its '<'
     bool hasDocumentType = false;
 
     QeXmlNamespaceStack stack;

@@ -252,19 +252,27 @@ void QeXmlReader::Engine::refuseEndTag(const Written& tag, std::string_view name
     tessit::refuseEndTag(*tag.source, tag.begin, name, openElements.innermost(), std::move(note));
 }
 
-// Of the document without its first mark, which is looked at once. A second root's fault has its place where the reader
-// stands, at the '<'.
+// Of the document without its first mark, which is looked at once.
 QeCString QeXmlReader::Engine::hint(std::string_view rule) const {
-    const std::string_view text =
-        conforming == nullptr ? input.textBehindMark() : std::string_view(conforming->document.source.text);
-    if (conforming != nullptr && rule == nameOf(tessit::Rule::SecondRoot)) {
-        const auto behind = static_cast<std::size_t>(input.position() + 1 - text.data());
-        if (text.substr(behind).starts_with(slots.elementAsWritten())) return tessit::HintAtSecondRoot;
-    }
+    if (isAtAnotherDocument(rule)) return tessit::HintAtAnotherDocument;
     if (!hasBeginning()) return QeCString();
     FoundOut& known = makeFoundOut();
-    if (!std::exchange(known.hasLookedForHint, true)) known.hint = tessit::hintFor(text);
+    if (!std::exchange(known.hasLookedForHint, true))
+        known.hint = tessit::hintFor(conforming == nullptr ? input.textBehindMark()
+                                                           : std::string_view(conforming->document.source.text));
     return known.hint == nullptr ? QeCString() : QeCString(known.hint);
+}
+
+// The last name is the root's then. A second root's fault has its place where the reader stands, at the '<'; lenient
+// readers refuse no second root, but may do so with its declaration, within which they stand.
+bool QeXmlReader::Engine::isAtAnotherDocument(std::string_view rule) const {
+    const char* const here = input.position();
+    if (conforming == nullptr)
+        return reader.depth == 0 && !reader.lastName.getLocalName().empty() &&
+               tessit::endsInDeclaration({reader.bufferStart, static_cast<std::size_t>(here - reader.bufferStart)});
+    if (conforming->phase != Conforming::InEpilog) return false;
+    const std::string_view rest(here, static_cast<std::size_t>(input.limit() - here));
+    return tessit::beginsAnotherDocument(rule, rest, reader.lastName.asString());
 }
 
 // What was said already stays: a fault can come by here twice.

@@ -371,7 +371,6 @@ void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, const
     slots.forgetDocument();
     const QeXmlPosition beginning = input.positionOf(reader.cursor);
     window.convertFrom(place, std::move(converter));
-    leaveBeginning();
     foundOut.reset();
     lastNode = lastTag = {};
     input.goOnConverted(window.text(), units, beginning);
