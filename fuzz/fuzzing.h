@@ -23,6 +23,13 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
     return {reinterpret_cast<const char*>(data), size};
 }
 
+/// Whether the trace of a document has what is refused, or said, in another way when the document comes in pieces.
+inline bool differsInPieces(std::string_view nodes) {
+    const auto says = [nodes](std::string_view words) { return nodes.find(words) != std::string_view::npos; };
+    return says("An encoding is declared inside the root element") || says("make it grow too much") ||
+           says("entities bring more text than they may");
+}
+
 /// An input that decisions are taken from, piece by piece from its front. Behind
 /// its end there are zeros and empty texts.
 class Input {

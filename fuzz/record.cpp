@@ -8,6 +8,7 @@
 
 #include "fuzzing.h"
 
+using tessit::fuzz::differsInPieces;
 using tessit::fuzz::Input;
 using tessit::fuzz::require;
 using namespace tessit::test;
@@ -43,8 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string xml(input.rest());
     if ((choice & 128) != 0 && isUtf8(xml)) xml = encode(xml, Encoding::Utf16BE);
     QeXmlRecord record(8), whole(100'000);
-    require(readAll(xml, source, namespaces, &record) == readAll(xml, source, namespaces, nullptr),
-            "a record changes nothing");
+    const std::string with = readAll(xml, source, namespaces, &record);
+    const std::string without = readAll(xml, source, namespaces, nullptr);
+    // For a record, the pieces are put together first.
+    const bool isKnownToDiffer = isInPieces(source) && (differsInPieces(with) || differsInPieces(without));
+    require(isKnownToDiffer || with == without, "a record changes nothing");
     readInto(whole, xml, namespaces);
     require(record.getCount() == whole.getCount() && whole.getEntries().size() == whole.getCount(), "all are counted");
     require(std::is_sorted(whole.getEntries().begin(), whole.getEntries().end(), isInFront), "entries are in order");
