@@ -377,10 +377,10 @@ TEST(Conforming, TellsWhatDeclarationsBrought) {
 
 // Also of a tag that is read anew, since it was not the one that was expected.
 TEST(Conforming, TellsEachReferenceThatIsLeftOnce) {
-    const Document document("<!DOCTYPE r SYSTEM 's'><r><a x='&u;' y='1'/><a x='&u;' z='1'/></r>");
+    const Document document("<!DOCTYPE r SYSTEM 's'><r><a x='&u;' y='1'/><a x='&u;' y='1'/><a x='&u;' z='1'/></r>");
     const auto reader = document.open(Source::Span, Plain);
     reader->readElementStart("r");
-    for (const char* const expected : {"x+&u;y+", "x+&u;z+"}) {
+    for (const char* const expected : {"x+&u;y+", "x+&u;y+", "x+&u;z+"}) {
         reader->readElementStart("a");
         EXPECT_EQ(describeSources(*reader), expected);
         reader->readElementEnd("a");
@@ -521,6 +521,16 @@ TEST(Conforming, TakesTheEncodingOfATransport) {
     EXPECT_EQ(of("<a>\xE9</a>", "ISO-8859-1"), "+a =\xC3\xA9 -a");
     EXPECT_EQ(of("<?xml version='1.0' encoding='UTF-8'?><a>\xE9</a>", "ISO-8859-1"), "+a =\xC3\xA9 -a");
     EXPECT_EQ(of("\xEF\xBB\xBF<a/>", "UTF-16").substr(0, 5), "!1:1 ");
+    // an order of bytes is told in whatever pieces they come
+    const Document half(encode("<?xml version='1.0' encoding='UTF-16'?><a>", Encoding::Utf16LE) + "\x20\xD8" + "xx");
+    for (const std::size_t piece : {1u, 1'000u})
+        for (const bool isInPieces : {false, true}) {
+            QeXmlReader reader(isInPieces ? half.inPieces(0, piece) : half.inPlace(),
+                               {.rules = QeXmlRules::Conforming});
+            std::string fault;
+            readOn(reader, fault);
+            EXPECT_NE(fault.find("20 D8 in UTF-16LE"), fault.npos) << fault;
+        }
 }
 
 // Lenient readers know the name of the source, and nothing else of the options.

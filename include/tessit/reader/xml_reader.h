@@ -142,8 +142,8 @@ public:
     /// the end of the last node in it (a text ends in front of the next tag), is then in `getLastContent()`,
     /// the attributes of the start tag in `getLastAttributes()`.
     /// When the next tag is no start tag it stays pending, and both the result and `getLastContent()` are
-    /// empty. A start tag that was pending is written anew: attributes in the set's order, values as stored,
-    /// a space behind the name and behind each value. An empty-element tag is taken without its end, as by
+    /// empty. A start tag that was pending is written anew by a lenient reader: attributes in the set's order, values
+    /// as stored, a space behind the name and behind each value. An empty-element tag is taken without its end, as by
     /// `readElementStart`: `readElementEnd` takes that. Of an element that an entity brought, what stands in
     /// the document is the reference; it comes with the first one only. O(bytes of the element).
     TESSIT_API QeCString readElement(const QeXmlName& name);

@@ -288,10 +288,12 @@ private:
         if (length == utf8.size()) return;
         const std::string_view bad = utf8.substr(length);
         cut(length);
-        endByCharacter(text.source, bad, text.encoding);
+        endByCharacter(text.source, bad, text.encodingInMessages());
     }
 
-    void endByMalformed(std::string_view malformed) { tessit::endByMalformed(text.source, malformed, text.encoding); }
+    void endByMalformed(std::string_view malformed) {
+        tessit::endByMalformed(text.source, malformed, text.encodingInMessages());
+    }
 
     // Nothing of the text can be read.
     void endInFront(Rule rule, const QeCString& name) {

@@ -21,6 +21,12 @@ struct DecodedText {
     QeCString encoding;  // the one in force, by the name that was given, declared or detected
 
     std::string_view canonical;  // the name that is the same for all of an encoding's
+
+    /// The name that messages have: with the order of bytes, which a declaration may leave open.
+    QeCString encodingInMessages() const {
+        const bool isWide = canonical.starts_with("UTF-16") || canonical.starts_with("UTF-32");
+        return isWide ? QeCString(canonical) : encoding;
+    }
 };
 
 /// `transport` is the encoding that a transport said, or empty. The bytes stay alive as long

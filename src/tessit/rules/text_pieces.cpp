@@ -81,18 +81,18 @@ std::size_t TextPieces::check(std::string_view text, bool isLast) {
         const auto past = std::find_if(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length), isPastAscii);
         const auto ascii = static_cast<std::size_t>(past - text.begin());
         if (ascii != length || (length != text.size() && isPastAscii(text[length]))) {
-            endByMalformed(source, text.substr(ascii, 1), decoded.encoding);
+            endByMalformed(source, text.substr(ascii, 1), decoded.encodingInMessages());
             return endAt(ascii);
         }
     }
     if (length != text.size()) {
         const std::string_view bad = text.substr(length);
         if (!isLast && isCut(bad)) return length;
-        endByCharacter(source, bad, decoded.encoding);
+        endByCharacter(source, bad, decoded.encodingInMessages());
         return endAt(length);
     }
     if (isLast && isMalformed()) {
-        endByMalformed(source, *converter->findMalformed(), decoded.encoding);
+        endByMalformed(source, *converter->findMalformed(), decoded.encodingInMessages());
         return endAt(length);
     }
     return length;
