@@ -26,6 +26,7 @@ const Case Cases[] = {
     {"<r><x xmlns:p='u'><p:a p:b=''/></x><p:a p:b=''/></r>", "1:37 unbound-prefix, 1:41 unbound-prefix"},
     {"<a xmlns:p='u'><a xmlns:p=''/></a>", "1:19 empty-prefix-declaration"},
     {"<a:b:c/>", "1:5 colon"},
+    {"<<x", "1:1 not-read, 1:2 name, 1:2 second-root, 1:4 unfinished-document"},
     {"<r><a b='1' b='2'/><a b='1' b='2'/></r>", "1:13 duplicate-attribute, 1:29 duplicate-attribute"},
     {"<r xmlns:p='u'><p:a p:b=''/><b xmlns:p='v' xmlns:q='v'><p:a p:b='' q:b=''/></b></r>", "1:68 duplicate-attribute"},
     {"<a b='1'\r\n\r\n  b='2'/>", "3:3 duplicate-attribute"},

@@ -137,10 +137,10 @@ void Judge::complete(ErrorAccess::Details& details, const char* place, const Ele
     details.path = textOfPath(path.depth(), [&path](std::size_t level) { return path.step(level); });
     if (path.depth() != 0 && details.rule == nameOf(Rule::UnfinishedDocument))
         details.note = noteIn(source, path.element(path.depth() - 1).tag, "this element is not closed");
-    const bool isBehindRoot = root != nullptr && root < place && path.depth() == 0;
-    const bool isAtAnother =
-        isBehindRoot && beginsAnotherDocument(details.rule, between(place, source.end()), nameInTag(root));
-    if (isAtAnother) hint = HintAtAnotherDocument;
+    if (root != nullptr && place - root > 2 && path.depth() == 0) {
+        const std::string_view name = nameInTag(root, static_cast<std::size_t>(place - root - 2));
+        if (beginsAnotherDocument(details.rule, between(place, source.end()), name)) hint = HintAtAnotherDocument;
+    }
     if (hint != nullptr) details.hint = hint;
 }
 

@@ -69,13 +69,13 @@ void NodeFinder::begin(std::size_t place, Where where, bool expandsReferences) n
     isNode = false;
     tagState = Tag::None;
     at = start = markup = tag = tagAt = wholeNodes = wholeTexts = place;
-    textEnd = 0;
+    textEnd = markupEnd = 0;
     state = where == Where::Declaration ? State::LenientDeclaration : State::Between;
     declaration = Declaration::NextSpace;
 }
 
 void NodeFinder::drop(std::size_t dropped) noexcept {
-    for (std::size_t* place : {&at, &start, &markup, &tag, &tagAt, &textEnd, &wholeNodes, &wholeTexts})
+    for (std::size_t* place : {&at, &start, &markup, &tag, &tagAt, &textEnd, &markupEnd, &wholeNodes, &wholeTexts})
         *place = *place == Everything ? Everything : *place - std::min(*place, dropped);
 }
 
@@ -289,7 +289,7 @@ void NodeFinder::passAlone() noexcept {
 
 bool NodeFinder::endMarkup() noexcept {
     if (isOutside) {
-        wholeTexts = at;
+        markupEnd = at;
     } else if (isNode) {
         tagAt = at;
         tagState = Tag::Whole;
@@ -543,6 +543,7 @@ bool NodeFinder::isCut(std::size_t place) const noexcept {
 }
 
 void NodeFinder::conclude() noexcept {
+    if (markupEnd > wholeTexts && !isCut(markupEnd)) wholeTexts = markupEnd;
     const bool isBroken =
         (state == State::Broken && !isCut(std::min(at + 1, text.size()))) || (tagState == Tag::Broken && !isCut(tagAt));
     if (isBroken) {

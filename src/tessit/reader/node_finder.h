@@ -144,9 +144,10 @@ private:
 
     Tag tagState = Tag::None;
     char tagQuote = '\0';
-    std::size_t tag = 0;      // the last one, or another node
-    std::size_t tagAt = 0;    // all of it in front of this was looked at
-    std::size_t textEnd = 0;  // behind the '<' of the last one; 0 where there was none
+    std::size_t tag = 0;        // the last one, or another node
+    std::size_t tagAt = 0;      // all of it in front of this was looked at
+    std::size_t textEnd = 0;    // behind the '<' of the last one; 0 where there was none
+    std::size_t markupEnd = 0;  // of the last markup outside of the root element
 
     std::size_t wholeNodes = 0, wholeTexts = 0;
 };
