@@ -1,6 +1,7 @@
 # tessit_room(SOURCES ... APART ... HEADERS ...) adds a room's files to the library. Sources are named from the room's
 # folder, headers from include/. Where CMAKE_UNITY_BUILD is on, a room's sources are compiled as one, but for those
-# apart: these have names of their own that others in the room have, too, or a test takes their objects.
+# apart: these have names of their own that others in the room have, too, or a test takes their objects, or a function
+# in them is flattened, and would take the whole room in.
 function(tessit_room)
     cmake_parse_arguments(PARSE_ARGV 0 ROOM "" "" "SOURCES;APART;HEADERS")
     list(TRANSFORM ROOM_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
