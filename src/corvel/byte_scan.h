@@ -85,6 +85,22 @@ inline Matches matchBlock(const char* at, Byte... bytes) {
     return matchesOf(((block == static_cast<unsigned char>(bytes)) | ...));
 }
 
+// Which of 64 bytes are so by a comparison of sixteen at a place: one bit each, the lowest for the first.
+template <typename Compare>
+inline std::uint64_t matchesOf64(const char* at, const Compare& compare) {
+#if defined(__SSE2__)
+    const auto part = [&](std::size_t place) { return std::uint64_t{matchesOf(compare(at + place))} << place; };
+    return (part(0) | part(16)) | (part(32) | part(48));
+#else
+    const uint8x16_t weights = vreinterpretq_u8_u64(vdupq_n_u64(0x8040201008040201));
+    const auto part = [&](std::size_t place) {
+        return vandq_u8(reinterpret_cast<uint8x16_t>(compare(at + place)), weights);
+    };
+    const uint8x16_t sums = vpaddq_u8(vpaddq_u8(part(0), part(16)), vpaddq_u8(part(32), part(48)));
+    return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(sums, sums)), 0);
+#endif
+}
+
 inline std::size_t firstMatch(Matches matches) {
     return static_cast<std::size_t>(std::countr_zero(matches)) / BitsOfMatch;
 }
@@ -253,6 +269,22 @@ inline std::uint64_t firstBytes(std::string_view text, const char* readableEnd) 
     if constexpr (std::endian::native == std::endian::little) bytes = byteSwapped(bytes);
     const std::size_t unused = 8 * (Size - count);
     return bytes >> unused << unused;
+}
+
+/// The first place from `at` on where a text of one to three bytes stands, or `end`.
+inline const char* findText(const char* at, const char* end, std::string_view text) {
+    const std::size_t last = text.size() - 1, second = std::min<std::size_t>(1, last);
+#if defined(TESSIT_SCAN_BLOCKS)
+    const auto standsAt = [=](std::size_t place) { return static_cast<unsigned char>(text[place]); };
+    const unsigned char bytes[] = {standsAt(0), standsAt(second), standsAt(last)};
+    for (; static_cast<std::size_t>(end - at) >= 16 + last; at += 16)
+        if (const auto matches = matchesOf((blockAt(at) == bytes[0]) & (blockAt(at + second) == bytes[1]) &
+                                           (blockAt(at + last) == bytes[2])))
+            return at + firstMatch(matches);
+#endif
+    for (; static_cast<std::size_t>(end - at) > last; ++at)
+        if (at[0] == text[0] && at[second] == text[second] && at[last] == text[last]) return at;
+    return end;
 }
 
 /// The first `byte` from `at` on, or `end`.

@@ -25,6 +25,13 @@ void expectFinds(const std::string& text, std::size_t length) {
     EXPECT_EQ(corvel::findAny(begin, end, '|', '\0') - begin, static_cast<std::ptrdiff_t>(place));
     EXPECT_EQ(corvel::findIn32(begin, '|', '\0'), std::min(text.find('|'), Window));
     EXPECT_TRUE(length >= 24 || corvel::areNone(begin, length, '|', '\0') == (place == length));
+    for (std::size_t size = 1; size <= 3; ++size) {
+        std::string some = text.substr(text.find('|'), size);
+        const std::size_t found = std::min(std::string_view(begin, length).find(some), length);
+        EXPECT_EQ(corvel::findText(begin, end, some) - begin, static_cast<std::ptrdiff_t>(found));
+        some[size / 2] = '-';
+        EXPECT_EQ(corvel::findText(begin, end, some), end);
+    }
     std::string copy(length + 1, '-');
     const char* from = begin;
     char* to = copy.data();

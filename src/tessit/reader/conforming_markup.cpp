@@ -159,30 +159,28 @@ void QeXmlReader::Engine::ConformingNodes::deliver(NodeType type, std::string_vi
 }
 
 void QeXmlReader::Engine::ConformingNodes::appendAsWritten(QeCString& target, std::string_view text) {
-    if (!source().hasPlaces) {
+    const char* const textEnd = text.data() + text.size();
+    if (!source().hasPlaces || corvel::findByte(text.data(), textEnd, '\r') == textEnd) {
         tessit::hold(target.length() + text.size(), input.limits().text, tessit::Limit::Text);
         target += text;
         return;
     }
     tessit::TextBuilder builder(target, input.limits().text);
-    const char* at = text.data();
-    const char* const textEnd = at + text.size();
-    while (at != textEnd) {
+    for (const char* at = text.data(); at != textEnd;) {
         builder.putRun(at, textEnd, '\r');
         if (at == textEnd) return;
         if (++at == textEnd || *at != '\n') builder.put('\n');
     }
 }
 
-// Entered at "<!["; appends the section's text. Looks for the '>' and then back, so that runs of ']' cost nothing.
+// Entered at "<!["; appends the section's text.
 void QeXmlReader::Engine::ConformingNodes::readCDATA(QeCString& text) {
+    constexpr std::string_view End = "]]>";
     requireCDATA();
     const char* const start = position() + CDATABegin.size();
-    for (const char* at = start; (at = corvel::findByte(at, limit(), '>')) != limit(); ++at) {
-        if (at - start < 2 || at[-1] != ']' || at[-2] != ']') continue;
-        appendAsWritten(text, {start, static_cast<std::size_t>(at - 2 - start)});
-        engine.limitMarkup(position(), at + 1);
-        return goBackTo(at + 1);
-    }
-    refuseEnd();
+    const char* const found = corvel::findText(start, limit(), End);
+    if (found == limit()) refuseEnd();
+    appendAsWritten(text, {start, static_cast<std::size_t>(found - start)});
+    engine.limitMarkup(position(), found + End.size());
+    goBackTo(found + End.size());
 }

@@ -1,6 +1,8 @@
 // Goes through text once to see where markup ends, by lenient or by conforming rules. Makes nothing of it, and finds no
 // fault.
 
+#include <bit>
+
 #include <corvel/byte_scan.h>
 #include <tessit/reader/char_class.h>
 #include <tessit/reader/node_finder.h>
@@ -22,40 +24,67 @@ bool beginsMarkup(char kind) {
 
 #if defined(TESSIT_SCAN_BLOCKS)
 
-// Which of sixteen bytes begin what needs thought: "<!", "<?", or that byte. One byte more is read.
-template <typename... Other>
-inline auto compareThought(const char* at, Other... other) {
-    const corvel::Block block = corvel::blockAt(at), next = corvel::blockAt(at + 1);
-    return (((block == '<') & ((next == '!') | (next == '?'))) | ... | (block == static_cast<unsigned char>(other)));
+constexpr std::ptrdiff_t ChunkSize = 64;
+
+inline auto equals(char byte) {
+    return [byte](const char* at) { return corvel::blockAt(at) == static_cast<unsigned char>(byte); };
 }
 
-// What four blocks say together.
+// Which of sixteen bytes begin "<!" or "<?". One byte more is read.
+inline auto compareMarkup(const char* at) {
+    const corvel::Block next = corvel::blockAt(at + 1);
+    return equals('<')(at) & ((next == '!') | (next == '?'));
+}
+
+// What the blocks of a chunk say together.
 template <typename Compare>
-inline bool isAnyIn64(const char* at, const Compare& compare) {
+inline bool isAnyInChunk(const char* at, const Compare& compare) {
     return corvel::matchesOf((compare(at) | compare(at + 16)) | (compare(at + 32) | compare(at + 48))) != 0;
 }
 
+// How much of a chunk has no references but whole ones that hold no '<': nothing, if there is another one.
+inline std::ptrdiff_t passReferencesInChunk(const char* at) {
+    const std::uint64_t begins = corvel::matchesOf64(at, equals('&')), ends = corvel::matchesOf64(at, equals(';'));
+    const std::uint64_t others = ~(begins | ends);
+    const std::uint64_t inside = others & ~(others + (begins << 1 & others));  // a carry runs from each '&' to the end
+    if ((inside & corvel::matchesOf64(at, equals('<'))) != 0) return 0;
+    if (begins <= ends) return ChunkSize;
+    const std::uint64_t upToLastEnd = ends == 0 ? 0 : 2 * std::bit_floor(ends) - 1;
+    return std::countr_zero(begins & ~upToLastEnd);
+}
+
+// Passes chunks in which nothing needs thought. Of marks there are few, so that most need no look at what stands in
+// front of each.
+template <typename... Reference>
+inline const char* passChunks(const char* at, const char* end, Reference... reference) {
+    const auto compareMarks = [=](const char* from) {
+        const corvel::Block block = corvel::blockAt(from);
+        return (((block == '!') | (block == '?')) | ... | (block == static_cast<unsigned char>(reference)));
+    };
+    while (end - at > ChunkSize) {
+        std::ptrdiff_t passed = ChunkSize;
+        if (isAnyInChunk(at + 1, compareMarks) || (... || (*at == reference))) {
+            if (isAnyInChunk(at, compareMarkup)) break;
+            if constexpr (sizeof...(Reference) != 0) passed = passReferencesInChunk(at);
+        }
+        if (passed == 0) break;
+        at += passed;
+    }
+    return at;
+}
+
 #endif
 
-// The first "<!", "<?", other byte, or '<' at the very end, if there is one.
-template <typename... Other>
-const char* findThought(const char* at, const char* end, Other... other) {
+// The first "<!", "<?", or '<' at the very end, or reference that is to be looked at, if there is one.
+template <typename... Reference>
+const char* findThought(const char* at, const char* end, Reference... reference) {
 #if defined(TESSIT_SCAN_BLOCKS)
-    // Of these bytes there are few, so that most blocks need no look at what stands in front of each.
-    const auto compareFew = [=](const char* from) {
-        const corvel::Block block = corvel::blockAt(from);
-        return (((block == '!') | (block == '?')) | ... | (block == static_cast<unsigned char>(other)));
-    };
-    const auto compare = [=](const char* from) { return compareThought(from, other...); };
-    while (end - at > 64 && (... && (*at != other))) {
-        if (isAnyIn64(at + 1, compareFew) && isAnyIn64(at, compare)) break;
-        at += 64;
-    }
+    at = passChunks(at, end, reference...);
+    const auto compare = [=](const char* from) { return (compareMarkup(from) | ... | equals(reference)(from)); };
     for (; end - at > 16; at += 16)
-        if (const auto matches = corvel::matchesOf(compareThought(at, other...)))
-            return at + corvel::firstMatch(matches);
+        if (const auto matches = corvel::matchesOf(compare(at))) return at + corvel::firstMatch(matches);
 #endif
-    while (at != end && (... && (*at != other)) && !(*at == '<' && (at + 1 == end || beginsMarkup(at[1]))))
+    while (at != end && (... && (*at != reference)) && !(*at == '<' && (at + 1 == end || beginsMarkup(at[1]))))
         ++at;
     return at;
 }
@@ -334,18 +363,15 @@ bool NodeFinder::passDocumentTypeName() noexcept {
     return enter(State::LenientDocumentType);
 }
 
-// Looks for the first byte of the end, which what is passed has less often than the last one.
 bool NodeFinder::passUpTo(std::string_view end, State next) noexcept {
-    while (find(end.front())) {
-        const std::string_view here = text.substr(at, end.size());
-        if (here == end) {
-            at += end.size();
-            return leave(next);
-        }
-        if (end.starts_with(here)) return false;
-        ++at;
+    const char* const limit = text.data() + text.size();
+    const char* const found = corvel::findText(text.data() + at, limit, end);
+    if (found == limit) {
+        at = std::max(at, text.size() - std::min(text.size(), end.size() - 1));  // the end may have begun
+        return false;
     }
-    return false;
+    at = static_cast<std::size_t>(found - text.data()) + end.size();
+    return leave(next);
 }
 
 bool NodeFinder::enterComment(State behind) noexcept {

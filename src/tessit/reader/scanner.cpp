@@ -189,15 +189,11 @@ bool Scanner::readTextRun(QeCString& text, Byte... others) {
 template bool Scanner::readTextRun(QeCString& text);
 template bool Scanner::readTextRun(QeCString& text, char other);
 
-// Looks for the '>', which instructions seldom hold, and then back.
 void Scanner::skipInstruction() {
-    for (const char* at = cursor; (at = findByte(at, end, '>')) != end; ++at) {
-        if (at > cursor && at[-1] == '?') {
-            cursor = at + 1;
-            return;
-        }
-    }
-    raiseEnd();
+    constexpr std::string_view End = "?>";
+    const char* const found = corvel::findText(cursor, end, End);
+    if (found == end) raiseEnd();
+    cursor = found + End.size();
 }
 
 void Scanner::skipDocumentType() {
@@ -220,21 +216,16 @@ void Scanner::skipComment() {
     }
 }
 
-// Looks for the '>' and then back, so that runs of ']' cost nothing.
 void Scanner::readCDATA(QeCString& text) {
+    constexpr std::string_view End = "]]>";
     if (readName().whole() != "CDATA") raise("'<![' wasn't followed by 'CDATA'");
     if (take() != '[') raise("'<![CDATA' wasn't followed by '['");
-    const char* const start = cursor;
-    for (const char* at = start; (at = findByte(at, end, '>')) != end; ++at) {
-        if (at - start >= 2 && at[-1] == ']' && at[-2] == ']') {
-            const auto length = static_cast<std::size_t>(at - 2 - start);
-            hold(text.length() + length, input.limits().text, Limit::Text);
-            text.append(start, length);
-            cursor = at + 1;
-            return;
-        }
-    }
-    raiseEnd();
+    const char* const found = corvel::findText(cursor, end, End);
+    if (found == end) raiseEnd();
+    const auto length = static_cast<std::size_t>(found - cursor);
+    hold(text.length() + length, input.limits().text, Limit::Text);
+    text.append(cursor, length);
+    cursor = found + End.size();
 }
 
 std::string_view Scanner::readPseudoValue() {

@@ -12,9 +12,8 @@ namespace tessit {
 namespace {
 
 const char* behindText(const char* from, const char* limit, std::string_view text) noexcept {
-    const std::string_view rest(from, static_cast<std::size_t>(limit - from));
-    const std::size_t at = rest.find(text);
-    return at == std::string_view::npos ? nullptr : from + at + text.size();
+    const char* const found = corvel::findText(from, limit, text);
+    return found == limit ? nullptr : found + text.size();
 }
 
 bool endsName(char byte) noexcept {
