@@ -91,13 +91,13 @@ std::uint64_t sumOf(Block counts) noexcept {
     return sum;
 }
 
-// Has `add` look at the blocks in front of `end`, as many at a time as a byte can count. One byte more can be read than
-// a block has.
-template <typename Add, typename Sum>
+// Has `add` look at the blocks in front of `end`, `Together` of them in each call, and has them summed up before there
+// are more than a byte can count. One byte more can be read than the blocks have.
+template <std::size_t Together, typename Add, typename Sum>
 void addBlocks(const char*& at, const char* end, const Add& add, const Sum& sum) noexcept {
-    constexpr std::size_t Most = 255;
-    while (const std::size_t blocks = static_cast<std::size_t>(end - at) / (sizeof(Block) + 1)) {
-        for (std::size_t left = std::min(blocks, Most); left != 0; --left, at += sizeof(Block))
+    constexpr std::size_t Most = 255 / Together, Size = Together * sizeof(Block);
+    while (const std::size_t steps = static_cast<std::size_t>(end - at - (end != at)) / Size) {
+        for (std::size_t left = std::min(steps, Most); left != 0; --left, at += Size)
             add(at);
         sum();
     }
@@ -114,12 +114,15 @@ std::uint64_t countLineEnds(const char* at, const char* end, bool hasReturns) no
         lines += sumOf(feeds) + sumOf(returns);
         feeds = returns = Block{};
     };
-    const auto addFeeds = [&](const char* block) { feeds -= onesWhere(corvel::blockAt(block) == '\n'); };
+    const auto areFeeds = [](const char* block) { return onesWhere(corvel::blockAt(block) == '\n'); };
+    const auto addFour = [&](const char* block) {
+        feeds -= (areFeeds(block) + areFeeds(block + 16)) + (areFeeds(block + 32) + areFeeds(block + 48));
+    };
     const auto addBoth = [&](const char* block) {
-        addFeeds(block);
+        feeds -= areFeeds(block);
         returns -= onesWhere((corvel::blockAt(block) == '\r') & (corvel::blockAt(block + 1) != '\n'));
     };
-    hasReturns ? addBlocks(at, end, addBoth, sum) : addBlocks(at, end, addFeeds, sum);
+    hasReturns ? addBlocks<1>(at, end, addBoth, sum) : addBlocks<4>(at, end, addFour, sum);
 #endif
     for (; at != end; ++at)
         lines += *at == '\n' || (hasReturns && *at == '\r' && (at + 1 == end || at[1] != '\n'));
@@ -135,7 +138,7 @@ ByteCounts countBytes(const char* at, const char* end) noexcept {
         continuations -= onesWhere((bytes & 0xC0) == 0x80);
         pastPlane -= onesWhere((bytes & 0xF0) == 0xF0);
     };
-    addBlocks(at, end, add, [&] {
+    addBlocks<1>(at, end, add, [&] {
         counts.continuations += sumOf(continuations);
         counts.pastPlane += sumOf(pastPlane);
         continuations = pastPlane = Block{};
