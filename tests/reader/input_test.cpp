@@ -91,6 +91,14 @@ TEST(Input, IsReadFromEverywhere) {
     }
 }
 
+// The system has files of its own that say a size, and have fewer bytes.
+TEST(Input, TakesAnEndWhereNothingWasCut) {
+    constexpr const char* SaysAPage = "/sys/devices/system/cpu/online";
+    if (!fs::exists(SaysAPage)) GTEST_SKIP() << "there is no " << SaysAPage;
+    QeXmlRecord record;  // for which the document is read to its end at once
+    EXPECT_THROW(QeXmlReader(QeXmlInput::file(SaysAPage), {.record = &record}), QeXmlParseError);
+}
+
 TEST(Input, SaysWhatCannotBeRead) {
     const Folder folder;
     const std::string missing = folder.path / "none.xml", directory = folder.path;

@@ -59,8 +59,9 @@ public:
     FileSource(Descriptor&& openFile, QeCString&& fileName) : file(std::move(openFile)), name(std::move(fileName)) {
         const struct stat properties = propertiesOf(file, name);
         const off_t place = S_ISREG(properties.st_mode) ? lseek(file.get(), 0, SEEK_CUR) : -1;
-        if (place < 0 || properties.st_size <= place) return;  // those of the system's own have no size, and bytes
-        expected = static_cast<std::uint64_t>(properties.st_size - place);
+        if (place < 0 || properties.st_size <= place) return;  // some of the system's own have no size, and bytes
+        whole = properties.st_size;
+        expected = static_cast<std::uint64_t>(whole - place);
     }
 
     std::size_t read(std::span<char> room) override {
@@ -80,14 +81,16 @@ private:
         return count;
     }
 
+    // Others of the system's own have a size, and fewer bytes.
     std::size_t checkEnd() const {
-        if (bytesRead >= expected.value_or(0)) return 0;
+        if (bytesRead >= expected.value_or(0) || propertiesOf(file, name).st_size >= whole) return 0;
         throw QeXmlInputError(name, std::make_error_code(std::errc::io_error), "it became shorter while it was read");
     }
 
     Descriptor file;
     QeCString name;
-    std::optional<std::uint64_t> expected;  // bytes, of a file that has a size
+    off_t whole = 0;
+    std::optional<std::uint64_t> expected;  // bytes from the place on, of a file that has a size
     std::uint64_t bytesRead = 0;
 };
 
