@@ -66,9 +66,8 @@ public:
 private:
     // A prefix of up to seven bytes with its length, and the binding it has in one version of the bindings.
     struct CachedPrefix {
-        std::uint64_t key = ~std::uint64_t{0};
-        std::uint64_t version = 0;
-        const QeXmlNamespace* binding = nullptr;
+        std::uint64_t key, version;
+        const QeXmlNamespace* binding;
     };
 
     const QeXmlNamespace* findBound(std::string_view prefix, const char* readableEnd) noexcept;
@@ -82,6 +81,8 @@ private:
     QeXmlNamespaceStack closed;
 
     CachedPrefix cache[1 << CacheBits];
+    std::uint32_t cachedPlaces =
+        0;  // a bit for each that was written: to write all at first takes longer than a small tag
 };
 
 // Short prefixes go through a small cache, which is right as long as the bindings in force are the same.
@@ -91,8 +92,13 @@ inline const QeXmlNamespace* Bindings::findBound(std::string_view prefix, const 
     const std::uint64_t now = version();
     if (prefix.size() > LongestCached) return ModelAccess::findPrefix(inForce, prefix);
     const std::uint64_t key = corvel::firstBytes(prefix, readableEnd);
-    CachedPrefix& cached = cache[(key * Spread) >> (64 - CacheBits)];
-    if (cached.key != key || cached.version != now) cached = {key, now, ModelAccess::findPrefix(inForce, prefix)};
+    const std::size_t number = (key * Spread) >> (64 - CacheBits);
+    CachedPrefix& cached = cache[number];
+    const bool isThere = (cachedPlaces >> number & 1) != 0 && cached.key == key && cached.version == now;
+    if (!isThere) {
+        cached = {key, now, ModelAccess::findPrefix(inForce, prefix)};
+        cachedPlaces |= std::uint32_t{1} << number;
+    }
     return cached.binding;
 }
 

@@ -16,6 +16,10 @@ constexpr std::size_t MostExpected = 64;
 // What names without a namespace are resolved to: its prefix and URI are empty.
 constinit const QeXmlNamespace NoNamespace;
 
+TESSIT_NOINLINE void assignLong(QeCString& target, std::string_view text) {
+    target.assign(text);
+}
+
 }  // namespace
 
 TagSlots::TagSlots(QeXmlName& lastName, QeXmlAttributeSet& lastAttributes, const char* const& bufferEnd,
@@ -38,8 +42,9 @@ TESSIT_FLATTEN void TagSlots::readAttributes(const RawName& element, Input& inpu
 
 // Where tags often turned out different, most are not even compared.
 void TagSlots::noteMiss() noexcept {
-    constexpr unsigned MostSkipped = 31;
-    shape->tagsToSkip = shape->skippedAfterMiss = std::min(2 * shape->skippedAfterMiss + 1, MostSkipped);
+    constexpr int MostSkipped = 31;
+    shape->skippedAfterMiss = static_cast<std::uint8_t>(std::min(2 * shape->skippedAfterMiss + 1, MostSkipped));
+    shape->tagsToSkip = shape->skippedAfterMiss;
 }
 
 // Reads a tag that looks like an earlier one of its name: the names are in the slots already, and
@@ -247,7 +252,16 @@ void TagSlots::learnShape(std::span<const Ordered> ordered) {
     shape->version = bindings.version();
 }
 
+// Most documents bind nothing: their names, but for the first, call nothing here.
 bool TagSlots::writeElementName(const RawName& name) {
+    const bool hasNoNamespace = name.localStart == 0 && bindings.version() == 0;
+    if (!hasNoNamespace || nameWritten.binding != &NoNamespace || nameWritten.raw.empty()) return writeResolved(name);
+    writeLocalName(elementName, name);
+    nameWritten.raw = name.whole();
+    return true;
+}
+
+TESSIT_NOINLINE bool TagSlots::writeResolved(const RawName& name) {
     const std::string_view prefix = name.prefix();
     const QeXmlNamespace* binding = bindings.find(prefix, readableEnd);
     if (binding == nullptr && prefix.empty()) binding = &NoNamespace;
@@ -255,20 +269,21 @@ bool TagSlots::writeElementName(const RawName& name) {
     return binding != nullptr;
 }
 
-// Makes `name` the name as written, in the namespace of `binding`; without one, in
-// no namespace, though with its prefix. Does not write what is there already:
-// `written` says what that is.
-void TagSlots::writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding) {
-    const std::uint64_t version = bindings.version();
-    const bool sameBinding = binding == written.binding && !written.raw.empty();
-    const bool sameNamespace =
-        sameBinding && binding != nullptr && (written.version == version || binding == &NoNamespace);
-    if (sameNamespace) {
-        writeLocalName(name, raw);
-        written.raw = raw.whole();
-        return;
-    }
-    if (sameBinding && binding == nullptr && corvel::sameBytes(written.raw, raw.whole())) return;
+// Makes `name` the name as written, in the namespace of `binding`; without one, in no namespace, though with its
+// prefix. `written` says what is there already: mostly the namespace is.
+inline void TagSlots::writeName(QeXmlName& name, NameWritten& written, const RawName& raw,
+                                const QeXmlNamespace* binding) {
+    const bool isThere = binding != nullptr && binding == written.binding && !written.raw.empty() &&
+                         (binding == &NoNamespace || written.version == bindings.version());
+    if (!isThere) return writeOtherName(name, written, raw, binding);
+    writeLocalName(name, raw);
+    written.raw = raw.whole();
+}
+
+TESSIT_NOINLINE void TagSlots::writeOtherName(QeXmlName& name, NameWritten& written, const RawName& raw,
+                                              const QeXmlNamespace* binding) {
+    const bool isUnboundAgain = binding == nullptr && written.binding == nullptr && !written.raw.empty();
+    if (isUnboundAgain && corvel::sameBytes(written.raw, raw.whole())) return;
 
     written = {};  // until all is there: an assignment can throw
     writeLocalName(name, raw);
@@ -279,16 +294,17 @@ void TagSlots::writeName(QeXmlName& name, NameWritten& written, const RawName& r
         ModelAccess::prefixOf(name.getNamespace()) = binding->getPrefix();
         ModelAccess::shareURI(name.getNamespace(), *binding);
     }
-    written = {raw.whole(), binding, version};
+    written = {raw.whole(), binding, bindings.version()};
 }
 
-void TagSlots::writeLocalName(QeXmlName& name, const RawName& raw) {
+inline void TagSlots::writeLocalName(QeXmlName& name, const RawName& raw) {
+    using corvel::StringAccess;
     const std::string_view local = raw.local();
-    if (static_cast<std::size_t>(readableEnd - local.data()) >= corvel::StringAccess::Window) {
-        corvel::StringAccess::assignFromWindow(ModelAccess::localNameOf(name), local.data(), local.size());
-    } else {
-        ModelAccess::localNameOf(name).assign(local);
-    }
+    QeCString& target = ModelAccess::localNameOf(name);
+    const bool isInWindow = static_cast<std::size_t>(readableEnd - local.data()) >= StringAccess::Window;
+    if (!isInWindow || local.size() > QeCString::InlineCapacity || !StringAccess::isInline(target))
+        return assignLong(target, local);
+    StringAccess::assignFromWindow(target, local.data(), local.size());
 }
 
 void TagSlots::forgetDocument() noexcept {

@@ -99,8 +99,8 @@ private:
         std::size_t expectedCount = 0;       // so many attributes are expected, if they are in the slots
         QeSlotArray<QeXmlAttribute> parked;  // the slots, unless the delivered set has them
         std::uint64_t version = 0;           // of the bindings, when the slots were written
-        unsigned tagsToSkip = 0;             // of so many tags, none is expected to be like this one
-        unsigned skippedAfterMiss = 0;       // grows with each tag that turned out different
+        std::uint8_t tagsToSkip = 0;         // of so many tags, none is expected to be like this one
+        std::uint8_t skippedAfterMiss = 0;   // grows with each tag that turned out different
         bool isInSlots = false;              // whether they have the names that are expected
 
         std::span<const Entry> expected() const noexcept { return {entries.data(), expectedCount}; }
@@ -147,7 +147,9 @@ private:
     void declare(const RawName& name, std::string_view uri, const ConformingTags& rules, const char* place);
     void checkDuplicates(std::span<const Ordered> ordered, ConformingTags& rules, const char* tagEnd);
 
+    bool writeResolved(const RawName& elementName);
     void writeName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
+    void writeOtherName(QeXmlName& name, NameWritten& written, const RawName& raw, const QeXmlNamespace* binding);
     void writeLocalName(QeXmlName& name, const RawName& raw);
 
     static constexpr std::size_t Few = RawAttributes::Few;
