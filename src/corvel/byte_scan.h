@@ -260,14 +260,15 @@ inline std::uint64_t firstBytes(std::string_view text, const char* readableEnd) 
     constexpr std::size_t Size = sizeof(std::uint64_t);
     const std::size_t count = text.size() < Size ? text.size() : Size;
     if (count == 0) return 0;
-    std::uint64_t bytes = 0;
-    if (static_cast<std::size_t>(readableEnd - text.data()) >= Size) {
-        std::memcpy(&bytes, text.data(), Size);
-    } else {
-        std::memcpy(&bytes, text.data(), count);
-    }
-    if constexpr (std::endian::native == std::endian::little) bytes = byteSwapped(bytes);
     const std::size_t unused = 8 * (Size - count);
+    std::uint64_t bytes = 0;
+    if (static_cast<std::size_t>(readableEnd - text.data()) < Size) {
+        for (std::size_t i = 0; i != count; ++i)
+            bytes = bytes << 8 | static_cast<unsigned char>(text[i]);
+        return bytes << unused;
+    }
+    std::memcpy(&bytes, text.data(), Size);
+    if constexpr (std::endian::native == std::endian::little) bytes = byteSwapped(bytes);
     return bytes >> unused << unused;
 }
 

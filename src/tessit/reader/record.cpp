@@ -8,7 +8,6 @@
 #include <tessit/reader/judge.h>
 
 void QeXmlReader::Engine::openRecord(std::string_view document) {
-    if (judge() == nullptr) return;
     judge()->getRecord().clear();
     besides->judge = judge()->forAnotherDocument();
     const bool isTooMuch = document.size() > input.limits().document;  // then nothing is looked at

@@ -177,9 +177,14 @@ void Scanner::appendText(QeCString& target) {
     }
 }
 
+// Near the end of a document, which is most of a small one, stand line ends and blanks: blocks would not pay.
 template <typename... Byte>
 bool Scanner::readTextRun(QeCString& text, Byte... others) {
-    const char* const stop = findAny(cursor, end, '<', '&', '\r', others...);
+    constexpr std::ptrdiff_t Near = 32;
+    const char* stop = cursor;
+    while (end - stop <= Near && stop != end && isSpace(*stop) && *stop != '\r')
+        ++stop;
+    stop = findAny(stop, end, '<', '&', '\r', others...);
     hold(static_cast<std::size_t>(stop - cursor), input.limits().text, Limit::Text);
     text.assign(cursor, static_cast<std::size_t>(stop - cursor));
     cursor = stop;

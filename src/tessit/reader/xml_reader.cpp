@@ -108,7 +108,7 @@ void QeXmlReader::open(std::string_view document) {
     namespaceStack.pushScope();  // the document's own
     engine->input.setLength(document.size());
     if (engine->conforming != nullptr) return engine->openConforming(document);
-    engine->openRecord(document);
+    if (engine->judge() != nullptr) engine->openRecord(document);
     engine->input.take(document);
     engine->readProlog();
 }
