@@ -5,8 +5,11 @@
 //     export_csv -z FILE    the same for one that is packed
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <iostream>
 #include <istream>
+#include <optional>
 #include <stdexcept>
 #include <streambuf>
 #include <string>
@@ -57,9 +60,19 @@ void printField(std::ostream& out, std::string_view text) {
     out << '"';
 }
 
+// How much of a file is left, one knows; of a pipe, nobody does.
+void showProgress(const QeXmlReader& reader) {
+    std::cerr << reader.getBytesRead() / 1'000'000 << " MB";
+    if (const std::optional<std::uint64_t> size = reader.getInputSize())
+        std::cerr << " of " << *size / 1'000'000 << " MB";
+    std::cerr << '\n';
+}
+
 // A line for each item: its number, its name, its price.
 void exportItems(QeXmlInput input, std::ostream& out) {
+    constexpr std::size_t Some = 1'000'000;
     const QeXmlName id("id"), name("name");
+    std::size_t items = 0;
     QeXmlReader reader(std::move(input), {.rules = QeXmlRules::Conforming});
     reader.readElementStart("list");
     while (reader.isElementNext("item")) {
@@ -76,6 +89,7 @@ void exportItems(QeXmlInput input, std::ostream& out) {
         while (reader.isElementNext("note"))
             reader.readElement("note");
         reader.readElementEnd("item");
+        if (++items % Some == 0) showProgress(reader);
     }
     reader.readElementEnd("list");
 }
