@@ -219,7 +219,7 @@ std::span<TagSlots::Ordered> TagSlots::leaveOutRepeated(std::span<Ordered> order
 
 // Gives the set that many attributes, with what earlier tags left in them.
 void TagSlots::openSlots(std::size_t count) {
-    const std::size_t slots = std::max(count, Few / 2);
+    const std::size_t slots = std::max(count, Few / 4);
     const std::size_t expected = shape == &firstShape ? 0 : std::min(count, MostExpected);
     if (shape->entries.size() < expected) shape->entries.resize(std::min(slots, MostExpected));
     ModelAccess::slotsOf(attributes).reserveSlots(slots);
