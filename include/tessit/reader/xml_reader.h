@@ -284,7 +284,7 @@ public:
     bool getExpandAttributeReference() const noexcept { return expandAttributeReference; }
     void setExpandAttributeReference(bool expand) noexcept {
         expandAttributeReference = expand;
-        if (readsApart) noteExpansion();
+        if (notesOpen) noteExpansion();
     }
 
     /// Whether each end tag must be that of the innermost open element: local name and URI are the same. If it
@@ -344,7 +344,7 @@ private:
     NodeType lastNodeType = NoNode;
     bool nodePending = false;  // the last node was scanned ahead and is to be delivered once more
     bool expandAttributeReference = true;
-    bool readsApart = false;   // by the conforming rules, with limits, or through a window
+    bool readsApart = false;   // by the conforming rules, with limits, or with a record
     bool matchesTags = false;  // in a lenient reader
     std::unique_ptr<Engine> engine;
 };

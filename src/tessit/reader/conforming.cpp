@@ -108,7 +108,7 @@ void QeXmlReader::Engine::readConformingContent() {
     try {
         if (conforming->phase == Conforming::InRoot) needText();
         ConformingNodes(*this).readContent();
-        if (limits != nullptr) limitLastNode();
+        if (hasLimits()) limitLastNode();
     } catch (...) {
         keepFault();
         raiseFault();

@@ -16,7 +16,7 @@ TESSIT_FLATTEN void QeXmlReader::readNextConforming() {
     if (engine->conforming->fault != nullptr) engine->raiseFault();
     try {
         Engine::ConformingNodes(*engine).readNextNode();
-        if (engine->limits != nullptr) engine->limitLastNode();
+        if (engine->hasLimits()) engine->limitLastNode();
     } catch (...) {
         engine->keepFault();
         engine->raiseFault();
@@ -37,7 +37,7 @@ inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
     }
     for (;;) {
         // In what an entity brought, either answer will do.
-        if (engine.windowed != nullptr && position() >= engine.windowed->nodesUpTo) needNode();
+        if (engine.windowed != nullptr && position() >= engine.wholeUpTo) needNode();
         engine.lastNode = {position(), &source()};
         if (atEnd()) {
             apart([](ConformingNodes& nodes) { nodes.leaveEntity(); });
@@ -282,7 +282,7 @@ void QeXmlReader::Engine::ConformingNodes::enterEntity(tessit::Entity& entity) {
 }
 
 void QeXmlReader::Engine::ConformingNodes::goOnIn(const Source& text, const char* place) {
-    if (engine.limits != nullptr) {
+    if (engine.hasLimits()) {
         Conforming::Parts& parts = state.parts;
         if (parts.node != engine.lastNode.begin) parts = {engine.lastNode.begin, engine.lastNode.begin, 0};
         parts.bytes += static_cast<std::uint64_t>(position() - parts.begin);

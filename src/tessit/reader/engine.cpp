@@ -51,7 +51,7 @@ void QeXmlReader::Engine::reset() {
     slots.forgetSlots();
     openElements.clear();
     lastNode = lastTag = {};
-    pendingStart = nullptr;
+    pendingStart = wholeUpTo = nullptr;
     foundOut.reset();
     if (besides != nullptr) besides->whole.reset();
     input.begin();
@@ -77,5 +77,6 @@ void QeXmlReader::Engine::declareEncoding(const QeCString& name) {
     lastNode = lastTag = {};
     foundOut.reset();
     input.replaceRest(std::move(*converted));
+    wholeUpTo = input.limit();
     if (rawCopy != nullptr) rawCopy->goOn();
 }

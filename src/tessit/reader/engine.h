@@ -48,6 +48,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     struct Besides {
         std::unique_ptr<tessit::ByteSource> whole;  // what is read, if that is an input in memory
         std::unique_ptr<tessit::Judge> judge;       // where there is a record
+        QeXmlLimits limits;                         // if there are any
     };
 
     explicit Engine(QeXmlReader& owner, const QeXmlReaderOptions* options = nullptr);
@@ -59,6 +60,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     // nodes.cpp and prolog.cpp
     void readProlog();
     void readLenientApart();
+    void needNextNode();
     void readContent();
     void noteOpen(std::string_view name);
     bool closesInnermost() noexcept;
@@ -80,8 +82,11 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void needNode() {
         if (windowed != nullptr) needNodeInWindow();
     }
+    void needText() {
+        if (windowed != nullptr) needTextInWindow();
+    }
     void needNodeInWindow();
-    void needText();
+    void needTextInWindow();
     void needRestOfText();
     void needOutside();
     void openWindowed(std::unique_ptr<tessit::ByteSource> source);
@@ -176,6 +181,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
 
     // limits.cpp
     void setLimits(const QeXmlLimits& given);
+    bool hasLimits() const noexcept { return &input.limits() != &tessit::NoLimits; }
     void limitMarkup(const char* begin, const char* end) const;
     void limitNode();
     void limitTag();
@@ -197,7 +203,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     /// The same where there may be none.
     template <typename Read>
     void readWithinLimits(const Read& read) {
-        limits == nullptr ? read() : withinLimits(read);
+        hasLimits() ? withinLimits(read) : read();
     }
 
     // record.cpp
@@ -227,15 +233,15 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     struct Windowed;
 
     QeXmlReader& reader;
-    std::unique_ptr<Conforming> conforming;     // of a reader that is one
-    std::unique_ptr<const QeXmlLimits> limits;  // if there are any
-    std::unique_ptr<Windowed> windowed;         // of one whose document comes piece by piece
-    std::unique_ptr<Besides> besides;           // made when it is needed
+    std::unique_ptr<Conforming> conforming;  // of a reader that is one
+    std::unique_ptr<Windowed> windowed;      // of one whose document comes piece by piece
+    std::unique_ptr<Besides> besides;        // made when it is needed
     tessit::Input input;
     tessit::Bindings bindings;
     tessit::TagSlots slots;
     tessit::OpenElements openElements;           // of a reader that matches tags
     QeXmlName expectedName;                      // what the caller demands; working storage of one call
+    const char* wholeUpTo = nullptr;             // a node that begins in front of it can be read
     const char* pendingStart = nullptr;          // where the node that was looked at begins, in a document that stays
     Written lastNode, lastTag;                   // the tag is the last one that opened an element
     mutable std::unique_ptr<FoundOut> foundOut;  // made when it is asked for

@@ -26,8 +26,8 @@ bool opensElement(QeXmlReader::NodeType type) {
 
 void QeXmlReader::Engine::setLimits(const QeXmlLimits& given) {
     if (!tessit::areAny(given)) return;
-    limits = std::make_unique<const QeXmlLimits>(given);
-    input.setLimits(*limits);
+    makeBesides().limits = given;
+    input.setLimits(besides->limits);
     reader.readsApart = true;
 }
 
@@ -45,24 +45,24 @@ void QeXmlReader::Engine::limitNode() {
         before = conforming->parts.bytes;
     }
     if (conforming != nullptr) conforming->parts = {};
-    hold(before + static_cast<std::uint64_t>(input.position() - begin), limits->node, Limit::Node);
+    hold(before + static_cast<std::uint64_t>(input.position() - begin), input.limits().node, Limit::Node);
 }
 
 // The bindings of an empty element are not in force any more, but were.
 void QeXmlReader::Engine::limitTag() {
     const bool isEmpty = reader.lastNodeType == EmptyElement;
     const std::ptrdiff_t level = reader.depth + (isEmpty ? 1 : 0);  // below 0 behind end tags too many
-    hold(static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(level, 0)), limits->depth, Limit::Depth);
+    hold(static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(level, 0)), input.limits().depth, Limit::Depth);
     if (lastTag.begin != nullptr) {
         const std::string_view name = tessit::nameInTag(lastTag.begin);
-        hold(name.size(), limits->name, Limit::Name, name.data());
+        hold(name.size(), input.limits().name, Limit::Name, name.data());
     }
-    hold(reader.lastAttributes.size(), limits->attributes, Limit::Attributes);
+    hold(reader.lastAttributes.size(), input.limits().attributes, Limit::Attributes);
     const bool bindsXml = conforming != nullptr && conforming->options.namespaces;
-    hold(bindings.count(isEmpty) - (bindsXml ? 1 : 0), limits->bindings, Limit::Bindings);
+    hold(bindings.count(isEmpty) - (bindsXml ? 1 : 0), input.limits().bindings, Limit::Bindings);
     for (const QeXmlAttribute& attribute : std::as_const(reader.lastAttributes)) {
-        const bool isLong = attribute.getValue().length() > limits->value;
-        if (!isLong && lengthOf(attribute.getName()) <= limits->name) continue;
+        const bool isLong = attribute.getValue().length() > input.limits().value;
+        if (!isLong && lengthOf(attribute.getName()) <= input.limits().name) continue;
         const char* const tag = lastTag.begin;
         const char* const limit = lastTag.source == nullptr ? input.limit() : lastTag.source->end();
         const auto written =
@@ -76,9 +76,9 @@ void QeXmlReader::Engine::limitTag() {
 // be.
 void QeXmlReader::Engine::limitEndTag() const {
     if (conforming != nullptr || lastNode.begin == nullptr) return;
-    if (static_cast<std::uint64_t>(input.position() - lastNode.begin) <= limits->name) return;
+    if (static_cast<std::uint64_t>(input.position() - lastNode.begin) <= input.limits().name) return;
     const std::string_view name = tessit::nameInTag(lastNode.begin);
-    hold(name.size(), limits->name, Limit::Name, name.data());
+    hold(name.size(), input.limits().name, Limit::Name, name.data());
 }
 
 void QeXmlReader::Engine::limitLastNode() {
@@ -87,7 +87,7 @@ void QeXmlReader::Engine::limitLastNode() {
     else if (reader.lastNodeType == ElementEnd)
         limitEndTag();
     else
-        hold(reader.lastContent.length(), limits->text, Limit::Text);
+        hold(reader.lastContent.length(), input.limits().text, Limit::Text);
     limitNode();
 }
 
@@ -97,5 +97,5 @@ void QeXmlReader::Engine::raiseExceeded(const Exceeded& exceeded) const {
     const char* const place = exceeded.place == nullptr ? ofNode : exceeded.place;
     if (conforming == nullptr) input.raiseLimit(exceeded.limit, place);
     const bool isOfNode = exceeded.place == nullptr && lastNode.source != nullptr;
-    refuseLimit(isOfNode ? *lastNode.source : input.source(), place, *limits, exceeded.limit);
+    refuseLimit(isOfNode ? *lastNode.source : input.source(), place, input.limits(), exceeded.limit);
 }

@@ -14,11 +14,15 @@ TESSIT_FLATTEN void QeXmlReader::readNextLenient() {
 }
 
 void QeXmlReader::Engine::readLenientApart() {
-    const auto read = [this] {
-        needNode();
-        reader.readNextLenient();
-    };
-    readApart(read);
+    readApart([this] { reader.readNextLenient(); });
+}
+
+// Where nothing begins that is known to be there as a whole: there is more of the document then, or its end.
+TESSIT_NOINLINE void QeXmlReader::Engine::needNextNode() {
+    needNode();
+    if (reader.cursor != input.limit()) return;
+    lastNode.begin = reader.cursor;
+    input.raiseEnd(reader.cursor);
 }
 
 void QeXmlReader::Engine::readContent() {
@@ -34,17 +38,15 @@ void QeXmlReader::Engine::readContent() {
 
 inline void QeXmlReader::Engine::NodeReader::readNextNode() {
     for (;;) {
+        if (position() >= engine.wholeUpTo) needNextNode();
         engine.lastNode.begin = position();
-        if (take() != '<') {
-            stepBack(1);
-            return readContent();
-        }
+        if (peek() != '<') return readContent();
+        skip(1);
         const char kind = take();
         if (kind == '/') return readEndTag();
         if (kind == '?') {
             apart(&NodeReader::readInstruction);
             limitMarkup(engine.lastNode.begin);
-            goOnBehindMarkup();
         } else if (kind != '!') {
             stepBack(1);
             return readStartTag();
@@ -58,7 +60,6 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
             skip(1);
             apart(&NodeReader::skipComment);
             limitMarkup(engine.lastNode.begin);
-            goOnBehindMarkup();
         }
     }
 }
@@ -70,10 +71,9 @@ void QeXmlReader::Engine::NodeReader::apart(const Read& read) {
     (NodeReader(engine).*read)();
 }
 
-// What comes next is another node.
-inline void QeXmlReader::Engine::NodeReader::goOnBehindMarkup() {
+inline void QeXmlReader::Engine::NodeReader::needNextNode() {
     const Lending lending(*this);
-    engine.needNode();
+    engine.needNextNode();
 }
 
 // Entered just after "</". The name is resolved while the element's scope is still open.

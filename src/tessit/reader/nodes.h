@@ -36,7 +36,7 @@ private:
     void limitMarkup(const char* begin) const {
         if (begin != nullptr) engine.limitMarkup(begin, position());
     }
-    void goOnBehindMarkup();
+    void needNextNode();
     bool readMarkupInContent();
     void readDeclarationInContent();
 

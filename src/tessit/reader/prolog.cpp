@@ -7,13 +7,14 @@ void QeXmlReader::Engine::readProlog() {
         tessit::hold(static_cast<std::uint64_t>(input.limit() - input.position()), input.limits().document,
                      tessit::Limit::Document);
         input.detectEncoding();
+        wholeUpTo = input.limit();
         NodeReader(*this).readProlog();
     });
 }
 
 void QeXmlReader::Engine::NodeReader::readProlog() {
     for (;;) {
-        needOutside();
+        if (engine.windowed != nullptr) needOutside();
         skipSpace();
         const char* const start = position();
         const unsigned conversions = input.conversions();
@@ -47,13 +48,13 @@ void QeXmlReader::Engine::NodeReader::readPrologMarkup() {
 
 // Entered just after "<?".
 void QeXmlReader::Engine::NodeReader::readInstruction() {
-    const tessit::RawName target = readName();
-    tessit::hold(target.length, input.limits().name, tessit::Limit::Name, target.data);
-    if (target.whole() == "xml") {
-        readXmlDeclaration();
-    } else {
-        skipInstruction();
-    }
+    constexpr std::string_view Declaration = "xml";
+    const char* const start = position();
+    const bool isPlain = standsHere(Declaration, ' ');  // as in most documents
+    const std::string_view target = isPlain ? Declaration : readName().whole();
+    tessit::hold(target.size(), input.limits().name, tessit::Limit::Name, start);
+    if (isPlain) skip(target.size());
+    target == Declaration ? readXmlDeclaration() : skipInstruction();
 }
 
 // Entered just after "<?xml". Reads leniently: pseudo-attributes are known by

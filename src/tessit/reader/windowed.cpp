@@ -41,7 +41,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
         windowed = std::make_unique<Windowed>(std::move(source), conforming != nullptr, nodes);
     else
         windowed->begin(std::move(source));
-    reader.readsApart = reader.notesOpen = true;
+    reader.notesOpen = true;
     if (conforming != nullptr) return openConformingWindow();
     while (windowed->window.text().size() < FirstBytes && readFirst())
         ;
@@ -57,7 +57,6 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
 
 void QeXmlReader::Engine::leaveWindow() noexcept {
     windowed.reset();
-    reader.readsApart = conforming != nullptr || limits != nullptr || judge() != nullptr;
     reader.notesOpen = reader.matchesTags;
 }
 
@@ -140,7 +139,7 @@ void QeXmlReader::Engine::openConformingWindow() {
 
 void QeXmlReader::Engine::needNodeInWindow() {
     if (!readsWindow()) return;
-    while (reader.cursor >= windowed->nodesUpTo && fetchMore())
+    while (reader.cursor >= wholeUpTo && fetchMore())
         ;
 }
 
@@ -149,7 +148,7 @@ void QeXmlReader::Engine::needRestOfText() {
     needText();
 }
 
-void QeXmlReader::Engine::needText() {
+void QeXmlReader::Engine::needTextInWindow() {
     if (!readsWindow()) return;
     while (reader.cursor >= windowed->textsUpTo && fetchMore())
         ;
@@ -202,10 +201,9 @@ void QeXmlReader::Engine::findInWindow() {
     const bool isAll = windowed->window.hasEnded();
     if (!isAll) windowed->finder.look(text);
     const auto placeOf = [&](std::size_t offset) {
-        return text.data() + (isAll || offset > text.size() ? text.size() + 1 : offset);
+        return text.data() + (isAll ? text.size() : std::min(offset, text.size()));
     };
-    windowed->nodesUpTo = placeOf(windowed->finder.nodesUpTo());
-    windowed->freelyUpTo = limits == nullptr ? windowed->nodesUpTo : nullptr;
+    wholeUpTo = placeOf(windowed->finder.nodesUpTo());
     windowed->textsUpTo = placeOf(windowed->finder.textsUpTo());
 }
 
@@ -262,7 +260,7 @@ void QeXmlReader::Engine::showWindow(const char* place) {
 // What is looked at ahead and may be returned as it is written stays, too. Nothing counts as whole until it was looked
 // for where it stands then, should moving or what follows fail.
 void QeXmlReader::Engine::moveWindow() {
-    windowed->nothingIsWhole();
+    wholeUpTo = windowed->textsUpTo = nullptr;
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;

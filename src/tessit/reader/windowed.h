@@ -17,24 +17,17 @@ struct QeXmlReader::Engine::Windowed {
     /// Begins with another source.
     void begin(std::unique_ptr<tessit::ByteSource> source) noexcept {
         window.reset(std::move(source));
-        nothingIsWhole();
+        textsUpTo = nullptr;
         isInProlog = true;
         isInEpilog = hasMoved = false;
         openTags.clear();
         fault = nullptr;
     }
 
-    void nothingIsWhole() noexcept { nodesUpTo = textsUpTo = freelyUpTo = nullptr; }
-
     tessit::Window window;
     tessit::NodeFinder finder;
     tessit::OpenTags openTags;
-    const char* nodesUpTo = nullptr;  // a node that begins in front of it can be read
-    const char* textsUpTo = nullptr;  // all up to the next tag can, from a place in front of it
-
-    // A node that begins in front of it can be read by the lenient loop, and be asked nothing: nodesUpTo, if there are
-    // no limits.
-    const char* freelyUpTo = nullptr;
+    const char* textsUpTo = nullptr;  // all up to the next tag can be read, from a place in front of it
     bool isInProlog = true;
     bool isInEpilog = false;  // of a conforming reader
     bool isLookedAhead = false;

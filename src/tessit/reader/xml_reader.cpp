@@ -141,7 +141,6 @@ void QeXmlReader::takePendingOrApart() {
         return;
     }
     if (engine->conforming != nullptr) return readNextConforming();
-    if (engine->windowed != nullptr && cursor < engine->windowed->freelyUpTo) return readNextLenient();
     engine->readLenientApart();
 }
 
