@@ -202,6 +202,22 @@ inline const char* findAny(const char* at, const char* end, Byte... bytes) {
     return at;
 }
 
+/// The same for what is mostly farther than a block.
+template <typename... Byte>
+inline const char* findAnyFar(const char* at, const char* end, Byte... bytes) {
+#if defined(TESSIT_SCAN_BLOCKS)
+    const auto compare = [=](const char* from) {
+        const Block block = blockAt(from);
+        return ((block == static_cast<unsigned char>(bytes)) | ...);
+    };
+    for (; end - at >= 32; at += 32) {
+        const auto low = compare(at), high = compare(at + 16);
+        if (matchesOf(low | high) != 0) return at + firstOfTwo(matchesOf(low), matchesOf(high));
+    }
+#endif
+    return findAny(at, end, bytes...);
+}
+
 /// Copies what stands before the first byte that is one of `bytes`, or before
 /// `end`, and moves `from` and `to` past it. `to` needs room for all bytes up to
 /// `end`: more of them may be written than count.

@@ -23,6 +23,7 @@ void expectFinds(const std::string& text, std::size_t length) {
     const char *const begin = text.data(), *const end = begin + length;
     const std::size_t place = std::min(text.find('|'), length);
     EXPECT_EQ(corvel::findAny(begin, end, '|', '\0') - begin, static_cast<std::ptrdiff_t>(place));
+    EXPECT_EQ(corvel::findAnyFar(begin, end, '|', '\0') - begin, static_cast<std::ptrdiff_t>(place));
     EXPECT_EQ(corvel::findIn32(begin, '|', '\0'), std::min(text.find('|'), Window));
     EXPECT_TRUE(length >= 24 || corvel::areNone(begin, length, '|', '\0') == (place == length));
     for (std::size_t size = 1; size <= 3; ++size) {

@@ -184,7 +184,7 @@ bool Scanner::readTextRun(QeCString& text, Byte... others) {
     const char* stop = cursor;
     while (end - stop <= Near && stop != end && isSpace(*stop) && *stop != '\r')
         ++stop;
-    stop = findAny(stop, end, '<', '&', '\r', others...);
+    stop = corvel::findAnyFar(stop, end, '<', '&', '\r', others...);
     hold(static_cast<std::size_t>(stop - cursor), input.limits().text, Limit::Text);
     text.assign(cursor, static_cast<std::size_t>(stop - cursor));
     cursor = stop;
