@@ -571,9 +571,9 @@ const char* Judge::strictEndOfDocumentType() const {
 
 void Judge::goBehind(std::string_view text, const char* from) {
     if (isOver) return;
-    const std::size_t found = between(from, end).find(text);
-    if (found == std::string_view::npos) return noteEnd();
-    at = from + found + text.size();
+    const char* const found = corvel::findText(from, end, text);
+    if (found == end) return noteEnd();
+    at = found + text.size();
 }
 
 inline void Judge::passSpace() noexcept {
