@@ -6,8 +6,9 @@
 Prints for each benchmark how many times as fast as the base the other program is: below 1 it is slower.
 
 Times are taken in turns, of the base by two processes: each benchmark is run by the three processes one after the other
-before the next benchmark comes, so that what slows the machine down for a while slows all three down alike. What
-differs between the two processes of the base is noise.
+before the next benchmark comes, so that what slows the machine down for a while slows all three down alike. Each round
+has new processes: where one happens to have its memory makes it up to a tenth slower or faster for as long as it lives.
+What differs between the two processes of the base is noise.
 
 Instructions are counted by callgrind, once: they do not tell everything, but nothing else on the machine changes them.
 """
@@ -54,26 +55,34 @@ class Program:
         print(name, file=self.process.stdin, flush=True)
         return float(self.line()) / 1e6
 
+    def end(self):
+        self.process.stdin.close()
+        self.process.wait()
 
-def rounds_of(programs, names, rounds):
-    """The times of the benchmarks, by name and program, one a round."""
-    times = collections.defaultdict(list)
-    for number in range(rounds):
-        print(f'round {number + 1} of {rounds}', file=sys.stderr)
-        for name in names:
-            for turn in range(len(programs)):
-                program = (turn + number) % len(programs)
-                times[name, program].append(programs[program].milliseconds(name))
+
+def times_of_round(commands, pattern, number):
+    """The time of each benchmark by name and program, in the order in which the programs have them."""
+    programs = [Program(command) for command in commands]
+    times = {}
+    for name in filter(re.compile(pattern).search, programs[0].names):
+        for turn in range(len(programs)):
+            program = (turn + number) % len(programs)
+            times[name, program] = programs[program].milliseconds(name)
+    for program in programs:
+        program.end()
     return times
 
 
 def compare_times(paths, arguments, options):
     """The least times, and ratios: neighbours in time are compared, and the median is taken, since a machine that
     others use has rounds that are far off."""
-    programs = [Program([path, '--turns', *arguments]) for path in (*paths, paths[0])]
-    names = [name for name in programs[0].names if re.search(options.filter, name)]
-    times = rounds_of(programs, names, options.rounds)
-    for name in names:
+    commands = [[path, '--turns', *arguments] for path in (*paths, paths[0])]
+    times = collections.defaultdict(list)
+    for number in range(options.rounds):
+        print(f'round {number + 1} of {options.rounds}', file=sys.stderr)
+        for key, time in times_of_round(commands, options.filter, number).items():
+            times[key].append(time)
+    for name in dict.fromkeys(name for name, _ in times):
         base = times[name, 0]
         ratios = [statistics.median(b / t for b, t in zip(base, times[name, program])) for program in (1, 2)]
         yield name, min(base), min(times[name, 1]), ratios
