@@ -12,7 +12,7 @@
 #if !defined(TESSIT_SCALAR) && defined(__GNUC__) && defined(__SSE2__)
 #define TESSIT_SCAN_BLOCKS
 #include <emmintrin.h>
-#elif !defined(TESSIT_SCALAR) && defined(__GNUC__) && defined(__aarch64__)
+#elif !defined(TESSIT_SCALAR) && defined(__GNUC__) && defined(__aarch64__) && !defined(__AARCH64EB__)
 #define TESSIT_SCAN_BLOCKS
 #include <arm_neon.h>
 #endif

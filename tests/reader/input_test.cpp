@@ -125,6 +125,45 @@ TEST(Input, SaysWhatCannotBeRead) {
               shorter + ": it became shorter while it was read");
 }
 
+// A window that has read on, and then fails, has text that the reader does not know of.
+TEST(Input, ShowsNothingBehindAFault) {
+    const std::string_view pieces[] = {"<r><a/>", "<b/><c>"};
+    std::size_t next = 0;
+    const auto fill = [&](std::span<char> room) {
+        std::string piece(pieces[std::min<std::size_t>(next, 1)]);
+        if (next++ != 0) piece += std::string(200, 'x');
+        return piece.copy(room.data(), room.size());
+    };
+    QeXmlReader reader(QeXmlInput::callback(fill), {.limits = {.document = 100}});
+    reader.readNextNode();
+    reader.readNextNode();
+    EXPECT_THROW(reader.readNextNode(), QeXmlLimitError);
+    reader.setExpandAttributeReference(false);
+    EXPECT_THROW(reader.readNextNode(), QeXmlLimitError);
+}
+
+// Nor is it asked of a reader whose document has not begun, or whose last conversion failed, what is whole there.
+TEST(Input, StaysSafeBehindAResetThatFailed) {
+    const Document small("<r/>");
+    QeXmlReader reader(small.inPieces(1, 1));
+    EXPECT_ANY_THROW(
+        reader.reset(QeXmlInput::callback([](auto) -> std::size_t { throw std::runtime_error("fails"); })));
+    reader.setExpandAttributeReference(false);
+    EXPECT_ANY_THROW(reader.readNextNode());
+    std::string declarations;
+    for (bool fails = false; !fails;) {
+        for (const char* const encoding : {"ISO-8859-1", "ISO-8859-2"})
+            declarations += std::string("<?xml version='1.0' encoding='") + encoding + "'?>";
+        const Document document(declarations + "<a>" + std::string(20'000, 'x') + "</a>");
+        try {
+            reader.reset(document.inPieces(30'000, 1));
+        } catch (const QeXmlParseError&) {
+            fails = true;
+        }
+    }
+    EXPECT_ANY_THROW(reader.readNextNode());
+}
+
 // Whatever was read before stays read; each later call fails in the same way.
 TEST(Input, FailsWhereverItIsRead) {
     constexpr std::string_view Xml = "<?xml version='1.0'?><a>b<c/><!--d--></a> ";

@@ -88,12 +88,14 @@ TEST(NodeFinder, FindsWhatIsWholeByteByByte) {
 
 // What is looked at in blocks, at each place of a block.
 TEST(NodeFinder, FindsTheSameInBlocks) {
-    for (const std::string_view piece : {"&y<b>;", "&lt;&gt;&<b>;", "?&lt;!<!-- <b> -->", "<!-- <b> -->", "<?p <b> ?>",
-                                         "<![CDATA[ ]<b>] ]]>", "<b x='&gt;'>", "<b x='!'><?p?>"})
+    for (const std::string_view piece :
+         {"&y<b>;", "&lt;&gt;&<b>;", "&a;&bc;<b>&d", "?&lt;!<!-- <b> -->", "<!-- <b> -->", "<?p <b> ?>",
+          "<![CDATA[ ]<b>] ]]>", "<b x='&gt;'>", "<b x='!'><?p?>"})
         for (std::size_t front = 0; front != 80; ++front)
-            for (const bool isConforming : {Lenient, Conforming}) {
+            for (const auto& [isConforming, expands] :
+                 {std::pair(Lenient, true), {Lenient, false}, {Conforming, true}}) {
                 const std::string text = std::string(front, 'x') + std::string(piece) + std::string(150, 'y');
-                const Case row{Content, isConforming, text};
+                const Case row{Content, isConforming, text, expands};
                 NodeFinder inOne = finderFor(row), byBytes = finderFor(row);
                 inOne.look(text);
                 for (std::size_t length = 1; length <= text.size(); ++length)

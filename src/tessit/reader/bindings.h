@@ -64,7 +64,7 @@ public:
     const QeCString& uriInFrontOfTag(std::string_view prefix, bool isOpen) const noexcept;
 
 private:
-    // A prefix of up to seven bytes with its length, and the binding it has in one version of the bindings.
+    // A prefix of up to seven bytes, and the binding it has in one version of the bindings.
     struct CachedPrefix {
         std::uint64_t key, version;
         const QeXmlNamespace* binding;

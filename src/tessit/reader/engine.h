@@ -97,6 +97,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void readFirstBytes();
     template <typename Read>
     bool readOrKeepFault(const Read& read);
+    void nothingIsWhole() noexcept;
     bool readsWindow() const noexcept;
     bool isHalfALineEnd() const noexcept;
     bool fetch();
@@ -241,7 +242,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     tessit::TagSlots slots;
     tessit::OpenElements openElements;           // of a reader that matches tags
     QeXmlName expectedName;                      // what the caller demands; working storage of one call
-    const char* wholeUpTo = nullptr;             // a node that begins in front of it can be read
+    const char* wholeUpTo = nullptr;             // a node that begins in front of it can be read; at most the limit
     const char* pendingStart = nullptr;          // where the node that was looked at begins, in a document that stays
     Written lastNode, lastTag;                   // the tag is the last one that opened an element
     mutable std::unique_ptr<FoundOut> foundOut;  // made when it is asked for

@@ -68,8 +68,8 @@ public:
         for (;;) {
             const ssize_t count = ::read(file.get(), room.data(), room.size());
             if (count > 0) return countRead(static_cast<std::size_t>(count));
-            if (count == 0) return checkEnd();
-            if (errno != EINTR) raise(name, errno);
+            if (count == 0 && isAtEnd()) return 0;
+            if (count < 0 && errno != EINTR) raise(name, errno);
         }
     }
 
@@ -78,12 +78,15 @@ public:
 private:
     std::size_t countRead(std::size_t count) noexcept {
         bytesRead += count;
+        saidSo = false;
         return count;
     }
 
-    // Others of the system's own have a size, and fewer bytes.
-    std::size_t checkEnd() const {
-        if (bytesRead >= expected.value_or(0) || propertiesOf(file, name).st_size >= whole) return 0;
+    // Asked where nothing more was read. Others of the system's own have a size, and fewer bytes: they say so twice.
+    bool isAtEnd() {
+        if (bytesRead >= expected.value_or(0) || saidSo) return true;
+        saidSo = propertiesOf(file, name).st_size >= whole;
+        if (saidSo) return false;
         throw QeXmlInputError(name, std::make_error_code(std::errc::io_error), "it became shorter while it was read");
     }
 
@@ -92,6 +95,7 @@ private:
     off_t whole = 0;
     std::optional<std::uint64_t> expected;  // bytes from the place on, of a file that has a size
     std::uint64_t bytesRead = 0;
+    bool saidSo = false;
 };
 
 class MappedFile : public ByteSource {

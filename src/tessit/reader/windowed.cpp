@@ -195,6 +195,11 @@ void QeXmlReader::Engine::findFrom(tessit::NodeFinder::Where where) {
     findInWindow();
 }
 
+// Until it was looked for: where the window's text is about to be elsewhere, and what does that may fail.
+void QeXmlReader::Engine::nothingIsWhole() noexcept {
+    wholeUpTo = windowed->textsUpTo = nullptr;
+}
+
 // At the end of the document, everything is there.
 void QeXmlReader::Engine::findInWindow() {
     const std::string_view text = windowed->window.text();
@@ -260,7 +265,7 @@ void QeXmlReader::Engine::showWindow(const char* place) {
 // What is looked at ahead and may be returned as it is written stays, too. Nothing counts as whole until it was looked
 // for where it stands then, should moving or what follows fail.
 void QeXmlReader::Engine::moveWindow() {
-    wholeUpTo = windowed->textsUpTo = nullptr;
+    nothingIsWhole();
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
@@ -365,6 +370,7 @@ void QeXmlReader::Engine::declareEncodingInWindow(const QeCString& name) {
 void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, const QeCString& name) {
     tessit::Window& window = windowed->window;
     const tessit::InputUnits units = input.unitsOf(name, converter);
+    nothingIsWhole();
     const auto place = static_cast<std::size_t>(reader.cursor - window.text().data());
     slots.forgetDocument();
     const QeXmlPosition beginning = input.positionOf(reader.cursor);

@@ -8,8 +8,8 @@
 #include <tessit/reader/open_tags.h>
 #include <tessit/reader/window.h>
 
-/// What a reader has besides whose document comes piece by piece: the part of it that is in memory, and up to where
-/// nodes are whole there.
+/// What a reader has besides whose document comes piece by piece: the part of it that is in memory, and what finds up
+/// to where nodes are whole there.
 struct QeXmlReader::Engine::Windowed {
     Windowed(std::unique_ptr<tessit::ByteSource> source, bool isConforming, QeXmlNodes nodes)
         : window(std::move(source)), finder(isConforming, nodes) {}
