@@ -4,9 +4,13 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <streambuf>
 #include <sys/stat.h>
 #include <thread>
+
+#include <tessit/errors/xml_limits.h>
+#include <tessit/reader/xml_record.h>
 
 #include "support/documents.h"
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <tessit/reader/node_finder.h>
 
