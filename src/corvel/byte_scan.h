@@ -292,8 +292,8 @@ inline std::uint64_t firstBytes(std::string_view text, const char* readableEnd) 
 inline const char* findText(const char* at, const char* end, std::string_view text) {
     const std::size_t last = text.size() - 1, second = std::min<std::size_t>(1, last);
 #if defined(TESSIT_SCAN_BLOCKS)
-    const auto standsAt = [=](std::size_t place) { return static_cast<unsigned char>(text[place]); };
-    const unsigned char bytes[] = {standsAt(0), standsAt(second), standsAt(last)};
+    const auto byteAt = [=](std::size_t place) { return static_cast<unsigned char>(text[place]); };
+    const unsigned char bytes[] = {byteAt(0), byteAt(second), byteAt(last)};
     for (; static_cast<std::size_t>(end - at) >= 16 + last; at += 16)
         if (const auto matches = matchesOf((blockAt(at) == bytes[0]) & (blockAt(at + second) == bytes[1]) &
                                            (blockAt(at + last) == bytes[2])))

@@ -80,9 +80,9 @@ private:
     // tag still resolve with them, the caller's lookups no longer.
     QeXmlNamespaceStack closed;
 
+    // A bit for each place of the cache that was written: to write them all at first takes longer than a small tag.
+    std::uint32_t cachedPlaces = 0;
     CachedPrefix cache[1 << CacheBits];
-    std::uint32_t cachedPlaces =
-        0;  // a bit for each that was written: to write all at first takes longer than a small tag
 };
 
 // Short prefixes go through a small cache, which is right as long as the bindings in force are the same.
