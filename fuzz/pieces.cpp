@@ -1,5 +1,6 @@
 // A document that comes in pieces is read as it is in place: the same nodes, and the same error at the same place. The
-// first bytes say by which rules, how long the pieces are, and whether the window moves.
+// first bytes say by which rules, how long the pieces are, whether the window moves, and whether much of the text is
+// there at once.
 
 #include <algorithm>
 
@@ -39,11 +40,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool expands = (choice & 4) == 0;
     std::string text(tessit::fuzz::textOf(data + ChoiceLength, size - ChoiceLength));
     const std::size_t front = (choice & 8) == 0 ? 0 : 50'000;
+    const std::size_t much = (choice & 16) == 0 ? 0 : 4'096;
+    if (much != 0) text.insert(0, "<r>" + std::string(much, 'x') + "<b/>");
     if (front != 0) text.insert(0, "<!--" + std::string(front, '-' + 1) + "-->");
     const Document document(text);
-    const std::size_t first = front == 0 ? 0 : front + 7 + length % std::max<std::size_t>(size, 1);
+    const std::size_t first = front == 0 ? much / 1024 : front + 7 + length % size;
+    const std::size_t piece = much == 0 ? 1 + length % 64 : much + length * size / 256;
     const std::string whole = read(document.inPlace(), options, expands);
-    const std::string pieces = read(document.inPieces(first, 1 + length % 64), options, expands);
+    const std::string pieces = read(document.inPieces(first, piece), options, expands);
     tessit::fuzz::require(differsInPieces(whole) || differsInPieces(pieces) || whole == pieces,
                           "the same nodes from pieces as in place");
     return 0;

@@ -232,6 +232,95 @@ TEST(Input, DeliversWhatIsThere) {
     }
 }
 
+// One part a call, and then the end.
+QeXmlInput inParts(const std::vector<std::string>& parts, std::size_t& calls) {
+    return QeXmlInput::callback([&](std::span<char> room) {
+        const std::size_t call = calls++;
+        return call < parts.size() ? parts[call].copy(room.data(), room.size()) : 0;
+    });
+}
+
+// The same where much is there, most of which is read before it is known to be whole.
+TEST(Input, DeliversAllOfMuch) {
+    constexpr std::size_t Count = 1000;
+    const std::vector<std::string> parts{"<r>x", std::string(4096, 'x') + repeat("<b/>", Count) + "<b"};
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+        for (const bool demands : {false, true}) {
+            std::size_t calls = 0;
+            QeXmlReader reader(inParts(parts, calls), {.rules = rules});
+            reader.readElementStart("r");
+            reader.readElementValue();
+            for (std::size_t i = 0; i != Count; ++i) {
+                demands ? (void)reader.readElementStart("b") : reader.readNextNode();
+                if (demands) reader.readElementEnd("b");
+            }
+            EXPECT_EQ(calls, parts.size());
+            EXPECT_THROW(reader.readNextNode(), QeXmlParseError);
+        }
+}
+
+// Where the last look at what is whole ended in a comment, whose bytes have gone since.
+TEST(Input, LooksAnewBehindWhatWasNotLookedAt) {
+    const std::string comment(50'000, 'c'), value(4096, 'x');
+    const std::vector<std::string> parts{"<r><!-", "-" + comment + "--><a y='" + value + "'/>", "<b", "/></r>"};
+    std::size_t calls = 0;
+    QeXmlReader reader(inParts(parts, calls));
+    EXPECT_EQ(readAll(reader), "+r /a[y=" + value + "] /b -r ");
+}
+
+// What `read` says of each node of an input, or of what is wrong with it.
+template <typename Read>
+std::string nodesOf(QeXmlInput&& input, QeXmlRules rules, const Read& read) {
+    std::string nodes;
+    try {
+        QeXmlReader reader(std::move(input), {.rules = rules});
+        while (!reader.eof())
+            nodes += read(reader) + " ";
+        nodes += reader.getVersion();
+    } catch (const QeXmlParseError& error) {
+        nodes += describe(error);
+    }
+    return nodes;
+}
+
+// What turned out not to be whole has left no trace when it is read again.
+TEST(Input, ReadsAgainWhatIsCut) {
+    const std::string name(160, 'n'), text(160, 't'), spaces(160, ' '), accents = repeat("\xC3\xA9", 80);
+    const std::string front = "<r>", much = std::string(4092, 'x') + "<b/>";
+    for (const std::string& row : {
+             "<p:a xmlns:p='u' x='1' y='" + text + "' z='2'><p:b/></p:a><p:c/>",
+             "<p:a xmlns:p='u'>1</p:a" + spaces + "><p:c/>",
+             "<" + name + "><" + name + "/></" + name + ">",
+             "<" + accents + ">x</" + accents + ">",
+             text + "<!--" + text + "-->" + text + "<?p " + text + "?>" + text,
+             "<!--" + text + "--><?p " + text + "?><!--" + text + "--><a/>",
+             "<![CDATA[" + text + "]]>&lt;" + text + "&" + name + ";",
+             "<a x='" + spaces + "&lt;" + text + "'/>",
+             "<?xml version='1.0" + spaces + "' standalone='yes'?>" + text,
+             "<a " + spaces + "/x>",
+             "</r" + spaces + "x>",
+         }) {
+        const Document document(front + much + row + "</r>\n");
+        const auto readNode = [](QeXmlReader& reader) {
+            reader.readNextNode();
+            return describeNode(reader);
+        };
+        const auto readText = [&](QeXmlReader& reader) {
+            const std::string content(std::string_view(reader.readElementValue()));
+            return reader.eof() ? content : content + " " + readNode(reader);
+        };
+        const auto expectTheSame = [&](QeXmlRules rules, const auto& read) {
+            const std::string whole = nodesOf(document.inPlace(), rules, read);
+            for (std::size_t cut = 0; cut != row.size() + 5; ++cut)
+                ASSERT_EQ(nodesOf(document.inPieces(front.size() + 1, much.size() + cut), rules, read), whole)
+                    << row << " cut at " << cut;
+        };
+        expectTheSame(QeXmlRules::Lenient, readNode);
+        expectTheSame(QeXmlRules::Lenient, readText);
+        expectTheSame(QeXmlRules::Conforming, readNode);
+    }
+}
+
 TEST(Input, IsFollowedByOthers) {
     for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
         QeXmlReader reader(QeXmlInput::copy("<!DOCTYPE a [<!ENTITY e 'x'>]><p:a xmlns:p='u'>"), {.rules = rules});

@@ -41,11 +41,11 @@ constexpr Case Cases[] = {
     {Content, Lenient, "<!-- a --b|"},
     {Content, Lenient, "<!-b|"},
     {Content, Lenient, "<!b|"},
-    {Content, Lenient, "<?p <a>? ?><![CDATA[<a>]]]>]]><b|>|"},
+    {Content, Lenient, "<?p <a>? ?>|<![CDATA[<a>]]]>]]><b|>|"},
     {Content, Lenient, "<![CDATA |"},
-    {Content, Lenient, "<?xml version='1.0' x='?>' encoding='>'?><a|>|"},
+    {Content, Lenient, "<?xml version='1.0' x='?>|' encoding='>'?><a|>|"},
     {Content, Lenient, "<?xml version <a>='"},
-    {Content, Lenient, "<?xml 1234567<a|>|"},  // given up
+    {Content, Lenient, "<?xml 1234567|<a>|"},  // given up
     {Content, Lenient, "<\xC3\xA9>|<a\x80>bc|</|a>|"},
     {Content, Lenient, "<b\xA9\xC3<c|>|"},
     {Content, Lenient, "<b\xC3\xA9\xA9>cd|"},

@@ -24,6 +24,9 @@ public:
         ModelAccess::clear(closed);
     }
 
+    /// Takes back that the scope was opened, and all that it declares.
+    void dropScope() noexcept { inForce.popScope(); }
+
     /// Ends all scopes.
     void clear() {
         while (ModelAccess::hasScope(inForce))

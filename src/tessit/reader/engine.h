@@ -107,6 +107,10 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void showWindow(const char* place);
     void findFrom(tessit::NodeFinder::Where where);
     void findInWindow();
+    void findAnew() noexcept;
+    bool mayTrust() const noexcept;
+    void readOnTrust() noexcept;
+    void goBack() noexcept;
     void convertWindow(voxal::PieceConverter&& converter, const QeCString& name);
     void leaveBeginning() noexcept;
     bool hasBeginning() const noexcept;

@@ -51,7 +51,7 @@ bool beginsAsUtf8(std::string_view first) {
 void Input::begin() noexcept {
     cursor = bufferStart = bufferEnd = nullptr;
     strict = nullptr;
-    isDetected = false;
+    isDetected = moreMayCome = false;
     length = 0;
     ofCounts.reset();
 }
@@ -294,6 +294,7 @@ void Input::raiseLimit(Limit limit, const char* place) const {
 }
 
 void Input::raiseEnd(const char* place) {
+    needMore();
     cursor = bufferEnd;
     throw errorAt(cursor, "Premature EOF", std::nullopt, place);
 }

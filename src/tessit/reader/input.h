@@ -16,6 +16,9 @@
 
 namespace tessit {
 
+/// Thrown where a text that may go on ends too early for what is read: that is to be read again once there is more.
+struct Cut {};
+
 /// Knows what else is to be said of an error that is raised where the input stands.
 class ErrorContext {
 public:
@@ -110,6 +113,12 @@ public:
     /// The same behind a conversion of all from the cursor on.
     void goOnConverted(std::string_view text, InputUnits units, const QeXmlPosition& beginning);
 
+    /// Whether more may come behind the end: what ends there too early throws `Cut` then, and no error.
+    void expectMore(bool mayCome) noexcept { moreMayCome = mayCome; }
+    void needMore() const {
+        if (moreMayCome) throw Cut();
+    }
+
     /// The encoding that a mark, which is passed, or the first bytes tell; null where they tell none, or UTF-8.
     const char* tellEncoding();
 
@@ -179,7 +188,7 @@ public:
     /// The same where a limit is exceeded, with that place.
     [[noreturn]] void raiseLimit(Limit limit, const char* place) const;
 
-    /// The same at the end, for what was read up to a place and has no end.
+    /// The same at the end of the document, for what was read up to a place and has no end.
     [[noreturn]] void raiseEnd(const char* place);
 
     /// The same with the cursor at that place, and with what was found there behind the message.
@@ -209,6 +218,7 @@ private:
     QeCString sourceName;
 
     bool isDetected = false;  // no declaration was taken in yet
+    bool moreMayCome = false;
     unsigned replaced = 0;
     std::uint64_t length = 0;                   // bytes of a document that is in memory as a whole
     mutable std::unique_ptr<Counted> ofCounts;  // made when it is needed

@@ -96,7 +96,7 @@ void NodeFinder::begin(std::size_t place, Where where, bool expandsReferences) n
     isOutside = where != Where::Content;
     isDocumentBegin = where == Where::Begin;
     isNode = false;
-    tagState = Tag::None;
+    tagState = isOutside ? Tag::None : Tag::Whole;
     at = start = markup = tag = tagAt = wholeNodes = wholeTexts = place;
     textEnd = markupEnd = 0;
     state = where == Where::Declaration ? State::LenientDeclaration : State::Between;

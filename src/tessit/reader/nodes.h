@@ -23,9 +23,12 @@ public:
 
 private:
     void readStartTag();
+    void readAttributes(const tessit::RawName& name);
     void closeStartTag(const tessit::RawName& name);
     void noteOpen(const tessit::RawName& name);
     void readEndTag();
+    void passEndTag();
+    void raiseEndInEndTag();
     bool skipLastName() noexcept;
     void matchEndTag();
     bool isLikeInnermost() const;

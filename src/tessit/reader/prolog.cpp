@@ -54,7 +54,9 @@ void QeXmlReader::Engine::NodeReader::readInstruction() {
     const std::string_view target = isPlain ? Declaration : readName().whole();
     tessit::hold(target.size(), input.limits().name, tessit::Limit::Name, start);
     if (isPlain) skip(target.size());
-    target == Declaration ? readXmlDeclaration() : skipInstruction();
+    if (target != Declaration) return skipInstruction();
+    input.needMore();  // what is declared is told at once
+    readXmlDeclaration();
 }
 
 // Entered just after "<?xml". Reads leniently: pseudo-attributes are known by

@@ -97,6 +97,7 @@ std::uint32_t decodeCharacter(const char* at, std::ptrdiff_t length) {
 const char* Scanner::passCharacter(const char* at, std::uint32_t& codePoint) {
     const std::ptrdiff_t length = characterLength(static_cast<unsigned char>(*at));
     if (end - at < length) {
+        input.needMore();
         cursor = at;
         raise("Premature EOF inside character");
     }

@@ -168,7 +168,7 @@ public:
         input.raiseAt(cursor, message, found);
     }
 
-    /// Goes to the end, where something was missing.
+    /// Goes to the end, where something was missing. That is an error, unless more may come.
     [[noreturn]] void raiseEnd() {
         const char* const place = std::exchange(cursor, end);
         input.raiseEnd(place);

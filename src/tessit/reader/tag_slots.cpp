@@ -255,7 +255,7 @@ void TagSlots::learnShape(std::span<const Ordered> ordered) {
 // Most documents bind nothing: their names, but for the first, call nothing here.
 bool TagSlots::writeElementName(const RawName& name) {
     const bool hasNoNamespace = name.localStart == 0 && bindings.version() == 0;
-    if (!hasNoNamespace || nameWritten.binding != &NoNamespace || nameWritten.raw.empty()) return writeResolved(name);
+    if (!hasNoNamespace || nameWritten.binding != &NoNamespace) return writeResolved(name);
     writeLocalName(elementName, name);
     nameWritten.raw = name.whole();
     return true;
@@ -273,7 +273,7 @@ TESSIT_NOINLINE bool TagSlots::writeResolved(const RawName& name) {
 // prefix. `written` says what is there already: mostly the namespace is.
 inline void TagSlots::writeName(QeXmlName& name, NameWritten& written, const RawName& raw,
                                 const QeXmlNamespace* binding) {
-    const bool isThere = binding != nullptr && binding == written.binding && !written.raw.empty() &&
+    const bool isThere = binding != nullptr && binding == written.binding &&
                          (binding == &NoNamespace || written.version == bindings.version());
     if (!isThere) return writeOtherName(name, written, raw, binding);
     writeLocalName(name, raw);

@@ -1,5 +1,5 @@
-// Reading through a window: before a node is read, all of it is there; when the window moves, whatever points into it
-// lets go.
+// Reading through a window: a node is read once all of it is there, or on trust, and then again if it was cut; when the
+// window moves, whatever points into it lets go.
 
 #include <algorithm>
 #include <system_error>
@@ -52,7 +52,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
     if (converter) convertWindow(std::move(*converter), told);
     findFrom(NodeFinder::Where::Outside);
     readWithinLimits([this] { NodeReader(*this).readProlog(); });
-    windowed->isInProlog = false;
+    windowed->isInRoot = true;
 }
 
 void QeXmlReader::Engine::leaveWindow() noexcept {
@@ -139,8 +139,10 @@ void QeXmlReader::Engine::openConformingWindow() {
 
 void QeXmlReader::Engine::needNodeInWindow() {
     if (!readsWindow()) return;
+    if (windowed->isOnTrust) findAnew();
     while (reader.cursor >= wholeUpTo && fetchMore())
         ;
+    windowed->isDoubted = false;
 }
 
 void QeXmlReader::Engine::needRestOfText() {
@@ -149,9 +151,11 @@ void QeXmlReader::Engine::needRestOfText() {
 }
 
 void QeXmlReader::Engine::needTextInWindow() {
-    if (!readsWindow()) return;
+    if (!readsWindow() || reader.cursor < windowed->textsUpTo) return;
+    if (windowed->isOnTrust) findAnew();
     while (reader.cursor >= windowed->textsUpTo && fetchMore())
         ;
+    windowed->isDoubted = false;
 }
 
 // What is not whole is as long already as what there is of it, but for the first bytes of what may be the next node: so
@@ -204,12 +208,45 @@ void QeXmlReader::Engine::nothingIsWhole() noexcept {
 void QeXmlReader::Engine::findInWindow() {
     const std::string_view text = windowed->window.text();
     const bool isAll = windowed->window.hasEnded();
+    windowed->isOnTrust = false;
+    input.expectMore(false);
     if (!isAll) windowed->finder.look(text);
     const auto placeOf = [&](std::size_t offset) {
         return text.data() + (isAll ? text.size() : std::min(offset, text.size()));
     };
     wholeUpTo = placeOf(windowed->finder.nodesUpTo());
     windowed->textsUpTo = placeOf(windowed->finder.textsUpTo());
+}
+
+// From the cursor, unless the window has what the reader was not shown, as where reading failed.
+void QeXmlReader::Engine::findAnew() noexcept {
+    if (windowed->fault != nullptr) return nothingIsWhole();
+    findFrom(NodeFinder::Where::Content);
+}
+
+// --- Reading on trust
+
+// To look for the ends of nodes takes as long as to read most texts. Where much of a lenient reader's document is there,
+// only the last part is looked at, and what begins in front of that is read as if it were whole. What is not, is long: it
+// throws `Cut`, and is read again once it is found to be whole. Each node is tried once, so that a long one that comes in
+// small pieces costs no more than twice as much.
+bool QeXmlReader::Engine::mayTrust() const noexcept {
+    constexpr std::ptrdiff_t Much = 4096;
+    return windowed->isInRoot && !windowed->isDoubted && input.limit() - reader.cursor >= Much;
+}
+
+void QeXmlReader::Engine::readOnTrust() noexcept {
+    constexpr std::ptrdiff_t Share = 32;
+    windowed->isOnTrust = true;
+    input.expectMore(true);
+    wholeUpTo = windowed->textsUpTo = input.limit() - (input.limit() - reader.cursor) / Share;
+}
+
+// To where the node begins that was cut, which has changed nothing but what it writes again.
+void QeXmlReader::Engine::goBack() noexcept {
+    reader.cursor = lastNode.begin;
+    windowed->isDoubted = true;
+    findAnew();
 }
 
 // --- The window moves
@@ -248,7 +285,10 @@ bool QeXmlReader::Engine::fetch() {
     });
     showWindow(reader.cursor);
     if (conforming != nullptr) conforming->declared.addBytes(windowed->window.bytesRead() - before);
-    findInWindow();
+    if (mayTrust())
+        readOnTrust();
+    else
+        windowed->isOnTrust ? findAnew() : findInWindow();
     return isMore;
 }
 
@@ -358,7 +398,7 @@ void QeXmlReader::Engine::checkConversions() {
 
 // Entered behind the encoding's name, in the declaration.
 void QeXmlReader::Engine::declareEncodingInWindow(const QeCString& name) {
-    if (!windowed->isInProlog) input.raise("An encoding is declared inside the root element");
+    if (windowed->isInRoot) input.raise("An encoding is declared inside the root element");
     if (!input.takeDeclaration(name)) return;
     std::optional<voxal::PieceConverter> converter = input.openPieces(name);
     if (!converter) return;

@@ -18,8 +18,7 @@ struct QeXmlReader::Engine::Windowed {
     void begin(std::unique_ptr<tessit::ByteSource> source) noexcept {
         window.reset(std::move(source));
         textsUpTo = nullptr;
-        isInProlog = true;
-        isInEpilog = hasMoved = false;
+        isInRoot = isInEpilog = hasMoved = isOnTrust = isDoubted = false;
         openTags.clear();
         fault = nullptr;
     }
@@ -28,8 +27,10 @@ struct QeXmlReader::Engine::Windowed {
     tessit::NodeFinder finder;
     tessit::OpenTags openTags;
     const char* textsUpTo = nullptr;  // all up to the next tag can be read, from a place in front of it
-    bool isInProlog = true;
-    bool isInEpilog = false;  // of a conforming reader
+    bool isInRoot = false;            // of a lenient reader: behind the prolog
+    bool isInEpilog = false;          // of a conforming reader
+    bool isOnTrust = false;           // nodes are read before it was looked whether they are whole
+    bool isDoubted = false;           // the next one is not: it was cut once
     bool isLookedAhead = false;
     bool hasMoved = false;     // the document's beginning is no longer there
     bool isReading = false;    // the source is called

@@ -131,9 +131,7 @@ bool QeXmlReader::isAtEnd() noexcept {
 // Where values end that hold references, and with them tags.
 void QeXmlReader::noteExpansion() noexcept {
     if (engine->windowed == nullptr || engine->conforming != nullptr) return;
-    if (engine->windowed->fault != nullptr) return engine->nothingIsWhole();  // the window may have what is not shown
-    if (engine->windowed->finder.expands() != expandAttributeReference)
-        engine->findFrom(tessit::NodeFinder::Where::Content);
+    if (engine->windowed->finder.expands() != expandAttributeReference) engine->findAnew();
 }
 
 void QeXmlReader::takePendingOrApart() {

@@ -184,20 +184,25 @@ QeXmlPosition TextPlaces::leave(const char* place) {
     last.continuations += inLine.continuations;
     last.pastPlane += inLine.pastPlane;
     last.upTo = place;
-    return at(place);
+    return lastPosition();
 }
 
 QeXmlPosition TextPlaces::at(const char* place) {
     goBackFor(place);
     countTo(place);
+    return lastPosition();
+}
+
+// Of what was counted up to.
+QeXmlPosition TextPlaces::lastPosition() const noexcept {
     QeXmlPosition position = base;
     const bool isFirstLine = last.lines == 0;
-    const auto inLine = static_cast<std::uint64_t>(place - last.lineStart);
+    const auto inLine = static_cast<std::uint64_t>(last.upTo - last.lineStart);
     const std::uint64_t continuations = last.continuations - last.continuationsInFrontOfLine;
     position.line += last.lines;
     position.column = inLine + (isFirstLine ? base.column : 1);
     position.characterColumn = inLine - continuations + (isFirstLine ? base.characterColumn : 1);
-    position.offset += static_cast<std::uint64_t>(place - text.data());
+    position.offset += static_cast<std::uint64_t>(last.upTo - text.data());
     const bool isKnown = units != InputUnits::Unknown && base.inputOffset != QeXmlPosition::Unknown;
     position.inputOffset = isKnown ? base.inputOffset + inputBytes() : QeXmlPosition::Unknown;
     return position;

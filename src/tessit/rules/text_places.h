@@ -76,6 +76,7 @@ private:
         std::uint64_t pastPlane;  // characters of four bytes
     };
 
+    QeXmlPosition lastPosition() const noexcept;
     void goBackFor(const char* place);
     void countTo(const char* place);
     void countOn(const char* place) noexcept;
