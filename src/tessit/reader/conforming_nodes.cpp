@@ -99,8 +99,7 @@ inline void QeXmlReader::Engine::ConformingNodes::closeStartTag(const RawName& n
     if (!isEmpty) {
         engine.openElements.push(name.whole());  // which can throw
         if (engine.windowed != nullptr)
-            engine.windowed->openTags.open(static_cast<std::size_t>(reader.depth),
-                                           state.entities.empty() ? name.data - 1 : nullptr);
+            engine.windowed->openTags.open(reader.depth, state.entities.empty() ? name.data - 1 : nullptr);
         ++reader.depth;
         reader.lastNodeType = ElementStart;
         return;

@@ -132,8 +132,7 @@ TESSIT_NOINLINE void QeXmlReader::Engine::noteOpen(std::string_view name) {
 }
 
 inline void QeXmlReader::Engine::NodeReader::noteOpen(const tessit::RawName& name) {
-    if (engine.windowed != nullptr && reader.depth > 0)
-        engine.windowed->openTags.open(static_cast<std::size_t>(reader.depth) - 1, name.data - 1);
+    if (engine.windowed != nullptr) engine.windowed->openTags.open(reader.depth - 1, name.data - 1);
     if (reader.matchesTags) engine.noteOpen(name.whole());
 }
 

@@ -17,11 +17,13 @@ class OpenTags {
 public:
     static constexpr std::size_t MostKept = 1024;
 
-    /// An element of that level begins at the '<'; at null if it stands in no text that comes and goes.
-    void open(std::size_t level, const char* tag) {
-        if (level < keptLevels || level >= tags.size()) [[unlikely]]
-            makeRoom(level);
-        tags[level] = tag;
+    /// An element of that level begins at the '<'; at null if it stands in no text that comes and goes. Levels below 0,
+    /// where more elements ended than began, are passed over.
+    void open(std::ptrdiff_t level, const char* tag) {
+        const auto number = static_cast<std::size_t>(level);
+        if (number - keptLevels >= roomBehindKept) [[unlikely]]
+            return openElsewhere(level, tag);
+        tags[number] = tag;
     }
 
     /// What is in front of the place is about to go; what stands behind it moves to `begin`. Elements are open at as
@@ -33,7 +35,7 @@ public:
             const char* const begin = tag(kept.size());
             if (begin != nullptr && begin >= keptFrom) break;
             kept.push_back(begin == nullptr ? QeXmlOpenElement() : keep(begin));
-            keptLevels = kept.size();
+            countRoom();
         }
     }
     void moveTo(std::size_t levels, const char* keptFrom, const char* begin) noexcept {
@@ -53,20 +55,30 @@ public:
     void clear() noexcept { dropKept(0); }
 
 private:
-    TESSIT_NOINLINE void makeRoom(std::size_t level) {
-        dropKept(level);
-        if (level >= tags.size()) tags.resize(level + level / 2 + 16);
+    TESSIT_NOINLINE void openElsewhere(std::ptrdiff_t level, const char* tag) {
+        if (level < 0) return;
+        const auto number = static_cast<std::size_t>(level);
+        dropKept(number);
+        if (number >= tags.size()) tags.resize(number + number / 2 + 16);
+        countRoom();
+        tags[number] = tag;
     }
 
     void dropKept(std::size_t level) noexcept {
         if (level >= kept.size()) return;
         kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(level), kept.end());
-        keptLevels = level;
+        countRoom();
+    }
+
+    void countRoom() noexcept {
+        keptLevels = kept.size();
+        roomBehindKept = tags.size() - std::min(tags.size(), keptLevels);
     }
 
     std::vector<const char*> tags;
     std::vector<QeXmlOpenElement> kept;  // of the outermost levels
     std::size_t keptLevels = 0;          // its size, at hand
+    std::size_t roomBehindKept = 0;      // how many of the tags there are for other levels
 };
 
 }  // namespace tessit

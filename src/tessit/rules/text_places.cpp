@@ -169,8 +169,13 @@ const char* findLineBegin(const char* first, const char* place, bool hasReturns)
 
 // Where a character is as many bytes of the input as of the text, only those of the last line count.
 QeXmlPosition TextPlaces::leave(const char* place) {
+    constexpr std::ptrdiff_t Near = 64;  // blocks would not pay
     const bool hasReturns = lineEnds == LineEnds::All;
     if (last.upTo >= place || (hasReturns && place[-1] == '\r')) return at(place);
+    if (place - last.upTo < Near) {
+        countOn(place);
+        return lastPosition();
+    }
     const char* const line = findLineBegin(last.upTo, place, hasReturns);
     if (line != last.upTo) {
         const ByteCounts inFront = units == InputUnits::Same ? ByteCounts{} : countBytes(last.upTo, line);
