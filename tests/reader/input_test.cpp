@@ -299,6 +299,7 @@ TEST(Input, ReadsAgainWhatIsCut) {
              "<?xml version='1.0" + spaces + "' standalone='yes'?>" + text,
              "<a " + spaces + "/x>",
              "</r" + spaces + "x>",
+             "</r></r></r><b" + spaces + ">x</b><c/>",
          }) {
         const Document document(front + much + row + "</r>\n");
         const auto readNode = [](QeXmlReader& reader) {

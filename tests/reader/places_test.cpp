@@ -527,7 +527,7 @@ std::string pathOfLate(const QeXmlReader& reader, const QeXmlPosition& position)
 // As in place, wherever the document's beginning is by now; but for the path of a place that has gone.
 TEST(Places, OfOpenElementsWhoseTagsHaveLeftTheWindow) {
     const std::string front = "<r>\r\n<p\n a='\xC3\xA9'>" + repeat("<x>t</x>\n", 10'000) + "<b><c>";
-    for (const char* const end : {"</d>", "</c></b></q>", "<d", ""})
+    for (const char* const end : {"</d>", "</c></b></q>", "</c></b><d><e>", "<d", ""})
         for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
             const Document document(front + repeat("<y/>\n", 20'000) + "<z>t</z>" + end);
             QeXmlReader whole(document.inPlace(), {.rules = rules}),
@@ -544,11 +544,19 @@ TEST(Places, OfOpenElementsWhoseTagsHaveLeftTheWindow) {
                 if (pieces.getLastNodeType() == QeXmlReader::ElementStart) inZ = pieces.getLastSpan().end;
             }
             EXPECT_NE(error.find('\n'), std::string::npos) << error;
+            EXPECT_EQ(openElementsOf(pieces), openElementsOf(whole));
             const QeXmlPosition early{.line = 2, .column = 1, .offset = 5, .inputOffset = 5};
             EXPECT_EQ(pathOfLate(whole, early), "/r");
             EXPECT_EQ(pathOfLate(pieces, early), "");
             EXPECT_EQ(pathOfLate(pieces, inZ), "");
         }
+}
+
+// More in a row than a byte counts, in what leaves the window without a question.
+TEST(Places, BehindManyLineEnds) {
+    const std::string xml = "<a>" + std::string(20'000, '\n') + repeat("<b/>", 30'000) + "<";
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+        EXPECT_EQ(errorOf(xml, rules, true).substr(0, 12), errorOf(xml, rules).substr(0, 12));
 }
 
 // What an entity brought stands at its reference, wherever the window is by now: the text that begins in the entity,
