@@ -80,13 +80,10 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     /// Have what comes next be there as a whole: a node; all up to the next tag; what stands outside of the root. For a
     /// document that is in memory they do nothing.
     void needNode() {
-        if (windowed != nullptr) needNodeInWindow();
+        if (windowed != nullptr) needInWindow(wholeUpTo);
     }
-    void needText() {
-        if (windowed != nullptr) needTextInWindow();
-    }
-    void needNodeInWindow();
-    void needTextInWindow();
+    void needText();
+    void needInWindow(const char* const& upTo);
     void needRestOfText();
     void needOutside();
     void openWindowed(std::unique_ptr<tessit::ByteSource> source);

@@ -9,8 +9,8 @@
 
 namespace tessit {
 
-/// Finds up to where the nodes of a text are whole, as the text comes piece by piece: so that none has to be read before
-/// its last byte is there. Reads nothing, and refuses nothing.
+/// Finds up to where the nodes of a text are whole, as the text comes piece by piece: so that none has to be read
+/// before its last byte is there. Reads nothing, and refuses nothing.
 ///
 /// Looks at each byte a constant number of times, in whatever pieces they come: what needs thought in a text is little
 /// besides markup that is neither tag nor text, and the last tag. A tag ends at a '>' outside of its values, a text

@@ -137,25 +137,22 @@ void QeXmlReader::Engine::openConformingWindow() {
 
 // --- What is whole
 
-void QeXmlReader::Engine::needNodeInWindow() {
-    if (!readsWindow()) return;
+// Has what is read begin in front of the place that says what can be read, which goes on as more comes.
+void QeXmlReader::Engine::needInWindow(const char* const& upTo) {
+    if (!readsWindow() || reader.cursor < upTo) return;
     if (windowed->isOnTrust) findAnew();
-    while (reader.cursor >= wholeUpTo && fetchMore())
+    while (reader.cursor >= upTo && fetchMore())
         ;
     windowed->isDoubted = false;
+}
+
+void QeXmlReader::Engine::needText() {
+    if (windowed != nullptr) needInWindow(windowed->textsUpTo);
 }
 
 void QeXmlReader::Engine::needRestOfText() {
     const SetMeanwhile keeps(windowed->keepsLast);
     needText();
-}
-
-void QeXmlReader::Engine::needTextInWindow() {
-    if (!readsWindow() || reader.cursor < windowed->textsUpTo) return;
-    if (windowed->isOnTrust) findAnew();
-    while (reader.cursor >= windowed->textsUpTo && fetchMore())
-        ;
-    windowed->isDoubted = false;
 }
 
 // What is not whole is as long already as what there is of it, but for the first bytes of what may be the next node: so
@@ -226,10 +223,10 @@ void QeXmlReader::Engine::findAnew() noexcept {
 
 // --- Reading on trust
 
-// To look for the ends of nodes takes as long as to read most texts. Where much of a lenient reader's document is there,
-// only the last part is looked at, and what begins in front of that is read as if it were whole. What is not, is long: it
-// throws `Cut`, and is read again once it is found to be whole. Each node is tried once, so that a long one that comes in
-// small pieces costs no more than twice as much.
+// To look for the ends of nodes takes as long as to read most texts. Where much of a lenient reader's document is
+// there, only the last part is looked at, and what begins in front of that is read as if it were whole. What is not, is
+// long: it throws `Cut`, and is read again once it is found to be whole. Each node is tried once, so that a long one
+// that comes in small pieces costs no more than twice as much.
 bool QeXmlReader::Engine::mayTrust() const noexcept {
     constexpr std::ptrdiff_t Much = 4096;
     return windowed->isInRoot && !windowed->isDoubted && input.limit() - reader.cursor >= Much;
