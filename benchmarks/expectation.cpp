@@ -133,7 +133,7 @@ Tally Expectation::of(const Reader& reader) const {
 bool reads(const Reader& reader, const Corpus& corpus) {
     if (!reader.onlyShape.empty() && reader.onlyShape != corpus.shape) return false;
     if (corpus.otherEncoding && !reader.delivery.otherEncodings) return false;
-    return corpus.depth <= reader.delivery.deepest;
+    return corpus.depth <= reader.delivery.deepest && corpus.documents.size() <= reader.delivery.mostDocuments;
 }
 
 namespace {

@@ -22,6 +22,7 @@ struct Delivery {
     bool lineEnds = true;                                     ///< any line end arrives as one line feed
     bool otherEncodings = true;                               ///< UTF-16 and ISO-8859-1 are read, too
     unsigned deepest = std::numeric_limits<unsigned>::max();  ///< how many levels of elements are accepted
+    std::size_t mostDocuments = std::numeric_limits<std::size_t>::max();  ///< of more, making them ready would count
 };
 
 /// A document as the libraries take it. Both forms are made anew before each reading, which is not timed.

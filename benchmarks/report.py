@@ -127,6 +127,16 @@ def conforming_rows(figures):
     ]
 
 
+def window_rows(figures):
+    """The same for the pull loop over what comes through a window."""
+    rows = []
+    for source, library in (('a file', 'tessit file'), ('a pipe', 'tessit pipe')):
+        window = Ratios({corpus: figures.ratio(corpus, PULL, ours=library) for corpus in LARGE})
+        rows += [(f'pull loop from {source} against the one in place, worst corpus', *window.worst(), None, None),
+                 (f'pull loop from {source} against the one in place, geometric mean', *window.mean(), 0.85, None)]
+    return rows
+
+
 def target_rows(figures):
     """Work, measured value, remark, at least, aim; a limit is negative where less is better."""
     pugixml, expat, reader = (against(figures, name) for name in ('pugixml', 'Expat', 'libxml2 reader'))
@@ -175,7 +185,7 @@ def limit(value):
 
 def targets(figures):
     rows = [[work, verdict(value, least, aim), show(value) + remark, limit(least), limit(aim)]
-            for work, value, remark, least, aim in target_rows(figures) + conforming_rows(figures)]
+            for work, value, remark, least, aim in target_rows(figures) + window_rows(figures) + conforming_rows(figures)]
     return table(['Work', 'Result', 'Measured', 'At least', 'Aim'], rows, words=2)
 
 

@@ -144,11 +144,11 @@ Tally pullFromPipe(const Document& document) {
 }
 
 void addWindowed(Contestants& all, const std::string& version) {
+    constexpr Delivery Lenient{.xmlPrefix = false, .mostDocuments = 1}, Conforming{.mostDocuments = 1};
+    all.readers.push_back({"tessit file", version, Role::Ours, Lenient, pullFromFile<QeXmlRules::Lenient>});
     all.readers.push_back(
-        {"tessit file", version, Role::Ours, Delivery{.xmlPrefix = false}, pullFromFile<QeXmlRules::Lenient>});
-    all.readers.push_back(
-        {"tessit conforming file", version, Role::Ours, Delivery(), pullFromFile<QeXmlRules::Conforming>});
-    all.readers.push_back({"tessit pipe", version, Role::Ours, Delivery{.xmlPrefix = false}, pullFromPipe});
+        {"tessit conforming file", version, Role::Ours, Conforming, pullFromFile<QeXmlRules::Conforming>});
+    all.readers.push_back({"tessit pipe", version, Role::Ours, Lenient, pullFromPipe});
 }
 #else
 void addWindowed(Contestants&, const std::string&) {}
