@@ -11,7 +11,7 @@ void PieceConverter::append(QeCString& utf8, std::string_view piece, bool isLast
         return;
     }
     if (form == Form::Latin1) {
-        utf8 += *latin1ToUtf8(piece, QeUToUnicodeConverter::NoLimit);
+        appendLatin1(utf8, piece, QeUToUnicodeConverter::NoLimit);
         return;
     }
     QeCString joined;
@@ -41,7 +41,7 @@ void PieceConverter::appendUtf16(QeCString& utf8, std::string_view units, bool i
         if (ended) malformed.assign(units.substr(length, 2));
         units = units.substr(0, length);
     }
-    utf8 += *utf16ToUtf8<Order>(units, QeUToUnicodeConverter::NoLimit);
+    voxal::appendUtf16<Order>(utf8, units, QeUToUnicodeConverter::NoLimit);
 }
 
 bool PieceConverter::hasByteEach() const noexcept {

@@ -3,15 +3,24 @@
 
 namespace voxal {
 
-std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t mostBytes) {
+namespace {
+
+// Room for so many bytes behind the text.
+char* roomBehind(QeCString& text, std::size_t count) {
+    const std::size_t front = text.length();
+    return text.resizeForOverwrite(front + count) + front;
+}
+
+}  // namespace
+
+bool appendLatin1(QeCString& utf8, std::string_view bytes, std::uint64_t mostBytes) {
     const auto high = std::count_if(bytes.begin(), bytes.end(), [](char byte) { return (byte & 0x80) != 0; });
     const std::size_t length = bytes.size() + static_cast<std::size_t>(high);
-    if (length > mostBytes) return std::nullopt;
-    QeCString result;
-    char* out = result.resizeForOverwrite(length);
+    if (length > mostBytes) return false;
+    char* out = roomBehind(utf8, length);
     for (const char byte : bytes)
         out = putUtf8(out, static_cast<unsigned char>(byte));
-    return result;
+    return true;
 }
 
 namespace {
@@ -55,16 +64,15 @@ std::size_t utf8Length(std::uint32_t codePoint) {
 }  // namespace
 
 template <std::endian Order>
-std::optional<QeCString> utf16ToUtf8(std::string_view bytes, std::uint64_t mostBytes) {
+bool appendUtf16(QeCString& utf8, std::string_view bytes, std::uint64_t mostBytes) {
     std::size_t length = 0;
     for (Utf16Units<Order> units(bytes); !units.done();)
         length += utf8Length(units.takeCodePoint());
-    if (length > mostBytes) return std::nullopt;
-    QeCString result;
-    char* out = result.resizeForOverwrite(length);
+    if (length > mostBytes) return false;
+    char* out = roomBehind(utf8, length);
     for (Utf16Units<Order> units(bytes); !units.done();)
         out = putUtf8(out, units.takeCodePoint());
-    return result;
+    return true;
 }
 
 template <std::endian Order>
@@ -78,7 +86,7 @@ std::size_t findMalformedUtf16(std::string_view bytes) noexcept {
 
 template std::size_t findMalformedUtf16<std::endian::big>(std::string_view) noexcept;
 template std::size_t findMalformedUtf16<std::endian::little>(std::string_view) noexcept;
-template std::optional<QeCString> utf16ToUtf8<std::endian::big>(std::string_view, std::uint64_t);
-template std::optional<QeCString> utf16ToUtf8<std::endian::little>(std::string_view, std::uint64_t);
+template bool appendUtf16<std::endian::big>(QeCString&, std::string_view, std::uint64_t);
+template bool appendUtf16<std::endian::little>(QeCString&, std::string_view, std::uint64_t);
 
 }  // namespace voxal

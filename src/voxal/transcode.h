@@ -3,24 +3,23 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 #include <corvel/c_string.h>
 
 /// The conversions to UTF-8 that need no tables. Each counts its result first, so
-/// that it allocates exactly once and exactly as much as it needs, and gives up
-/// before that where the result would have more bytes than it may.
+/// that it allocates once at most, and gives up before that where the result would
+/// have more bytes than it may: then false.
 namespace voxal {
 
-/// The UTF-8 form of ISO-8859-1 text, unless it has more than `mostBytes`.
-std::optional<QeCString> latin1ToUtf8(std::string_view bytes, std::uint64_t mostBytes);
+/// Appends the UTF-8 form of ISO-8859-1 text, unless that has more than `mostBytes`.
+bool appendLatin1(QeCString& utf8, std::string_view bytes, std::uint64_t mostBytes);
 
-/// The UTF-8 form of UTF-16 text in the given byte order, unless it has more than
-/// `mostBytes`. A last odd byte is ignored; an unpaired surrogate is encoded like any
+/// Appends the UTF-8 form of UTF-16 text in the given byte order, unless that has more
+/// than `mostBytes`. A last odd byte is ignored; an unpaired surrogate is encoded like any
 /// other unit, in three bytes.
 template <std::endian Order>
-std::optional<QeCString> utf16ToUtf8(std::string_view bytes, std::uint64_t mostBytes);
+bool appendUtf16(QeCString& utf8, std::string_view bytes, std::uint64_t mostBytes);
 
 /// Where UTF-16 text ends to be well-formed: at an unpaired surrogate or a last odd byte, or at its end.
 template <std::endian Order>

@@ -42,7 +42,7 @@ public:
     /// such elements, with their defaults; a ~ in front of tokenized ones.
     std::string say(std::string_view asked) {
         if (asked.starts_with('<')) return attributesOf(asked.substr(1, asked.size() - 2));
-        where.places.reset();
+        where.isCounted = false;
         where.text = asked;
         where.name = "value";
         QeCString value;

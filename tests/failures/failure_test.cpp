@@ -589,6 +589,28 @@ TEST(Failures, LeaveWhatIsPromised) {
     }
 }
 
+// A reader that goes on with documents like those it has read.
+TEST(Allocations, AreNotMadeByResets) {
+    const std::string elements = "<a>" + repeat("<b c='d'>e</b>", 10'000) + "</a>";
+    for (const std::string& bytes :
+         {std::string("<a>" + repeat("x", 30) + "</a>"), elements, encode(elements, Encoding::Utf16BE),
+          "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9" + elements + "</a>"})
+        for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+            const Document document(bytes);
+            QeXmlReader reader(document.inPieces(0, 5000), {.rules = rules});
+            std::size_t byReading = 0;
+            for (int round = 0; round != 4; ++round) {
+                readToTheEnd(reader);
+                QeXmlInput next = document.inPieces(0, 5000);
+                byReading = countAllocations([&] {
+                    reader.reset(std::move(next));
+                    readToTheEnd(reader);
+                });
+            }
+            EXPECT_EQ(byReading, 0u) << bytes.substr(0, 50);
+        }
+}
+
 TEST(Allocations, AreNotMadeOverAndOver) {
     for (const auto& [name, count, most] : Allocations)
         EXPECT_LE(count(), most) << name;

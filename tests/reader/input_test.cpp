@@ -74,6 +74,24 @@ private:
     std::string text;
 };
 
+// One that gives some bytes, and then says by its state alone that it fails.
+class SilentlyFailingBuffer : public std::stringbuf {
+public:
+    SilentlyFailingBuffer(const char* bytes, std::istream& stream) : std::stringbuf(bytes), in(stream) {
+        in.rdbuf(this);
+    }
+
+protected:
+    int_type underflow() override {
+        const int_type next = std::stringbuf::underflow();
+        if (traits_type::eq_int_type(next, traits_type::eof())) in.setstate(std::ios::badbit);
+        return next;
+    }
+
+private:
+    std::istream& in;
+};
+
 }  // namespace
 
 TEST(Input, IsReadFromEverywhere) {
@@ -115,6 +133,12 @@ TEST(Input, SaysWhatCannotBeRead) {
     std::istringstream broken("<a/>");
     broken.setstate(std::ios::badbit | std::ios::eofbit);
     EXPECT_EQ(read([&] { return QeXmlInput::stream(broken); }), "the stream: it cannot be read");
+    std::istringstream exhausted("<a/>");
+    exhausted.setstate(std::ios::failbit | std::ios::eofbit);
+    EXPECT_EQ(read([&] { return QeXmlInput::stream(exhausted); }), "the stream: it cannot be read");
+    std::istream silent(nullptr);
+    SilentlyFailingBuffer buffer("<a>x</a>", silent);
+    EXPECT_EQ(read([&] { return QeXmlInput::stream(silent); }), "the stream: it cannot be read");
     QeXmlInput taken = QeXmlInput::copy("<a/>");
     EXPECT_EQ(read([&] { return std::move(taken); }), "/a ");
     EXPECT_EQ(read([&] { return std::move(taken); }), "the input: it was handed on before");
@@ -266,6 +290,28 @@ TEST(Input, LooksAnewBehindWhatWasNotLookedAt) {
     std::size_t calls = 0;
     QeXmlReader reader(inParts(parts, calls));
     EXPECT_EQ(readAll(reader), "+r /a[y=" + value + "] /b -r ");
+}
+
+// What was cut by the end of what can be read counts for nothing, and each later call fails, too.
+TEST(Input, LosesTheLastNodeWhereItFailsInTheNext) {
+    const std::string text(4096, 'x'), spaces(200, ' ');
+    for (const std::string& row :
+         {"<a/><a b='" + spaces + "'/", "<a/></r" + spaces, "<a/>" + spaces, "<a/><![CDATA[" + spaces}) {
+        std::size_t calls = 0;
+        const std::vector<std::string> parts{"<r>x", text + row};
+        QeXmlReader reader(QeXmlInput::callback([&](std::span<char> room) {
+            if (calls == parts.size()) throw std::runtime_error("it fails");
+            return parts[calls++].copy(room.data(), room.size());
+        }));
+        reader.readElementStart("r");
+        reader.readElementValue();
+        reader.readNextNode();
+        reader.readElementEnd();
+        EXPECT_THROW(reader.readNextNode(), std::runtime_error);
+        EXPECT_THROW(reader.isElementNext("a"), std::runtime_error) << row;
+        EXPECT_THROW(reader.readElementEnd("a"), std::runtime_error) << row;
+        EXPECT_EQ(reader.getOpenElements().size(), 1u) << row;
+    }
 }
 
 // What `read` says of each node of an input, or of what is wrong with it.

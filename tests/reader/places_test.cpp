@@ -559,6 +559,46 @@ TEST(Places, BehindManyLineEnds) {
         EXPECT_EQ(errorOf(xml, rules, true).substr(0, 12), errorOf(xml, rules).substr(0, 12));
 }
 
+// By all that is told of it, an error is the same where a part ends in the midst of what it is about.
+TEST(Places, OfErrorsAtTheEndOfWhatIsThere) {
+    const std::string much(4096, 'x'), child = "<k>" + std::string(10'000, 'y') + "</k>", spaces(10'500, ' ');
+    const struct {
+        std::vector<std::string> parts;
+        QeXmlLimits limits;
+        const char* path;
+    } cases[] = {
+        {{"<r><s>", child, child, child, child, child, child, "<a>" + much + "</a" + spaces.substr(0, 300), spaces,
+          spaces, "></s></r>"},
+         {.node = 10'500},
+         "/r/s/a"},
+        {{"<r>", child, child, child, child, child, child, "<a><b></b></a></r>"}, {.depth = 2}, "/r/a"},
+        {{"<r><b>x", much + "&;", "</b></r>"}, {}, "/r/b"},
+        {{"<r><b>x", much + "<!x", "></b></r>"}, {}, "/r/b"},
+    };
+    for (const auto& [parts, limits, path] : cases) {
+        const auto errorOf = [&limits = limits](QeXmlInput input) {
+            try {
+                QeXmlReader reader(std::move(input), {.limits = limits});
+                while (!reader.eof())
+                    reader.readNextNode();
+            } catch (const QeXmlParseError& error) {
+                return std::string(error.why()) + ' ' + describeAll(error);
+            }
+            return std::string("none");
+        };
+        std::string whole;
+        for (const std::string& part : parts)
+            whole += part;
+        const Document document(whole);
+        std::size_t next = 0;
+        const std::string inParts = errorOf(QeXmlInput::callback([&parts = parts, &next](std::span<char> room) {
+            return next == parts.size() ? std::size_t{0} : parts[next++].copy(room.data(), room.size());
+        }));
+        EXPECT_EQ(inParts, errorOf(document.inPlace()));
+        EXPECT_NE(inParts.find(std::string(" ") + path), std::string::npos) << inParts;
+    }
+}
+
 // What an entity brought stands at its reference, wherever the window is by now: the text that begins in the entity,
 // and the tag that it has.
 TEST(Places, OfWhatEntitiesBroughtWhenTheWindowMoves) {

@@ -264,9 +264,10 @@ public:
     /// @{
 
     /// Goes on with another document, as if this reader were new, with the same options and settings; what was left of
-    /// the last one is not read. Keeps its memory: between documents that are alike, nothing is allocated but what the
-    /// input is made of. As a constructor, it throws what the prolog breaks; the reader can be reset again then, and
-    /// reads nothing more before that if the input could not be read.
+    /// the last one is not read. Keeps its memory: between documents that come piece by piece and are alike, nothing is
+    /// allocated but what the input, a converter of ICU and a document type are made of. As a constructor, it throws
+    /// what the prolog breaks; the reader can be reset again then, and reads nothing more before that if the input
+    /// could not be read.
     TESSIT_API void reset(QeXmlInput input);
 
     /// How many bytes of the input were taken in: all at once, unless it comes piece by piece.

@@ -28,7 +28,9 @@ QeXmlReader::Engine::Conforming::Conforming(const QeXmlReaderOptions& given)
     : options(given), declared(settingsOf(options)), tags(declared, options.namespaces, options.limits) {}
 
 void QeXmlReader::Engine::Conforming::begin() {
-    document.source = {};
+    tessit::Source source;
+    source.places = std::move(document.source.places);  // memory to go on with
+    document.source = std::move(source);
     document.converted.clear();
     document.encoding.clear();
     firstBytes.clear();

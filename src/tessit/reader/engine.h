@@ -178,6 +178,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     FoundOut& makeFoundOut() const;
     QeCString hint(std::string_view rule) const;
     bool isAtAnotherDocument(std::string_view rule) const;
+    bool isAtEndOfDocument() const noexcept;
     void complete(tessit::ErrorAccess::Details& details, const char* place) const override;
     std::vector<QeXmlOpenElement> listOpenElements() const;
 

@@ -53,11 +53,11 @@ void Input::begin() noexcept {
     strict = nullptr;
     isDetected = moreMayCome = false;
     length = 0;
-    ofCounts.reset();
+    isCounted = false;
 }
 
 void Input::take(std::string_view document) noexcept {
-    ofCounts.reset();
+    isCounted = false;
     cursor = bufferStart = document.data();
     bufferEnd = bufferStart + document.size();
     length = document.size();
@@ -96,8 +96,7 @@ const char* Input::tellEncoding() {
 // A mark is three bytes of a text in UTF-8, whatever it is in the input.
 void Input::passMark(std::size_t markLength) {
     cursor += markLength;
-    ofCounts = std::make_unique<Counted>();
-    ofCounts->places.begin(rest(), LineEnds::LineFeed, InputUnits::Same, {.offset = 3, .inputOffset = markLength});
+    countFrom(rest(), InputUnits::Same, {.offset = 3, .inputOffset = markLength});
 }
 
 // A declaration that only spells the detected encoding differently converts nothing:
@@ -122,9 +121,8 @@ std::optional<Input::Converted> Input::convertRest(const QeCString& name) {
     std::optional<QeCString> text = convertText(name, units);
     if (!text) return std::nullopt;
     if (placesInText().inputUnits() != InputUnits::Same) units = InputUnits::Unknown;
-    auto ofRest = std::make_unique<Counted>();
-    ofRest->bytesConverted = counted().bytesConverted + text->length();
-    return Converted{std::move(*text), units, positionOf(cursor), std::move(ofRest)};
+    const std::uint64_t bytes = counted().bytesConverted + text->length();
+    return Converted{std::move(*text), units, positionOf(cursor), bytes};
 }
 
 // Each XML declaration in a document converts the rest once more, and a conversion can double it: a few of them would
@@ -140,7 +138,7 @@ void Input::raiseTooManyConversions() const {
 
 // How many bytes conversions may still produce.
 std::uint64_t Input::conversionAllowance() const noexcept {
-    return mostConverted(length) - (ofCounts == nullptr ? 0 : ofCounts->bytesConverted);
+    return mostConverted(length) - (isCounted ? ofCounts->bytesConverted : 0);
 }
 
 // Nothing, where the bytes are UTF-8 already.
@@ -148,16 +146,17 @@ std::optional<QeCString> Input::convertText(const QeCString& name, InputUnits& u
     QeCString upperName = name;
     upperName.toUpper();
     if (upperName == "UTF-8" || upperName == "US-ASCII") return std::nullopt;
-    std::optional<QeCString> text;
+    QeCString text;
+    bool isAllowed = true;
     if (upperName == "ISO-8859-1")
-        text = voxal::latin1ToUtf8(rest(), conversionAllowance());
+        isAllowed = voxal::appendLatin1(text, rest(), conversionAllowance());
     else if (upperName == "UTF-16" || upperName == "UTF-16BE")
-        text = voxal::utf16ToUtf8<std::endian::big>(rest(), conversionAllowance());
+        isAllowed = voxal::appendUtf16<std::endian::big>(text, rest(), conversionAllowance());
     else if (upperName == "UTF-16LE")
-        text = voxal::utf16ToUtf8<std::endian::little>(rest(), conversionAllowance());
+        isAllowed = voxal::appendUtf16<std::endian::little>(text, rest(), conversionAllowance());
     else
         text = convertByTables(name, units);
-    if (!text) raiseTooManyConversions();
+    if (!isAllowed) raiseTooManyConversions();
     return text;
 }
 
@@ -177,9 +176,7 @@ QeCString Input::convertByTables(const QeCString& name, InputUnits& units) {
 void Input::replaceRest(Converted&& converted) noexcept {
     ++replaced;
     ownedDocument = std::move(converted.text);
-    ofCounts = std::move(converted.counted);
-    ofCounts->places.begin(ownedDocument, LineEnds::LineFeed, converted.units, converted.beginning);
-    ofCounts->describedLine = converted.beginning.line;
+    countFrom(ownedDocument, converted.units, converted.beginning).bytesConverted = converted.bytesConverted;
     cursor = bufferStart = ownedDocument.begin();
     bufferEnd = ownedDocument.end();
 }
@@ -211,7 +208,7 @@ void Input::takeWindow(std::string_view text, std::size_t place) noexcept {
     bufferStart = text.data();
     bufferEnd = text.data() + text.size();
     cursor = bufferStart + place;
-    if (strict == nullptr && ofCounts != nullptr) ofCounts->places.goOnTo(bufferEnd);
+    if (strict == nullptr && isCounted) ofCounts->places.goOnTo(bufferEnd);
 }
 
 QeXmlPosition Input::leaveBehind(const char* place) {
@@ -231,9 +228,7 @@ void Input::goOnIn(std::string_view text, const QeXmlPosition& beginning) noexce
 void Input::goOnConverted(std::string_view text, InputUnits units, const QeXmlPosition& beginning) {
     ++replaced;
     takeWindow(text, 0);
-    counted() = {};
-    ofCounts->places.begin(text, LineEnds::LineFeed, units, beginning);
-    ofCounts->describedLine = beginning.line;
+    countFrom(text, units, beginning);
 }
 
 void Input::raiseTranscoding(const char* reason) const {
@@ -245,10 +240,17 @@ void Input::raiseTranscoding(const char* reason) const {
 }
 
 Input::Counted& Input::counted() const {
-    if (ofCounts == nullptr) {
-        ofCounts = std::make_unique<Counted>();
-        ofCounts->places.begin({bufferStart, static_cast<std::size_t>(bufferEnd - bufferStart)}, LineEnds::LineFeed);
-    }
+    if (isCounted) return *ofCounts;
+    return countFrom({bufferStart, static_cast<std::size_t>(bufferEnd - bufferStart)}, InputUnits::Same, {});
+}
+
+// Allocates the first time alone: `replaceRest` relies on that.
+Input::Counted& Input::countFrom(std::string_view text, InputUnits units, const QeXmlPosition& beginning) const {
+    if (ofCounts == nullptr) ofCounts = std::make_unique<Counted>();
+    ofCounts->places.begin(text, LineEnds::LineFeed, units, beginning);
+    ofCounts->describedLine = beginning.line;
+    ofCounts->columnsInFront = ofCounts->bytesConverted = 0;
+    isCounted = true;
     return *ofCounts;
 }
 

@@ -58,7 +58,7 @@ public:
         QeCString text;
         InputUnits units;
         QeXmlPosition beginning;
-        std::unique_ptr<Counted> counted;  // of it
+        std::uint64_t bytesConverted;  // by all conversions
     };
 
     Input(const Members& members, const ErrorContext& errorContext) noexcept
@@ -113,7 +113,8 @@ public:
     /// The same behind a conversion of all from the cursor on.
     void goOnConverted(std::string_view text, InputUnits units, const QeXmlPosition& beginning);
 
-    /// Whether more may come behind the end: what ends there too early throws `Cut` then, and no error.
+    /// Whether more may come behind the end, as far as is known: what ends there too early throws `Cut` then, and no
+    /// error.
     void expectMore(bool mayCome) noexcept { moreMayCome = mayCome; }
     void needMore() const {
         if (moreMayCome) throw Cut();
@@ -202,6 +203,7 @@ private:
     QeCString convertByTables(const QeCString& name, InputUnits& units);
     std::uint64_t conversionAllowance() const noexcept;
     Counted& counted() const;
+    Counted& countFrom(std::string_view text, InputUnits units, const QeXmlPosition& beginning) const;
     TextPlaces& placesInText() const { return counted().places; }
     QeXmlParseError errorAt(const char* place, const QeCString& message, std::optional<QeXmlNote>&& note,
                             const char* readUpTo) const;
@@ -219,9 +221,10 @@ private:
 
     bool isDetected = false;  // no declaration was taken in yet
     bool moreMayCome = false;
+    mutable bool isCounted = false;  // whether there is anything in the counts
     unsigned replaced = 0;
     std::uint64_t length = 0;                   // bytes of a document that is in memory as a whole
-    mutable std::unique_ptr<Counted> ofCounts;  // made when it is needed
+    mutable std::unique_ptr<Counted> ofCounts;  // made when it is needed, and kept for other documents
 };
 
 }  // namespace tessit

@@ -96,6 +96,7 @@ inline void QeXmlReader::Engine::NodeReader::readEndTag() {
         passEndTag();
     } catch (const tessit::Cut&) {
         ++reader.depth;
+        reader.lastNodeType = NoNode;  // should no more come
         throw;
     }
     if (reader.matchesTags && !engine.closesInnermost()) apart(&NodeReader::matchEndTag);
@@ -184,6 +185,7 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
         if (reader.notesOpen) noteOpen(name);
         return;
     }
+    if (atEnd()) input.needMore();
     reader.lastNodeType = EmptyElement;
     if (take() != '>') raise("Invalid '/' found in tag");
     engine.slots.writeElementName(name);
@@ -193,7 +195,12 @@ inline void QeXmlReader::Engine::NodeReader::closeStartTag(const tessit::RawName
 
 inline void QeXmlReader::Engine::NodeReader::readContent() {
     reader.lastNodeType = Content;
-    if (!readShortText(reader.lastContent)) apart(&NodeReader::readLongContent);
+    try {
+        if (!readShortText(reader.lastContent)) apart(&NodeReader::readLongContent);
+    } catch (const tessit::Cut&) {
+        reader.lastNodeType = NoNode;  // should no more come
+        throw;
+    }
 }
 
 // Most texts are one run up to the tag. Others go on, piece by piece, with what needs thought in them.

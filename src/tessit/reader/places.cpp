@@ -147,11 +147,13 @@ QeCString QeXmlReader::Engine::pathAt(const char* place) const {
     return tessit::textOfPath(path.depth(), [&path](std::size_t level) { return path.step(level); });
 }
 
-// The end tag that a lenient reader is about has closed its element already; what came behind it and could not be read
-// was none.
+// The tag that a lenient reader is about has opened or closed its element already; what came behind it and could not be
+// read was none.
 std::size_t QeXmlReader::Engine::levelsInFrontOf(const char* place) const noexcept {
     const std::size_t levels = levelsInDocument();
-    if (conforming != nullptr || reader.lastNodeType != ElementEnd || lastNode.begin == nullptr) return levels;
+    if (conforming != nullptr || lastNode.begin == nullptr) return levels;
+    if (reader.lastNodeType == ElementStart && place == lastTag.begin && levels != 0) return levels - 1;
+    if (reader.lastNodeType != ElementEnd) return levels;
     const std::string_view rest(lastNode.begin, static_cast<std::size_t>(input.limit() - lastNode.begin));
     if (!rest.starts_with("</")) return levels;
     const bool isInTag = place == lastNode.begin ||
@@ -275,12 +277,16 @@ bool QeXmlReader::Engine::isAtAnotherDocument(std::string_view rule) const {
     return tessit::beginsAnotherDocument(rule, rest, reader.lastName.asString());
 }
 
+bool QeXmlReader::Engine::isAtEndOfDocument() const noexcept {
+    return input.position() == input.limit() && (windowed == nullptr || windowed->window.hasEnded());
+}
+
 // What was said already stays: a fault can come by here twice.
 void QeXmlReader::Engine::complete(tessit::ErrorAccess::Details& details, const char* place) const {
     if (!details.path.empty()) return;
     details.path = pathOfOpenElements(place);
-    const bool isUnfinished = conforming == nullptr ? input.position() == input.limit()
-                                                    : details.rule == nameOf(tessit::Rule::UnfinishedDocument);
+    const bool isUnfinished =
+        conforming == nullptr ? isAtEndOfDocument() : details.rule == nameOf(tessit::Rule::UnfinishedDocument);
     if (!details.note && isUnfinished) details.note = noteOfInnermost("this element is not closed", place);
     details.hint = hint(details.rule);
 }

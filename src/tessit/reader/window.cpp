@@ -71,21 +71,23 @@ bool Window::readConverted() {
     if (sourceEnded) return takeFilled(true);
     if (raw == nullptr) raw = std::unique_ptr<char[]>(new char[PieceSize]);
     const std::size_t count = readBytes(raw.get(), PieceSize);
-    convert(QeCString(raw.get(), count), sourceEnded);
+    piece.assign(raw.get(), count);
+    convert(sourceEnded);
     return takeWaiting();
 }
 
-void Window::convert(QeCString&& piece, bool isLast) {
+// The piece, and has what comes of it wait.
+void Window::convert(bool isLast) {
     if (strict) {
         strict->convert(waiting, piece, isLast);
         sourceEnded = sourceEnded || strict->isMalformed();
         return;
     }
     for (voxal::PieceConverter& converter : converters) {
-        QeCString text;
-        converter.append(text, piece, isLast);
-        converted += text.length();
-        piece = std::move(text);
+        made.clear();
+        converter.append(made, piece, isLast);
+        converted += made.length();
+        std::swap(piece, made);
     }
     waiting += piece;
 }
@@ -113,27 +115,35 @@ bool Window::takeFilled(bool isLast) {
 }
 
 void Window::convertFrom(std::size_t place, voxal::PieceConverter&& converter) {
-    QeCString rest(text().substr(place)), made;
-    rest += std::string_view(waiting).substr(waitingFrom);
-    converter.append(made, rest, sourceEnded);
+    piece.assign(text().substr(place));
+    piece += std::string_view(waiting).substr(waitingFrom);
+    made.clear();
+    converter.append(made, piece, sourceEnded);
     converters.push_back(std::move(converter));
     converted += made.length();  // from here on, nothing fails
     ended = false;
     last = filled = waitingFrom = 0;
-    waiting = std::move(made);
+    std::swap(waiting, made);
     takeWaiting();
 }
 
 void Window::convertFrom(std::size_t place, DecodedText& decided) {
-    QeCString rest(text().substr(place));
+    const std::string_view rest = text().substr(place);
     strict.emplace(decided);
     ended = false;
+    if (strict->isAsItIs()) return checkAnew(rest);
+    piece.assign(rest);
     last = filled = 0;
-    if (strict->isAsItIs())
-        waiting = std::move(rest);
-    else
-        convert(std::move(rest), sourceEnded);
+    convert(sourceEnded);
     takeWaiting();
+}
+
+// What is there already, as what was just read.
+void Window::checkAnew(std::string_view rest) {
+    std::memmove(room.get(), rest.data(), rest.size());
+    last = 0;
+    filled = rest.size();
+    takeFilled(false);
 }
 
 }  // namespace tessit

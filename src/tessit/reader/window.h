@@ -54,7 +54,8 @@ private:
     std::size_t readBytes(char* to, std::size_t most);
     bool readAsItIs();
     bool readConverted();
-    void convert(QeCString&& piece, bool isLast);
+    void convert(bool isLast);
+    void checkAnew(std::string_view rest);
     bool takeWaiting();
     bool takeFilled(bool isLast);
     bool isConverted() const noexcept { return !converters.empty() || (strict && !strict->isAsItIs()); }
@@ -71,6 +72,7 @@ private:
     std::vector<voxal::PieceConverter> converters;  // each takes what the one in front makes
     std::optional<TextPieces> strict;
     std::unique_ptr<char[]> raw;  // where bytes are read that are converted
+    QeCString piece, made;        // what is converted, and what a converter made of it
     QeCString waiting;            // what was converted, and for which there is no room yet
     std::size_t waitingFrom = 0;
 };

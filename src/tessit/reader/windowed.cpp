@@ -83,6 +83,15 @@ bool tellsEncoding(std::string_view bytes, std::size_t place) {
     return bytes.size() >= WidestBegin || !Begin.starts_with(begin);
 }
 
+// How much of the bytes tells that: the first characters, or the declaration.
+std::size_t lengthOfBegin(std::string_view bytes) {
+    constexpr std::size_t RestOfCharacter = 3;
+    std::size_t length = std::min(bytes.size(), WidestBegin), seen = 0;
+    while (length != bytes.size() && !tellsEncoding(bytes.substr(0, length), seen))
+        seen = length++;
+    return std::min(bytes.size(), length + RestOfCharacter);
+}
+
 }  // namespace
 
 // As `fetch`, before anything is known of the text.
@@ -112,7 +121,7 @@ void QeXmlReader::Engine::openConformingWindow() {
     tessit::Window& window = windowed->window;
     tessit::DecodedText& document = conforming->document;
     readFirstBytes();
-    conforming->firstBytes.assign(window.text());
+    conforming->firstBytes.assign(window.text().substr(0, lengthOfBegin(window.text())));
     document.source.name = conforming->options.sourceName;
     decodeText(document, conforming->firstBytes, conforming->options.encoding);
     reader.encoding = document.encoding;
@@ -224,9 +233,9 @@ void QeXmlReader::Engine::findAnew() noexcept {
 // --- Reading on trust
 
 // To look for the ends of nodes takes as long as to read most texts. Where much of a lenient reader's document is
-// there, only the last part is looked at, and what begins in front of that is read as if it were whole. What is not, is
-// long: it throws `Cut`, and is read again once it is found to be whole. Each node is tried once, so that a long one
-// that comes in small pieces costs no more than twice as much.
+// there, only the last part is looked at, and what begins in front of that is read as if it were whole. What is not
+// throws `Cut`, and is read again once it is found to be whole; few nodes are long enough for that. Each is tried once,
+// so that one that comes in small pieces costs no more than twice as much.
 bool QeXmlReader::Engine::mayTrust() const noexcept {
     constexpr std::ptrdiff_t Much = 4096;
     return windowed->isInRoot && !windowed->isDoubted && input.limit() - reader.cursor >= Much;
@@ -239,7 +248,8 @@ void QeXmlReader::Engine::readOnTrust() noexcept {
     wholeUpTo = windowed->textsUpTo = input.limit() - (input.limit() - reader.cursor) / Share;
 }
 
-// To where the node begins that was cut, which has changed nothing but what it writes again.
+// To where the node begins that was cut, which has taken back what it did to the scopes and to the depth. What it has
+// written of itself, it writes again; should that never come, no node is the last one.
 void QeXmlReader::Engine::goBack() noexcept {
     reader.cursor = lastNode.begin;
     windowed->isDoubted = true;
@@ -295,7 +305,7 @@ void QeXmlReader::Engine::showWindow(const char* place) {
     if (conforming == nullptr) return input.takeWindow(text, static_cast<std::size_t>(place - text.data()));
     tessit::Source& source = conforming->document.source;
     source.text = text;
-    if (source.places != nullptr) source.places->goOnTo(source.end());
+    if (source.isCounted) source.places->goOnTo(source.end());
     input.enter(source, place);
 }
 

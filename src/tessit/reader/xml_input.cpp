@@ -39,10 +39,21 @@ class Stream : public ByteSource {
 public:
     explicit Stream(std::istream& from) noexcept : in(from) {}
 
-    // The stream's own functions wait until all is there that was asked for; its buffer tells what is.
+    // The stream's own functions wait until all is there that was asked for; its buffer tells what is. One that fails
+    // may say so by its stream alone.
     std::size_t read(std::span<char> room) override {
-        if (in.bad() || (in.fail() && !in.eof()) || in.rdbuf() == nullptr)
-            raise(std::make_error_code(std::errc::io_error));
+        requireSound();
+        const std::size_t count = readSound(room);
+        if (count == 0) requireSound();
+        return count;
+    }
+
+private:
+    void requireSound() const {
+        if (in.fail() || in.rdbuf() == nullptr) raise(std::make_error_code(std::errc::io_error));
+    }
+
+    std::size_t readSound(std::span<char> room) {
         try {
             return readFrom(*in.rdbuf(), room);
         } catch (const std::ios_base::failure& failure) {
@@ -50,7 +61,6 @@ public:
         }
     }
 
-private:
     static std::size_t readFrom(std::streambuf& buffer, std::span<char> room) {
         using Traits = std::streambuf::traits_type;
         if (Traits::eq_int_type(buffer.sgetc(), Traits::eof())) return 0;

@@ -244,7 +244,7 @@ private:
         else if (canonical == "US-ASCII")
             takeAscii(from);
         else if (canonical == "ISO-8859-1")
-            takeConverted(*voxal::latin1ToUtf8(from, NoLimit));
+            convertLatin1(from);
         else if (canonical == "UTF-16BE")
             convertUtf16<std::endian::big>(from);
         else if (canonical == "UTF-16LE")
@@ -254,9 +254,11 @@ private:
         checkCharacters();
     }
 
-    void takeConverted(QeCString&& utf8) {
-        text.converted = std::move(utf8);
-        text.source.text = text.converted;
+    void takeConverted() { text.source.text = text.converted; }
+
+    void convertLatin1(std::string_view from) {
+        voxal::appendLatin1(text.converted, from, NoLimit);
+        takeConverted();
     }
 
     void takeAscii(std::string_view from) {
@@ -270,7 +272,8 @@ private:
     template <std::endian Order>
     void convertUtf16(std::string_view from) {
         const std::size_t length = voxal::findMalformedUtf16<Order>(from);
-        takeConverted(*voxal::utf16ToUtf8<Order>(from.substr(0, length), NoLimit));
+        voxal::appendUtf16<Order>(text.converted, from.substr(0, length), NoLimit);
+        takeConverted();
         if (length != from.size()) endByMalformed(from.substr(length, 2));
     }
 
@@ -278,7 +281,8 @@ private:
         std::optional<QeUToUnicodeConverter> converter = openConverter(name);
         if (!converter) return endInFront(Rule::UnknownEncoding, name);
         if (converter->hasByteEach()) text.source.inputUnits = InputUnits::One;
-        takeConverted(converter->toUtf8(from));
+        text.converted = converter->toUtf8(from);
+        takeConverted();
         if (const QeCString* const malformed = converter->findMalformed()) endByMalformed(*malformed);
     }
 

@@ -112,13 +112,14 @@ QeCString messageFor(const Source& source, const char* place, Rule rule, std::st
 
 // A mark is three bytes of a text in UTF-8, whatever it was in the input.
 TextPlaces& placesOf(const Source& source) {
-    if (source.places != nullptr) return *source.places;
+    if (source.isCounted) return *source.places;
     constexpr std::uint64_t MarkInText = 3;
     const char* const first = source.linesFrom != nullptr ? source.linesFrom : source.begin();
     QeXmlPosition beginning;
     if (source.markLength != 0) beginning.offset = MarkInText;
     beginning.inputOffset = source.markLength;
-    source.places = std::make_unique<TextPlaces>();
+    if (source.places == nullptr) source.places = std::make_unique<TextPlaces>();
+    source.isCounted = true;
     source.places->begin({first, static_cast<std::size_t>(source.end() - first)}, LineEnds::All, source.inputUnits,
                          beginning);
     return *source.places;

@@ -33,8 +33,9 @@ struct Source {
     InputUnits inputUnits = InputUnits::Same;
     unsigned markLength = 0;  ///< of the byte-order mark in front, in bytes of the input
 
-    /// What was counted; made when a place is asked for, as most entities have none that is.
+    /// What was counted, if it was; made when a place is asked for, as most entities have none that is.
     mutable std::unique_ptr<TextPlaces> places;
+    mutable bool isCounted = false;
 
     mutable bool isContinued = false;  ///< the document's beginning has gone
 
