@@ -22,12 +22,13 @@
 /// A pull reader: hands out a document one node at a time, and lets the caller demand the elements it expects. It
 /// is lenient, or, with `QeXmlRules::Conforming`, takes well-formed documents alone: docs/conforming.md tells more.
 ///
-/// A constructor takes in the whole input, finds out its encoding, converts it to UTF-8 where needed, and reads the
-/// prolog; the reader then stands on the root element. Everything it hands out is UTF-8.
+/// A constructor takes in the whole input, unless that is a `QeXmlInput` that comes piece by piece, finds out its
+/// encoding, converts it to UTF-8 where needed, and reads the prolog; the reader then stands on the root element.
+/// Everything it hands out is UTF-8.
 ///
-/// What cannot be read, or is not what the caller demanded, throws `QeXmlParseError` with line and column (from 1;
-/// the column in bytes) of where the reader stood; after a conversion, those of a lenient reader count from the
-/// conversion point. Nothing is rolled back: a node that was not the expected one has been read, and the next call
+/// A document that cannot be read, or is not what the caller demanded, throws `QeXmlParseError` with line and column
+/// (from 1; the column in bytes) of where the reader stood; after a conversion, those of a lenient reader count from
+/// the conversion point. Nothing is rolled back: a node that was not the expected one has been read, and the next call
 /// goes on behind it. After an error of syntax the reader can be looked at and destroyed; what a lenient one reads
 /// next is unspecified, a conforming one throws the same again. Any operation that stores text can throw
 /// `std::bad_alloc`.
@@ -51,7 +52,7 @@ public:
         ElementEnd = 1,    ///< an end tag
         EmptyElement = 2,  ///< a tag closed by "/>", start and end at once
         Content = 3,       ///< text up to the next tag; CDATA sections and text around comments included
-        NoNode = 4,        ///< nothing was read yet
+        NoNode = 4,        ///< nothing was read yet, or the input failed where a node had begun
         // only for who asks for them (`QeXmlReaderOptions::nodes`); what they hold is the last content
         Comment = 5,
         Instruction = 6,  ///< its data; see `getLastTarget`
@@ -212,12 +213,14 @@ public:
     /// The position of such an offset; nothing once the text there is gone.
     TESSIT_API std::optional<QeXmlPosition> getPosition(std::uint64_t offset) const;
 
-    /// Where an attribute of the last tag that opened an element stands; nothing for a declared default. Of several
-    /// that are written alike, which a lenient reader takes for one, the first name and the last value.
+    /// Where an attribute of the last tag that opened an element stands; nothing for a declared default and, through a
+    /// window, once the tag's bytes have gone, as they may have after any later call that scans. Of several that are
+    /// written alike, which a lenient reader takes for one, the first name and the last value.
     TESSIT_API std::optional<QeXmlAttributeSpans> getAttributeSpans(const QeXmlAttribute& attribute) const;
 
     /// The elements that are open, outermost first, as far as a lenient document's tags pair up: an end tag closes the
-    /// innermost element. Also O(bytes of their tags).
+    /// innermost element. Through a window, those whose tags have gone are there at the outermost 1,024 levels
+    /// alone. Also O(bytes of their tags).
     TESSIT_API std::vector<QeXmlOpenElement> getOpenElements() const;
 
     /// @}
