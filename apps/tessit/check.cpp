@@ -23,15 +23,15 @@ struct Options {
     QeXmlLimits limits;
 };
 
-void readToItsEnd(Console& console, const std::string& file, const QeXmlReaderOptions& options) {
-    QeXmlReader reader{openInput(file), options};
-    for (Progress progress(console, reader, displayName(file)); !reader.eof(); progress.step())
+void readToItsEnd(Progress& progress, const std::string& file, const QeXmlReaderOptions& options) {
+    QeXmlReader reader{openInput(file, progress), options};
+    while (!reader.eof())
         reader.readNextNode();
 }
 
-void checkFile(Console& console, const std::string& file, const Options& options) {
+void checkFile(Console& console, Progress& progress, const std::string& file, const Options& options) {
     BesideResolver resolver(console, file);
-    readToItsEnd(console, file,
+    readToItsEnd(progress, file,
                  {.rules = QeXmlRules::Conforming,
                   .sourceName = QeCString(displayName(file)),
                   .resolver = options.external ? &resolver : nullptr,
@@ -39,11 +39,11 @@ void checkFile(Console& console, const std::string& file, const Options& options
 }
 
 // All that a lenient reader forgives, and what it refuses.
-void recordFile(Console& console, const std::string& file, const Options& options) {
+void recordFile(Console& console, Progress& progress, const std::string& file, const Options& options) {
     const QeCString name(displayName(file));
     QeXmlRecord record;
     try {
-        readToItsEnd(console, file, {.sourceName = name, .limits = options.limits, .record = &record});
+        readToItsEnd(progress, file, {.sourceName = name, .limits = options.limits, .record = &record});
     } catch (const QeXmlParseError&) {  // it is recorded
     }
     for (const QeXmlParseError& entry : record.getEntries())
@@ -54,9 +54,10 @@ void recordFile(Console& console, const std::string& file, const Options& option
 
 void checkFiles(Console& console, const Options& options) {
     if (options.quiet) console.silence();
+    Progress progress(console);
     for (const std::string& file : options.files)
         attempt(console, file, ExitStatus::Refused,
-                [&] { (options.record ? recordFile : checkFile)(console, file, options); });
+                [&] { (options.record ? recordFile : checkFile)(console, progress, file, options); });
 }
 
 }  // namespace

@@ -25,7 +25,6 @@ Console::Console() {
 }
 
 void Console::append(const char* bytes, std::size_t length) {
-    hasResults = true;
     if (length > BufferSize - pending.size()) flush();
     if (length <= BufferSize) {
         pending.append(bytes, length);
@@ -53,10 +52,16 @@ bool Console::canShowBar() const {
 void Console::showBar(std::string_view text) {
     std::string line(1, '\r');
     line.append(text).append("\033[K");
+    const std::lock_guard lock(standardError);
     hasBar = writeAll(STDERR_FILENO, line);
 }
 
 void Console::eraseBar() {
+    const std::lock_guard lock(standardError);
+    eraseShownBar();
+}
+
+void Console::eraseShownBar() {
     if (std::exchange(hasBar, false)) writeAll(STDERR_FILENO, "\r\033[K");
 }
 
@@ -85,6 +90,7 @@ void Console::note(const QeXmlPlace& place, std::string_view message) {
 
 // A complaint that cannot be written is still told by the exit status.
 void Console::print(const Report& report) {
-    eraseBar();
+    const std::lock_guard lock(standardError);
+    eraseShownBar();
     if (!silent) writeAll(STDERR_FILENO, json ? asJson(report) : asText(report));
 }

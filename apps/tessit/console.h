@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -56,11 +57,15 @@ public:
     /// From now on prints complaints and notes as JSON.
     void speakJson() { json = true; }
 
+    /// From now on, results come while documents are read.
+    void expectResults() { hasResults = true; }
+
     /// Whether standard error is a terminal that has room for a line which comes and goes: not where messages are JSON
     /// or silent, or where the results go to a terminal, too.
     bool canShowBar() const;
 
-    /// Shows one line on standard error, in the place of the one before. It is gone before a message comes.
+    /// Shows one line on standard error, in the place of the one before. It is gone before a message comes. For any
+    /// thread, other than the rest.
     void showBar(std::string_view text);
     void eraseBar();
 
@@ -71,11 +76,13 @@ public:
 
 private:
     void print(const Report& report);
+    void eraseShownBar();
 
     std::string pending;
     ExitStatus worst = ExitStatus::Good;
     bool silent = false;
     bool json = false;
+    bool hasResults = false;
+    std::mutex standardError;
     bool hasBar = false;
-    bool hasResults = false;  // there were some on standard output
 };

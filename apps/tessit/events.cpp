@@ -156,9 +156,10 @@ private:
 constexpr QeXmlNodes DeliveredNodes =
     QeXmlNodes::Comments | QeXmlNodes::Instructions | QeXmlNodes::References | QeXmlNodes::DocumentType;
 
-void printEvents(Console& console, const std::string& file, std::string_view prefix, const Options& options) {
+void printEvents(Console& console, Progress& progress, const std::string& file, std::string_view prefix,
+                 const Options& options) {
     BesideResolver resolver(console, file);
-    QeXmlReader reader{openInput(file),
+    QeXmlReader reader{openInput(file, progress),
                        {.rules = options.conforming ? QeXmlRules::Conforming : QeXmlRules::Lenient,
                         .sourceName = QeCString(displayName(file)),
                         .nodes = DeliveredNodes,
@@ -167,14 +168,13 @@ void printEvents(Console& console, const std::string& file, std::string_view pre
     reader.setExpandAttributeReference(!options.rawReferences);
     EventPrinter printer(console, prefix);
     printer.printDocument(reader);
-    Progress progress(console, reader, displayName(file));
-    for (DocumentWalk walk(reader); walk.next(); progress.step())
+    for (DocumentWalk walk(reader); walk.next();)
         printer.printNode(reader);
 }
 
-void readFile(Console& console, const std::string& file, const Options& options) {
+void readFile(Console& console, Progress& progress, const std::string& file, const Options& options) {
     const std::string prefix = options.files.size() > 1 ? escaped(displayName(file)) + ": " : "";
-    attempt(console, file, ExitStatus::Refused, [&] { printEvents(console, file, prefix, options); });
+    attempt(console, file, ExitStatus::Refused, [&] { printEvents(console, progress, file, prefix, options); });
 }
 
 }  // namespace
@@ -193,7 +193,9 @@ Command addEvents(CLI::App& tool) {
         ->type_name("");
     return {arguments, [options](Console& console) {
                 if (options->files.empty()) options->files.emplace_back(StandardInput);
+                console.expectResults();
+                Progress progress(console);
                 for (const std::string& file : options->files)
-                    readFile(console, file, *options);
+                    readFile(console, progress, file, *options);
             }};
 }

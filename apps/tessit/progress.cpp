@@ -1,7 +1,9 @@
 #include "progress.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <chrono>
+#include <new>
+#include <system_error>
 
 #include "escape.h"
 
@@ -12,29 +14,51 @@ constexpr std::size_t MostOfName = 30, Width = 30;
 
 }  // namespace
 
-Progress::Progress(Console& target, const QeXmlReader& source, std::string_view file)
-    : console(target),
-      reader(source),
-      name(escaped(file)),
-      isShown(console.canShowBar()),
-      next(std::chrono::steady_clock::now() + Delay) {
-    if (name.size() > MostOfName) name.replace(0, name.size() - MostOfName, "...");
+Progress::Progress(Console& target) : console(target) {
+    if (!console.canShowBar()) return;
+    try {
+        shows = std::thread([this] { show(); });
+    } catch (const std::system_error&) {  // there is no thread to be had, and the command goes without
+    }
 }
 
-void Progress::look() {
-    const auto now = std::chrono::steady_clock::now();
-    if (now < next) return;
-    next = now + Pause;
-    console.showBar(bar());
+Progress::~Progress() {
+    if (!isShown()) return;
+    {
+        const std::lock_guard lock(mutex);
+        hasEnded = true;
+        ends.notify_one();
+    }
+    shows.join();
+    console.eraseBar();
+}
+
+void Progress::begin(std::string_view file, std::optional<std::uint64_t> bytes) {
+    const std::lock_guard lock(mutex);
+    name = escaped(file);
+    if (name.size() > MostOfName) name.replace(0, name.size() - MostOfName, "...");
+    size = bytes;
+    read = 0;
+}
+
+void Progress::count(std::size_t bytes) {
+    const std::lock_guard lock(mutex);
+    read += bytes;
+}
+
+// Memory that does not suffice is told by who reads.
+void Progress::show() try {
+    std::unique_lock lock(mutex);
+    for (auto pause = Delay; !ends.wait_for(lock, pause, [this] { return hasEnded; }); pause = Pause)
+        if (!name.empty()) console.showBar(bar());
+} catch (const std::bad_alloc&) {
 }
 
 // Of an input whose size nobody knows, how much was read.
 std::string Progress::bar() const {
     constexpr std::uint64_t Megabyte = 1'000'000;
-    const std::uint64_t read = reader.getBytesRead();
-    const std::uint64_t size = reader.getInputSize().value_or(0);
-    if (size == 0) return name + ": " + std::to_string(read / Megabyte) + " MB";
-    const double part = std::min(1.0, static_cast<double>(read) / static_cast<double>(size));
+    if (size.value_or(0) == 0) return name + ": " + std::to_string(read / Megabyte) + " MB";
+    const double part = std::min(1.0, static_cast<double>(read) / static_cast<double>(*size));
     const auto filled = static_cast<std::size_t>(part * Width);
     return name + ": [" + std::string(filled, '#') + std::string(Width - filled, ' ') + "] " +
            std::to_string(static_cast<int>(part * 100)) + " %";

@@ -1,37 +1,44 @@
 #pragma once
 
-#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
-
-#include <tessit/reader/xml_reader.h>
+#include <thread>
 
 #include "console.h"
 
-/// How far a document was read, in a line on standard error: only where that is a terminal, and once reading takes
-/// longer than a second. The line goes with this.
+/// How far a command has read its document, in a line on standard error: only where that can be shown, and once the
+/// command takes longer than a second. The line goes with this.
+///
+/// A thread shows it: between two reads, a document may be judged for seconds, or a pipe be waited for.
 class Progress {
 public:
-    Progress(Console& target, const QeXmlReader& source, std::string_view file);
+    explicit Progress(Console& target);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    ~Progress() { console.eraseBar(); }
+    ~Progress();
 
-    /// For after each node.
-    void step() {
-        if (isShown && ++nodes % NodesToALook == 0) look();
-    }
+    /// Whether it is of use to tell what is read.
+    bool isShown() const { return shows.joinable(); }
+
+    /// From now on it is this document that is read; its size in bytes, where that is known.
+    void begin(std::string_view file, std::optional<std::uint64_t> bytes);
+    void count(std::size_t bytes);
 
 private:
-    static constexpr unsigned NodesToALook = 256;  // the clock is asked after so many
-
-    void look();
+    void show();
     std::string bar() const;
 
     Console& console;
-    const QeXmlReader& reader;
+    std::mutex mutex;  // of what follows, but for the thread
+    std::condition_variable ends;
+    bool hasEnded = false;
     std::string name;
-    bool isShown;
-    unsigned nodes = 0;
-    std::chrono::steady_clock::time_point next;
+    std::optional<std::uint64_t> size;
+    std::uint64_t read = 0;
+    std::thread shows;
 };

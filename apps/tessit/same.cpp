@@ -30,21 +30,21 @@ struct Options {
 // A document that is read twice: from its file, or from memory where that gives its bytes only once.
 class Document {
 public:
-    explicit Document(std::string name) : file(std::move(name)) {
+    Document(std::string name, Progress& progress) : file(std::move(name)) {
         std::error_code error;
         isFile = std::filesystem::is_regular_file(file, error) && file != StandardInput;
-        if (!isFile) bytes = readInput(file);
+        if (!isFile) bytes = readInput(file, &progress);
     }
 
     // To its end: a comparison stops at the first difference and does not look whether tags pair up.
-    void check(Console& console, const QeXmlLimits& limits) const {
-        QeXmlReader reader{input(), {.sourceName = QeCString(displayName(file)), .limits = limits}};
-        Progress progress(console, reader, displayName(file));
-        for (DocumentWalk walk(reader); walk.next(); progress.step())
+    void check(Progress& progress, const QeXmlLimits& limits) const {
+        QeXmlReader reader{input(progress), {.sourceName = QeCString(displayName(file)), .limits = limits}};
+        for (DocumentWalk walk(reader); walk.next();)
             ;
     }
 
     QeXmlInput input() const { return isFile ? openInput(file) : QeXmlInput::bytes(bytes); }
+    QeXmlInput input(Progress& progress) const { return isFile ? openInput(file, progress) : input(); }
 
 private:
     std::string file;
@@ -55,16 +55,17 @@ private:
 void compareFiles(Console& console, const Options& options) {
     if (options.first == StandardInput && options.second == StandardInput)
         return console.complain(displayName(StandardInput), "It can be read only once", ExitStatus::Failed);
+    Progress progress(console);
     std::optional<Document> first, second;
     const auto check = [&](const std::string& file, std::optional<Document>& document) {
         return attempt(console, file, ExitStatus::Failed,
-                       [&] { document.emplace(file).check(console, options.limits); });
+                       [&] { document.emplace(file, progress).check(progress, options.limits); });
     };
     const bool firstIsGood = check(options.first, first);  // complains about both
     if (!check(options.second, second) || !firstIsGood) return;
-    bool areSame = false;
+    bool areSame = false;  // both go on side by side: the progress of one tells that of the comparison
     const bool wereRead = attempt(console, options.first, ExitStatus::Failed,
-                                  [&] { areSame = QeXmlUtils::compareXml(first->input(), second->input()); });
+                                  [&] { areSame = QeXmlUtils::compareXml(first->input(progress), second->input()); });
     if (!wereRead || areSame) return;
     console.append(escaped(displayName(options.first)) + " and " + escaped(displayName(options.second)) + " differ\n");
     console.conclude(ExitStatus::Different);

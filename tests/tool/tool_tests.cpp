@@ -9,6 +9,7 @@
 #include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 #include <tessit/version.h>
 
@@ -20,6 +21,13 @@ std::string contentOf(const char* file) {
 
 void writeFile(const char* file, std::string_view content) {
     std::ofstream(file) << content;
+}
+
+std::string repeat(std::string_view text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
 }
 
 // Documents that name others.
@@ -72,6 +80,12 @@ protected:
         return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
     }
 
+    // The same with all three of its files a terminal of its own, which `output` shows.
+    static int runOnATerminal(const std::string& command) {
+        writeFile("run", "tessit() { '" TESSIT_TOOL "' \"$@\"; }; " + command);
+        return run("script -qfec 'bash -c \"$(cat run)\"' /dev/null", "");
+    }
+
 private:
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / ("tessit-tool-" + std::to_string(getpid()));
@@ -113,19 +127,37 @@ const struct {
     {"<a><p:b>", "start a {}\nstart p:b {}\n", ":1:9: error: Missing end tag for p:b\n"},
 };
 
-// A terminal of its own, and a document that goes on until it is said how far it is, or that many times.
+// A terminal of its own, and a document that goes on until it is said how far it is, or that many times: one long text.
 TEST_F(Tool, ShowsOnATerminalHowFarItIs) {
-    const auto show = [&](const std::string& command, const std::string& times) {
-        const std::string more = "grep -q MB output && break; printf '<b/>%.0s' {1..300}; sleep 0.05;";
-        writeFile("run", "{ echo '<a>'; for i in {1.." + times + "}; do " + more + " done; echo '</a></a>'; } | '" +
-                             TESSIT_TOOL "' " + command);
-        EXPECT_EQ(run("script -qfec 'bash -c \"$(cat run)\"' /dev/null", ""), 1);
+    const auto show = [&](const std::string& command, const std::string& times, int status = 1) {
+        const std::string more = "grep -q MB output && break; printf 'x%.0s' {1..300}; sleep 0.05;";
+        const std::string document = "for i in {1.." + times + "}; do " + more + " done";
+        EXPECT_EQ(runOnATerminal("{ echo '<a>'; " + document + "; echo '</a></a>'; } | " + command), status);
         return contentOf("output");
     };
-    const std::string shown = show("check -", "600");
-    EXPECT_EQ(shown.find("\r<stdin>: 0 MB\x1B[K"), 0u);
-    EXPECT_NE(shown.find("\r\x1B[K<stdin>:2:"), std::string::npos);
-    EXPECT_EQ(show("check - --json", "30").find("MB"), std::string::npos);
+    writeFile("good", "<good/>");
+    for (const auto& [command, status] : {std::pair("tessit check -", 1), std::pair("tessit check --record -", 1),
+                                          std::pair("tessit same - good", 2)}) {
+        SCOPED_TRACE(command);
+        const std::string shown = show(command, "600", status);
+        EXPECT_EQ(shown.find("\r<stdin>: 0 MB\x1B[K"), 0u);
+        EXPECT_NE(shown.find("\r\x1B[K<stdin>:2:"), std::string::npos);
+    }
+    EXPECT_EQ(show("tessit check - --json", "30").find("MB"), std::string::npos);
+}
+
+// Where progress can be shown, inputs are read in another way. One is cut short while the tool waits for its output to
+// be taken.
+TEST_F(Tool, TellsOnATerminalWhatIsWrongWithAnInput) {
+    writeFile("tags", "<a>" + repeat("<b/>", 100'000) + "</a>");
+    runOnATerminal(
+        "tessit check none .; tessit check - <&-; tessit check - <.; mkfifo pipe;"
+        "{ read -r; truncate -s -1 tags; cat; } <pipe >taken & tessit events tags >pipe");
+    const std::string shown = contentOf("output");
+    for (const char* const line : {"none: error: No such file or directory\r\n", ".: error: Is a directory\r\n",
+                                   "<stdin>: error: Bad file descriptor\r\n", "<stdin>: error: Is a directory\r\n",
+                                   "tags: error: it became shorter while it was read\r\n"})
+        EXPECT_NE(shown.find(line), std::string::npos) << line << "in\n" << shown;
 }
 
 TEST_F(Tool, PrintsOneLineForEachNodeAndTellsWhereADocumentIsRefused) {
@@ -193,13 +225,6 @@ TEST_F(Tool, ReadsExternalEntitiesBesideTheDocumentAlone) {
         writeFile("inside/doc", document);
         expect("tessit events --conforming --external inside/doc", "", lines + node + "\nend a {}\n", note, 0);
     }
-}
-
-std::string repeat(std::string_view text, int times) {
-    std::string all;
-    for (int i = 0; i < times; ++i)
-        all += text;
-    return all;
 }
 
 constexpr std::string_view Wide = "\u65E5";
