@@ -52,7 +52,7 @@ public:
         ElementEnd = 1,    ///< an end tag
         EmptyElement = 2,  ///< a tag closed by "/>", start and end at once
         Content = 3,       ///< text up to the next tag; CDATA sections and text around comments included
-        NoNode = 4,        ///< nothing was read yet, or the input failed where a node had begun
+        NoNode = 4,        ///< nothing was read yet, or the input failed in the midst of a node
         // only for who asks for them (`QeXmlReaderOptions::nodes`); what they hold is the last content
         Comment = 5,
         Instruction = 6,  ///< its data; see `getLastTarget`
