@@ -61,8 +61,10 @@ std::size_t Window::readBytes(char* to, std::size_t most) {
     return count;
 }
 
+// Of what is to be converted, no more than a piece is there before that is known.
 bool Window::readAsItIs() {
-    filled += readBytes(room.get() + filled, size - filled);
+    const std::size_t most = taken == 0 ? PieceSize : size - filled;
+    filled += readBytes(room.get() + filled, most);
     return takeFilled(sourceEnded);
 }
 
