@@ -64,12 +64,13 @@ void walk(const Text& document) {
     }
 }
 
-// Through a window, a byte a call, by both sets of rules.
-void walkBytes(const Text& text) {
+// Through a window, so many bytes a call, by both sets of rules.
+template <std::size_t Length>
+void walkPieces(const Text& text) {
     const Document document(text);
     for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
         try {
-            for (QeXmlReader reader(document.inPieces(0, 1), {.rules = rules}); !reader.eof();)
+            for (QeXmlReader reader(document.inPieces(0, Length), {.rules = rules}); !reader.eof();)
                 reader.readNextNode();
         } catch (const QeXmlParseError&) {
         }
@@ -334,18 +335,22 @@ const struct {
     {"WalkOneLongPrefix", VeryMany, "<{n}:n/>", walk},
     {"GoOnAfterErrors", Many, "<a>{a text of forty bytes in front of an error<1}", calls<"T">},
 
-    {"WalkBytesOfNodes", Many, Children, walkBytes},
-    {"WalkBytesOfDepth", Many, Nested, walkBytes},
-    {"WalkBytesOfALongText", VeryMany, "<a>{t&amp;}</a>", walkBytes},
-    {"WalkBytesOfALongName", VeryMany, "<{n}/>", walkBytes},
-    {"WalkBytesOfATagAsLongAsTheDocument", Many, "<a{ a#='>'}/>", walkBytes},
-    {"WalkBytesOfALongValue", VeryMany, "<a x='{/>}'/>", walkBytes},
-    {"WalkBytesOfManyComments", Many, "<r>{<!--c-->}{t<!--c-->}{<?p?>}</r>", walkBytes},
-    {"WalkBytesOfALongComment", VeryMany, "<!--{- }--><r/>", walkBytes},
-    {"WalkBytesOfADocumentType", Many, "<!DOCTYPE r [{<!ENTITY e# ']>'><!--'-->}]><r/>", walkBytes},
-    {"WalkBytesOutsideOfTheRoot", Many, "{\r}<r/>{ \n<!---->}", walkBytes},
-    {"WalkBytesOfAnXmlDeclaration", VeryMany, "<?xml{ }version='1.0'?><r/>", walkBytes},
-    {"WalkBytesOfUtf16", Many, Text("\xFE\xFF") + Children, walkBytes},
+    {"WalkBytesOfNodes", Many, Children, walkPieces<1>},
+    {"WalkBytesOfDepth", Many, Nested, walkPieces<1>},
+    {"WalkBytesOfALongText", VeryMany, "<a>{t&amp;}</a>", walkPieces<1>},
+    {"WalkBytesOfALongName", VeryMany, "<{nnn}/>", walkPieces<1>},  // a megabyte
+    {"WalkBytesOfATagAsLongAsTheDocument", Many, "<a{ a#='>'}/>", walkPieces<1>},
+    {"WalkBytesOfALongValue", VeryMany, "<a x='{/>}'/>", walkPieces<1>},
+    {"WalkBytesOfManyComments", Many, "<r>{<!--c-->}{t<!--c-->}{<?p?>}</r>", walkPieces<1>},
+    {"WalkBytesOfALongComment", VeryMany, "<!--{- }--><r/>", walkPieces<1>},
+    {"WalkBytesOfADocumentType", Many, "<!DOCTYPE r [{<!ENTITY e# ']>'><!--'-->}]><r/>", walkPieces<1>},
+    {"WalkBytesOutsideOfTheRoot", Many, "{\r}<r/>{ \n<!---->}", walkPieces<1>},
+    {"WalkBytesOfAnXmlDeclaration", VeryMany, "<?xml{ }version='1.0'?><r/>", walkPieces<1>},
+    {"WalkBytesOfUtf16", Many, Text("\xFE\xFF") + Children, walkPieces<1>},
+    // What is long enough that it is read before it is known to be whole.
+    {"WalkPiecesOfALongValue", VeryMany, "<r><a x='{/>}'/></r>", walkPieces<5000>},
+    {"WalkPiecesOfALongText", VeryMany, "<r>{t&amp;<!---->}</r>", walkPieces<5000>},
+    {"WalkPiecesOfLongNames", VeryMany, "<r><{nnn}></{nnn}></r>", walkPieces<5000>},
 
     {"WalkUtf16", VeryMany, Text("\xFE\xFF") + Children, walk},
 #if !defined(TESSIT_WITHOUT_ICU)
