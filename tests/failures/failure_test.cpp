@@ -582,6 +582,23 @@ TEST(Footprint, OfWindowsDoesNotGrowWithDocuments) {
         }
 }
 
+// Nor does what decides on an encoding, and converts from it, of a reader that has a large window already.
+TEST(Footprint, OfWindowsThatWereResetIsThatOfTheWindow) {
+    const std::string elements = "<a>" + repeat("<b/>", 250'000) + "</a>";
+    for (const std::string& bytes : {elements, encode(elements, Encoding::Utf16LE)})
+        for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+            const Document document(bytes);
+            const std::size_t peak = countPeakBytes([&] {
+                QeXmlReader reader(document.inPieces(0, bytes.size()), {.rules = rules});
+                for (int round = 0; round != 3; ++round) {
+                    readToTheEnd(reader);
+                    reader.reset(document.inPieces(0, bytes.size()));
+                }
+            });
+            EXPECT_LE(peak, 450'000u) << bytes.substr(0, 4);
+        }
+}
+
 TEST(Failures, LeaveWhatIsPromised) {
     for (const auto& [name, run] : Failures) {
         SCOPED_TRACE(name);
