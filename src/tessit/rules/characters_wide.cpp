@@ -1,5 +1,5 @@
 // What is asked of 32 bytes at once, for processors that have AVX2: whether there is a fault among them, or what is
-// rare. What it is, is told in characters.cpp.
+// rare, and how many end lines. What the fault is, is told in characters.cpp.
 //
 // Two bytes that may not follow each other show by three nibbles of them. For each nibble a table has a bit for each
 // row of what is wrong: a bit that all three have is a fault. Nothing depends on where tags and lines are, which no
@@ -9,7 +9,9 @@
 
 #if defined(TESSIT_WIDE_CHARACTERS)
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <immintrin.h>
 
@@ -124,7 +126,39 @@ TESSIT_WIDE __m256i isSuspicious(const char* at) noexcept {
     return either(_mm256_xor_si256(pair, asksForThird), mayBeForbidden);
 }
 
+// All ones in a byte that ends a line; that behind the bytes is read, too.
+template <bool HasReturns>
+TESSIT_WIDE __m256i endsLine(const char* at) noexcept {
+    const __m256i bytes = bytesAt(at), isFeed = equals(bytes, '\n');
+    if constexpr (!HasReturns) return isFeed;
+    return either(isFeed, _mm256_andnot_si256(equals(bytesAt(at + 1), '\n'), equals(bytes, '\r')));
+}
+
+// Summed up before there are more than a byte can count.
+template <bool HasReturns>
+TESSIT_WIDE const char* passLineEnds(const char* at, const char* end, std::uint64_t& lines) noexcept {
+    constexpr std::size_t Most = 255 / 2;
+    const __m256i none = _mm256_setzero_si256();
+    __m256i sums = none;
+    while (const std::size_t steps = static_cast<std::size_t>(end - at - (end != at)) / 64) {
+        __m256i counts = none;
+        for (std::size_t left = std::min(steps, Most); left != 0; --left, at += 64)
+            counts = _mm256_sub_epi8(
+                counts, _mm256_add_epi8(endsLine<HasReturns>(at), endsLine<HasReturns>(at + sizeof counts)));
+        sums = _mm256_add_epi64(sums, _mm256_sad_epu8(counts, none));
+    }
+    std::uint64_t parts[4];
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(parts), sums);
+    lines += parts[0] + parts[1] + parts[2] + parts[3];
+    return at;
+}
+
 }  // namespace
+
+[[gnu::target("avx2")]] const char* passLineEnds64(const char* at, const char* end, bool hasReturns,
+                                                   std::uint64_t& lines) noexcept {
+    return hasReturns ? passLineEnds<true>(at, end, lines) : passLineEnds<false>(at, end, lines);
+}
 
 [[gnu::target("avx2")]] const char* passSound64(const char* at, const char* end) noexcept {
     for (; end - at >= 64; at += 64) {

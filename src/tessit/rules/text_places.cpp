@@ -2,7 +2,7 @@
 #include <bit>
 #include <cstring>
 
-#include <corvel/byte_scan.h>
+#include <tessit/rules/counted_bytes.h>
 #include <tessit/rules/text_places.h>
 
 namespace tessit {
@@ -65,122 +65,19 @@ void TextPlaces::dropAnchor(const char* place) {
     anchor = last;
 }
 
-namespace {
-
-// How many there are of the bytes that count for the input's bytes.
-struct ByteCounts {
-    std::uint64_t continuations = 0, pastPlane = 0;
-};
-
-bool endsLineBefore(const char* at, bool hasReturns) noexcept {
-    return at[-1] == '\n' || (hasReturns && at[-1] == '\r');
-}
-
-#if defined(TESSIT_SCAN_BLOCKS)
-
-using corvel::Block;
-
-Block onesWhere(auto comparison) noexcept {
-    return reinterpret_cast<Block>(comparison);
-}
-
-std::uint64_t sumOf(Block counts) noexcept {
-    std::uint64_t sum = 0;
-    for (std::size_t i = 0; i != sizeof counts; ++i)
-        sum += counts[i];
-    return sum;
-}
-
-// Has `add` look at the blocks in front of `end`, `Together` of them in each call, and has them summed up before there
-// are more than a byte can count. One byte more can be read than the blocks have.
-template <std::size_t Together, typename Add, typename Sum>
-void addBlocks(const char*& at, const char* end, const Add& add, const Sum& sum) noexcept {
-    constexpr std::size_t Most = 255 / Together, Size = Together * sizeof(Block);
-    while (const std::size_t steps = static_cast<std::size_t>(end - at - (end != at)) / Size) {
-        for (std::size_t left = std::min(steps, Most); left != 0; --left, at += Size)
-            add(at);
-        sum();
-    }
-}
-
-#endif
-
-// Line ends: line feeds, and where those count, carriage returns that no line feed follows.
-std::uint64_t countLineEnds(const char* at, const char* end, bool hasReturns) noexcept {
-    std::uint64_t lines = 0;
-#if defined(TESSIT_SCAN_BLOCKS)
-    Block feeds{}, returns{};
-    const auto sum = [&] {
-        lines += sumOf(feeds) + sumOf(returns);
-        feeds = returns = Block{};
-    };
-    const auto areFeeds = [](const char* block) { return onesWhere(corvel::blockAt(block) == '\n'); };
-    const auto addFour = [&](const char* block) {
-        feeds -= (areFeeds(block) + areFeeds(block + 16)) + (areFeeds(block + 32) + areFeeds(block + 48));
-    };
-    const auto addBoth = [&](const char* block) {
-        feeds -= areFeeds(block);
-        returns -= onesWhere((corvel::blockAt(block) == '\r') & (corvel::blockAt(block + 1) != '\n'));
-    };
-    hasReturns ? addBlocks<1>(at, end, addBoth, sum) : addBlocks<4>(at, end, addFour, sum);
-#endif
-    for (; at != end; ++at)
-        lines += *at == '\n' || (hasReturns && *at == '\r' && (at + 1 == end || at[1] != '\n'));
-    return lines;
-}
-
-ByteCounts countBytes(const char* at, const char* end) noexcept {
-    ByteCounts counts;
-#if defined(TESSIT_SCAN_BLOCKS)
-    Block continuations{}, pastPlane{};
-    const auto add = [&](const char* block) {
-        const Block bytes = corvel::blockAt(block);
-        continuations -= onesWhere((bytes & 0xC0) == 0x80);
-        pastPlane -= onesWhere((bytes & 0xF0) == 0xF0);
-    };
-    addBlocks<1>(at, end, add, [&] {
-        counts.continuations += sumOf(continuations);
-        counts.pastPlane += sumOf(pastPlane);
-        continuations = pastPlane = Block{};
-    });
-#endif
-    for (; at != end; ++at) {
-        const auto byte = static_cast<unsigned char>(*at);
-        counts.continuations += (byte & 0xC0) == 0x80;
-        counts.pastPlane += byte >= 0xF0;
-    }
-    return counts;
-}
-
-// Where the line of a place begins, if not in front of `first`, which is the answer then.
-const char* findLineBegin(const char* first, const char* place, bool hasReturns) noexcept {
-#if defined(TESSIT_SCAN_BLOCKS)
-    const char other = hasReturns ? '\r' : '\n';
-    while (place - first >= static_cast<std::ptrdiff_t>(sizeof(Block)) &&
-           corvel::matchBlock(place - sizeof(Block), '\n', other) == 0)
-        place -= sizeof(Block);
-#endif
-    while (place != first && !endsLineBefore(place, hasReturns))
-        --place;
-    return place;
-}
-
-}  // namespace
-
 // Where a character is as many bytes of the input as of the text, only those of the last line count.
 QeXmlPosition TextPlaces::leave(const char* place) {
     constexpr std::ptrdiff_t Near = 64;  // blocks would not pay
-    const bool hasReturns = lineEnds == LineEnds::All;
-    if (last.upTo >= place || (hasReturns && place[-1] == '\r')) return at(place);
+    if (last.upTo >= place || (lineEnds == LineEnds::All && place[-1] == '\r')) return at(place);
     if (place - last.upTo < Near) {
         countOn(place);
         return lastPosition();
     }
-    const char* const line = findLineBegin(last.upTo, place, hasReturns);
+    const char* const line = findLineBegin(last.upTo, place, lineEnds);
     if (line != last.upTo) {
         const ByteCounts inFront = units == InputUnits::Same ? ByteCounts{} : countBytes(last.upTo, line);
         last.lineStart = line;
-        last.lines += countLineEnds(last.upTo, line, hasReturns);
+        last.lines += countLineEnds(last.upTo, line, lineEnds);
         last.continuations += inFront.continuations;
         last.continuationsInFrontOfLine = last.continuations;
         last.pastPlane += inFront.pastPlane;

@@ -6,11 +6,9 @@
 #include <vector>
 
 #include <tessit/errors/xml_position.h>
+#include <tessit/rules/counted_bytes.h>
 
 namespace tessit {
-
-/// What ends a line.
-enum class LineEnds : bool { LineFeed, All };
 
 /// How many bytes of the input a character of the text was.
 enum class InputUnits : std::uint8_t {

@@ -1,0 +1,73 @@
+// What is counted by blocks, held against one byte after the other.
+
+#include <gtest/gtest.h>
+#include <random>
+#include <support/documents.h>
+#include <vector>
+
+#include <tessit/rules/counted_bytes.h>
+
+using tessit::LineEnds;
+
+namespace {
+
+struct Counts {
+    std::uint64_t lines = 0, continuations = 0, pastPlane = 0;
+    std::size_t lineBegin = 0;
+
+    bool operator==(const Counts&) const = default;
+};
+
+void PrintTo(const Counts& counts, std::ostream* out) {
+    *out << counts.lines << " lines, the last at " << counts.lineBegin << ", " << counts.continuations << ", "
+         << counts.pastPlane;
+}
+
+Counts expected(std::string_view text, LineEnds ends) {
+    Counts counts;
+    for (std::size_t at = 0; at != text.size(); ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const bool isReturn = ends == LineEnds::All && byte == '\r';
+        counts.lines += byte == '\n' || (isReturn && (at + 1 == text.size() || text[at + 1] != '\n'));
+        counts.continuations += byte >= 0x80 && byte <= 0xBF;
+        counts.pastPlane += byte >= 0xF0;
+        if (byte == '\n' || isReturn) counts.lineBegin = at + 1;
+    }
+    return counts;
+}
+
+// In a heap block of its size, so that a stray read is noticed.
+Counts counted(std::string_view text, LineEnds ends, bool mayUseWideBlocks) {
+    const std::vector<char> bytes(text.begin(), text.end());
+    const char *const begin = bytes.data(), *const end = begin + bytes.size();
+    const tessit::ByteCounts found = tessit::countBytes(begin, end);
+    return {tessit::countLineEnds(begin, end, ends, mayUseWideBlocks), found.continuations, found.pastPlane,
+            static_cast<std::size_t>(tessit::findLineBegin(begin, end, ends) - begin)};
+}
+
+void expectCounts(std::string_view text) {
+    for (const LineEnds ends : {LineEnds::LineFeed, LineEnds::All})
+        for (const bool mayUseWideBlocks : {true, false})
+            EXPECT_EQ(counted(text, ends, mayUseWideBlocks), expected(text, ends)) << testing::PrintToString(text);
+}
+
+}  // namespace
+
+TEST(CountedBytes, AreThoseOfEachByte) {
+    const char* const Parts[] = {
+        "\n", "\r", "\r\n", "x", "text of a line", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
+    std::mt19937 random(1);
+    for (std::size_t length = 0; length != 400; ++length) {
+        std::string text;
+        while (text.size() < length)
+            text += Parts[random() % std::size(Parts)];
+        expectCounts(text);
+    }
+}
+
+// More than a byte counts, with one more or less for what is no block.
+TEST(CountedBytes, AreManyInARow) {
+    for (const char* const same : {"\n", "\r", "\xBF", "\xF0"})
+        for (const std::size_t length : {20'031u, 20'032u, 20'033u})
+            expectCounts(tessit::test::repeat(same, length));
+}
