@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <map>
+#include <random>
 
 #include "support/documents.h"
 
@@ -552,11 +553,44 @@ TEST(Places, OfOpenElementsWhoseTagsHaveLeftTheWindow) {
         }
 }
 
-// More in a row than a byte counts, in what leaves the window without a question.
-TEST(Places, BehindManyLineEnds) {
-    const std::string xml = "<a>" + std::string(20'000, '\n') + repeat("<b/>", 30'000) + "<";
-    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
-        EXPECT_EQ(errorOf(xml, rules, true).substr(0, 12), errorOf(xml, rules).substr(0, 12));
+namespace {
+
+// Elements that open and close as it comes.
+std::string tangledElements(std::size_t length) {
+    std::mt19937 random(1);
+    std::string xml = "<r>";
+    std::vector<std::string> open;
+    while (xml.size() < length || !open.empty()) {
+        const bool opens = open.empty() || (xml.size() < length && open.size() < 40 && random() % 2 == 0);
+        if (opens) open.emplace_back(1 + random() % 5, static_cast<char>('a' + random() % 26));
+        xml += (opens ? "<" : "</") + open.back() + (random() % 3 == 0 ? "\n>" : ">\xC3\xA9");
+        if (!opens) open.pop_back();
+    }
+    return xml + "</r>";
+}
+
+}  // namespace
+
+// Those of levels whose tags have left before, too; and of more levels than are kept, what the window has.
+TEST(Places, OfElementsThatOpenAgainAtLevelsThatHaveLeft) {
+    const Document tangled(tangledElements(700'000));
+    const std::string much(400'000, 'x');
+    const Document deep(repeat("<a>", 1'100) + much + repeat("<b>", 5) + much + "<c>");
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+        QeXmlReader whole(tangled.inPlace(), {.rules = rules}), pieces(tangled.inPieces(0, 4096), {.rules = rules});
+        for (int node = 0; !whole.eof(); ++node) {
+            ASSERT_EQ(readNext(pieces), readNext(whole));
+            const bool asks = node % 97 == 0;
+            ASSERT_EQ(asks ? openElementsOf(pieces) : "", asks ? openElementsOf(whole) : "") << node;
+        }
+        pieces.reset(deep.inPieces(0, 4096));
+        while (readNext(pieces).empty() && pieces.getLastName().getLocalName() != "c")
+            ;
+        const std::vector<QeXmlOpenElement> open = pieces.getOpenElements();
+        ASSERT_EQ(open.size(), 1'025u);
+        EXPECT_EQ(open.back().name, "c");
+        EXPECT_EQ(open[1'023].tag.begin.offset, 3 * 1'023u);
+    }
 }
 
 // By all that is told of it, an error is the same where a part ends in the midst of what it is about.

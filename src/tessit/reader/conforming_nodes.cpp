@@ -98,8 +98,7 @@ inline void QeXmlReader::Engine::ConformingNodes::closeStartTag(const RawName& n
     engine.lastTag = {name.data - 1, &source()};
     if (!isEmpty) {
         engine.openElements.push(name.whole());  // which can throw
-        if (engine.windowed != nullptr)
-            engine.windowed->openTags.open(reader.depth, state.entities.empty() ? name.data - 1 : nullptr);
+        if (engine.windowed != nullptr) engine.windowed->openTags.open(reader.depth + 1, name.data - 1);
         ++reader.depth;
         reader.lastNodeType = ElementStart;
         return;

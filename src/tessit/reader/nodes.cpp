@@ -127,14 +127,18 @@ inline bool QeXmlReader::Engine::NodeReader::skipLastName() noexcept {
     return true;
 }
 
-// Apart from the loop, which has enough to keep in registers.
+// Apart from the loop, which has enough to keep in registers. The tag comes first: should there be no memory for the
+// name, that which was at its level before has gone.
 TESSIT_NOINLINE void QeXmlReader::Engine::noteOpen(std::string_view name) {
+    if (windowed != nullptr) windowed->openTags.open(reader.depth, name.data() - 1);
     openElements.push(name);
 }
 
+// Where tags are not matched, there is a window.
 inline void QeXmlReader::Engine::NodeReader::noteOpen(const tessit::RawName& name) {
-    if (engine.windowed != nullptr) engine.windowed->openTags.open(reader.depth - 1, name.data - 1);
-    if (reader.matchesTags) engine.noteOpen(name.whole());
+    if (reader.matchesTags) [[unlikely]]
+        return engine.noteOpen(name.whole());
+    engine.windowed->openTags.open(reader.depth, name.data - 1);
 }
 
 // Whether the end tag is written like the start tag of the innermost element, as most are: that is closed then.

@@ -4,81 +4,79 @@
 #include <cstddef>
 #include <vector>
 
-#include <corvel/c_string.h>
 #include <corvel/compiler.h>
 #include <tessit/errors/xml_position.h>
-#include <tessit/reader/written_markup.h>
 
 namespace tessit {
 
 /// Where the start tags of the open elements stand, by their level, in a document whose text comes and goes: of those
-/// that are gone, names and positions are kept, for so many levels.
+/// that are gone, names and positions are kept, for so many levels. Those that an entity opened are noted, too, and
+/// never asked for.
 class OpenTags {
 public:
     static constexpr std::size_t MostKept = 1024;
 
-    /// An element of that level begins at the '<'; at null if it stands in no text that comes and goes. Levels below 0,
-    /// where more elements ended than began, are passed over.
-    void open(std::ptrdiff_t level, const char* tag) {
-        const auto number = static_cast<std::size_t>(level);
-        if (number - keptLevels >= roomBehindKept) [[unlikely]]
-            return openElsewhere(level, tag);
+    /// An element begins at the '<', the innermost of so many. Where more elements ended than began, there is nothing
+    /// to note.
+    void open(std::ptrdiff_t levels, const char* tag) {
+        const auto number = static_cast<std::size_t>(levels);
+        if (number >= room) [[unlikely]]
+            return openDeeper(levels, tag);
         tags[number] = tag;
     }
 
-    /// What is in front of the place is about to go; what stands behind it moves to `begin`. Elements are open at as
-    /// many levels. `keep` tells of a tag what is kept of it, from the outermost on.
+    /// What is in front of the place is about to go; what stands behind it moves to `begin`. So many elements are open;
+    /// tags of others go or move, too, as one that there is no memory to note would be taken for them. `keep` tells of
+    /// a tag what is kept of it, from the outermost on.
     template <typename Keep>
     void leave(std::size_t levels, const char* keptFrom, const Keep& keep) {
-        dropKept(levels);
-        while (kept.size() < levels && kept.size() != MostKept) {
+        dropClosed(levels);
+        while (kept.size() < std::min(levels, MostKept)) {
             const char* const begin = tag(kept.size());
             if (begin != nullptr && begin >= keptFrom) break;
             kept.push_back(begin == nullptr ? QeXmlOpenElement() : keep(begin));
-            countRoom();
+            if (begin != nullptr) tags[kept.size()] = nullptr;
         }
     }
-    void moveTo(std::size_t levels, const char* keptFrom, const char* begin) noexcept {
-        for (std::size_t level = kept.size(); level < std::min(levels, tags.size()); ++level)
-            if (const char*& place = tags[level]; place != nullptr)
+    void moveTo(const char* keptFrom, const char* begin) noexcept {
+        for (std::size_t number = kept.size() + 1; number < room; ++number)
+            if (const char*& place = tags[number]; place != nullptr)
                 place = place < keptFrom ? nullptr : begin + (place - keptFrom);
     }
 
     /// What was kept of the element of that level; null if its tag may still be there.
     const QeXmlOpenElement* findKept(std::size_t level) const noexcept {
-        return level < kept.size() ? &kept[level] : nullptr;
+        return level < kept.size() && tag(level) == nullptr ? &kept[level] : nullptr;
     }
 
     /// Its tag; null if nobody knows, as where there was no memory to note it.
-    const char* tag(std::size_t level) const noexcept { return level < tags.size() ? tags[level] : nullptr; }
+    const char* tag(std::size_t level) const noexcept { return level + 1 < room ? tags[level + 1] : nullptr; }
 
-    void clear() noexcept { dropKept(0); }
+    void clear() noexcept {
+        kept.clear();
+        std::ranges::fill(tags, nullptr);
+    }
 
 private:
-    TESSIT_NOINLINE void openElsewhere(std::ptrdiff_t level, const char* tag) {
-        if (level < 0) return;
-        const auto number = static_cast<std::size_t>(level);
-        dropKept(number);
-        if (number >= tags.size()) tags.resize(number + number / 2 + 16);
-        countRoom();
+    TESSIT_NOINLINE void openDeeper(std::ptrdiff_t levels, const char* tag) {
+        if (levels < 0) return;
+        const auto number = static_cast<std::size_t>(levels);
+        tags.resize(number + number / 2 + 16);
+        room = tags.size();
         tags[number] = tag;
     }
 
-    void dropKept(std::size_t level) noexcept {
-        if (level >= kept.size()) return;
-        kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(level), kept.end());
-        countRoom();
+    // Of elements that were opened anew at a level, the tag is there again.
+    void dropClosed(std::size_t levels) noexcept {
+        std::size_t open = 0;
+        while (open < std::min(levels, kept.size()) && tag(open) == nullptr)
+            ++open;
+        kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(open), kept.end());
     }
 
-    void countRoom() noexcept {
-        keptLevels = kept.size();
-        roomBehindKept = tags.size() - std::min(tags.size(), keptLevels);
-    }
-
-    std::vector<const char*> tags;
+    std::vector<const char*> tags;       // by how many elements are open; null where something is kept, or nobody knows
+    std::size_t room = 0;                // its size, at hand
     std::vector<QeXmlOpenElement> kept;  // of the outermost levels
-    std::size_t keptLevels = 0;          // its size, at hand
-    std::size_t roomBehindKept = 0;      // how many of the tags there are for other levels
 };
 
 }  // namespace tessit

@@ -11,6 +11,7 @@
 #include <tessit/reader/nodes.h>
 #include <tessit/reader/raw_copy.h>
 #include <tessit/reader/windowed.h>
+#include <tessit/reader/written_markup.h>
 
 using tessit::NodeFinder;
 
@@ -330,7 +331,7 @@ void QeXmlReader::Engine::moveWindow() {
     const auto move = [=](const char*& place) {
         place = place == nullptr || place < keptFrom ? nullptr : begin + (place - keptFrom);
     };
-    windowed->openTags.moveTo(levelsInDocument(), keptFrom, begin);
+    windowed->openTags.moveTo(keptFrom, begin);
     move(pendingStart);
     const char*& ofNode = placeInDocument(lastNode);
     const char*& ofTag = placeInDocument(lastTag);
