@@ -84,15 +84,6 @@ bool tellsEncoding(std::string_view bytes, std::size_t place) {
     return bytes.size() >= WidestBegin || !Begin.starts_with(begin);
 }
 
-// How much of the bytes tells that: the first characters, or the declaration.
-std::size_t lengthOfBegin(std::string_view bytes) {
-    constexpr std::size_t RestOfCharacter = 3;
-    std::size_t length = std::min(bytes.size(), WidestBegin), seen = 0;
-    while (length != bytes.size() && !tellsEncoding(bytes.substr(0, length), seen))
-        seen = length++;
-    return std::min(bytes.size(), length + RestOfCharacter);
-}
-
 }  // namespace
 
 // As `fetch`, before anything is known of the text.
@@ -122,7 +113,7 @@ void QeXmlReader::Engine::openConformingWindow() {
     tessit::Window& window = windowed->window;
     tessit::DecodedText& document = conforming->document;
     readFirstBytes();
-    conforming->firstBytes.assign(window.text().substr(0, lengthOfBegin(window.text())));
+    conforming->firstBytes.assign(window.text());
     document.source.name = conforming->options.sourceName;
     decodeText(document, conforming->firstBytes, conforming->options.encoding);
     reader.encoding = document.encoding;
