@@ -1,8 +1,11 @@
 // What reading and writing cannot be faster than.
 
 #include <contestants.h>
+#include <cstdlib>
 #include <cstring>
+#include <descriptors.h>
 #include <tokenizer.h>
+#include <vector>
 
 namespace tessit::benchmarks {
 
@@ -28,6 +31,22 @@ Tally tokenize(const Document& document) {
     Tally tally;
     Tokenizer(document.view(), tally).run();
     return tally;
+}
+
+// In pieces as long as the window's.
+Tally readBytes(int descriptor) {
+    static std::vector<char> piece(256 * 1024);
+    while (const ssize_t count = read(descriptor, piece.data(), piece.size()))
+        if (count < 0) std::abort();
+    return {};
+}
+
+Tally readBytesOfFile(const Document& document) {
+    return readFile(document, readBytes);
+}
+
+Tally readBytesOfPipe(const Document& document) {
+    return readPipe(document, readBytes);
 }
 
 std::string escaped(std::string_view text) {
@@ -99,6 +118,9 @@ void addFloors(Contestants& all) {
          .role = Role::Floor,
          .delivery = {.namespaces = false, .references = false, .lineEnds = false, .otherEncodings = false},
          .read = tokenize});
+    constexpr Delivery Large{.mostDocuments = 1};
+    all.readers.push_back({"read of a file", {}, Role::Floor, Large, readBytesOfFile, false});
+    all.readers.push_back({"read of a pipe", {}, Role::Floor, Large, readBytesOfPipe, false});
     all.writers.push_back({.name = "plain appends", .role = Role::Floor, .prepare = prepared<Appended>});
 }
 

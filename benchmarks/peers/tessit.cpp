@@ -2,12 +2,8 @@
 
 #include <algorithm>
 #include <contestants.h>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
+#include <descriptors.h>
 #include <span>
-#include <thread>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -93,28 +89,6 @@ void addConforming(Contestants&, const std::string&) {}
 
 // The same bytes through a window, beside those in place: from a file that is in the page cache, and from a pipe.
 #if __has_include(<tessit/reader/xml_input.h>)
-class CachedFile {
-public:
-    // Written when another document comes.
-    int open(std::string_view document) {
-        if (document.data() != written.data() || document.size() != written.size()) {
-            file.reset(std::tmpfile());
-            std::fwrite(document.data(), 1, document.size(), file.get());
-            std::fflush(file.get());
-            written = document;
-        }
-        lseek(fileno(file.get()), 0, SEEK_SET);
-        return fileno(file.get());
-    }
-
-private:
-    struct Close {
-        void operator()(std::FILE* open) const { std::fclose(open); }
-    };
-    std::unique_ptr<std::FILE, Close> file;
-    std::string_view written;
-};
-
 Tally pullFromDescriptor(int descriptor, QeXmlRules rules) {
     QeXmlReader reader(QeXmlInput::descriptor(descriptor, "the document"), {.rules = rules});
     return pullAll(reader);
@@ -122,25 +96,11 @@ Tally pullFromDescriptor(int descriptor, QeXmlRules rules) {
 
 template <QeXmlRules Rules>
 Tally pullFromFile(const Document& document) {
-    static CachedFile file;
-    return pullFromDescriptor(file.open(document.view()), Rules);
+    return readFile(document, [](int descriptor) { return pullFromDescriptor(descriptor, Rules); });
 }
 
 Tally pullFromPipe(const Document& document) {
-    int ends[2];
-    if (pipe(ends) != 0) std::abort();
-    std::thread writer([text = document.view(), to = ends[1]] {
-        for (std::string_view rest = text; !rest.empty();) {
-            const ssize_t count = write(to, rest.data(), rest.size());
-            if (count <= 0) std::abort();
-            rest.remove_prefix(static_cast<std::size_t>(count));
-        }
-        close(to);
-    });
-    const Tally tally = pullFromDescriptor(ends[0], QeXmlRules::Lenient);
-    writer.join();
-    close(ends[0]);
-    return tally;
+    return readPipe(document, [](int descriptor) { return pullFromDescriptor(descriptor, QeXmlRules::Lenient); });
 }
 
 void addWindowed(Contestants& all, const std::string& version) {
