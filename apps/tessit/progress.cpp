@@ -46,11 +46,16 @@ void Progress::count(std::size_t bytes) {
     read += bytes;
 }
 
-// Memory that does not suffice is told by who reads.
+// Memory that does not suffice is told by who reads, and reading goes on while a terminal was stopped.
 void Progress::show() try {
     std::unique_lock lock(mutex);
-    for (auto pause = Delay; !ends.wait_for(lock, pause, [this] { return hasEnded; }); pause = Pause)
-        if (!name.empty()) console.showBar(bar());
+    for (auto pause = Delay; !ends.wait_for(lock, pause, [this] { return hasEnded; }); pause = Pause) {
+        if (name.empty()) continue;
+        const std::string line = bar();
+        lock.unlock();
+        console.showBar(line);
+        lock.lock();
+    }
 } catch (const std::bad_alloc&) {
 }
 
