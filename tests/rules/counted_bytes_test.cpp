@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <tessit/rules/counted_bytes.h>
+#include <tessit/rules/text_places.h>
 
 using tessit::LineEnds;
 
@@ -72,4 +73,18 @@ TEST(CountedBytes, AreManyInARow) {
     for (const char* const same : {"\n", "\r", "\xBF", "\xF0"})
         for (const std::size_t length : {20'031u, 20'032u, 20'033u})
             expectCounts(tessit::test::repeat(same, length));
+}
+
+// As where a window had no memory to move, after it was counted up to where it would have begun.
+TEST(CountedBytes, AreRightInFrontOfWhatWasLeft) {
+    const std::string text = tessit::test::repeat("x\n", 10'000);
+    const char* const begin = text.data();
+    tessit::TextPlaces places;
+    places.begin(text, LineEnds::LineFeed);
+    for (const std::size_t offset : {10'001u, 5'000u, 10'003u, 9'000u}) {
+        places.leave(begin + 10'000);
+        const QeXmlPosition position = places.at(begin + offset);
+        EXPECT_EQ(position.line, offset / 2 + 1);
+        EXPECT_EQ(position.column, offset % 2 + 1);
+    }
 }

@@ -130,7 +130,7 @@ void TextPlaces::goBackFor(const char* place) {
 void TextPlaces::countTo(const char* place) {
     for (;;) {
         const char* const next = text.data() + (kept.size() + 1) * Distance;
-        if (place < next) return countOn(place);
+        if (place < next || last.upTo > next) return countOn(place);
         countOn(next);
         kept.push_back(last);
     }
