@@ -201,20 +201,6 @@ const struct {
     const char* name;
     void (*run)(Attempt& attempt);
 } Failures[] = {
-    {"an element that was not noted is not taken for one that was open at its level, and has left the window",
-     [](Attempt& attempt) {
-         constexpr int Children = 60'000;
-         static const Document document("<r><a>x</a>" + repeat("<b/>t\n", Children) + "<" + repeat("n", 5000) + ">y");
-         for (const bool matchesTags : {true, false}) {
-             QeXmlReader reader(document.inPieces(0, 4096));
-             reader.setMatchTags(matchesTags);
-             for (int node = 0; node != 4 + 2 * Children; ++node)
-                 reader.readNextNode();
-             attempt([&] { reader.readNextNode(); });
-             for (const QeXmlOpenElement& element : reader.getOpenElements())
-                 EXPECT_TRUE(element.name == "r" || element.name.length() == 5000) << element.name;
-         }
-     }},
     {"a string stays as it was",
      [](Attempt& attempt) {
          using Change = void (*)(QeCString & text);
@@ -322,6 +308,20 @@ const struct {
                  } catch (const std::bad_alloc&) {  // no room for more of the document
                  }
              }
+     }},
+    {"an element that was not noted is not taken for one that was open at its level, and has left the window",
+     [](Attempt& attempt) {
+         constexpr int Children = 60'000;
+         static const Document document("<r><a>x</a>" + repeat("<b/>t\n", Children) + "<" + repeat("n", 5000) + ">y");
+         for (const bool matchesTags : {true, false}) {
+             QeXmlReader reader(document.inPieces(0, 4096));
+             reader.setMatchTags(matchesTags);
+             for (int node = 0; node != 4 + 2 * Children; ++node)
+                 reader.readNextNode();
+             attempt([&] { reader.readNextNode(); });
+             for (const QeXmlOpenElement& element : reader.getOpenElements())
+                 EXPECT_TRUE(element.name == "r" || element.name.length() == 5000) << element.name;
+         }
      }},
     {"a reset that failed is not taken for a document",
      [](Attempt& attempt) {

@@ -127,6 +127,7 @@ void TextPlaces::goBackFor(const char* place) {
     if (anchor.upTo <= place && anchor.upTo > last.upTo) last = anchor;
 }
 
+// Of what `leave` has passed, nothing is kept.
 void TextPlaces::countTo(const char* place) {
     for (;;) {
         const char* const next = text.data() + (kept.size() + 1) * Distance;
