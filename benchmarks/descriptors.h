@@ -14,34 +14,53 @@ namespace tessit::benchmarks {
 /// A file that is in the page cache.
 class CachedFile {
 public:
-    /// At its beginning. Written when another document comes.
-    int open(std::string_view document) {
-        if (document.data() != written.data() || document.size() != written.size()) {
-            file.reset(std::tmpfile());
-            std::fwrite(document.data(), 1, document.size(), file.get());
-            std::fflush(file.get());
-            written = document;
+    CachedFile() : file(std::tmpfile()) {
+        if (file == nullptr) std::abort();
+    }
+
+    /// Writes the document over the last one, as near in the caches then as one in memory that was just made.
+    void write(std::string_view document) {
+        if (ftruncate(open(), static_cast<off_t>(document.size())) != 0) std::abort();
+        while (!document.empty()) {
+            const ssize_t count = ::write(descriptor(), document.data(), document.size());
+            if (count <= 0) std::abort();
+            document.remove_prefix(static_cast<std::size_t>(count));
         }
-        lseek(fileno(file.get()), 0, SEEK_SET);
-        return fileno(file.get());
+    }
+
+    /// At its beginning.
+    int open() {
+        lseek(descriptor(), 0, SEEK_SET);
+        return descriptor();
+    }
+
+    static CachedFile& ofDocument() {
+        static CachedFile file;
+        return file;
     }
 
 private:
     struct Close {
         void operator()(std::FILE* open) const { std::fclose(open); }
     };
+
+    int descriptor() const { return fileno(file.get()); }
+
     std::unique_ptr<std::FILE, Close> file;
-    std::string_view written;
 };
+
+/// For the `makeReady` of readers of a file.
+inline void writeFile(const Document& document) {
+    CachedFile::ofDocument().write(document.view());
+}
 
 /// What `read` makes of the descriptor.
 template <typename Read>
-Tally readFile(const Document& document, const Read& read) {
-    static CachedFile file;
-    return read(file.open(document.view()));
+Tally readFile(const Read& read) {
+    return read(CachedFile::ofDocument().open());
 }
 
-/// The same for a pipe, which another thread writes to.
+/// The same for a pipe, which another thread writes the document to.
 template <typename Read>
 Tally readPipe(const Document& document, const Read& read) {
     int ends[2];

@@ -43,6 +43,9 @@ struct Reader {
     /// Reads a document and counts what is in it.
     Tally (*read)(const Document& document) = nullptr;
 
+    /// What else is made of a document before each reading, and not timed.
+    void (*makeReady)(const Document& document) = nullptr;
+
     /// Floors may do less than reading; then there is nothing to be checked.
     bool counts = true;
 

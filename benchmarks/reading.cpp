@@ -28,6 +28,13 @@ void ReadyDocuments::renew() {
     }
 }
 
+void ReadyDocuments::renew(const Reader& reader) {
+    renew();
+    if (reader.makeReady == nullptr) return;
+    for (const Document& document : documents)
+        reader.makeReady(document);
+}
+
 Tally ReadyDocuments::read(const Reader& reader) const {
     Tally total;
     for (const Document& document : documents)
@@ -74,9 +81,9 @@ void Reading::registerBenchmarks(std::vector<Measurement>& measurements) {
 namespace {
 
 Allocations allocationsOf(ReadyDocuments& documents, const Reader& reader, const std::string& name) {
-    documents.renew();
+    documents.renew(reader);
     documents.read(reader);  // what is made once in a process counts for no document
-    documents.renew();
+    documents.renew(reader);
     return countAllocations([&] { countInstructions(name, [&] { documents.read(reader); }); });
 }
 
@@ -86,7 +93,7 @@ void Reading::measure(benchmark::State& state, std::size_t corpus, const Reader&
     ReadyDocuments& documents = documentsOf(corpus);
     if (!measurement.allocations) measurement.allocations = allocationsOf(documents, reader, measurement.name());
     for ([[maybe_unused]] const auto& iteration : state) {
-        documents.renew();
+        documents.renew(reader);
         if (corpora[corpus].freshMemory) releaseFreedMemory();
         settleVectorState();
         const CpuClock clock;
@@ -113,7 +120,7 @@ bool Reading::check() {
 
 bool Reading::checkReader(std::size_t corpus, const Reader& reader) {
     ReadyDocuments& documents = documentsOf(corpus);
-    documents.renew();
+    documents.renew(reader);
     const std::string fault = faultOf(documents.read(reader), corpus, reader);
     if (!fault.empty()) std::cerr << reader.name << " on " << corpora[corpus].name << ": " << fault << '\n';
     return fault.empty();

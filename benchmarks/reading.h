@@ -21,11 +21,13 @@ public:
 
     /// Copies the corpus once more, over what a reader may have left. Every reader
     /// gets its documents this way, so that all find them equally near in the caches.
-    void renew();
+    void renew(const Reader& reader);
 
     Tally read(const Reader& reader) const;
 
 private:
+    void renew();
+
     const Corpus& source;
     std::vector<char> bytes;
     std::vector<QeCString> texts;

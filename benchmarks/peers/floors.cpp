@@ -41,8 +41,8 @@ Tally readBytes(int descriptor) {
     return {};
 }
 
-Tally readBytesOfFile(const Document& document) {
-    return readFile(document, readBytes);
+Tally readBytesOfFile(const Document&) {
+    return readFile(readBytes);
 }
 
 Tally readBytesOfPipe(const Document& document) {
@@ -119,8 +119,8 @@ void addFloors(Contestants& all) {
          .delivery = {.namespaces = false, .references = false, .lineEnds = false, .otherEncodings = false},
          .read = tokenize});
     constexpr Delivery Large{.mostDocuments = 1};
-    all.readers.push_back({"read of a file", {}, Role::Floor, Large, readBytesOfFile, false});
-    all.readers.push_back({"read of a pipe", {}, Role::Floor, Large, readBytesOfPipe, false});
+    all.readers.push_back({"read of a file", {}, Role::Floor, Large, readBytesOfFile, writeFile, false});
+    all.readers.push_back({"read of a pipe", {}, Role::Floor, Large, readBytesOfPipe, nullptr, false});
     all.writers.push_back({.name = "plain appends", .role = Role::Floor, .prepare = prepared<Appended>});
 }
 

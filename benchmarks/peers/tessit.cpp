@@ -95,8 +95,8 @@ Tally pullFromDescriptor(int descriptor, QeXmlRules rules) {
 }
 
 template <QeXmlRules Rules>
-Tally pullFromFile(const Document& document) {
-    return readFile(document, [](int descriptor) { return pullFromDescriptor(descriptor, Rules); });
+Tally pullFromFile(const Document&) {
+    return readFile([](int descriptor) { return pullFromDescriptor(descriptor, Rules); });
 }
 
 Tally pullFromPipe(const Document& document) {
@@ -105,9 +105,9 @@ Tally pullFromPipe(const Document& document) {
 
 void addWindowed(Contestants& all, const std::string& version) {
     constexpr Delivery Lenient{.xmlPrefix = false, .mostDocuments = 1}, Conforming{.mostDocuments = 1};
-    all.readers.push_back({"tessit file", version, Role::Ours, Lenient, pullFromFile<QeXmlRules::Lenient>});
+    all.readers.push_back({"tessit file", version, Role::Ours, Lenient, pullFromFile<QeXmlRules::Lenient>, writeFile});
     all.readers.push_back(
-        {"tessit conforming file", version, Role::Ours, Conforming, pullFromFile<QeXmlRules::Conforming>});
+        {"tessit conforming file", version, Role::Ours, Conforming, pullFromFile<QeXmlRules::Conforming>, writeFile});
     all.readers.push_back({"tessit pipe", version, Role::Ours, Lenient, pullFromPipe});
 }
 #else
