@@ -431,7 +431,8 @@ The most that was held at once beyond the input; our reader itself is an object 
 - The heap keeps what is freed, so that a tree is built in memory that is there already; only in `records-fresh` does each
   reading get its memory from the system.
 - `tessit pull` reads a buffer in place, `tessit pull, string` copies a string first, `tessit demand` asks for each
-  element by its name.
+  element by its name. `tessit file` reads a file in the page cache, to which the fresh copy was written; `tessit pipe` a
+  pipe, to which another thread writes meanwhile: from its processor's cache each byte has to come to the reader's.
 - Each round runs each benchmark once, one library after another on the same corpus. Times are processor time of the
   thread.
 - Before each reading and writing, the upper halves of the vector registers are marked as unused: one library leaves
