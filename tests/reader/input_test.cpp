@@ -236,6 +236,43 @@ TEST(Input, RefusesCallbacksThatUseTheirReader) {
         }
 }
 
+// Even where more is there as a whole than was asked for, and nothing comes of it for who waits.
+TEST(Input, GoesOnWhereACallbackWasRefused) {
+    constexpr std::string_view Front = "<!DOCTYPE r [<!ENTITY e '<i/>y'>]><r>&e;<!--c-->&e;<!--d-->", Rest = "<b/></r>";
+    using Call = void (*)(QeXmlReader & reader);
+    const Call calls[] = {[](QeXmlReader& reader) { reader.readNextNode(); },
+                          [](QeXmlReader& reader) { reader.isElementNext("b"); },
+                          [](QeXmlReader& reader) { reader.readElementStart("i"); },
+                          [](QeXmlReader& reader) { reader.readElementEnd("i"); },
+                          [](QeXmlReader& reader) { reader.readElement("i"); }};
+    const auto demand = [](QeXmlReader& reader) {
+        reader.readElementStart("r");
+        std::string read(reader.readElement("i"));
+        reader.readElement("i");
+        return read + reader.readElement("b").data();
+    };
+    for (const Call call : calls)
+        for (const bool demands : {false, true}) {
+            const auto read = [&](QeXmlReader& reader) { return demands ? demand(reader) : readAll(reader); };
+            const QeXmlReaderOptions options{.rules = QeXmlRules::Conforming,
+                                             .nodes = demands ? QeXmlNodes::TagsAndText : QeXmlNodes::All};
+            QeXmlReader* inside = nullptr;
+            std::size_t given = 0;
+            QeXmlReader reader(QeXmlInput::callback([&](std::span<char> room) {
+                                   if (given == 1) {
+                                       EXPECT_THROW(call(*inside), QeXmlInputError);
+                                       inside->eof(), inside->setExpandAttributeReference(false);
+                                   }
+                                   const std::string_view part[] = {Front, Rest, {}};
+                                   return part[given++].copy(room.data(), room.size());
+                               }),
+                               options);
+            inside = &reader;
+            QeXmlReader inPlace(QeXmlInput::copy(QeCString(std::string(Front) + std::string(Rest))), options);
+            EXPECT_EQ(read(reader), read(inPlace));
+        }
+}
+
 // Each node comes with the byte that makes it whole.
 TEST(Input, DeliversWhatIsThere) {
     constexpr std::string_view Xml = "<a>x<b y='>'/>z</a><!--c-->";

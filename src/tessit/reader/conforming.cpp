@@ -6,6 +6,7 @@
 
 #include <corvel/immortal.h>
 #include <tessit/reader/conforming_nodes.h>
+#include <tessit/reader/windowed.h>
 
 namespace {
 
@@ -106,6 +107,7 @@ void QeXmlReader::Engine::raiseFault() {
 }
 
 void QeXmlReader::Engine::readConformingContent() {
+    refuseWhileReading();
     if (conforming->fault != nullptr) raiseFault();
     try {
         if (conforming->phase == Conforming::InRoot) needText();
@@ -120,6 +122,7 @@ void QeXmlReader::Engine::readConformingContent() {
 // Asked outside of the root element by `eof`, which raises nothing: a fault there is for the next reading call.
 void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
     if (conforming->phase != Conforming::InEpilog || conforming->fault != nullptr) return;
+    if (windowed != nullptr && windowed->isReading) return;
     try {
         ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave);
     } catch (...) {

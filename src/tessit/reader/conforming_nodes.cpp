@@ -13,6 +13,8 @@ using tessit::StrictScanner;
 
 // As for a lenient reader, all that is called here is made one function.
 TESSIT_FLATTEN void QeXmlReader::readNextConforming() {
+    if (engine->windowed != nullptr && engine->windowed->isReading) [[unlikely]]
+        engine->refuseWhileReading();  // which is no fault of the document
     if (engine->conforming->fault != nullptr) engine->raiseFault();
     try {
         Engine::ConformingNodes(*engine).readNextNode();

@@ -90,6 +90,9 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void leaveWindow() noexcept;
     void openConformingWindow();
     void refuseWhileReading() const;
+    bool readSource();
+    bool expandsAsFound() const noexcept;
+    void noteExpansion() noexcept;
     bool readFirst();
     void readFirstBytes();
     template <typename Read>

@@ -20,10 +20,14 @@ bool opensElement(QeXmlReader::NodeType type) {
 // writes over: so it is copied first. What demands a tag looks at it only behind the scan: right after the
 // copy was made, the processor would have to wait for it (records take 10 % less time so).
 const QeXmlName& QeXmlReader::Engine::keepExpected(const QeXmlName& name) {
+    if (windowed != nullptr) [[unlikely]]
+        refuseWhileReading();
     return expectedName = name;
 }
 
 const QeCString& QeXmlReader::Engine::keepExpected(const QeCString& qname) {
+    if (windowed != nullptr) [[unlikely]]
+        refuseWhileReading();
     return tessit::ModelAccess::localNameOf(expectedName) = qname;
 }
 

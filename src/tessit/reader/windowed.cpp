@@ -23,15 +23,18 @@ constexpr std::size_t FirstBytes = 4;
 // So many hold a mark and "<?xml" in any encoding.
 constexpr std::size_t WidestBegin = 24;
 
+template <typename Value = bool>
 class SetMeanwhile {
 public:
-    explicit SetMeanwhile(bool& variable) noexcept : flag(variable) { flag = true; }
+    explicit SetMeanwhile(Value& which, Value meanwhile = true) noexcept
+        : variable(which), before(std::exchange(which, meanwhile)) {}
     SetMeanwhile(const SetMeanwhile&) = delete;
     SetMeanwhile& operator=(const SetMeanwhile&) = delete;
-    ~SetMeanwhile() { flag = false; }
+    ~SetMeanwhile() { variable = before; }
 
 private:
-    bool& flag;
+    Value& variable;
+    const Value before;
 };
 
 }  // namespace
@@ -52,8 +55,12 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
     if (told != nullptr) converter = input.openPieces(told);
     if (converter) convertWindow(std::move(*converter), told);
     findFrom(NodeFinder::Where::Outside);
-    readWithinLimits([this] { NodeReader(*this).readProlog(); });
+    readWithinLimits([this] {
+        tessit::hold(windowed->window.bytesRead(), input.limits().document, tessit::Limit::Document);
+        NodeReader(*this).readProlog();
+    });
     windowed->isInRoot = true;
+    noteExpansion();
 }
 
 void QeXmlReader::Engine::leaveWindow() noexcept {
@@ -91,7 +98,7 @@ bool QeXmlReader::Engine::readFirst() {
     return readOrKeepFault([this] {
         tessit::Window& window = windowed->window;
         if (window.isFull()) window.moveFrom(0);
-        return window.read();
+        return readSource();
     });
 }
 
@@ -119,8 +126,9 @@ void QeXmlReader::Engine::openConformingWindow() {
     reader.encoding = document.encoding;
     if (conforming->options.namespaces) tessit::ConformingTags::bindXml(bindings);
     const tessit::Rule fault = document.source.endsBy;
+    const std::uint64_t bytesRead = window.bytesRead();
     if (fault == tessit::Rule::UnknownEncoding || fault == tessit::Rule::EncodingMismatch) {
-        input.setLength(window.bytesRead());
+        input.setLength(bytesRead);
         windowed.reset();  // nothing behind that is read
         input.enter(document.source, document.source.begin());
     } else {
@@ -129,6 +137,7 @@ void QeXmlReader::Engine::openConformingWindow() {
         findFrom(NodeFinder::Where::Begin);
     }
     try {
+        tessit::hold(bytesRead, input.limits().document, tessit::Limit::Document);
         ConformingNodes(*this).readProlog();
     } catch (...) {
         keepFault();
@@ -141,6 +150,7 @@ void QeXmlReader::Engine::openConformingWindow() {
 // Has what is read begin in front of the place that says what can be read, which goes on as more comes.
 void QeXmlReader::Engine::needInWindow(const char* const& upTo) {
     if (!readsWindow() || reader.cursor < upTo) return;
+    refuseWhileReading();
     if (windowed->isOnTrust) findAnew();
     while (reader.cursor >= upTo && fetchMore())
         ;
@@ -248,9 +258,23 @@ void QeXmlReader::Engine::goBack() noexcept {
     findAnew();
 }
 
+// Whether what was found was looked for with values that end as they do for the reader now: those that hold references
+// may hold what would be tags.
+bool QeXmlReader::Engine::expandsAsFound() const noexcept {
+    return conforming != nullptr || !windowed->isInRoot ||
+           windowed->finder.expands() == reader.expandAttributeReference;
+}
+
+// On trust, a program can have it otherwise for each tag, however much is there.
+void QeXmlReader::Engine::noteExpansion() noexcept {
+    if (windowed == nullptr || windowed->isReading || expandsAsFound()) return;
+    mayTrust() && windowed->fault == nullptr ? readOnTrust() : findAnew();
+}
+
 // --- The window moves
 
-// A callback that had more read, or read another document, would lose the room that it is filling.
+// A callback that had more read, or read another document, would lose the room that it is filling, or what the call that
+// waits for it has at hand.
 void QeXmlReader::Engine::refuseWhileReading() const {
     if (windowed == nullptr || !windowed->isReading) return;
     throw QeXmlInputError("the input", std::make_error_code(std::errc::resource_deadlock_would_occur),
@@ -263,12 +287,18 @@ bool QeXmlReader::Engine::readOrKeepFault(const Read& read) {
     refuseWhileReading();
     if (windowed->fault != nullptr) std::rethrow_exception(windowed->fault);
     try {
-        const SetMeanwhile reads(windowed->isReading);
         return read();
     } catch (...) {
         windowed->fault = std::current_exception();
         throw;
     }
+}
+
+// Meanwhile nothing counts as whole: else the callback could have it read.
+bool QeXmlReader::Engine::readSource() {
+    const SetMeanwhile reads(windowed->isReading);
+    const SetMeanwhile<const char*> none(wholeUpTo, nullptr), noText(windowed->textsUpTo, nullptr);
+    return windowed->window.read();
 }
 
 // Gets more of the document; false at its end.
@@ -277,7 +307,7 @@ bool QeXmlReader::Engine::fetch() {
     const std::uint64_t before = windowed->window.bytesRead();
     const bool isMore = readOrKeepFault([this] {
         if (windowed->window.isFull()) moveWindow();
-        const bool isText = windowed->window.read();
+        const bool isText = readSource();
         checkConversions();
         tessit::hold(windowed->window.bytesRead(), input.limits().document, tessit::Limit::Document);
         return isText;
@@ -287,7 +317,7 @@ bool QeXmlReader::Engine::fetch() {
     if (mayTrust())
         readOnTrust();
     else
-        windowed->isOnTrust ? findAnew() : findInWindow();
+        windowed->isOnTrust || !expandsAsFound() ? findAnew() : findInWindow();
     return isMore;
 }
 

@@ -128,10 +128,8 @@ bool QeXmlReader::isAtEnd() noexcept {
     return !engine->fetchQuietly() && engine->windowed->fault == nullptr;
 }
 
-// Where values end that hold references, and with them tags.
 void QeXmlReader::noteExpansion() noexcept {
-    if (engine->windowed == nullptr || engine->conforming != nullptr) return;
-    if (engine->windowed->finder.expands() != expandAttributeReference) engine->findAnew();
+    engine->noteExpansion();
 }
 
 void QeXmlReader::takePendingOrApart() {
