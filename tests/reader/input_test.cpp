@@ -301,6 +301,30 @@ QeXmlInput inParts(const std::vector<std::string>& parts, std::size_t& calls) {
     });
 }
 
+// In bounded memory: there may be any number of blanks.
+TEST(Input, SaysWhereTheLastNodeStandsBehindTheRoot) {
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+        for (const std::size_t length : {1u, 49'152u, 300'000u})
+            for (const std::size_t blanks : {0u, 40'000u, 5'000'000u}) {
+                const std::string text = "<r>" + std::string(length, 'x') + "</r>" + std::string(blanks, '\n');
+                std::size_t given = 0, largestRoom = 0;
+                QeXmlReader reader(QeXmlInput::callback([&](std::span<char> room) {
+                                       largestRoom = std::max(largestRoom, room.size());
+                                       const std::size_t count = text.copy(room.data(), room.size(), given);
+                                       return given += count, count;
+                                   }),
+                                   {.rules = rules});
+                while (!reader.eof())
+                    reader.readNextNode();
+                const QeXmlSpan span = reader.getLastSpan();
+                EXPECT_EQ(span.begin.offset, 3 + length);
+                EXPECT_EQ(span.end.offset, 7 + length);
+                EXPECT_EQ(span.end.column, 8 + length);
+                EXPECT_EQ(reader.getLastOffset(), 3 + length);
+                EXPECT_LE(largestRoom, 1'000'000u);
+            }
+}
+
 // The same where much is there, most of which is read before it is known to be whole.
 TEST(Input, DeliversAllOfMuch) {
     constexpr std::size_t Count = 1000;

@@ -167,6 +167,14 @@ TEST(Limits, AreThoseOfTheTextInAnyEncoding) {
     }
 }
 
+// Before anything is delivered, if the first bytes are too many.
+TEST(Limits, HoldForWhatIsReadFirst) {
+    const Document document("<a>" + repeat("<b/>", 1000) + "</a>");
+    for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
+        EXPECT_THROW(QeXmlReader(document.inPieces(0, 10'000), {.rules = rules, .limits = {.document = 1000}}),
+                     QeXmlLimitError);
+}
+
 // Even of what has to be read to know the encoding.
 TEST(Limits, HoldForADeclarationWithoutAnEnd) {
     for (std::uint64_t QeXmlLimits::*const field : {&QeXmlLimits::document, &QeXmlLimits::node}) {

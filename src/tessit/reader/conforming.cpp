@@ -123,6 +123,8 @@ void QeXmlReader::Engine::readConformingContent() {
 void QeXmlReader::Engine::passOutsideOfRoot() noexcept {
     if (conforming->phase != Conforming::InEpilog || conforming->fault != nullptr) return;
     if (windowed != nullptr && windowed->isReading) return;
+    bool never = false;
+    const tessit::SetMeanwhile keeps(windowed != nullptr ? windowed->keepsPlace : never);
     try {
         ConformingNodes(*this).passOutside(ConformingNodes::Others::Leave);
     } catch (...) {

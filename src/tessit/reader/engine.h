@@ -102,7 +102,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     bool isHalfALineEnd() const noexcept;
     bool fetch();
     bool fetchMore();
-    bool fetchQuietly() noexcept;
+    bool fetchQuietly(bool& keeps) noexcept;
+    void keepPlaceOfLast();
     void moveWindow();
     void showWindow(const char* place);
     void findFrom(tessit::NodeFinder::Where where);

@@ -51,6 +51,7 @@ QeXmlPosition QeXmlReader::Engine::positionIn(const Written& written, const char
 // source that is.
 QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
     const Written here{input.position(), conforming == nullptr ? nullptr : &input.source()};
+    if (lastNode.begin == nullptr && windowed != nullptr && windowed->leftNode) return windowed->leftNode->span;
     if (lastNode.begin == nullptr) return spanOf(here, here.begin);
     if (reader.lastNodeType == Content) return {positionIn(lastNode, lastNode.begin), endOf(here, here.begin)};
     const char* const limit = lastNode.source == nullptr ? input.limit() : lastNode.source->end();
@@ -63,6 +64,7 @@ QeXmlSpan QeXmlReader::Engine::spanOfLastNode() const {
 }
 
 std::uint64_t QeXmlReader::Engine::offsetOfLastNode() const {
+    if (lastNode.begin == nullptr && windowed != nullptr && windowed->leftNode) return windowed->leftNode->offset;
     Written at = lastNode;
     if (at.begin == nullptr) at = {input.position(), conforming == nullptr ? nullptr : &input.source()};
     if (at.source == nullptr) return input.offsetOf(at.begin);

@@ -23,20 +23,6 @@ constexpr std::size_t FirstBytes = 4;
 // So many hold a mark and "<?xml" in any encoding.
 constexpr std::size_t WidestBegin = 24;
 
-template <typename Value = bool>
-class SetMeanwhile {
-public:
-    explicit SetMeanwhile(Value& which, Value meanwhile = true) noexcept
-        : variable(which), before(std::exchange(which, meanwhile)) {}
-    SetMeanwhile(const SetMeanwhile&) = delete;
-    SetMeanwhile& operator=(const SetMeanwhile&) = delete;
-    ~SetMeanwhile() { variable = before; }
-
-private:
-    Value& variable;
-    const Value before;
-};
-
 }  // namespace
 
 void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> source) {
@@ -162,7 +148,7 @@ void QeXmlReader::Engine::needText() {
 }
 
 void QeXmlReader::Engine::needRestOfText() {
-    const SetMeanwhile keeps(windowed->keepsLast);
+    const tessit::SetMeanwhile keeps(windowed->keepsLast);
     needText();
 }
 
@@ -296,8 +282,8 @@ bool QeXmlReader::Engine::readOrKeepFault(const Read& read) {
 
 // Meanwhile nothing counts as whole: else the callback could have it read.
 bool QeXmlReader::Engine::readSource() {
-    const SetMeanwhile reads(windowed->isReading);
-    const SetMeanwhile<const char*> none(wholeUpTo, nullptr), noText(windowed->textsUpTo, nullptr);
+    const tessit::SetMeanwhile reads(windowed->isReading);
+    const tessit::SetMeanwhile<const char*> none(wholeUpTo, nullptr), noText(windowed->textsUpTo, nullptr);
     return windowed->window.read();
 }
 
@@ -335,6 +321,7 @@ void QeXmlReader::Engine::showWindow(const char* place) {
 // for where it stands then, should moving or what follows fail.
 void QeXmlReader::Engine::moveWindow() {
     nothingIsWhole();
+    keepPlaceOfLast();
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
@@ -369,6 +356,13 @@ void QeXmlReader::Engine::moveWindow() {
     showWindow(begin + cursorBehind);
     input.goOnIn(windowed->window.text(), beginning);
     if (rawCopy != nullptr) rawCopy->goOn();
+}
+
+void QeXmlReader::Engine::keepPlaceOfLast() {
+    if (!windowed->keepsPlace)
+        windowed->leftNode.reset();
+    else if (lastNode.begin != nullptr)
+        windowed->leftNode = {spanOfLastNode(), offsetOfLastNode()};
 }
 
 // The elements that the document's own text has opened.
@@ -408,9 +402,9 @@ void QeXmlReader::Engine::leaveBeginning() noexcept {
     conforming->documentTypeBegin = conforming->documentTypeEnd = nullptr;
 }
 
-// Asked by a program that may still ask about the last node. What goes wrong is for the next reading call.
-bool QeXmlReader::Engine::fetchQuietly() noexcept {
-    const SetMeanwhile keeps(windowed->keepsLast);
+// Asked by a program that may still ask about the last node: of it, or of its place alone, `keeps` has it kept. What goes wrong is for the next reading call.
+bool QeXmlReader::Engine::fetchQuietly(bool& keeps) noexcept {
+    const tessit::SetMeanwhile keepsMeanwhile(keeps);
     try {
         return fetch();
     } catch (...) {
@@ -446,6 +440,7 @@ void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, const
     window.convertFrom(place, std::move(converter));
     foundOut.reset();
     lastNode = lastTag = {};
+    windowed->leftNode.reset();
     input.goOnConverted(window.text(), units, beginning);
     checkConversions();
 }

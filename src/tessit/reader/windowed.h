@@ -2,11 +2,32 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include <tessit/reader/engine.h>
 #include <tessit/reader/node_finder.h>
 #include <tessit/reader/open_tags.h>
 #include <tessit/reader/window.h>
+
+namespace tessit {
+
+/// Has a variable another value while this lives.
+template <typename Value = bool>
+class SetMeanwhile {
+public:
+    explicit SetMeanwhile(Value& which, Value meanwhile = true) noexcept
+        : variable(which), before(std::exchange(which, meanwhile)) {}
+    SetMeanwhile(const SetMeanwhile&) = delete;
+    SetMeanwhile& operator=(const SetMeanwhile&) = delete;
+    ~SetMeanwhile() { variable = before; }
+
+private:
+    Value& variable;
+    const Value before;
+};
+
+}  // namespace tessit
 
 /// What a reader has besides whose document comes piece by piece: the part of it that is in memory, and what finds up
 /// to where nodes are whole there.
@@ -20,6 +41,7 @@ struct QeXmlReader::Engine::Windowed {
         textsUpTo = nullptr;
         isInRoot = isInEpilog = hasMoved = isOnTrust = isDoubted = false;
         openTags.clear();
+        leftNode.reset();
         fault = nullptr;
     }
 
@@ -35,7 +57,14 @@ struct QeXmlReader::Engine::Windowed {
     bool hasMoved = false;     // the document's beginning is no longer there
     bool isReading = false;    // the source is called
     bool keepsLast = false;    // the last node stays, as it may still be asked for
+    bool keepsPlace = false;   // where it stands is kept
     std::exception_ptr fault;  // what the source threw: it does so again
+
+    struct LeftNode {
+        QeXmlSpan span;
+        std::uint64_t offset;
+    };
+    std::optional<LeftNode> leftNode;  // the last one, if it has gone and its place was kept
 };
 
 /// What is scanned while this lives may be returned as it is written.

@@ -113,19 +113,21 @@ void QeXmlReader::open(std::string_view document) {
     engine->readProlog();
 }
 
+// There may be any number of it.
 void QeXmlReader::skipSpace() noexcept {
     if (engine->conforming != nullptr) return engine->passOutsideOfRoot();
     do {
         while (cursor != bufferEnd && tessit::isSpace(*cursor))
             ++cursor;
-    } while (cursor == bufferEnd && engine->windowed != nullptr && engine->fetchQuietly());
+    } while (cursor == bufferEnd && engine->windowed != nullptr &&
+             engine->fetchQuietly(engine->windowed->keepsPlace));
 }
 
 // Asked where all is read that is there: whether more comes. What goes wrong is for the next reading call.
 bool QeXmlReader::isAtEnd() noexcept {
     if (engine->conforming != nullptr) return bufferEnd != nullptr;  // else nothing was read yet, or nothing can be
     if (engine->windowed == nullptr) return true;
-    return !engine->fetchQuietly() && engine->windowed->fault == nullptr;
+    return !engine->fetchQuietly(engine->windowed->keepsLast) && engine->windowed->fault == nullptr;
 }
 
 void QeXmlReader::noteExpansion() noexcept {
