@@ -35,6 +35,7 @@ void QeXmlReader::Engine::openWindowed(std::unique_ptr<tessit::ByteSource> sourc
     if (conforming != nullptr) return openConformingWindow();
     while (windowed->window.text().size() < FirstBytes && readFirst())
         ;
+    windowed->openTags.standsAt(windowed->window.text().data());
     input.takeWindow(windowed->window.text(), 0);
     const char* const told = input.tellEncoding();
     std::optional<voxal::PieceConverter> converter;
@@ -310,6 +311,7 @@ bool QeXmlReader::Engine::fetch() {
 // Has the reader see what the window has, with its cursor there.
 void QeXmlReader::Engine::showWindow(const char* place) {
     const std::string_view text = windowed->window.text();
+    windowed->openTags.standsAt(text.data());
     if (conforming == nullptr) return input.takeWindow(text, static_cast<std::size_t>(place - text.data()));
     tessit::Source& source = conforming->document.source;
     source.text = text;
@@ -339,7 +341,7 @@ void QeXmlReader::Engine::moveWindow() {
     const auto move = [=](const char*& place) {
         place = place == nullptr || place < keptFrom ? nullptr : begin + (place - keptFrom);
     };
-    windowed->openTags.moveTo(keptFrom, begin);
+    windowed->openTags.drop(dropped);
     move(pendingStart);
     const char*& ofNode = placeInDocument(lastNode);
     const char*& ofTag = placeInDocument(lastTag);
@@ -438,6 +440,7 @@ void QeXmlReader::Engine::convertWindow(voxal::PieceConverter&& converter, const
     slots.forgetDocument();
     const QeXmlPosition beginning = input.positionOf(reader.cursor);
     window.convertFrom(place, std::move(converter));
+    windowed->openTags.standsAt(window.text().data());
     foundOut.reset();
     lastNode = lastTag = {};
     windowed->leftNode.reset();

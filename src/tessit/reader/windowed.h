@@ -37,10 +37,10 @@ struct QeXmlReader::Engine::Windowed {
 
     /// Begins with another source.
     void begin(std::unique_ptr<tessit::ByteSource> source) noexcept {
+        openTags.clear(window.text().size());
         window.reset(std::move(source));
         textsUpTo = nullptr;
         isInRoot = isInEpilog = hasMoved = isOnTrust = isDoubted = false;
-        openTags.clear();
         leftNode.reset();
         fault = nullptr;
     }
