@@ -325,6 +325,20 @@ TEST(Input, SaysWhereTheLastNodeStandsBehindTheRoot) {
             }
 }
 
+// A text is delivered when what ends it is there, wherever it began.
+TEST(Input, DeliversTextsBehindEntities) {
+    const std::string front = "<!DOCTYPE r [<!ENTITY e '<i/>y'>]><r>";
+    for (const char* text : {"yt<!--c-->", "&e;t<!--c-->", "&e;<!--c-->", "&e;t<![CDATA[x]]>", "&e;<b", "&e;t</"}) {
+        std::size_t calls = 0;
+        const std::vector<std::string> parts{front + text, "></b>"};
+        QeXmlReader reader(inParts(parts, calls), {.rules = QeXmlRules::Conforming, .nodes = QeXmlNodes::All});
+        do
+            reader.readNextNode();
+        while (reader.getLastNodeType() != QeXmlReader::Content);
+        EXPECT_EQ(calls, 1u) << text;
+    }
+}
+
 // The same where much is there, most of which is read before it is known to be whole.
 TEST(Input, DeliversAllOfMuch) {
     constexpr std::size_t Count = 1000;

@@ -175,6 +175,34 @@ TEST(Limits, HoldForWhatIsReadFirst) {
                      QeXmlLimitError);
 }
 
+// The elements in front of what was too much, whether its beginning is still there or not.
+TEST(Limits, HavePathsThroughWindows) {
+    constexpr std::size_t Front = 50'000;
+    const struct {
+        const char* xml;
+        QeXmlLimits limits;
+        const char* last;
+    } rows[] = {{"<r><a></a></r>", {.depth = 1}, "r"},
+                {"<r><a longname=''></a></r>", {.name = 5}, "r"},
+                {"<r><a x='long'/></r>", {.value = 2}, "r"},
+                {"<r><a>text</a></r>", {.text = 3}, "a"}};
+    for (const auto& [xml, limits, last] : rows)
+        for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming}) {
+            const Document document("<!--" + std::string(Front, 'x') + "-->" + xml + std::string(100, ' '));
+            const auto pathOf = [&](QeXmlReader& reader) {
+                try {
+                    while (!reader.eof())
+                        reader.readNextNode();
+                } catch (const QeXmlParseError& error) {
+                    return std::string(error.getPath());
+                }
+                return std::string("no error");
+            };
+            QeXmlReader reader(document.inPieces(Front + 7, 7), {.rules = rules, .limits = limits});
+            EXPECT_TRUE(pathOf(reader).ends_with(std::string("/") + last)) << xml;
+        }
+}
+
 // Even of what has to be read to know the encoding.
 TEST(Limits, HoldForADeclarationWithoutAnEnd) {
     for (std::uint64_t QeXmlLimits::*const field : {&QeXmlLimits::document, &QeXmlLimits::node}) {

@@ -42,7 +42,7 @@ inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
         if (engine.windowed != nullptr && position() >= engine.wholeUpTo) needNode();
         engine.lastNode = {position(), &source()};
         if (atEnd()) {
-            apart([](ConformingNodes& nodes) { nodes.leaveEntity(); });
+            apart([](ConformingNodes& nodes) { nodes.leaveEntity(Others::Deliver); });
             continue;
         }
         if (peek() != '<') {
@@ -164,7 +164,7 @@ TESSIT_NOINLINE bool QeXmlReader::Engine::ConformingNodes::readLongText(Others o
         appendRuns(reader.lastContent);
         found = found || position() != before;
         if (atEnd()) {
-            leaveEntity();
+            leaveEntity(others);
         } else {
             goesOn = peek() == '&' ? readReference(others, found) : readMarkupInText(others, found);
         }
@@ -292,18 +292,18 @@ void QeXmlReader::Engine::ConformingNodes::goOnIn(const Source& text, const char
     engine.input.enter(text, place);
 }
 
-void QeXmlReader::Engine::ConformingNodes::needRestOfText() {
+void QeXmlReader::Engine::ConformingNodes::needRestOfText(Others others) {
     const Lending lending(*this);
-    engine.needRestOfText();
+    engine.needRestOfText(others == Others::Deliver);
 }
 
 // Entered at the end of what is read. What an entity brings has to be complete in itself.
-TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity() {
+TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity(Others others) {
     if (state.entities.empty() || source().endsBy != Rule::None) refuseEnd();
     const Conforming::OpenEntity left = state.entities.back();
     if (reader.depth != left.depth) refuse(Rule::EntityNesting, engine.openElements.innermost());
     state.entities.pop_back();
     state.declared.get().close(*left.entity);
     goOnIn(*left.entity->source.parent, left.resume);
-    if (engine.windowed != nullptr) needRestOfText();
+    if (engine.windowed != nullptr) needRestOfText(others);
 }

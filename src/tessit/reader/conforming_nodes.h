@@ -56,7 +56,7 @@ private:
     }
 
     void needNode();
-    void needRestOfText();
+    void needRestOfText(Others others);
     tessit::RawName readTagName();
     void readStartTag();
     void closeStartTag(const tessit::RawName& name);
@@ -78,7 +78,7 @@ private:
     void goOnIn(const tessit::Source& text, const char* place);
 
     void enterEntity(tessit::Entity& entity);
-    void leaveEntity();
+    void leaveEntity(Others others);
 
     // conforming_markup.cpp
     void needOutside();

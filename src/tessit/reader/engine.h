@@ -84,7 +84,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     }
     void needText();
     void needInWindow(const char* const& upTo);
-    void needRestOfText();
+    void needRestOfText(bool isNode);
     void needOutside();
     void openWindowed(std::unique_ptr<tessit::ByteSource> source);
     void leaveWindow() noexcept;

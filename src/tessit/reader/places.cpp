@@ -149,13 +149,13 @@ QeCString QeXmlReader::Engine::pathAt(const char* place) const {
     return tessit::textOfPath(path.depth(), [&path](std::size_t level) { return path.step(level); });
 }
 
-// The tag that a lenient reader is about has opened or closed its element already; what came behind it and could not be
-// read was none.
+// A start tag that was too much has opened its element already. That which a lenient reader is about may have closed one,
+// too; what came behind it and could not be read was none.
 std::size_t QeXmlReader::Engine::levelsInFrontOf(const char* place) const noexcept {
     const std::size_t levels = levelsInDocument();
-    if (conforming != nullptr || lastNode.begin == nullptr) return levels;
+    if (lastNode.begin == nullptr) return levels;
     if (reader.lastNodeType == ElementStart && place == lastTag.begin && levels != 0) return levels - 1;
-    if (reader.lastNodeType != ElementEnd) return levels;
+    if (conforming != nullptr || reader.lastNodeType != ElementEnd) return levels;
     const std::string_view rest(lastNode.begin, static_cast<std::size_t>(input.limit() - lastNode.begin));
     if (!rest.starts_with("</")) return levels;
     const bool isInTag = place == lastNode.begin ||

@@ -148,9 +148,13 @@ void QeXmlReader::Engine::needText() {
     if (windowed != nullptr) needInWindow(windowed->textsUpTo);
 }
 
-void QeXmlReader::Engine::needRestOfText() {
+// Of a text that is read as a node, or together with others up to the next tag.
+void QeXmlReader::Engine::needRestOfText(bool isNode) {
+    const std::string_view next(reader.cursor, static_cast<std::size_t>(input.limit() - reader.cursor));
+    const bool isAtTag = next.size() > 1 && next[0] == '<' && next[1] != '!' && next[1] != '?';
+    if (isAtTag) return;
     const tessit::SetMeanwhile keeps(windowed->keepsLast);
-    needText();
+    isNode ? needNode() : needText();
 }
 
 // What is not whole is as long already as what there is of it, but for the first bytes of what may be the next node: so
