@@ -77,6 +77,26 @@ void walkPieces(const Text& text) {
     }
 }
 
+// Through a window, with another answer for references in each tag's values.
+void walkInTurns(const Text& text) {
+    const Document document(text);
+    QeXmlReader reader(document.inPieces(0, text.size()));
+    for (bool expands = false; !reader.eof(); expands = !expands) {
+        reader.setExpandAttributeReference(expands);
+        reader.readNextNode();
+    }
+}
+
+// Through a window, and then many small documents with the same reader.
+void walkAndReset(const Text& text) {
+    const Document document(text), small("<r/>");
+    QeXmlReader reader(document.inPieces(0, text.size()));
+    while (!reader.eof())
+        reader.readNextNode();
+    for (std::size_t i = 0; i < text.size() / 16; ++i)
+        reader.reset(small.inPieces(0, 4));
+}
+
 void walkWithOptions(const Text& document) {
     QeXmlReader reader(bytesOf(document));
     reader.setExpandAttributeReference(false);
@@ -347,6 +367,8 @@ const struct {
     {"WalkBytesOutsideOfTheRoot", Many, "{\r}<r/>{ \n<!---->}", walkPieces<1>},
     {"WalkBytesOfAnXmlDeclaration", VeryMany, "<?xml{ }version='1.0'?><r/>", walkPieces<1>},
     {"WalkBytesOfUtf16", Many, Text("\xFE\xFF") + Children, walkPieces<1>},
+    {"WalkInTurnsBehindMuch", VeryMany / 4, "<r><a x='{vvvv}'/>{<b/>}</r>", walkInTurns},
+    {"ResetBehindDepth", Many, "{<a>}{</a>}", walkAndReset},
     // What is long enough that it is read before it is known to be whole.
     {"WalkPiecesOfALongValue", VeryMany, "<r><a x='{/>}'/></r>", walkPieces<5000>},
     {"WalkPiecesOfALongText", VeryMany, "<r>{t&amp;<!---->}</r>", walkPieces<5000>},

@@ -240,11 +240,10 @@ TEST(Input, RefusesCallbacksThatUseTheirReader) {
 TEST(Input, GoesOnWhereACallbackWasRefused) {
     constexpr std::string_view Front = "<!DOCTYPE r [<!ENTITY e '<i/>y'>]><r>&e;<!--c-->&e;<!--d-->", Rest = "<b/></r>";
     using Call = void (*)(QeXmlReader & reader);
-    const Call calls[] = {[](QeXmlReader& reader) { reader.readNextNode(); },
-                          [](QeXmlReader& reader) { reader.isElementNext("b"); },
-                          [](QeXmlReader& reader) { reader.readElementStart("i"); },
-                          [](QeXmlReader& reader) { reader.readElementEnd("i"); },
-                          [](QeXmlReader& reader) { reader.readElement("i"); }};
+    const Call calls[] = {
+        [](QeXmlReader& reader) { reader.readNextNode(); }, [](QeXmlReader& reader) { reader.isElementNext("b"); },
+        [](QeXmlReader& reader) { reader.readElementStart("i"); },
+        [](QeXmlReader& reader) { reader.readElementEnd("i"); }, [](QeXmlReader& reader) { reader.readElement("i"); }};
     const auto demand = [](QeXmlReader& reader) {
         reader.readElementStart("r");
         std::string read(reader.readElement("i"));

@@ -149,8 +149,8 @@ QeCString QeXmlReader::Engine::pathAt(const char* place) const {
     return tessit::textOfPath(path.depth(), [&path](std::size_t level) { return path.step(level); });
 }
 
-// A start tag that was too much has opened its element already. That which a lenient reader is about may have closed one,
-// too; what came behind it and could not be read was none.
+// A start tag that was too much has opened its element already. That which a lenient reader is about may have closed
+// one, too; what came behind it and could not be read was none.
 std::size_t QeXmlReader::Engine::levelsInFrontOf(const char* place) const noexcept {
     const std::size_t levels = levelsInDocument();
     if (lastNode.begin == nullptr) return levels;

@@ -264,8 +264,8 @@ void QeXmlReader::Engine::noteExpansion() noexcept {
 
 // --- The window moves
 
-// A callback that had more read, or read another document, would lose the room that it is filling, or what the call that
-// waits for it has at hand.
+// A callback that had more read, or read another document, would lose the room that it is filling, or what the call
+// that waits for it has at hand.
 void QeXmlReader::Engine::refuseWhileReading() const {
     if (windowed == nullptr || !windowed->isReading) return;
     throw QeXmlInputError("the input", std::make_error_code(std::errc::resource_deadlock_would_occur),
@@ -408,7 +408,8 @@ void QeXmlReader::Engine::leaveBeginning() noexcept {
     conforming->documentTypeBegin = conforming->documentTypeEnd = nullptr;
 }
 
-// Asked by a program that may still ask about the last node: of it, or of its place alone, `keeps` has it kept. What goes wrong is for the next reading call.
+// Asked by a program that may still ask about the last node: of it, or of its place alone, `keeps` has it kept. What
+// goes wrong is for the next reading call.
 bool QeXmlReader::Engine::fetchQuietly(bool& keeps) noexcept {
     const tessit::SetMeanwhile keepsMeanwhile(keeps);
     try {

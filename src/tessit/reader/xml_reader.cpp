@@ -119,8 +119,7 @@ void QeXmlReader::skipSpace() noexcept {
     do {
         while (cursor != bufferEnd && tessit::isSpace(*cursor))
             ++cursor;
-    } while (cursor == bufferEnd && engine->windowed != nullptr &&
-             engine->fetchQuietly(engine->windowed->keepsPlace));
+    } while (cursor == bufferEnd && engine->windowed != nullptr && engine->fetchQuietly(engine->windowed->keepsPlace));
 }
 
 // Asked where all is read that is there: whether more comes. What goes wrong is for the next reading call.
