@@ -240,10 +240,14 @@ TEST(Input, RefusesCallbacksThatUseTheirReader) {
 TEST(Input, GoesOnWhereACallbackWasRefused) {
     constexpr std::string_view Front = "<!DOCTYPE r [<!ENTITY e '<i/>y'>]><r>&e;<!--c-->&e;<!--d-->", Rest = "<b/></r>";
     using Call = void (*)(QeXmlReader & reader);
-    const Call calls[] = {
-        [](QeXmlReader& reader) { reader.readNextNode(); }, [](QeXmlReader& reader) { reader.isElementNext("b"); },
-        [](QeXmlReader& reader) { reader.readElementStart("i"); },
-        [](QeXmlReader& reader) { reader.readElementEnd("i"); }, [](QeXmlReader& reader) { reader.readElement("i"); }};
+    const Call calls[] = {[](QeXmlReader& reader) { reader.readNextNode(); },
+                          [](QeXmlReader& reader) { reader.isElementNext("b"); },
+                          [](QeXmlReader& reader) { reader.readElementStart("i"); },
+                          [](QeXmlReader& reader) { reader.readElementEnd("i"); },
+                          [](QeXmlReader& reader) { reader.readElement("i"); },
+                          [](QeXmlReader& reader) { reader.readElementStart(QeXmlName("i")); },
+                          [](QeXmlReader& reader) { reader.readElementStart(); },
+                          [](QeXmlReader& reader) { reader.readElementValue(); }};
     const auto demand = [](QeXmlReader& reader) {
         reader.readElementStart("r");
         std::string read(reader.readElement("i"));
@@ -270,6 +274,20 @@ TEST(Input, GoesOnWhereACallbackWasRefused) {
             QeXmlReader inPlace(QeXmlInput::copy(QeCString(std::string(Front) + std::string(Rest))), options);
             EXPECT_EQ(read(reader), read(inPlace));
         }
+}
+
+// Nor of `eof`, which throws nothing, behind the root.
+TEST(Input, GoesOnWhereACallbackAsksForTheEnd) {
+    QeXmlReader* inside = nullptr;
+    std::size_t given = 0;
+    QeXmlReader reader(QeXmlInput::callback([&](std::span<char> room) {
+                           if (inside != nullptr) inside->eof();
+                           const std::string_view part[] = {"<r/>", " ", "<!---->", {}};
+                           return part[given++].copy(room.data(), room.size());
+                       }),
+                       {.rules = QeXmlRules::Conforming, .nodes = QeXmlNodes::All});
+    inside = &reader;
+    EXPECT_EQ(readAll(reader), "/r # ");
 }
 
 // Each node comes with the byte that makes it whole.

@@ -25,7 +25,8 @@ class ByteSource;
 /// can talk over a socket. What has been asked for may come in any pieces, a byte at a time: reading stays O(bytes).
 ///
 /// An input that cannot be read throws `QeXmlInputError` from the call that needed it, and from each later one that
-/// needs more; what the callback or the stream's buffer throws passes through, and again later.
+/// needs more; what the callback or the stream's buffer throws passes through, and again later, but for a buffer's
+/// `std::ios_base::failure`, which becomes one.
 class QeXmlInput {
 public:
     /// Fills the front of a buffer, of at least one byte, and returns how many bytes it put there: 0 is the end, any

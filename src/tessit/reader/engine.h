@@ -90,7 +90,6 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void leaveWindow() noexcept;
     void openConformingWindow();
     void refuseWhileReading() const;
-    bool readSource();
     bool expandsAsFound() const noexcept;
     void noteExpansion() noexcept;
     bool readFirst();

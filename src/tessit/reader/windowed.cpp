@@ -85,7 +85,7 @@ bool QeXmlReader::Engine::readFirst() {
     return readOrKeepFault([this] {
         tessit::Window& window = windowed->window;
         if (window.isFull()) window.moveFrom(0);
-        return readSource();
+        return window.read();
     });
 }
 
@@ -137,7 +137,6 @@ void QeXmlReader::Engine::openConformingWindow() {
 // Has what is read begin in front of the place that says what can be read, which goes on as more comes.
 void QeXmlReader::Engine::needInWindow(const char* const& upTo) {
     if (!readsWindow() || reader.cursor < upTo) return;
-    refuseWhileReading();
     if (windowed->isOnTrust) findAnew();
     while (reader.cursor >= upTo && fetchMore())
         ;
@@ -278,18 +277,12 @@ bool QeXmlReader::Engine::readOrKeepFault(const Read& read) {
     refuseWhileReading();
     if (windowed->fault != nullptr) std::rethrow_exception(windowed->fault);
     try {
+        const tessit::SetMeanwhile reads(windowed->isReading);
         return read();
     } catch (...) {
         windowed->fault = std::current_exception();
         throw;
     }
-}
-
-// Meanwhile nothing counts as whole: else the callback could have it read.
-bool QeXmlReader::Engine::readSource() {
-    const tessit::SetMeanwhile reads(windowed->isReading);
-    const tessit::SetMeanwhile<const char*> none(wholeUpTo, nullptr), noText(windowed->textsUpTo, nullptr);
-    return windowed->window.read();
 }
 
 // Gets more of the document; false at its end.
@@ -298,7 +291,7 @@ bool QeXmlReader::Engine::fetch() {
     const std::uint64_t before = windowed->window.bytesRead();
     const bool isMore = readOrKeepFault([this] {
         if (windowed->window.isFull()) moveWindow();
-        const bool isText = readSource();
+        const bool isText = windowed->window.read();
         checkConversions();
         tessit::hold(windowed->window.bytesRead(), input.limits().document, tessit::Limit::Document);
         return isText;

@@ -12,19 +12,17 @@
 
 namespace tessit {
 
-/// Has a variable another value while this lives.
-template <typename Value = bool>
+/// Has a flag set while this lives.
 class SetMeanwhile {
 public:
-    explicit SetMeanwhile(Value& which, Value meanwhile = true) noexcept
-        : variable(which), before(std::exchange(which, meanwhile)) {}
+    explicit SetMeanwhile(bool& which) noexcept : flag(which), before(std::exchange(which, true)) {}
     SetMeanwhile(const SetMeanwhile&) = delete;
     SetMeanwhile& operator=(const SetMeanwhile&) = delete;
-    ~SetMeanwhile() { variable = before; }
+    ~SetMeanwhile() { flag = before; }
 
 private:
-    Value& variable;
-    const Value before;
+    bool& flag;
+    const bool before;
 };
 
 }  // namespace tessit
