@@ -245,7 +245,7 @@ TEST(Input, GoesOnWhereACallbackWasRefused) {
                           [](QeXmlReader& reader) { reader.readElementStart("i"); },
                           [](QeXmlReader& reader) { reader.readElementEnd("i"); },
                           [](QeXmlReader& reader) { reader.readElement("i"); },
-                          [](QeXmlReader& reader) { reader.readElementStart(QeXmlName("i")); },
+                          [](QeXmlReader& reader) { reader.readElementStart(QeXmlName("other")); },
                           [](QeXmlReader& reader) { reader.readElementStart(); },
                           [](QeXmlReader& reader) { reader.readElementValue(); }};
     const auto demand = [](QeXmlReader& reader) {
@@ -274,6 +274,21 @@ TEST(Input, GoesOnWhereACallbackWasRefused) {
             QeXmlReader inPlace(QeXmlInput::copy(QeCString(std::string(Front) + std::string(Rest))), options);
             EXPECT_EQ(read(reader), read(inPlace));
         }
+}
+
+// A value that holds no reference ends where one with a reference would go on.
+TEST(Input, LetsACallbackSetWhatValuesAre) {
+    const std::vector<std::string> parts{"<r>t", "<a x='&q'/>", "<b y=';'/></r>"};
+    QeXmlReader* inside = nullptr;
+    std::size_t calls = 0;
+    QeXmlReader reader(QeXmlInput::callback([&](std::span<char> room) {
+        if (calls == 1) inside->setExpandAttributeReference(false);
+        return parts.at(calls++).copy(room.data(), room.size());
+    }));
+    inside = &reader;
+    reader.readElementStart("r");
+    EXPECT_EQ(reader.readElementStart("a").size(), 1u);
+    EXPECT_EQ(calls, 2u);
 }
 
 // Nor of `eof`, which throws nothing, behind the root.

@@ -257,7 +257,7 @@ bool QeXmlReader::Engine::expandsAsFound() const noexcept {
 
 // On trust, a program can have it otherwise for each tag, however much is there.
 void QeXmlReader::Engine::noteExpansion() noexcept {
-    if (windowed == nullptr || windowed->isReading || expandsAsFound()) return;
+    if (windowed == nullptr || expandsAsFound()) return;
     mayTrust() && windowed->fault == nullptr ? readOnTrust() : findAnew();
 }
 
@@ -301,7 +301,7 @@ bool QeXmlReader::Engine::fetch() {
     if (mayTrust())
         readOnTrust();
     else
-        windowed->isOnTrust || !expandsAsFound() ? findAnew() : findInWindow();
+        windowed->isOnTrust ? findAnew() : findInWindow();
     return isMore;
 }
 
