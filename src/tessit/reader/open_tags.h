@@ -28,7 +28,10 @@ public:
     }
 
     /// The text that is there begins at that place, which can be another one than before.
-    void standsAt(const char* text) noexcept { shift = first - addressOf(text); }
+    void standsAt(const char* place) noexcept {
+        text = place;
+        shift = first - addressOf(text);
+    }
 
     /// What is in front of the place is about to go. So many elements are open. `keep` tells of a tag what is kept of
     /// it, from the outermost on.
@@ -51,7 +54,7 @@ public:
     /// Its tag; null if nobody knows, as where there was no memory to note it.
     const char* tag(std::size_t level) const noexcept {
         const Number number = numberAt(level);
-        return number < first ? nullptr : reinterpret_cast<const char*>(static_cast<std::uintptr_t>(number - shift));
+        return number < first ? nullptr : text + (number - first);
     }
 
     /// Another document begins; of this one, so many bytes are there.
@@ -93,11 +96,12 @@ private:
         kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(open), kept.end());
     }
 
-    std::vector<Number> tags;  // by how many elements are open; 0 where nobody knows
-    std::size_t room = 0;      // its size, at hand
-    Number first = 1;          // of the text that is there
-    Number shift = 0;          // from an address to its number
-    std::vector<Kept> kept;    // of the outermost levels
+    std::vector<Number> tags;    // by how many elements are open; 0 where nobody knows
+    std::size_t room = 0;        // its size, at hand
+    const char* text = nullptr;  // what is there
+    Number first = 1;            // its beginning's
+    Number shift = 0;            // from an address to its number
+    std::vector<Kept> kept;      // of the outermost levels
 };
 
 }  // namespace tessit
