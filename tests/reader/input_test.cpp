@@ -291,7 +291,7 @@ TEST(Input, LetsACallbackSetWhatValuesAre) {
     EXPECT_EQ(calls, 2u);
 }
 
-// Nor of `eof`, which throws nothing, behind the root.
+// Behind the root, `eof` throws nothing: what it was refused is no fault of the document.
 TEST(Input, GoesOnWhereACallbackAsksForTheEnd) {
     QeXmlReader* inside = nullptr;
     std::size_t given = 0;
