@@ -84,7 +84,9 @@ const Case Cases[] = {
     {&QeXmlLimits::node, "node", "<a></a>\n<!--1234-->", 11, "2:1", Modes::Conforming},
     {&QeXmlLimits::node, "node", "<a><?pi and data?></a>", 15, "1:4"},
     {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>", 31, "1:1"},
-    {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ENTITY e 't<b/>'>]><a>" + Long + "&e;</a>", 44, "1:38",
+    {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ENTITY e 't<b/>'>]><a>" + repeat(Long + "&e;", 3) + "</a>", 44, "1:38",
+     Modes::Conforming},
+    {&QeXmlLimits::node, "node", "<!DOCTYPE a [<!ENTITY e ''>]><a>" + repeat("&e;", 30) + "<b/></a>", 90, "1:33",
      Modes::Conforming},
     {&QeXmlLimits::node, "node",
      "<!DOCTYPE a [<!ENTITY e '<b/>t'><!ENTITY f '<b/>'>]><a>&e;<!--" + Long + "-->2222&f;</a>", 55, "1:56",
@@ -173,6 +175,43 @@ TEST(Limits, HoldForWhatIsReadFirst) {
     for (const QeXmlRules rules : {QeXmlRules::Lenient, QeXmlRules::Conforming})
         EXPECT_THROW(QeXmlReader(document.inPieces(0, 10'000), {.rules = rules, .limits = {.document = 1000}}),
                      QeXmlLimitError);
+}
+
+// One by one, however many stand next to each other, and where the call reads them that they are for.
+TEST(Limits, HoldForNodesBesidesTagsAndText) {
+    const struct {
+        std::string xml;
+        QeXmlNodes nodes;
+        std::uint64_t most;
+        std::string_view read;
+    } rows[] = {
+        {"<!DOCTYPE r SYSTEM 's'><r>" + repeat("t&e;", 20) + "</r>", QeXmlNodes::References, 23, "42 nodes"},
+        {"<r>" + repeat("t<!--c--><?pi?>", 20) + "</r>", QeXmlNodes::All, 8, "62 nodes"},
+        {"<r>" + repeat("<!--c-->", 20) + "</r>", QeXmlNodes::TagsAndText, 8, "2 nodes"},
+        {"<r>t<!--" + Long + "--></r>", QeXmlNodes::TagsAndText, 20, "1 nodes, refused at 1:4 in /r"},
+        {"<r>t<!--" + Long + "--></r>", QeXmlNodes::All, 20, "2 nodes, refused at 1:5 in /r"},
+        {"<!--" + Long + "--><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
+        {"<?p " + Long + "?><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
+        {"<!DOCTYPE " + Long + "><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
+        {"<r><a x='" + Long + "'/></r>", QeXmlNodes::All, 20, "1 nodes, refused at 1:4 in /r"},
+    };
+    for (const auto& [xml, nodes, most, expected] : rows)
+        for (const Source source : {Source::Span, Source::ByteByByte}) {
+            const Document document(xml);
+            const QeXmlReaderOptions options{.rules = QeXmlRules::Conforming, .nodes = nodes, .limits = {.node = most}};
+            const auto reader = document.open(source, options);
+            std::size_t count = 0;
+            std::string read;
+            try {
+                for (; !reader->eof(); ++count)
+                    reader->readNextNode();
+            } catch (const QeXmlLimitError& error) {
+                const QeXmlPosition place = error.getPosition();
+                read = ", refused at " + std::to_string(place.line) + ':' + std::to_string(place.column) + " in " +
+                       std::string(error.getPath());
+            }
+            EXPECT_EQ(std::to_string(count) + " nodes" + read, expected) << xml;
+        }
 }
 
 // The elements in front of what was too much, whether its beginning is still there or not.

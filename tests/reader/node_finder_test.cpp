@@ -50,7 +50,10 @@ constexpr Case Cases[] = {
     {Content, Lenient, "<b\xA9\xC3<c|>|"},
     {Content, Lenient, "<b\xC3\xA9\xA9>cd|"},
     {Content, Lenient, "x\xEA<\x80|\x34>y|z<a|>|"},
-    {Content, Conforming, "x&y<b|>|"},
+    {Content, Conforming, "x&y|<b|>|"},
+    {Content, Conforming, "x&y|&|"},  // an error, for sure
+    {Content, Conforming, "x&e|ntity;|y&a;|&amp;&#38;y&ampe|re;|z<a| b='&c;'>|&quo<b|>|"},
+    {Content, Conforming, "<a>|<!--c-->|&e;|<!--c-->|x<!--&c;-->y&d|;|"},
     {Content, Conforming, "x<!--c--><?p?><![CDATA[d]]>y<b|>|"},
     {Content, Conforming, "x<!--|c-->|<?p?>|<![CDATA[d]]>|y<b|>|", true, QeXmlNodes::All},
     {Content, Conforming, "<a>|<![CDATB|"},

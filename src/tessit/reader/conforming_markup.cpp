@@ -13,7 +13,7 @@ constexpr std::string_view CommentBegin = "<!--", CDATABegin = "<![CDATA[", Docu
 }  // namespace
 
 void QeXmlReader::Engine::ConformingNodes::readProlog() {
-    if (engine.windowed != nullptr) needOutside();
+    if (engine.windowed != nullptr) needOutside(Others::Leave);
     StrictScanner scanner(source(), position());
     if (position() == source().begin() && !source().isContinued && scanner.isAtDeclaration()) {
         const StrictScanner::Declaration declaration = scanner.readXmlDeclaration();
@@ -63,7 +63,7 @@ bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
             if (others != Others::Pass) return deliverInstruction(others);
             state.nextInstruction = state.declared.get().instructions().size();
         }
-        if (engine.windowed != nullptr) needOutside();
+        if (engine.windowed != nullptr) needOutside(others);
         skipSpace();
         if (atEnd()) {
             if (state.phase == Conforming::InProlog || source().endsBy != Rule::None) refuseEnd();
@@ -83,9 +83,9 @@ bool QeXmlReader::Engine::ConformingNodes::passOutside(Others others) {
     }
 }
 
-void QeXmlReader::Engine::ConformingNodes::needOutside() {
+void QeXmlReader::Engine::ConformingNodes::needOutside(Others others) {
     const Lending lending(*this);
-    engine.needOutside();
+    engine.needOutside(others == Others::Leave);
 }
 
 bool QeXmlReader::Engine::ConformingNodes::readMarkupOutside(Others others) {
@@ -101,11 +101,16 @@ bool QeXmlReader::Engine::ConformingNodes::isLeft(Others others, QeXmlNodes kind
     return others == Others::Leave && state.delivers(kind);
 }
 
+// Inside of the root element, markup that stands here is a node, or part of a text, even if it is passed.
+void QeXmlReader::Engine::ConformingNodes::holdMarkup(const char* upTo) const {
+    state.phase == Conforming::InRoot ? engine.holdNode(upTo) : engine.limitMarkup(position(), upTo);
+}
+
 bool QeXmlReader::Engine::ConformingNodes::readComment(Others others) {
     if (isLeft(others, QeXmlNodes::Comments)) return true;
     StrictScanner scanner(source(), position() + CommentBegin.size());
     const std::string_view text = scanner.readComment();
-    engine.limitMarkup(position(), scanner.position());
+    holdMarkup(scanner.position());
     goBackTo(scanner.position());
     if (others == Others::Pass || !state.delivers(QeXmlNodes::Comments)) return false;
     deliver(Comment, text);
@@ -117,7 +122,7 @@ bool QeXmlReader::Engine::ConformingNodes::readInstruction(Others others) {
     StrictScanner scanner(source(), position() + std::string_view("<?").size());
     const auto [target, data] = scanner.readInstruction(state.options.namespaces);
     tessit::hold(target.size(), input.limits().name, tessit::Limit::Name, target.data());
-    engine.limitMarkup(position(), scanner.position());
+    holdMarkup(scanner.position());
     goBackTo(scanner.position());
     if (others == Others::Pass || !state.delivers(QeXmlNodes::Instructions)) return false;
     state.target.assign(target);
@@ -181,6 +186,6 @@ void QeXmlReader::Engine::ConformingNodes::readCDATA(QeCString& text) {
     const char* const found = corvel::findText(start, limit(), End);
     if (found == limit()) refuseEnd();
     appendAsWritten(text, {start, static_cast<std::size_t>(found - start)});
-    engine.limitMarkup(position(), found + End.size());
+    holdMarkup(found + End.size());
     goBackTo(found + End.size());
 }

@@ -42,7 +42,7 @@ inline void QeXmlReader::Engine::ConformingNodes::readNextNode() {
         if (engine.windowed != nullptr && position() >= engine.wholeUpTo) needNode();
         engine.lastNode = {position(), &source()};
         if (atEnd()) {
-            apart([](ConformingNodes& nodes) { nodes.leaveEntity(Others::Deliver); });
+            apart([](ConformingNodes& nodes) { nodes.leaveEntity(); });
             continue;
         }
         if (peek() != '<') {
@@ -160,14 +160,17 @@ TESSIT_NOINLINE bool QeXmlReader::Engine::ConformingNodes::readLongText(Others o
     if (readTextRun(reader.lastContent, '>')) return position() != start;
     bool found = position() != start;  // whether there is any text, be it of no bytes
     for (bool goesOn = true; goesOn;) {
+        needRestOfText(others);
         const char* const before = position();
         appendRuns(reader.lastContent);
         found = found || position() != before;
+        needRestOfText(others);
         if (atEnd()) {
-            leaveEntity(others);
+            leaveEntity();
         } else {
             goesOn = peek() == '&' ? readReference(others, found) : readMarkupInText(others, found);
         }
+        if (engine.hasLimits()) engine.holdNode(position());
     }
     return found || reader.lastNodeType != Content;
 }
@@ -292,18 +295,19 @@ void QeXmlReader::Engine::ConformingNodes::goOnIn(const Source& text, const char
     engine.input.enter(text, place);
 }
 
-void QeXmlReader::Engine::ConformingNodes::needRestOfText(Others others) {
+// A text goes on behind each reference, and what it comes to, for as long as nothing ends it.
+inline void QeXmlReader::Engine::ConformingNodes::needRestOfText(Others others) {
+    if (engine.windowed == nullptr) return;
     const Lending lending(*this);
     engine.needRestOfText(others == Others::Deliver);
 }
 
 // Entered at the end of what is read. What an entity brings has to be complete in itself.
-TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity(Others others) {
+TESSIT_NOINLINE void QeXmlReader::Engine::ConformingNodes::leaveEntity() {
     if (state.entities.empty() || source().endsBy != Rule::None) refuseEnd();
     const Conforming::OpenEntity left = state.entities.back();
     if (reader.depth != left.depth) refuse(Rule::EntityNesting, engine.openElements.innermost());
     state.entities.pop_back();
     state.declared.get().close(*left.entity);
     goOnIn(*left.entity->source.parent, left.resume);
-    if (engine.windowed != nullptr) needRestOfText(others);
 }

@@ -78,15 +78,16 @@ private:
     void goOnIn(const tessit::Source& text, const char* place);
 
     void enterEntity(tessit::Entity& entity);
-    void leaveEntity(Others others);
+    void leaveEntity();
 
     // conforming_markup.cpp
-    void needOutside();
+    void needOutside(Others others);
     bool beginsWith(std::string_view text);
     bool isCommentHere();
     void requireCDATA();
     bool readMarkup();
     bool readMarkupOutside(Others others);
+    void holdMarkup(const char* upTo) const;
     bool isLeft(Others others, QeXmlNodes kind) const;
     bool readComment(Others others);
     bool readInstruction(Others others);

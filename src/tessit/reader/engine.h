@@ -77,15 +77,17 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     const char* nextInDocument() const noexcept;
 
     // windowed.cpp
-    /// Have what comes next be there as a whole: a node; all up to the next tag; what stands outside of the root. For a
-    /// document that is in memory they do nothing.
+    /// Have what comes next be there as a whole: a node; all up to the next tag, or reference to an entity; what comes
+    /// next of a text; what stands outside of the root. For a document that is in memory they do nothing.
     void needNode() {
         if (windowed != nullptr) needInWindow(wholeUpTo);
     }
     void needText();
     void needInWindow(const char* const& upTo);
     void needRestOfText(bool isNode);
-    void needOutside();
+    bool isAtEndOfText(bool isNode) const noexcept;
+    bool isInNode() const noexcept;
+    void needOutside(bool leavesNodes = false);
     void openWindowed(std::unique_ptr<tessit::ByteSource> source);
     void leaveWindow() noexcept;
     void openConformingWindow();
@@ -101,6 +103,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     bool isHalfALineEnd() const noexcept;
     bool fetch();
     bool fetchMore();
+    [[noreturn]] void refuseBegun();
     bool fetchQuietly(bool& keeps) noexcept;
     void keepPlaceOfLast();
     void moveWindow();
@@ -189,6 +192,8 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     void setLimits(const QeXmlLimits& given);
     bool hasLimits() const noexcept { return &input.limits() != &tessit::NoLimits; }
     void limitMarkup(const char* begin, const char* end) const;
+    std::uint64_t bytesOfNode(const char* end) const noexcept;
+    void holdNode(const char* end) const;
     void limitNode();
     void limitTag();
     void limitEndTag() const;

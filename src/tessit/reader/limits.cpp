@@ -35,17 +35,23 @@ void QeXmlReader::Engine::limitMarkup(const char* begin, const char* end) const 
     hold(static_cast<std::uint64_t>(end - begin), input.limits().node, Limit::Node, begin);
 }
 
-// A text that goes through entities has a part in each. One through a conversion is not known any more.
+// Of the last node, or that which is read. A text that goes through entities has a part in each; of one through a
+// conversion, nothing is known any more.
+std::uint64_t QeXmlReader::Engine::bytesOfNode(const char* end) const noexcept {
+    if (lastNode.begin == nullptr) return 0;
+    const bool hasParts = conforming != nullptr && conforming->parts.node == lastNode.begin;
+    const char* const begin = hasParts ? conforming->parts.begin : lastNode.begin;
+    return (hasParts ? conforming->parts.bytes : 0) + static_cast<std::uint64_t>(end - begin);
+}
+
+void QeXmlReader::Engine::holdNode(const char* end) const {
+    hold(bytesOfNode(end), input.limits().node, Limit::Node);
+}
+
 void QeXmlReader::Engine::limitNode() {
-    if (lastNode.begin == nullptr) return;
-    const char* begin = lastNode.begin;
-    std::uint64_t before = 0;
-    if (conforming != nullptr && conforming->parts.node == lastNode.begin) {
-        begin = conforming->parts.begin;
-        before = conforming->parts.bytes;
-    }
+    const std::uint64_t bytes = bytesOfNode(input.position());
     if (conforming != nullptr) conforming->parts = {};
-    hold(before + static_cast<std::uint64_t>(input.position() - begin), input.limits().node, Limit::Node);
+    hold(bytes, input.limits().node, Limit::Node);
 }
 
 // The bindings of an empty element are not in force any more, but were.

@@ -22,6 +22,17 @@ bool beginsMarkup(char kind) {
     return kind == '!' || kind == '?';
 }
 
+// Whether what stands behind an '&' is the name of an entity that is not predefined; as it begins, it may go on.
+enum class Named { Yes, No, Perhaps };
+
+Named isOfEntity(std::string_view reference) {
+    for (const std::string_view other : {"#", "amp;", "lt;", "gt;", "apos;", "quot;"}) {
+        if (reference.starts_with(other)) return Named::No;
+        if (other.starts_with(reference)) return Named::Perhaps;
+    }
+    return Named::Yes;
+}
+
 #if defined(TESSIT_SCAN_BLOCKS)
 
 constexpr std::ptrdiff_t ChunkSize = 64;
@@ -97,14 +108,15 @@ void NodeFinder::begin(std::size_t place, Where where, bool expandsReferences) n
     isDocumentBegin = where == Where::Begin;
     isNode = false;
     tagState = isOutside ? Tag::None : Tag::Whole;
-    at = start = markup = tag = tagAt = wholeNodes = wholeTexts = place;
+    at = start = markup = tag = tagAt = textAt = wholeNodes = wholeTexts = place;
     textEnd = markupEnd = 0;
     state = where == Where::Declaration ? State::LenientDeclaration : State::Between;
     declaration = Declaration::NextSpace;
 }
 
 void NodeFinder::drop(std::size_t dropped) noexcept {
-    for (std::size_t* place : {&at, &start, &markup, &tag, &tagAt, &textEnd, &markupEnd, &wholeNodes, &wholeTexts})
+    for (std::size_t* place :
+         {&at, &start, &markup, &tag, &tagAt, &textEnd, &textAt, &markupEnd, &wholeNodes, &wholeTexts})
         *place = *place == Everything ? Everything : *place - std::min(*place, dropped);
 }
 
@@ -179,6 +191,7 @@ bool NodeFinder::passBetween() noexcept {
         const char* const thought = isConforming ? findThought(from, end) : findThought(from, end, '&');
         at = static_cast<std::size_t>(thought - text.data());
         noteTags(static_cast<std::size_t>(from - text.data()), at);
+        if (isConforming) noteEntities(at);
     } while (left() != 0 && text[at] == '&' && passReferences());
     if (left() == 0) return false;
     if (text[at] == '&') {
@@ -250,6 +263,27 @@ void NodeFinder::noteTag(std::size_t place) noexcept {
     textEnd = place + 1;
 }
 
+// Behind the last tag, each reference to an entity ends a text, and the last one counts.
+void NodeFinder::noteEntities(std::size_t upTo) noexcept {
+    lookAtTag(upTo);
+    while (tagState == Tag::Whole) {
+        textAt = std::min(text.substr(0, upTo).find('&', std::max(textAt, tagAt)), upTo);
+        if (textAt == upTo) return;
+        switch (isOfEntity(text.substr(textAt + 1, upTo - textAt - 1))) {
+            case Named::Perhaps:
+                return;
+            case Named::No:
+                ++textAt;
+                break;
+            case Named::Yes:
+                tag = textEnd = textAt;
+                tagAt = textAt + 1;
+                tagState = Tag::Entity;
+                lookAtTag(upTo);
+        }
+    }
+}
+
 // --- Markup
 
 bool NodeFinder::passLenientMarkup() noexcept {
@@ -278,7 +312,7 @@ bool NodeFinder::passLenientMarkup() noexcept {
 bool NodeFinder::passStrictMarkup() noexcept {
     constexpr std::string_view Comment = "<!--", Section = "<![CDATA[", Type = "<!DOCTYPE";
     if (text[markup + 1] == '?') {
-        noteNode(QeXmlNodes::Instructions);
+        if (!isDocumentBegin) noteNode(QeXmlNodes::Instructions);
         return enter(State::Target);
     }
     const std::string_view here = text.substr(markup);
@@ -293,6 +327,7 @@ bool NodeFinder::passStrictMarkup() noexcept {
         return enter(State::Section);
     }
     if (here.starts_with(Type) && isOutside) {
+        noteNode(QeXmlNodes::DocumentType);
         at = markup + Type.size();
         return enter(State::DocumentType);
     }
@@ -323,6 +358,7 @@ bool NodeFinder::endMarkup() noexcept {
         tagAt = at;
         tagState = Tag::Whole;
     }
+    textAt = at;
     isNode = isDocumentBegin = false;
     return enter(State::Between);
 }
@@ -346,7 +382,11 @@ bool NodeFinder::passTarget() noexcept {
         declaration = Declaration::VersionSpace;
         return enter(State::LenientDeclaration);
     }
-    return enter(isXml && isDocumentBegin && isSpace(text[at]) ? State::StrictDeclaration : State::Instruction);
+    if (isDocumentBegin) {
+        if (isXml && isSpace(text[at])) return enter(State::StrictDeclaration);
+        noteNode(QeXmlNodes::Instructions);
+    }
+    return enter(State::Instruction);
 }
 
 bool NodeFinder::passSectionName() noexcept {
@@ -537,6 +577,12 @@ bool NodeFinder::stepInTag(std::size_t upTo) noexcept {
             return goTo(text[tagAt] == tagQuote ? Tag::Outside : text[tagAt] == '&' ? Tag::Reference : Tag::Broken);
         case Tag::Reference:
             return findInTag(upTo, ';') && goTo(Tag::Value);
+        case Tag::Entity:
+            if (!findInTag(upTo, ';', '<', '&') || text[tagAt] == '<') return false;
+            if (text[tagAt] == '&') return goTo(Tag::Broken);
+            textEnd = ++tagAt;
+            tagState = Tag::Whole;
+            return false;
         case Tag::None:
         case Tag::Whole:
         case Tag::Broken:

@@ -14,7 +14,8 @@ namespace tessit {
 ///
 /// Looks at each byte a constant number of times, in whatever pieces they come: what needs thought in a text is little
 /// besides markup that is neither tag nor text, and the last tag. A tag ends at a '>' outside of its values, a text
-/// where the next tag begins; whatever ends in an error counts as whole where a reader is sure to raise it.
+/// where the next tag begins, or a reference to an entity, which may bring one; whatever ends in an error counts as
+/// whole where a reader is sure to raise it.
 ///
 /// Places are offsets from the text's begin, which moves: `drop`.
 class NodeFinder {
@@ -44,9 +45,13 @@ public:
     /// A node that begins in front of this place can be read.
     std::size_t nodesUpTo() const noexcept { return wholeNodes; }
 
-    /// All up to the next tag can be read from a place in front of this one; outside of the root element, all up to
-    /// the end of what comes next.
+    /// All up to the next tag, or reference to an entity, can be read from a place in front of this one; outside of the
+    /// root element, all up to the end of what comes next.
     std::size_t textsUpTo() const noexcept { return wholeTexts; }
+
+    /// Whether a node that is neither tag nor text begins at this place, and is not whole: the text in front ends
+    /// there.
+    bool isInNodeAt(std::size_t place) const noexcept { return isNode && tagState == Tag::None && markup == place; }
 
 private:
     enum class State : std::uint8_t {
@@ -70,7 +75,7 @@ private:
         Literal,
         Broken
     };
-    enum class Tag : std::uint8_t { None, Begin, EndTag, Outside, Equals, Value, Reference, Whole, Broken };
+    enum class Tag : std::uint8_t { None, Begin, EndTag, Outside, Equals, Value, Reference, Entity, Whole, Broken };
     enum class Declaration : std::uint8_t { VersionSpace, EqualsSpace, QuoteSpace, Value, NextSpace, Skip };
 
     bool step() noexcept;
@@ -81,6 +86,7 @@ private:
     bool passOutside() noexcept;
     void noteTags(std::size_t from, std::size_t to) noexcept;
     void noteTag(std::size_t place) noexcept;
+    void noteEntities(std::size_t upTo) noexcept;
     bool passMarkup() noexcept;
     bool passLenientMarkup() noexcept;
     bool passStrictMarkup() noexcept;
@@ -144,9 +150,10 @@ private:
 
     Tag tagState = Tag::None;
     char tagQuote = '\0';
-    std::size_t tag = 0;        // the last one, or another node
+    std::size_t tag = 0;        // the last one, or another node, or a reference to an entity
     std::size_t tagAt = 0;      // all of it in front of this was looked at
-    std::size_t textEnd = 0;    // behind the '<' of the last one; 0 where there was none
+    std::size_t textEnd = 0;    // behind the '<' of the last one, or a reference; 0 where there was none
+    std::size_t textAt = 0;     // texts were looked at for references in front of this
     std::size_t markupEnd = 0;  // of the last markup outside of the root element
 
     std::size_t wholeNodes = 0, wholeTexts = 0;

@@ -58,7 +58,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
         if (kind == '/') return readEndTag();
         if (kind == '?') {
             apart(&NodeReader::readInstruction);
-            limitMarkup(engine.lastNode.begin);
+            engine.holdNode(position());
         } else if (kind != '!') {
             stepBack(1);
             return readStartTag();
@@ -71,7 +71,7 @@ inline void QeXmlReader::Engine::NodeReader::readNextNode() {
             if (peek() != '-') raiseWith("Invalid character sequence <!", {position(), 1});
             skip(1);
             apart(&NodeReader::skipComment);
-            limitMarkup(engine.lastNode.begin);
+            engine.holdNode(position());
         }
     }
 }
@@ -224,8 +224,6 @@ TESSIT_NOINLINE void QeXmlReader::Engine::NodeReader::readLongContent() {
 // Entered just after a '<' in text. Passes a comment or an instruction, takes in a
 // CDATA section, and steps back from a tag, where the text ends: then false.
 bool QeXmlReader::Engine::NodeReader::readMarkupInContent() {
-    const char* const start = position() - 1;
-    const unsigned conversions = input.conversions();
     const char byte = take();
     if (byte != '?' && byte != '!') {
         stepBack(2);
@@ -235,7 +233,7 @@ bool QeXmlReader::Engine::NodeReader::readMarkupInContent() {
         readInstruction();
     else
         readDeclarationInContent();
-    limitMarkup(input.conversions() == conversions ? start : nullptr);
+    engine.holdNode(position());
     return true;
 }
 

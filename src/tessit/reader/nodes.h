@@ -35,10 +35,6 @@ private:
     template <typename Read>
     void apart(const Read& read);
     void readLongContent();
-    // What ends here and began at that place, unless its bytes are gone.
-    void limitMarkup(const char* begin) const {
-        if (begin != nullptr) engine.limitMarkup(begin, position());
-    }
     void needNextNode();
     bool readMarkupInContent();
     void readDeclarationInContent();

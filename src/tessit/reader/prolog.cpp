@@ -29,7 +29,7 @@ void QeXmlReader::Engine::NodeReader::readProlog() {
             default:
                 return stepBack(2);
         }
-        limitMarkup(input.conversions() == conversions ? start : nullptr);
+        if (input.conversions() == conversions) engine.limitMarkup(start, position());
     }
 }
 

@@ -149,11 +149,21 @@ void QeXmlReader::Engine::needText() {
 
 // Of a text that is read as a node, or together with others up to the next tag.
 void QeXmlReader::Engine::needRestOfText(bool isNode) {
-    const std::string_view next(reader.cursor, static_cast<std::size_t>(input.limit() - reader.cursor));
-    const bool isAtTag = next.size() > 1 && next[0] == '<' && next[1] != '!' && next[1] != '?';
-    if (isAtTag) return;
+    const char* const& upTo = isNode ? wholeUpTo : windowed->textsUpTo;
+    if (!readsWindow() || reader.cursor < upTo || isAtEndOfText(isNode)) return;
     const tessit::SetMeanwhile keeps(windowed->keepsLast);
-    isNode ? needNode() : needText();
+    needInWindow(upTo);
+}
+
+bool QeXmlReader::Engine::isAtEndOfText(bool isNode) const noexcept {
+    if (isNode && isInNode()) return true;
+    const std::string_view next(reader.cursor, static_cast<std::size_t>(input.limit() - reader.cursor));
+    return next.size() > 1 && next[0] == '<' && next[1] != '!' && next[1] != '?';
+}
+
+// Whether what comes next is a node besides tags and text, and not whole.
+bool QeXmlReader::Engine::isInNode() const noexcept {
+    return windowed->finder.isInNodeAt(static_cast<std::size_t>(reader.cursor - windowed->window.text().data()));
 }
 
 // What is not whole is as long already as what there is of it, but for the first bytes of what may be the next node: so
@@ -161,12 +171,19 @@ void QeXmlReader::Engine::needRestOfText(bool isNode) {
 bool QeXmlReader::Engine::fetchMore() {
     constexpr std::uint64_t MostOfNext = 16;
     const auto length = static_cast<std::uint64_t>(input.limit() - reader.cursor);
-    tessit::hold(length - std::min(length, MostOfNext), input.limits().node, tessit::Limit::Node, reader.cursor);
+    if (length - std::min(length, MostOfNext) > input.limits().node) refuseBegun();
     return fetch();
 }
 
-// White space in front of what comes next goes: there may be any number of it.
-void QeXmlReader::Engine::needOutside() {
+// A text was the last node already when it began.
+void QeXmlReader::Engine::refuseBegun() {
+    if (!windowed->keepsLast) lastNode = {reader.cursor, conforming == nullptr ? nullptr : &input.source()};
+    throw tessit::Exceeded{tessit::Limit::Node};
+}
+
+// White space in front of what comes next goes: there may be any number of it. Nodes that are left standing may be of
+// any length, too.
+void QeXmlReader::Engine::needOutside(bool leavesNodes) {
     if (!readsWindow()) return;
     if (conforming != nullptr && conforming->phase == Conforming::InEpilog && !windowed->isInEpilog) {
         windowed->isInEpilog = true;
@@ -176,7 +193,7 @@ void QeXmlReader::Engine::needOutside() {
         const char* const end = input.limit();
         while (reader.cursor != end && tessit::isSpace(*reader.cursor) && !isHalfALineEnd())
             ++reader.cursor;
-        if (reader.cursor < windowed->textsUpTo || !fetchMore()) return;
+        if (reader.cursor < windowed->textsUpTo || (leavesNodes && isInNode()) || !fetchMore()) return;
     }
 }
 
@@ -321,6 +338,7 @@ void QeXmlReader::Engine::showWindow(const char* place) {
 void QeXmlReader::Engine::moveWindow() {
     nothingIsWhole();
     keepPlaceOfLast();
+    const bool areItsParts = conforming != nullptr && conforming->parts.node == lastNode.begin;
     const bool keepsPending = conforming != nullptr && rawCopy == nullptr && pendingStart != nullptr &&
                               (reader.nodePending || windowed->isLookedAhead);
     const char* keptFrom = keepsPending ? pendingStart : reader.cursor;
@@ -346,9 +364,11 @@ void QeXmlReader::Engine::moveWindow() {
     if (&ofTag != &ofNode) move(ofTag);
     for (Written* const written : {&lastNode, &lastTag})
         if (placeInDocument(*written) == nullptr) *written = {};
-    if (conforming != nullptr) {
+    if (areItsParts) {
         move(conforming->parts.begin);
         conforming->parts.node = lastNode.begin;
+    } else if (conforming != nullptr) {
+        conforming->parts = {};
     }
     foundOut.reset();
     if (windowed->hasMoved || dropped != 0) leaveBeginning();
