@@ -607,6 +607,7 @@ TEST(Places, OfErrorsAtTheEndOfWhatIsThere) {
          "/r/s/a"},
         {{"<r>", child, child, child, child, child, child, "<a><b></b></a></r>"}, {.depth = 2}, "/r/a"},
         {{"<r><b>x", much + "&;", "</b></r>"}, {}, "/r/b"},
+        {{"<r><s>", child, child, child, child, child, child, child, "<a x></a></s></r>"}, {}, "/r/s"},
         {{"<r><b>x", much + "<!x", "></b></r>"}, {}, "/r/b"},
     };
     for (const auto& [parts, limits, path] : cases) {

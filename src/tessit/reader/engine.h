@@ -169,6 +169,7 @@ struct QeXmlReader::Engine final : tessit::ErrorContext {
     std::optional<QeXmlAttributeSpans> spansOf(const QeXmlAttribute& attribute);
     const tessit::ElementPath& pathInDocument(const char* place) const;
     const char* beginOfElements() const noexcept;
+    const char* inFrontOfUnread(const char* place) const noexcept;
     QeCString pathOfOpenElements(const char* place) const;
     QeCString pathWithEntities(std::size_t levels,
                                const std::function<tessit::PathStep(std::size_t)>& inDocument) const;

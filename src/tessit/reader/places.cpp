@@ -121,11 +121,18 @@ const ElementPath& QeXmlReader::Engine::pathInDocument(const char* place) const 
     return *path;
 }
 
+// Where a lenient reader could not read a start tag, which opens nothing then, its begin.
+const char* QeXmlReader::Engine::inFrontOfUnread(const char* place) const noexcept {
+    if (conforming != nullptr || lastNode.begin == nullptr || lastNode.begin == lastTag.begin) return place;
+    const bool isInTag = lastNode.begin < place && place - lastNode.begin > 1 && *lastNode.begin == '<';
+    return isInTag && lastNode.begin[1] != '/' ? lastNode.begin : place;
+}
+
 // Elements that an entity opened are known by their names alone.
 QeCString QeXmlReader::Engine::pathOfOpenElements(const char* place) const {
     if (reader.depth <= 0 && levelsInFrontOf(place) == 0) return QeCString();
     if (!hasBeginning()) return pathWithoutBeginning(place);
-    const ElementPath& inDocument = pathInDocument(place);
+    const ElementPath& inDocument = pathInDocument(inFrontOfUnread(place));
     return pathWithEntities(inDocument.depth(), [&inDocument](std::size_t level) { return inDocument.step(level); });
 }
 
