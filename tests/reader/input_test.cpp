@@ -363,12 +363,15 @@ TEST(Input, DeliversTextsBehindEntities) {
     for (const char* text : {"yt<!--c-->", "&e;t<!--c-->", "&e;<!--c-->", "&e;t<![CDATA[x]]>", "&e;<b", "&e;t</",
                              "t&e;", "p<!--", "&p;<!--", "&p;<?", "&p;<b", "&p;t<![CDATA[", "t&x;", "&p;t&x;"}) {
         std::size_t calls = 0;
-        const std::vector<std::string> parts{front + text, "></b>"};
+        std::vector<std::string> parts{front};
+        for (const char byte : std::string_view(text))
+            parts.emplace_back(1, byte);
+        parts.emplace_back("></b>");
         QeXmlReader reader(inParts(parts, calls), {.rules = QeXmlRules::Conforming, .nodes = QeXmlNodes::All});
         do
             reader.readNextNode();
         while (reader.getLastNodeType() != QeXmlReader::Content);
-        EXPECT_EQ(calls, 1u) << text;
+        EXPECT_LE(calls, parts.size() - 1) << text;
     }
 }
 

@@ -186,12 +186,16 @@ TEST(Limits, HoldForNodesBesidesTagsAndText) {
         std::string_view read;
     } rows[] = {
         {"<!DOCTYPE r SYSTEM 's'><r>" + repeat("t&e;", 20) + "</r>", QeXmlNodes::References, 23, "42 nodes"},
+        {"<!DOCTYPE r SYSTEM 's'><r>&e;<a x='" + Long + "'/></r>", QeXmlNodes::TagsAndText, 30,
+         "2 nodes, refused at 1:30 in /r"},
+        {"<!DOCTYPE r SYSTEM 's'><r>&e;<!--" + Long + "--></r>", QeXmlNodes::All, 30, "3 nodes, refused at 1:30 in /r"},
         {"<r>" + repeat("t<!--c--><?pi?>", 20) + "</r>", QeXmlNodes::All, 8, "62 nodes"},
         {"<r>" + repeat("<!--c-->", 20) + "</r>", QeXmlNodes::TagsAndText, 8, "2 nodes"},
         {"<r>t<!--" + Long + "--></r>", QeXmlNodes::TagsAndText, 20, "1 nodes, refused at 1:4 in /r"},
         {"<r>t<!--" + Long + "--></r>", QeXmlNodes::All, 20, "2 nodes, refused at 1:5 in /r"},
         {"<!--" + Long + "--><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
-        {"<?p " + Long + "?><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
+        {"<?" + Long + "?><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
+        {"<?xmp " + Long + "?><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
         {"<!DOCTYPE " + Long + "><r/>", QeXmlNodes::All, 20, "0 nodes, refused at 1:1 in "},
         {"<r><a x='" + Long + "'/></r>", QeXmlNodes::All, 20, "1 nodes, refused at 1:4 in /r"},
     };

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t LongestCharacter = 4;
 constexpr unsigned char FirstOfLeads = 0xC0;
+constexpr std::string_view Xml = "xml";
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & FirstOfLeads) == 0x80;
@@ -375,18 +376,20 @@ bool NodeFinder::passName() noexcept {
 }
 
 bool NodeFinder::passTarget() noexcept {
-    if (!passName()) return false;
+    const bool isThere = passName();
+    if (isDocumentBegin && !mayBeDeclared(isThere)) noteNode(QeXmlNodes::Instructions);
+    if (!isThere) return false;
     if (at == start) return breakHere();
-    const bool isXml = passed() == "xml";
-    if (isXml && !isConforming) {
+    if (passed() == Xml && !isConforming) {
         declaration = Declaration::VersionSpace;
         return enter(State::LenientDeclaration);
     }
-    if (isDocumentBegin) {
-        if (isXml && isSpace(text[at])) return enter(State::StrictDeclaration);
-        noteNode(QeXmlNodes::Instructions);
-    }
-    return enter(State::Instruction);
+    return enter(isDocumentBegin && mayBeDeclared(true) ? State::StrictDeclaration : State::Instruction);
+}
+
+// Whether the target that was passed so far, or is there, may be that of an XML declaration.
+bool NodeFinder::mayBeDeclared(bool isThere) const noexcept {
+    return isThere ? passed() == Xml && isSpace(text[at]) : Xml.starts_with(passed());
 }
 
 bool NodeFinder::passSectionName() noexcept {

@@ -91,6 +91,7 @@ private:
     bool passLenientMarkup() noexcept;
     bool passStrictMarkup() noexcept;
     bool passTarget() noexcept;
+    bool mayBeDeclared(bool isThere) const noexcept;
     bool passName() noexcept;
     bool passUpTo(std::string_view end, State next) noexcept;
     bool passComment() noexcept;

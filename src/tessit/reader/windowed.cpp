@@ -150,9 +150,10 @@ void QeXmlReader::Engine::needText() {
 // Of a text that is read as a node, or together with others up to the next tag.
 void QeXmlReader::Engine::needRestOfText(bool isNode) {
     const char* const& upTo = isNode ? wholeUpTo : windowed->textsUpTo;
-    if (!readsWindow() || reader.cursor < upTo || isAtEndOfText(isNode)) return;
+    if (!readsWindow() || reader.cursor < upTo) return;
     const tessit::SetMeanwhile keeps(windowed->keepsLast);
-    needInWindow(upTo);
+    while (reader.cursor >= upTo && !isAtEndOfText(isNode) && fetchMore())
+        ;
 }
 
 bool QeXmlReader::Engine::isAtEndOfText(bool isNode) const noexcept {
